@@ -1,0 +1,15 @@
+# Flags that every target shares. They hang on an interface target, so that nothing
+# leaks into the dependencies' own headers.
+add_library(quoin_options INTERFACE)
+target_compile_options(quoin_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+  # Results are the same bits on every machine: no fused multiply-add behind our back.
+  -ffp-contract=off)
+if(QUOIN_WERROR)
+  target_compile_options(quoin_options INTERFACE -Werror)
+endif()
+if(QUOIN_SANITIZE)
+  target_compile_options(quoin_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(quoin_options INTERFACE -fsanitize=address,undefined)
+endif()
