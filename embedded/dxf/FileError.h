@@ -1,0 +1,29 @@
+// What is wrong with a drawing file, with everything that a message needs: file, place,
+// record and cause. Thrown inside the embedded host only; the host API answers a status
+// and keeps the text for whoever asks.
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+#include "acadstrc.h"
+
+namespace quoin::dxf {
+
+class FileError : public std::runtime_error {
+ public:
+  FileError(Acad::ErrorStatus code, const std::string& cause)
+      : std::runtime_error(cause), status(code) {}
+
+  Acad::ErrorStatus status;
+  std::string fileName;
+  std::uint64_t line = 0;    // ASCII: 1-based; 0 when unknown
+  std::uint64_t offset = 0;  // binary: byte offset
+  std::string record;        // "LINE 2F", empty when unknown
+
+  /// "plan.dxf:1742: LINE 2F: group code 'x1' is not a number".
+  std::string message() const;
+};
+
+}  // namespace quoin::dxf

@@ -1,0 +1,164 @@
+// The lossless record store: a drawing file in memory as one buffer, with a stub for every
+// record (all tags from a group 0 up to the next group 0) that points into it. What nobody
+// changes is never parsed further and is written back as it stands; a changed record gets
+// bytes of its own, in the same format. Typed classes (AcDbLine, ...) are views onto stubs.
+//
+// Memory: the buffer plus 64 bytes a record plus 8 bytes a list entry. Stubs never move, so
+// an AcDbObjectId is a stub's address.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "embedded/dxf/Format.h"
+#include "embedded/dxf/Tag.h"
+
+class AcDbObject;
+class AcDbDatabase;
+
+namespace quoin::dxf {
+class RecordStore;
+
+enum class Section : std::uint8_t { Header, Classes, Tables, Blocks, Entities, Objects, Other };
+
+/// What a stub stands for, as far as the store itself must know.
+enum class Role : std::uint8_t {
+  Table,        // TABLE head of a symbol table
+  TableRecord,  // LAYER, LTYPE, STYLE, BLOCK_RECORD, ...
+  BlockBegin,   // BLOCK
+  BlockEnd,     // ENDBLK
+  Entity,       // a top-level entity of a block
+  SubEntity,    // VERTEX, ATTRIB, SEQEND: belongs to the entity in front of it
+  Object,       // a record of OBJECTS
+  Other         // CLASS, unknown sections' records, ...
+};
+
+}  // namespace quoin::dxf
+
+/// One record of a drawing. The address is the identity behind AcDbObjectId.
+struct AcDbStub {
+  quoin::dxf::RecordStore* store = nullptr;
+  /// The live typed view while the object is open (or kept); managed by embedded/db.
+  AcDbObject* object = nullptr;
+  /// The record's tags: in the file's buffer, or in bytes of its own once changed.
+  const char* data = nullptr;
+  std::uint64_t handle = 0;  // 0: the file gives none (R12 without handles)
+  AcDbStub* owner = nullptr;
+  std::uint32_t size = 0;
+  std::uint32_t index = 0;  // position in file order; new records follow
+  std::uint16_t kind = 0;   // index into the store's kind names
+  quoin::dxf::Section section = quoin::dxf::Section::Other;
+  quoin::dxf::Role role = quoin::dxf::Role::Other;
+  bool erased = false;
+  bool changed = false;  // data is the record's own
+  bool isNew = false;    // not in the file yet
+
+  std::string_view bytes() const { return {data, size}; }
+};
+
+namespace quoin::dxf {
+
+/// One symbol table (LAYER, BLOCK_RECORD, ...) in file order, erased records included.
+struct Table {
+  std::string name;          // "LAYER"
+  AcDbStub* head = nullptr;  // the TABLE record; null when the file has no such table
+  std::vector<AcDbStub*> records;
+  std::size_t insertAt = 0;  // offset in the buffer where new records go (before ENDTAB)
+};
+
+/// One block with its top-level entities in file order, erased ones included.
+struct Block {
+  std::wstring name;                // "*Model_Space"
+  AcDbStub* record = nullptr;       // BLOCK_RECORD; in R12 a stub without bytes
+  AcDbStub* begin = nullptr;        // BLOCK; null where the file has none (R12 model space)
+  AcDbStub* end = nullptr;          // ENDBLK
+  std::vector<AcDbStub*> entities;  // of model and paper space too, wherever the file has them
+  std::size_t insertAt = 0;         // where new entities go (before ENDBLK or ENDSEC)
+};
+
+/// Progress of a long read or write, 0 to 1; answers false to stop it.
+using Progress = std::function<bool(double fraction)>;
+
+class RecordStore {
+ public:
+  RecordStore();
+  ~RecordStore();
+  RecordStore(const RecordStore&) = delete;
+  RecordStore& operator=(const RecordStore&) = delete;
+
+  // --- reading and writing ------------------------------------------------------------
+  /// Takes over a whole DXF file (ASCII or binary, any version) and indexes its records.
+  /// Model space and the layer "0" exist afterwards even if the file lacks them (as stubs
+  /// without bytes, that are not written unless changed).
+  /// Fails: throws FileError with line (ASCII) or offset (binary), record and cause; the
+  /// store is empty then.
+  void load(std::string buffer, const std::string& fileName, const Progress& progress = {});
+  /// Hands the file's bytes, in order, to `write`: unchanged stretches as whole blocks.
+  /// An untouched store gives exactly the bytes it was loaded from.
+  void save(const std::function<void(std::string_view)>& write,
+            const Progress& progress = {}) const;
+  const Format& format() const { return m_format; }
+  bool isEmpty() const { return m_stubs.empty(); }
+  bool isChanged() const;
+
+  // --- records ------------------------------------------------------------------------
+  const std::deque<AcDbStub>& stubs() const { return m_stubs; }
+  /// The stub with this handle, erased ones included; null if there is none.
+  AcDbStub* find(std::uint64_t handle) const;
+  /// "LINE" for a stub: the value of its group 0.
+  std::string_view kindName(const AcDbStub& stub) const { return m_kindNames[stub.kind]; }
+  /// 1-based line of the record in an ASCII file, byte offset in a binary one; 0 for new.
+  std::uint64_t lineOf(const AcDbStub& stub) const;
+
+  /// Gives the record bytes of its own (whole tags in format(), from its group 0 on).
+  void replace(AcDbStub& stub, std::string bytes);
+  void setErased(AcDbStub& stub, bool erased);
+  /// Adds a record at the end of a block, a table or the OBJECTS section. `bytes` are in
+  /// format(); the caller has put the handle and owner tags that format() asks for.
+  AcDbStub* appendEntity(Block& block, std::string bytes, std::uint64_t handle);
+  AcDbStub* appendTableRecord(Table& table, std::string bytes, std::uint64_t handle);
+  AcDbStub* appendObject(std::string bytes, std::uint64_t handle);
+  /// Adds VERTEX/ATTRIB/SEQEND records behind an entity.
+  AcDbStub* appendSubEntity(AcDbStub& parent, std::string bytes, std::uint64_t handle);
+  /// The sub-entities of an entity in order, SEQEND included.
+  std::vector<AcDbStub*> subEntities(const AcDbStub& parent) const;
+
+  /// The next free handle ($HANDSEED or one above the highest in use, whichever is more);
+  /// 0 where the file has no handles (R12 with $HANDLING 0). Saving writes $HANDSEED.
+  std::uint64_t newHandle();
+
+  // --- structure ----------------------------------------------------------------------
+  std::deque<Table>& tables() { return m_tables; }
+  Table* table(std::string_view name);
+  std::deque<Block>& blocks() { return m_blocks; }
+  /// By name, in any case.
+  Block* block(std::wstring_view name);
+  Block& modelSpace();
+  /// The OBJECTS records, file order.
+  const std::vector<AcDbStub*>& objects() const { return m_objects; }
+
+  // --- header variables ---------------------------------------------------------------
+  /// The tags behind "$INSUNITS"; empty when the file does not set it.
+  std::string_view headerVariable(std::string_view name) const;
+  /// Replaces the value tags of a variable, or adds it at the end of the HEADER section.
+  void setHeaderVariable(std::string_view name, std::string valueTags);
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> m_impl;
+  Format m_format;
+  std::deque<AcDbStub> m_stubs;
+  std::deque<Table> m_tables;
+  std::deque<Block> m_blocks;
+  std::vector<AcDbStub*> m_objects;
+  std::vector<std::string> m_kindNames;
+};
+
+}  // namespace quoin::dxf
