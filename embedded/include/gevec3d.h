@@ -1,0 +1,155 @@
+// AcGeVector3d: a vector of space, a plain value without allocation. Comparisons take the
+// global tolerance unless another is passed; a vector no longer than its equalVector()
+// counts as the zero vector, has no direction and is neither parallel, codirectional nor
+// perpendicular to anything. A NaN component makes every comparison false.
+#pragma once
+
+#include <cmath>
+
+#include "gegbl.h"
+
+class AcGeMatrix3d;
+
+class AcGeVector3d {
+ public:
+  constexpr AcGeVector3d() = default;
+  constexpr AcGeVector3d(double xx, double yy, double zz) : x(xx), y(yy), z(zz) {}
+
+  static const AcGeVector3d kIdentity;  // the zero vector
+  static const AcGeVector3d kXAxis;
+  static const AcGeVector3d kYAxis;
+  static const AcGeVector3d kZAxis;
+
+  constexpr AcGeVector3d& set(double xx, double yy, double zz) { return *this = {xx, yy, zz}; }
+
+  constexpr AcGeVector3d operator+(const AcGeVector3d& v) const {
+    return {x + v.x, y + v.y, z + v.z};
+  }
+  constexpr AcGeVector3d operator-(const AcGeVector3d& v) const {
+    return {x - v.x, y - v.y, z - v.z};
+  }
+  constexpr AcGeVector3d operator-() const { return {-x, -y, -z}; }
+  constexpr AcGeVector3d operator*(double s) const { return {x * s, y * s, z * s}; }
+  constexpr AcGeVector3d operator/(double s) const { return {x / s, y / s, z / s}; }
+  friend constexpr AcGeVector3d operator*(double s, const AcGeVector3d& v) { return v * s; }
+  constexpr AcGeVector3d& operator+=(const AcGeVector3d& v) { return *this = *this + v; }
+  constexpr AcGeVector3d& operator-=(const AcGeVector3d& v) { return *this = *this - v; }
+  constexpr AcGeVector3d& operator*=(double s) { return *this = *this * s; }
+  constexpr AcGeVector3d& operator/=(double s) { return *this = *this / s; }
+  constexpr AcGeVector3d& negate() { return *this = -*this; }
+  double& operator[](unsigned int i) { return i == 0 ? x : (i == 1 ? y : z); }
+  double operator[](unsigned int i) const { return i == 0 ? x : (i == 1 ? y : z); }
+
+  constexpr double dotProduct(const AcGeVector3d& v) const { return x * v.x + y * v.y + z * v.z; }
+  constexpr AcGeVector3d crossProduct(const AcGeVector3d& v) const {
+    return {y * v.z - z * v.y, z * v.x - x * v.z, x * v.y - y * v.x};
+  }
+  constexpr double lengthSqrd() const { return dotProduct(*this); }
+  /// sqrt of the sum of squares: exact up to rounding while the squares neither overflow
+  /// nor vanish (lengths between about 1e-150 and 1e150).
+  double length() const { return std::sqrt(lengthSqrd()); }
+  bool isZeroLength(const AcGeTol& tol = AcGeContext::gTol) const {
+    return length() <= tol.equalVector();
+  }
+  bool isUnitLength(const AcGeTol& tol = AcGeContext::gTol) const {
+    return std::fabs(length() - 1.0) <= tol.equalVector();
+  }
+
+  /// The unit vector; a zero vector (by tol) stays as it is.
+  AcGeVector3d normal(const AcGeTol& tol = AcGeContext::gTol) const {
+    const double len = length();
+    return len > tol.equalVector() ? *this / len : *this;
+  }
+  AcGeVector3d& normalize(const AcGeTol& tol = AcGeContext::gTol) { return *this = normal(tol); }
+
+  /// Some unit vector perpendicular to this one: the X axis that the arbitrary axis
+  /// algorithm gives to this normal (DXF reference, "Arbitrary Axis Algorithm").
+  AcGeVector3d perpVector() const {
+    constexpr double kNearZAxis = 1.0 / 64.0;
+    const AcGeVector3d n = normal();
+    const bool nearZ = std::fabs(n.x) < kNearZAxis && std::fabs(n.y) < kNearZAxis;
+    const AcGeVector3d across = nearZ ? AcGeVector3d(0.0, 1.0, 0.0).crossProduct(n)
+                                      : AcGeVector3d(0.0, 0.0, 1.0).crossProduct(n);
+    return across.normal();
+  }
+
+  /// Angle between the vectors in [0, pi]; 0 when either is the zero vector.
+  double angleTo(const AcGeVector3d& v) const {
+    return std::fabs(std::atan2(crossProduct(v).length(), dotProduct(v)));
+  }
+  /// Angle from this vector to `v` in [0, 2 pi), counter-clockwise seen against `ref`: the
+  /// angle between their projections normal to `ref`. Below zero by less than rounding
+  /// counts as 0, never as 2 pi. A zero `ref` gives angleTo(v).
+  double angleTo(const AcGeVector3d& v, const AcGeVector3d& ref) const {
+    const double refLength = ref.length();
+    if (!(refLength > 0.0)) {
+      return angleTo(v);
+    }
+    constexpr double kTurn = 6.283185307179586476925286766559;
+    const AcGeVector3d n = ref / refLength;
+    const AcGeVector3d from = *this - n * dotProduct(n);
+    const AcGeVector3d to = v - n * v.dotProduct(n);
+    const double angle = std::atan2(n.dotProduct(from.crossProduct(to)), from.dotProduct(to));
+    if (angle == 0.0) {
+      return 0.0;  // -0.0 too
+    }
+    const double wrapped = angle < 0.0 ? angle + kTurn : angle;
+    return wrapped >= kTurn ? 0.0 : wrapped;
+  }
+
+  /// |this - v| <= equalVector.
+  bool isEqualTo(const AcGeVector3d& v, const AcGeTol& tol = AcGeContext::gTol) const {
+    return (*this - v).length() <= tol.equalVector();
+  }
+  bool operator==(const AcGeVector3d& v) const { return isEqualTo(v); }
+  bool operator!=(const AcGeVector3d& v) const { return !isEqualTo(v); }
+
+  /// Unit vectors equal within equalVector.
+  bool isCodirectionalTo(const AcGeVector3d& v, const AcGeTol& tol = AcGeContext::gTol) const {
+    return hasDirection(tol) && v.hasDirection(tol) && unit().isEqualTo(v.unit(), tol);
+  }
+  /// Unit vectors equal or opposite within equalVector.
+  bool isParallelTo(const AcGeVector3d& v, const AcGeTol& tol = AcGeContext::gTol) const {
+    return hasDirection(tol) && v.hasDirection(tol) &&
+           (unit().isEqualTo(v.unit(), tol) || unit().isEqualTo(-v.unit(), tol));
+  }
+  /// |dot product of the unit vectors| <= equalVector.
+  bool isPerpendicularTo(const AcGeVector3d& v, const AcGeTol& tol = AcGeContext::gTol) const {
+    return hasDirection(tol) && v.hasDirection(tol) &&
+           std::fabs(unit().dotProduct(v.unit())) <= tol.equalVector();
+  }
+
+  /// Turns the vector about `axis` by `angle` radians, counter-clockwise seen against the
+  /// axis (Rodrigues' formula). Exact multiples of a quarter turn about the coordinate axes
+  /// are not special: their result carries the rounding of sin and cos. A zero axis changes
+  /// nothing.
+  AcGeVector3d& rotateBy(double angle, const AcGeVector3d& axis) {
+    const double axisLength = axis.length();
+    if (!(axisLength > 0.0)) {
+      return *this;
+    }
+    const AcGeVector3d n = axis / axisLength;
+    const double c = std::cos(angle);
+    const double s = std::sin(angle);
+    const AcGeVector3d along = n * dotProduct(n);
+    return *this = along + (*this - along) * c + n.crossProduct(*this) * s;
+  }
+  AcGeVector3d& mirror(const AcGeVector3d& normalToPlane) {
+    const AcGeVector3d n = normalToPlane.normal();
+    return *this -= n * (2.0 * dotProduct(n));
+  }
+  inline AcGeVector3d& transformBy(const AcGeMatrix3d& matrix);  // in gemat3d.h
+
+  double x = 0.0;
+  double y = 0.0;
+  double z = 0.0;
+
+ private:
+  bool hasDirection(const AcGeTol& tol) const { return length() > tol.equalVector(); }
+  AcGeVector3d unit() const { return *this / length(); }
+};
+
+inline constexpr AcGeVector3d AcGeVector3d::kIdentity{0.0, 0.0, 0.0};
+inline constexpr AcGeVector3d AcGeVector3d::kXAxis{1.0, 0.0, 0.0};
+inline constexpr AcGeVector3d AcGeVector3d::kYAxis{0.0, 1.0, 0.0};
+inline constexpr AcGeVector3d AcGeVector3d::kZAxis{0.0, 0.0, 1.0};
