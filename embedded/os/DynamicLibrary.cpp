@@ -1,0 +1,37 @@
+#include "embedded/os/DynamicLibrary.h"
+
+#include <dlfcn.h>
+#include <link.h>
+
+namespace quoin::os {
+
+DynamicLibrary::DynamicLibrary(const std::filesystem::path& path)
+    // A name without a folder would be searched for in the system's folders.
+    : m_handle(dlopen(std::filesystem::absolute(path).c_str(), RTLD_NOW | RTLD_LOCAL)) {
+  if (!m_handle) {
+    const char* const cause = dlerror();
+    throw LibraryError(cause ? cause : "unknown cause");
+  }
+}
+
+void* DynamicLibrary::symbol(const char* name) const {
+  void* const address = m_handle ? dlsym(m_handle, name) : nullptr;
+  if (!address) {
+    return nullptr;
+  }
+  // dlsym also answers what the library's dependencies define; only its own counts.
+  link_map* own = nullptr;
+  void* definer = nullptr;
+  Dl_info info;
+  const bool known = dlinfo(m_handle, RTLD_DI_LINKMAP, &own) == 0 &&
+                     dladdr1(address, &info, &definer, RTLD_DL_LINKMAP) != 0;
+  return known && own == definer ? address : nullptr;
+}
+
+void DynamicLibrary::close() {
+  if (m_handle) {
+    dlclose(std::exchange(m_handle, nullptr));
+  }
+}
+
+}  // namespace quoin::os

@@ -1,0 +1,45 @@
+// Calls the module's DllMain when its library enters the process and leaves it. On Windows
+// the system does that itself. Elsewhere a static object does: its file is linked behind the
+// module's own, so it is made after the module's static objects and destroyed before them,
+// when the library is closed as well as when the process ends.
+#include "rxframe.h"
+
+#if !defined(_WIN32)
+
+namespace {
+
+class LoadHook {
+ public:
+  LoadHook() : m_attached(callDllMain(DLL_PROCESS_ATTACH)) {
+    if (!m_attached) {
+      callDllMain(DLL_PROCESS_DETACH);
+      acrxNoteAttachRefused();
+    }
+  }
+  ~LoadHook() {
+    if (m_attached) {
+      callDllMain(DLL_PROCESS_DETACH);
+    }
+  }
+  LoadHook(const LoadHook&) = delete;
+  LoadHook& operator=(const LoadHook&) = delete;
+
+ private:
+  /// An exception must not leave a library's initialisation: it counts as a refusal.
+  bool callDllMain(DWORD reason) noexcept {
+    try {
+      // The object's address is the module's own for as long as it is loaded.
+      return DllMain(reinterpret_cast<HINSTANCE>(this), reason, nullptr) != 0;
+    } catch (...) {
+      return false;
+    }
+  }
+
+  bool m_attached;
+};
+
+LoadHook s_loadHook;
+
+}  // namespace
+
+#endif
