@@ -12,9 +12,9 @@
 
 namespace quoin::dxf {
 
-class DrawingCodec {
+class HOST_API DrawingCodec {
  public:
-  virtual ~DrawingCodec() = default;
+  virtual ~DrawingCodec();
 
   /// "DXF", "DWG": for messages.
   virtual const char* name() const = 0;
@@ -29,8 +29,8 @@ class DrawingCodec {
 };
 
 /// All codecs, in the order in which they are asked.
-const std::vector<const DrawingCodec*>& codecs();
+HOST_API const std::vector<const DrawingCodec*>& codecs();
 /// The codec that recognises these first bytes; null for none.
-const DrawingCodec* codecFor(std::string_view head);
+HOST_API const DrawingCodec* codecFor(std::string_view head);
 
 }  // namespace quoin::dxf

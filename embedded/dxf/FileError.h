@@ -11,7 +11,7 @@
 
 namespace quoin::dxf {
 
-class FileError : public std::runtime_error {
+class HOST_API FileError : public std::runtime_error {
  public:
   FileError(Acad::ErrorStatus code, const std::string& cause)
       : std::runtime_error(cause), status(code) {}
@@ -19,10 +19,11 @@ class FileError : public std::runtime_error {
   Acad::ErrorStatus status;
   std::string fileName;
   std::uint64_t line = 0;    // ASCII: 1-based; 0 when unknown
-  std::uint64_t offset = 0;  // binary: byte offset
+  std::uint64_t offset = 0;  // binary: byte offset; 0 when unknown
   std::string record;        // "LINE 2F", empty when unknown
 
-  /// "plan.dxf:1742: LINE 2F: group code 'x1' is not a number".
+  /// "plan.dxf:1742: LINE 2F: group code 'x1' is not a number"; in a binary file the place
+  /// reads "plan.dxf, byte 1742: ...". What is unknown is left out.
   std::string message() const;
 };
 

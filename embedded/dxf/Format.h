@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "hostapi.h"
+
 namespace quoin::dxf {
 
 enum class Form : std::uint8_t { Ascii, Binary };
@@ -27,23 +29,27 @@ enum class Version : std::uint8_t {
   R2018   // AC1032
 };
 
-/// The version that a $ACADVER value names ("AC1027"); Unknown for any other text.
-Version versionFromAcadVer(std::string_view acadVer);
+/// The version that a $ACADVER value names ("AC1027"); a version between two known ones
+/// counts as the later, everything before AC1006 as R10. Unknown for any other text.
+HOST_API Version versionFromAcadVer(std::string_view acadVer);
 /// "AC1027" for R2013; "" for Unknown.
-std::string_view acadVerText(Version version);
+HOST_API std::string_view acadVerText(Version version);
 /// "R2013" for R2013.
-std::string_view releaseName(Version version);
+HOST_API std::string_view releaseName(Version version);
 
 /// Everything that decides how a tag is spelled in bytes.
 struct Format {
   Form form = Form::Ascii;
+  /// Never Unknown in a loaded store: a file that names no version is R2000 where it has
+  /// subclass markers, else R12; a version newer than all known ones counts as R2018.
   Version version = Version::R2018;
   /// $DWGCODEPAGE as the file spells it ("ANSI_936"); used for text before R2007.
   std::string codePage = "ANSI_1252";
   /// Binary files up to R12 spell a group code in one byte (255 opens a two-byte code),
   /// later ones in two.
   bool narrowGroupCodes = false;
-  /// ASCII: the end of a line as the file's first line has it.
+  /// ASCII: the end of a line as the file's first line has it ("\r\n", "\n" or "\r").
+  /// With the first two, lines end at each "\n" and a "\r" before it is no part of the line.
   std::string lineEnd = "\r\n";
   /// ASCII: group codes are padded with blanks on the left to this many columns.
   int groupCodeColumns = 3;

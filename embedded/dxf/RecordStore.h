@@ -3,8 +3,8 @@
 // changes is never parsed further and is written back as it stands; a changed record gets
 // bytes of its own, in the same format. Typed classes (AcDbLine, ...) are views onto stubs.
 //
-// Memory: the buffer plus 64 bytes a record plus 8 bytes a list entry. Stubs never move, so
-// an AcDbObjectId is a stub's address.
+// Memory: the buffer plus about 64 bytes a record, 8 bytes a list entry and 4 to 8 bytes a
+// handle. Stubs never move, so an AcDbObjectId is a stub's address.
 #pragma once
 
 #include <cstddef>
@@ -57,7 +57,7 @@ struct AcDbStub {
   quoin::dxf::Section section = quoin::dxf::Section::Other;
   quoin::dxf::Role role = quoin::dxf::Role::Other;
   bool erased = false;
-  bool changed = false;  // data is the record's own
+  bool changed = false;  // data is the record's own; views of it end with the next replace()
   bool isNew = false;    // not in the file yet
 
   std::string_view bytes() const { return {data, size}; }
@@ -65,28 +65,40 @@ struct AcDbStub {
 
 namespace quoin::dxf {
 
+/// Stands for "the file has no such place".
+inline constexpr std::size_t kNoPlace = static_cast<std::size_t>(-1);
+
 /// One symbol table (LAYER, BLOCK_RECORD, ...) in file order, erased records included.
 struct Table {
   std::string name;          // "LAYER"
   AcDbStub* head = nullptr;  // the TABLE record; null when the file has no such table
   std::vector<AcDbStub*> records;
-  std::size_t insertAt = 0;  // offset in the buffer where new records go (before ENDTAB)
+  std::size_t insertAt = kNoPlace;  // where new records go (before ENDTAB); kNoPlace: no TABLE
 };
 
 /// One block with its top-level entities in file order, erased ones included.
 struct Block {
-  std::wstring name;                // "*Model_Space"
-  AcDbStub* record = nullptr;       // BLOCK_RECORD; in R12 a stub without bytes
+  /// As the file spells it; the two layouts are always "*Model_Space" and "*Paper_Space"
+  /// (R12 files write "$MODEL_SPACE").
+  std::wstring name;
+  AcDbStub* record = nullptr;       // BLOCK_RECORD; a stub without bytes where there is none
   AcDbStub* begin = nullptr;        // BLOCK; null where the file has none (R12 model space)
   AcDbStub* end = nullptr;          // ENDBLK
   std::vector<AcDbStub*> entities;  // of model and paper space too, wherever the file has them
-  std::size_t insertAt = 0;         // where new entities go (before ENDBLK or ENDSEC)
+  std::size_t insertAt = kNoPlace;  // where new entities go (before ENDBLK or ENDSEC)
+};
+
+/// What a reader tolerates but somebody may want to know.
+struct Warning {
+  std::uint64_t offset = 0;  // in the file
+  std::string record;        // "LINE 2F"; may be empty
+  std::string text;          // "the handle is taken by the LINE in line 120"
 };
 
 /// Progress of a long read or write, 0 to 1; answers false to stop it.
 using Progress = std::function<bool(double fraction)>;
 
-class RecordStore {
+class HOST_API RecordStore {
  public:
   RecordStore();
   ~RecordStore();
@@ -98,34 +110,50 @@ class RecordStore {
   /// Model space and the layer "0" exist afterwards even if the file lacks them (as stubs
   /// without bytes, that are not written unless changed).
   /// Fails: throws FileError with line (ASCII) or offset (binary), record and cause; the
-  /// store is empty then.
+  /// store is empty then. A stop that `progress` asks for throws eUserBreak.
   void load(std::string buffer, const std::string& fileName, const Progress& progress = {});
   /// Hands the file's bytes, in order, to `write`: unchanged stretches as whole blocks.
   /// An untouched store gives exactly the bytes it was loaded from.
+  /// Fails: throws FileError with eUserBreak when `progress` answers false; what `write`
+  /// throws passes through.
   void save(const std::function<void(std::string_view)>& write,
             const Progress& progress = {}) const;
   const Format& format() const { return m_format; }
+  const std::string& fileName() const { return m_fileName; }
+  /// What was odd in the file, in file order; only the first hundred are kept.
+  const std::vector<Warning>& warnings() const { return m_warnings; }
   bool isEmpty() const { return m_stubs.empty(); }
   bool isChanged() const;
 
   // --- records ------------------------------------------------------------------------
   const std::deque<AcDbStub>& stubs() const { return m_stubs; }
-  /// The stub with this handle, erased ones included; null if there is none.
+  /// The stub with this handle, erased ones included; null if there is none. Of several
+  /// records with one handle the first in the file is found (the others give a warning).
   AcDbStub* find(std::uint64_t handle) const;
   /// "LINE" for a stub: the value of its group 0.
   std::string_view kindName(const AcDbStub& stub) const { return m_kindNames[stub.kind]; }
   /// 1-based line of the record in an ASCII file, byte offset in a binary one; 0 for new.
   std::uint64_t lineOf(const AcDbStub& stub) const;
 
-  /// Gives the record bytes of its own (whole tags in format(), from its group 0 on).
+  /// "LINE 2F" for messages.
+  std::string describe(const AcDbStub& stub) const;
+
+  /// Gives the record bytes of its own (whole tags in format(), from its group 0 on); the
+  /// former ones are freed. The bytes that the file has for it make it unchanged again.
+  /// Fails: throws FileError for bytes that do not begin with a group 0.
   void replace(AcDbStub& stub, std::string bytes);
+  /// An erased entity takes its sub-entities along, an erased BLOCK_RECORD its whole block,
+  /// without a change to their own flags: un-erasing brings back what was there.
   void setErased(AcDbStub& stub, bool erased);
+  /// Whether the record itself or what it belongs to (see setErased) is erased.
+  bool isErased(const AcDbStub& stub) const;
   /// Adds a record at the end of a block, a table or the OBJECTS section. `bytes` are in
   /// format(); the caller has put the handle and owner tags that format() asks for.
   AcDbStub* appendEntity(Block& block, std::string bytes, std::uint64_t handle);
   AcDbStub* appendTableRecord(Table& table, std::string bytes, std::uint64_t handle);
   AcDbStub* appendObject(std::string bytes, std::uint64_t handle);
-  /// Adds VERTEX/ATTRIB/SEQEND records behind an entity.
+  /// Adds VERTEX/ATTRIB/SEQEND records behind an entity: a SEQEND at the very end, others in
+  /// front of the SEQEND.
   AcDbStub* appendSubEntity(AcDbStub& parent, std::string bytes, std::uint64_t handle);
   /// The sub-entities of an entity in order, SEQEND included.
   std::vector<AcDbStub*> subEntities(const AcDbStub& parent) const;
@@ -136,11 +164,24 @@ class RecordStore {
 
   // --- structure ----------------------------------------------------------------------
   std::deque<Table>& tables() { return m_tables; }
+  /// By name ("LAYER"), in any case; null if the file has none.
   Table* table(std::string_view name);
+  /// As table(), made with a TABLE record of its own where the file has none.
+  Table& ensureTable(std::string_view name);
   std::deque<Block>& blocks() { return m_blocks; }
   /// By name, in any case.
   Block* block(std::wstring_view name);
   Block& modelSpace();
+  /// The active paper space; null if the file has none.
+  Block* paperSpace();
+  /// The block that this BLOCK_RECORD stub stands for; null for any other stub.
+  Block* blockOf(const AcDbStub& record);
+  /// Adds a block: BLOCK_RECORD, BLOCK and ENDBLK, the caller has put handles and owners.
+  /// Before R13 there are no block records: recordBytes is left empty and the block's record
+  /// is a stub without bytes.
+  Block& appendBlock(const std::wstring& name, std::string recordBytes, std::uint64_t recordHandle,
+                     std::string beginBytes, std::uint64_t beginHandle, std::string endBytes,
+                     std::uint64_t endHandle);
   /// The OBJECTS records, file order.
   const std::vector<AcDbStub*>& objects() const { return m_objects; }
 
@@ -158,7 +199,9 @@ class RecordStore {
   std::deque<Table> m_tables;
   std::deque<Block> m_blocks;
   std::vector<AcDbStub*> m_objects;
-  std::vector<std::string> m_kindNames;
+  std::deque<std::string> m_kindNames;  // never moves: kindName() hands out views
+  std::string m_fileName;
+  std::vector<Warning> m_warnings;
 };
 
 }  // namespace quoin::dxf
