@@ -120,17 +120,16 @@ class AcGeVector3d {
   }
 
   /// Turns the vector about `axis` by `angle` radians, counter-clockwise seen against the
-  /// axis (Rodrigues' formula). Exact multiples of a quarter turn about the coordinate axes
-  /// are not special: their result carries the rounding of sin and cos. A zero axis changes
-  /// nothing.
+  /// axis (Rodrigues' formula). The doubles nearest to quarter turns turn by exactly that: the
+  /// noise of some 1e-16 that sin and cos leave there is dropped. A zero axis changes nothing.
   AcGeVector3d& rotateBy(double angle, const AcGeVector3d& axis) {
     const double axisLength = axis.length();
     if (!(axisLength > 0.0)) {
       return *this;
     }
     const AcGeVector3d n = axis / axisLength;
-    const double c = std::cos(angle);
-    const double s = std::sin(angle);
+    const double c = withoutNoise(std::cos(angle), angle);
+    const double s = withoutNoise(std::sin(angle), angle);
     const AcGeVector3d along = n * dotProduct(n);
     return *this = along + (*this - along) * c + n.crossProduct(*this) * s;
   }
@@ -147,6 +146,13 @@ class AcGeVector3d {
  private:
   bool hasDirection(const AcGeTol& tol) const { return length() > tol.equalVector(); }
   AcGeVector3d unit() const { return *this / length(); }
+  /// Near a quarter turn doubles lie 2.2e-16 or more apart, so a sine or cosine below that
+  /// belongs to the double that stands for the quarter turn itself.
+  static double withoutNoise(double sineOrCosine, double angle) {
+    constexpr double kNoise = 2.5e-16;
+    constexpr double kOneRadian = 1.0;
+    return std::fabs(sineOrCosine) < kNoise && std::fabs(angle) > kOneRadian ? 0.0 : sineOrCosine;
+  }
 };
 
 inline constexpr AcGeVector3d AcGeVector3d::kIdentity{0.0, 0.0, 0.0};

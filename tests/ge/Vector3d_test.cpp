@@ -180,8 +180,8 @@ TEST(Vector3d, AngleThereAndBackIsAFullTurn) {
 TEST(Vector3d, RotationTurnsCounterClockwiseAgainstTheAxis) {
   AcGeVector3d v(10, 0, 3);
   v.rotateBy(kPi / 2, kZ * 4.0);
-  EXPECT_NEAR(v.x, 0.0, 1e-14);
-  EXPECT_NEAR(v.y, 10.0, 1e-14);
+  EXPECT_EQ(v.x, 0.0);
+  EXPECT_EQ(v.y, 10.0);
   EXPECT_EQ(v.z, 3.0);
   EXPECT_EQ(AcGeVector3d(1, 2, 3).rotateBy(1.0, AcGeVector3d()), AcGeVector3d(1, 2, 3));
 }
