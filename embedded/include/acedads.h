@@ -18,9 +18,8 @@ HOST_API int acedGetVar(const ACHAR* name, resbuf* result);
 HOST_API int acedSetVar(const ACHAR* name, const resbuf* value);
 
 /// Carries a point (disp 0) or a displacement (otherwise) from one coordinate system into
-/// another. A system is RTSHORT 0 (world), 1 (user), 2 (display of the current viewport), 3
-/// (paper space display; only to and from 2), or RT3DPOINT with the normal of an object's
-/// own system.
+/// another. A system is RTSHORT 0 (world), 1 (user), 2 (display of the current viewport), or
+/// RT3DPOINT with the normal of an object's own system.
 /// Fails: RTERROR for anything else, and for a null normal.
 HOST_API int acedTrans(const ads_point point, const resbuf* from, const resbuf* to, int disp,
                        ads_point result);

@@ -1,0 +1,132 @@
+#include "embedded/ed/SystemVariables.h"
+
+#include <cmath>
+#include <cstddef>
+#include <optional>
+
+#include "acutmem.h"
+#include "adscodes.h"
+#include "embedded/ed/DocumentState.h"
+
+namespace quoin::ed {
+namespace {
+
+// The longest text that the host takes for a variable.
+constexpr std::size_t kLongestText = 255;
+
+VariableValue firstValue(const VariableRow& row) {
+  VariableValue value;
+  std::copy(std::begin(row.first), std::end(row.first), value.numbers);
+  value.text = row.firstText ? row.firstText : L"";
+  return value;
+}
+
+VariableValue currentValue(const VariableRow& row, const VariableValues& stored) {
+  const auto found = stored.find(std::wstring_view(row.name));
+  return found == stored.end() ? firstValue(row) : found->second;
+}
+
+bool isInRange(const VariableRow& row, double number) {
+  return std::isfinite(number) && number >= row.least && number <= row.most;
+}
+
+std::optional<VariableValue> pointFrom(const resbuf& value, bool keepsZ) {
+  if (value.restype != RTPOINT && value.restype != RT3DPOINT) {
+    return std::nullopt;
+  }
+  VariableValue result;
+  const int coordinates = keepsZ && value.restype == RT3DPOINT ? 3 : 2;
+  for (int i = 0; i < coordinates; ++i) {
+    if (!std::isfinite(value.resval.rpoint[i])) {
+      return std::nullopt;
+    }
+    result.numbers[i] = value.resval.rpoint[i];
+  }
+  return result;
+}
+
+/// The value for a row; nothing when type or range do not fit.
+std::optional<VariableValue> valueFrom(const VariableRow& row, const resbuf& value) {
+  VariableValue result;
+  switch (row.type) {
+    case VariableType::Short:
+      result.numbers[0] = value.resval.rint;
+      return value.restype == RTSHORT && isInRange(row, result.numbers[0]) ? std::optional(result)
+                                                                           : std::nullopt;
+    case VariableType::Real:
+      if (value.restype != RTREAL || !isInRange(row, value.resval.rreal)) {
+        return std::nullopt;
+      }
+      result.numbers[0] = value.resval.rreal;
+      return result;
+    case VariableType::Text:
+      if (value.restype != RTSTR || !value.resval.rstring) {
+        return std::nullopt;
+      }
+      result.text = value.resval.rstring;
+      return result.text.size() <= kLongestText ? std::optional(result) : std::nullopt;
+    case VariableType::Point2d:
+      return pointFrom(value, false);
+    case VariableType::Point3d:
+      return pointFrom(value, true);
+  }
+  return std::nullopt;
+}
+
+bool writeValue(const VariableRow& row, const VariableValue& value, resbuf& result) {
+  resbuf written = {};
+  switch (row.type) {
+    case VariableType::Short:
+      written.restype = RTSHORT;
+      written.resval.rint = static_cast<short>(value.numbers[0]);
+      break;
+    case VariableType::Real:
+      written.restype = RTREAL;
+      written.resval.rreal = value.numbers[0];
+      break;
+    case VariableType::Text:
+      written.restype = RTSTR;
+      if (acutNewString(value.text.c_str(), written.resval.rstring) != Acad::eOk) {
+        return false;
+      }
+      break;
+    case VariableType::Point2d:
+    case VariableType::Point3d:
+      written.restype = row.type == VariableType::Point2d ? RTPOINT : RT3DPOINT;
+      std::copy(std::begin(value.numbers), std::end(value.numbers), written.resval.rpoint);
+      break;
+  }
+  result = written;
+  return true;
+}
+
+}  // namespace
+
+bool SystemVariables::get(std::wstring_view name, const DocumentState* document,
+                          resbuf& result) const {
+  const VariableRow* const row = findVariable(name);
+  if (!row || (row->isPerDocument && !document)) {
+    return false;
+  }
+  if (row->compute) {
+    return writeValue(*row, row->compute(*document), result);
+  }
+  return writeValue(*row, currentValue(*row, row->isPerDocument ? document->variables : m_session),
+                    result);
+}
+
+bool SystemVariables::set(std::wstring_view name, DocumentState* document, const resbuf& value) {
+  const VariableRow* const row = findVariable(name);
+  if (!row || row->isReadOnly || (row->isPerDocument && !document)) {
+    return false;
+  }
+  std::optional<VariableValue> wanted = valueFrom(*row, value);
+  if (!wanted) {
+    return false;
+  }
+  VariableValues& values = row->isPerDocument ? document->variables : m_session;
+  values.insert_or_assign(row->name, std::move(*wanted));
+  return true;
+}
+
+}  // namespace quoin::ed
