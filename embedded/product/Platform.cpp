@@ -1,0 +1,44 @@
+#include "embedded/product/Platform.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quoin::product {
+
+Platform* Platform::s_current = nullptr;
+
+Platform* Platform::current() {
+  return s_current;
+}
+
+Platform::Platform() : m_guard(s_current, this, "running platform") {}
+Platform::~Platform() = default;
+
+void Platform::setOffered(const std::wstring& serviceName, bool offered) {
+  if (offered) {
+    m_withdrawn.erase(serviceName);
+  } else {
+    m_withdrawn.insert(serviceName);
+  }
+}
+
+bool Platform::isOffered(const std::wstring& serviceName) const {
+  const auto names = serviceNames();
+  return std::find(names.begin(), names.end(), serviceName) != names.end() &&
+         !m_withdrawn.contains(serviceName);
+}
+
+LogSink Platform::setLogSink(LogSink sink) {
+  return std::exchange(m_sink, std::move(sink));
+}
+
+void Platform::log(std::wstring_view line) {
+  ++m_loggedLines;
+  if (m_sink) {
+    m_sink(line);
+  } else {
+    logToStandardError(line);
+  }
+}
+
+}  // namespace quoin::product

@@ -1,0 +1,82 @@
+// The object factory and the fifteen services behind it. All of them are made once in a
+// process and hold nothing: what they answer is the running platform's.
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "ObjectFactory.h"
+#include "embedded/product/Platform.h"
+
+namespace quoin::product {
+namespace {
+
+class ProjectManagerService : public IProjectManagerService {
+ public:
+  IProject* GetCurrentProject() override {
+    Platform* const platform = Platform::current();
+    return platform ? platform->projects().current() : nullptr;
+  }
+};
+
+/// A service of which callers know nothing but the name: its address is all there is to it.
+struct NamedService {
+  const wchar_t* name = nullptr;
+};
+
+struct Services {
+  ProjectManagerService projectManager;
+  std::array<NamedService, ServiceName::kCount> others;
+
+  static Services& instance() {
+    static Services& services = *new Services;
+    return services;
+  }
+
+  Services() {
+    for (std::size_t i = 0; i < others.size(); ++i) {
+      others[i].name = ServiceName::kAll[i];
+    }
+  }
+
+  /// Pointers to the interfaces that callers cast to.
+  void* find(std::wstring_view name) {
+    if (name == ServiceName::kProjectManager) {
+      return static_cast<IProjectManagerService*>(&projectManager);
+    }
+    const auto found = std::find_if(others.begin(), others.end(),
+                                    [&](const NamedService& other) { return name == other.name; });
+    return found == others.end() ? nullptr : &*found;
+  }
+};
+
+class ObjectFactory : public IObjectFactory {
+ public:
+  void* GetService(const CString& name, const CString& second) override {
+    Platform* const platform = Platform::current();
+    if (!platform) {
+      return nullptr;
+    }
+    const std::wstring wanted = name.GetString();
+    // Every service exists once, under an empty second string.
+    const bool found = second.IsEmpty() && platform->isOffered(wanted);
+    platform->lookups().countLookup(wanted, second.GetString(), found);
+    return found ? Services::instance().find(wanted) : nullptr;
+  }
+};
+
+}  // namespace
+
+std::span<const wchar_t* const> Platform::serviceNames() {
+  return ServiceName::kAll;
+}
+
+}  // namespace quoin::product
+
+IObjectFactory* GetObjectFactory() {
+  using namespace quoin::product;
+  static ObjectFactory& factory = *new ObjectFactory;
+  if (Platform* const platform = Platform::current()) {
+    platform->lookups().countFactoryCall();
+  }
+  return &factory;
+}

@@ -1,0 +1,13 @@
+#include <cwchar>
+
+#include "ProjectModel.h"
+
+CVariantData::operator double() const {
+  if (m_type != Type::Text) {
+    return m_number;
+  }
+  wchar_t* end = nullptr;
+  const double number = std::wcstod(m_text.GetString(), &end);
+  const bool isWholeText = end != m_text.GetString() && *end == 0;
+  return isWholeText ? number : 0.0;
+}
