@@ -78,27 +78,27 @@ class HOST_API AcDbSymbolTable : public AcDbObject {
 };
 
 // One table with its iterator: the common part under the record's own type.
-#define ACDB_SYMBOL_TABLE(TABLE, RECORD, ITERATOR)                                                 \
-  class HOST_API ITERATOR : public AcDbSymbolTableIterator {                                       \
-   public:                                                                                         \
-    Acad::ErrorStatus getRecord(RECORD*& record, AcDb::OpenMode mode = AcDb::kForRead,             \
-                                bool openErased = false) const;                                    \
-                                                                                                   \
-   private:                                                                                        \
-    friend class TABLE;                                                                            \
-    explicit ITERATOR(std::unique_ptr<State> state) : AcDbSymbolTableIterator(std::move(state)) {} \
-  };                                                                                               \
-  class HOST_API TABLE : public AcDbSymbolTable {                                                  \
-   public:                                                                                         \
-    ACRX_DECLARE_MEMBERS(TABLE);                                                                   \
-    TABLE();                                                                                       \
-    using AcDbSymbolTable::getAt;                                                                  \
-    Acad::ErrorStatus getAt(const ACHAR* name, RECORD*& record, AcDb::OpenMode mode,               \
-                            bool openErased = false) const;                                        \
-    Acad::ErrorStatus newIterator(ITERATOR*& iterator, bool atBeginning = true,                    \
-                                  bool skipDeleted = true) const;                                  \
-    Acad::ErrorStatus add(RECORD* record);                                                         \
-    Acad::ErrorStatus add(AcDbObjectId& id, RECORD* record);                                       \
+#define ACDB_SYMBOL_TABLE(TABLE, RECORD, ITERATOR)                                     \
+  class HOST_API ITERATOR : public AcDbSymbolTableIterator {                           \
+   public:                                                                             \
+    Acad::ErrorStatus getRecord(RECORD*& record, AcDb::OpenMode mode = AcDb::kForRead, \
+                                bool openErased = false) const;                        \
+                                                                                       \
+   private:                                                                            \
+    friend class TABLE;                                                                \
+    explicit ITERATOR(std::unique_ptr<State> state);                                   \
+  };                                                                                   \
+  class HOST_API TABLE : public AcDbSymbolTable {                                      \
+   public:                                                                             \
+    ACRX_DECLARE_MEMBERS(TABLE);                                                       \
+    TABLE();                                                                           \
+    using AcDbSymbolTable::getAt;                                                      \
+    Acad::ErrorStatus getAt(const ACHAR* name, RECORD*& record, AcDb::OpenMode mode,   \
+                            bool openErased = false) const;                            \
+    Acad::ErrorStatus newIterator(ITERATOR*& iterator, bool atBeginning = true,        \
+                                  bool skipDeleted = true) const;                      \
+    Acad::ErrorStatus add(RECORD* record);                                             \
+    Acad::ErrorStatus add(AcDbObjectId& id, RECORD* record);                           \
   }
 
 // --- layers -----------------------------------------------------------------------------------
