@@ -1,0 +1,113 @@
+// Random sets of wall lines that aim at trouble: shared points, ends at the capture distance,
+// near-parallel and zero-length lines, duplicates, huge offsets, values that are no numbers.
+#pragma once
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "WallLineLikeSeg.h"
+
+namespace quoin::test {
+
+/// Project scales whose capture distances go from nothing to everything.
+inline std::vector<double> projectScales() {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  return {1.0, 10.0, 0.25, 100.0, 0.01, 0.0, -0.0, -1.0, kInfinity, -kInfinity, std::nan("")};
+}
+
+/// `count` lines of one character a set; with `withNonNumbers` also sets with infinite and NaN
+/// coordinates.
+inline std::vector<WallLineLikeSeg> randomWallLines(std::mt19937_64& random, int count,
+                                                    bool withNonNumbers = true) {
+  std::uniform_int_distribution<int> character(0, withNonNumbers ? 5 : 4);
+  std::uniform_int_distribution<int> lattice(-8, 8);
+  std::uniform_real_distribution<double> anywhere(-300.0, 300.0);
+  std::uniform_int_distribution<int> die(0, 9);
+  const int kind = character(random);
+  const auto coordinate = [&]() -> double {
+    switch (kind) {
+      case 0:  // a lattice at the capture distance of scale 1: many exact ties
+        return 10.0 * lattice(random);
+      case 1:  // anywhere
+        return anywhere(random);
+      case 2:  // a lattice with jitter about the point tolerance
+        return 5.0 * lattice(random) + 1e-10 * lattice(random);
+      case 3:  // a lattice a billion units out
+        return 1e9 + 5.0 * lattice(random);
+      case 4:  // nearly everything on one line
+        return die(random) == 0 ? anywhere(random) : 0.25 * lattice(random);
+      default:  // the odd value that is no number
+        switch (die(random)) {
+          case 0:
+            return std::nan("");
+          case 1:
+            return std::numeric_limits<double>::infinity();
+          case 2:
+            return 1e300;
+          default:
+            return 10.0 * lattice(random);
+        }
+    }
+  };
+  std::vector<WallLineLikeSeg> lines;
+  while (static_cast<int>(lines.size()) < count) {
+    WallLineLikeSeg line(AcGePoint3d(coordinate(), coordinate(), 0.0),
+                         AcGePoint3d(coordinate(), coordinate(), 0.0));
+    switch (die(random)) {
+      case 0:  // a duplicate, perhaps turned round
+        if (!lines.empty()) {
+          line = lines[random() % lines.size()];
+          if (random() & 1) {
+            std::swap(line.ptStart, line.ptEnd);
+          }
+        }
+        break;
+      case 1:  // zero length
+        line.ptEnd = line.ptStart;
+        break;
+      case 2:  // axis-parallel
+        line.ptEnd.y = line.ptStart.y;
+        break;
+      case 3:  // from the middle of another
+        if (!lines.empty()) {
+          const WallLineLikeSeg& other = lines[random() % lines.size()];
+          line.ptStart = other.ptStart + (other.ptEnd - other.ptStart) * 0.5;
+        }
+        break;
+      case 4:  // with height
+        line.ptStart.z = lattice(random);
+        line.ptEnd.z = lattice(random);
+        break;
+      default:
+        break;
+    }
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+/// A block of rooms: a frame, verticals, and horizontals between neighbouring verticals whose
+/// ends fall short of them or run over by less than the capture distance of scale 1.
+inline std::vector<WallLineLikeSeg> cityBlock(std::mt19937_64& random) {
+  std::uniform_real_distribution<double> slop(-4.0, 4.0);
+  std::uniform_real_distribution<double> shift(-300.0, 300.0);
+  constexpr double kHeight = 6000.0;
+  std::vector<WallLineLikeSeg> lines;
+  std::vector<double> x;
+  for (int i = 0; i < 4; ++i) {
+    x.push_back(3000.0 * i + shift(random));
+    lines.emplace_back(AcGePoint3d(x.back(), 0, 0), AcGePoint3d(x.back(), kHeight, 0));
+  }
+  lines.emplace_back(AcGePoint3d(x.front(), 0, 0), AcGePoint3d(x.back(), 0, 0));
+  for (int i = 0; i < 3; ++i) {
+    const double y = 3000.0 + shift(random);
+    const std::size_t column = static_cast<std::size_t>(i);
+    lines.emplace_back(AcGePoint3d(x[column] + slop(random), y, 0),
+                       AcGePoint3d(x[column + 1] + slop(random), y, 0));
+  }
+  return lines;
+}
+
+}  // namespace quoin::test
