@@ -6,8 +6,9 @@
 
 namespace AcRx {
 
-/// Application messages. A module's dispatcher serves the codes 0 to 15.
-enum AppMsgCode {
+/// Application messages. A module's dispatcher serves the codes 0 to 15; the host may send codes
+/// that are not listed here.
+enum AppMsgCode : int {
   kNullMsg = 0,
   kInitAppMsg = 1,
   kUnloadAppMsg = 2,

@@ -5,16 +5,18 @@
 #include <stdexcept>
 #include <utility>
 
+#include "hostapi.h"
+
 namespace quoin::os {
 
 /// The file cannot be opened as a shared library; the text gives the system's cause.
-class LibraryError : public std::runtime_error {
+class HOST_API LibraryError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
 /// Owns one reference to a library; the last reference closes it, which runs its unload code.
-class DynamicLibrary {
+class HOST_API DynamicLibrary {
  public:
   DynamicLibrary() = default;
   /// Opens the library with all its symbols resolved; opening one that is open already adds a

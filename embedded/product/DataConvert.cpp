@@ -1,4 +1,4 @@
-#include "DataConvert.h"
+#include "host/DataConvert.h"
 
 #include <cmath>
 

@@ -1,4 +1,4 @@
-#include "GeomDegree.h"
+#include "host/GeomDegree.h"
 
 #include <numbers>
 

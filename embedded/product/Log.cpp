@@ -1,4 +1,4 @@
-#include "Log.h"
+#include "host/Log.h"
 
 #include <cstdarg>
 #include <cstdio>

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "ProjectScale.h"
+#include "host/ProjectScale.h"
 
 namespace quoin::product {
 

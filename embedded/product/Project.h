@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "ProjectModel.h"
+#include "host/ProjectModel.h"
 #include "hostapi.h"
 
 namespace quoin::product {

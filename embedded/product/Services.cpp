@@ -4,8 +4,8 @@
 #include <array>
 #include <string_view>
 
-#include "ObjectFactory.h"
 #include "embedded/product/Platform.h"
+#include "host/ObjectFactory.h"
 
 namespace quoin::product {
 namespace {

@@ -1,6 +1,6 @@
 #include <cwchar>
 
-#include "ProjectModel.h"
+#include "host/ProjectModel.h"
 
 CVariantData::operator double() const {
   if (m_type != Type::Text) {
