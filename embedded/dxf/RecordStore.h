@@ -49,7 +49,7 @@ struct AcDbStub {
   AcDbObject* object = nullptr;
   /// The record's tags: in the file's buffer, or in bytes of its own once changed.
   const char* data = nullptr;
-  std::uint64_t handle = 0;  // 0: the file gives none (R12 without handles)
+  std::uint64_t handle = 0;  // 0: the file gives none (R12 without handles); never changes
   AcDbStub* owner = nullptr;
   std::uint32_t size = 0;
   std::uint32_t index = 0;  // position in file order; new records follow
@@ -174,6 +174,8 @@ class HOST_API RecordStore {
   Block& modelSpace();
   /// The active paper space; null if the file has none.
   Block* paperSpace();
+  /// Gives a block another name in the store; its records are the caller's business.
+  void renameBlock(Block& block, std::wstring name);
   /// The block that this BLOCK_RECORD stub stands for; null for any other stub.
   Block* blockOf(const AcDbStub& record);
   /// Adds a block: BLOCK_RECORD, BLOCK and ENDBLK, the caller has put handles and owners.
@@ -192,7 +194,15 @@ class HOST_API RecordStore {
   void setHeaderVariable(std::string_view name, std::string valueTags);
 
  private:
+  friend class StoreLoader;
+  friend class StoreWriter;
   struct Impl;
+
+  void clear();
+  std::uint16_t internKind(std::string_view name);
+  AcDbStub* appendStub(Section section, Role role, std::string bytes, std::uint64_t handle);
+  AcDbStub* appendPlaceholder(std::string_view kind);
+  void makeTableHead(Table& table);
   std::unique_ptr<Impl> m_impl;
   Format m_format;
   std::deque<AcDbStub> m_stubs;

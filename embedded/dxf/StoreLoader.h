@@ -1,0 +1,119 @@
+// Indexes a whole DXF file in one pass over its tags, then links what it found: tables,
+// blocks with their records, layouts with their entities, owners, handles.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "embedded/dxf/RecordStoreImpl.h"
+#include "embedded/dxf/TagReader.h"
+
+namespace quoin::dxf {
+
+class StoreLoader {
+ public:
+  /// The store is empty but for its buffer and file name.
+  StoreLoader(RecordStore& store, const Progress& progress);
+  /// Fails: throws FileError with place and record.
+  void run();
+
+ private:
+  /// What the record (or structure) that is being walked has shown so far.
+  struct Pending {
+    enum class What : std::uint8_t { Prefix, Section, Structure, Record };
+    What what = What::Prefix;
+    bool keepsHandle = false;  // handles count in this section
+    bool handleIs105 = false;  // DIMSTYLE has another use for group 5
+    bool sawSubclass = false;
+    bool inPaperSpace = false;
+    bool sawSpaceFlag = false;
+    bool sawName = false;
+    int groupDepth = 0;  // inside "102 {..."
+    std::size_t begin = 0;
+    std::string_view name;  // first group 2
+    std::uint64_t handle = 0;
+    std::uint64_t owner = 0;
+    AcDbStub* stub = nullptr;
+  };
+  /// Entities of the ENTITIES section from one stub on that name the same owner and space.
+  struct LayoutRun {
+    std::uint32_t first = 0;
+    bool inPaperSpace = false;
+    std::uint64_t owner = 0;
+  };
+  struct NamedStub {
+    AcDbStub* stub = nullptr;
+    std::string_view name;
+  };
+  struct OwnerLink {
+    AcDbStub* stub = nullptr;
+    std::uint64_t owner = 0;
+  };
+  struct BlockHead {
+    std::string_view name;
+    std::uint64_t owner = 0;
+  };
+
+  // --- the pass -------------------------------------------------------------------------
+  void scan();
+  void capture(const RawTag& tag, std::size_t offset);
+  void captureHeader(const RawTag& tag, std::size_t offset);
+  void begin(std::string_view kind, std::size_t offset);
+  void beginSection(std::size_t offset);
+  void enterSection(std::string_view name);
+  void endSection(std::size_t offset);
+  void endTable(std::size_t offset);
+  void endBlock(std::size_t offset);
+  void beginRecord(std::string_view kind, std::size_t offset);
+  void beginTableRecord(AcDbStub& stub);
+  void beginBlockRecord(AcDbStub& stub, std::size_t offset);
+  void beginEntity(AcDbStub& stub);
+  void finish(std::size_t end);
+  void finishRecord(std::size_t end);
+
+  // --- afterwards -----------------------------------------------------------------------
+  void link();
+  void readHeader();
+  void indexHandles();
+  void linkBlocks();
+  void linkBlockRecord(Block& block, const BlockHead& head);
+  void makeLayouts();
+  void distributeEntities();
+  void linkOwners();
+  void makeLayerZero();
+
+  std::string_view headerText(std::string_view variable) const;
+  void report(double fraction) const;
+  void warn(std::size_t offset, const std::string& record, const std::string& text);
+  [[noreturn]] void fail(Acad::ErrorStatus status, const std::string& cause,
+                         std::size_t offset) const;
+  std::string describePending() const;
+  std::size_t offsetOf(const char* at) const {
+    return static_cast<std::size_t>(at - m_data.buffer.data());
+  }
+
+  RecordStore& m_store;
+  RecordStore::Impl& m_data;
+  const Progress& m_progress;
+  TagLayout m_layout;
+  std::size_t m_firstTag = 0;
+  Pending m_pending;
+  Section m_section = Section::Other;
+  bool m_inSection = false;
+  bool m_ended = false;
+  bool m_sawSubclass = false;
+  bool m_sawLayerZero = false;
+  Table* m_table = nullptr;
+  Block* m_block = nullptr;
+  AcDbStub* m_parent = nullptr;  // the entity that sub-entities belong to
+  std::size_t m_handles = 0;
+  std::vector<LayoutRun> m_layoutRuns;
+  std::vector<NamedStub> m_blockRecords;
+  std::vector<BlockHead> m_blockHeads;  // parallel to the store's blocks
+  std::vector<OwnerLink> m_ownerLinks;
+};
+
+}  // namespace quoin::dxf
