@@ -38,7 +38,7 @@ void AcEdInputContextReactor::endNentsel(Acad::PromptStatus, const AcDbObjectId&
                                          const ACHAR*) {}
 void AcEdInputContextReactor::beginSSGet(const ACHAR*, int, const ACHAR*, const ACHAR*,
                                          const AcArray<AcGePoint3d>&, const resbuf*) {}
-void AcEdInputContextReactor::endSSGet(Acad::PromptStatus, const AcArray<AcDbObjectId>&) {}
+void AcEdInputContextReactor::endSSGet(Acad::PromptStatus, const AcDbObjectIdArray&) {}
 void AcEdInputContextReactor::beginDragSequence(const ACHAR*) {}
 void AcEdInputContextReactor::endDragSequence(Acad::PromptStatus, AcGePoint3d&, AcGeVector3d&) {}
 void AcEdInputContextReactor::beginQuiescentState() {}

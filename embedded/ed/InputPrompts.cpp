@@ -121,9 +121,12 @@ void InputPrompts::notifyEnd(Prompt prompt, PromptReply& reply) {
       case Prompt::Real:
         return reactor.endGetReal(reply.status, reply.number, keyword);
       case Prompt::Entity:
+        return reactor.endEntsel(reply.status, reply.entity, reply.point, keyword);
       case Prompt::NestedEntity:
+        return reactor.endNentsel(reply.status, reply.entity, reply.point, reply.transform,
+                                  reply.references, keyword);
       case Prompt::Selection:
-        return notifyEntityEnd(reactor, prompt, reply, keyword);
+        return reactor.endSSGet(reply.status, reply.selection);
       case Prompt::Drag:
         return reactor.endDragSequence(reply.status, reply.point, reply.displacement);
     }

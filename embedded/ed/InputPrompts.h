@@ -56,8 +56,8 @@ struct PromptReply {
   AcGeVector3d displacement;           // Drag
   AcGeMatrix3d transform;              // NestedEntity
   const resbuf* references = nullptr;  // NestedEntity
-  AcDbObjectId* entity = nullptr;      // Entity, NestedEntity; null: the null id
-  const AcArray<AcDbObjectId>* selection = nullptr;  // Selection; null: empty
+  AcDbObjectId entity;                 // Entity, NestedEntity
+  AcDbObjectIdArray selection = AcDbObjectIdArray();  // Selection
 };
 
 class HOST_API InputPrompts {
@@ -95,8 +95,6 @@ class HOST_API InputPrompts {
   void notify(const Notification& notification);
   void notifyBegin(Prompt prompt, const PromptRequest& request);
   void notifyEnd(Prompt prompt, PromptReply& reply);
-  static void notifyEntityEnd(AcEdInputContextReactor& reactor, Prompt prompt, PromptReply& reply,
-                              const ACHAR* keyword);
 
   AcEdInputPointManager m_pointManager;
   std::vector<Prompt> m_pending;

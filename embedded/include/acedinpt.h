@@ -7,8 +7,8 @@
 #include "acadstrc.h"
 #include "acarray.h"
 #include "adsdef.h"
+#include "dbid.h"
 
-class AcDbObjectId;
 class AcGeMatrix3d;
 class AcGePoint3d;
 class AcGeVector3d;
@@ -71,7 +71,7 @@ class HOST_API AcEdInputContextReactor {
   virtual void beginSSGet(const ACHAR* promptString, int initGetFlags, const ACHAR* keywords,
                           const ACHAR* selectionPrompts, const AcArray<AcGePoint3d>& points,
                           const resbuf* entityMask);
-  virtual void endSSGet(Acad::PromptStatus returnStatus, const AcArray<AcDbObjectId>& selection);
+  virtual void endSSGet(Acad::PromptStatus returnStatus, const AcDbObjectIdArray& selection);
   virtual void beginDragSequence(const ACHAR* promptString);
   virtual void endDragSequence(Acad::PromptStatus returnStatus, AcGePoint3d& pickPoint,
                                AcGeVector3d& displacement);

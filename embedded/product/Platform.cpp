@@ -14,6 +14,11 @@ Platform* Platform::current() {
 Platform::Platform() : m_guard(s_current, this, "running platform") {}
 Platform::~Platform() = default;
 
+void Platform::closeProject(Project& project) {
+  m_entityMappings.drop(project.root().GetMapKey());
+  m_projects.close(project);
+}
+
 void Platform::setOffered(const std::wstring& serviceName, bool offered) {
   if (offered) {
     m_withdrawn.erase(serviceName);

@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 
+#include "embedded/product/EntityMapping.h"
 #include "embedded/product/LogSink.h"
 #include "embedded/product/Project.h"
 #include "embedded/product/ServiceLookups.h"
@@ -26,6 +27,9 @@ class HOST_API Platform {
   static Platform* current();
 
   ProjectManager& projects() { return m_projects; }
+  /// Closes a project together with the map of its nodes.
+  void closeProject(Project& project);
+  EntityMappings& entityMappings() { return m_entityMappings; }
   ServiceLookups& lookups() { return m_lookups; }
 
   /// The names of the fifteen services.
@@ -45,6 +49,7 @@ class HOST_API Platform {
   static Platform* s_current;
   rx::CurrentGuard<Platform> m_guard;
   ProjectManager m_projects;
+  EntityMappings m_entityMappings;
   ServiceLookups m_lookups;
   std::set<std::wstring> m_withdrawn;
   LogSink m_sink;

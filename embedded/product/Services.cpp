@@ -18,6 +18,15 @@ class ProjectManagerService : public IProjectManagerService {
   }
 };
 
+class EntityModelMappingService : public IEntityModelMappingService {
+ public:
+  IEntityModelMapping* GetMapping(ModelMapKey key) override {
+    static EntityMapping nothing;
+    Platform* const platform = Platform::current();
+    return platform ? &platform->entityMappings().under(key) : &nothing;
+  }
+};
+
 /// A service of which callers know nothing but the name: its address is all there is to it.
 struct NamedService {
   const wchar_t* name = nullptr;
@@ -25,6 +34,7 @@ struct NamedService {
 
 struct Services {
   ProjectManagerService projectManager;
+  EntityModelMappingService entityModelMapping;
   std::array<NamedService, ServiceName::kCount> others;
 
   static Services& instance() {
@@ -42,6 +52,9 @@ struct Services {
   void* find(std::wstring_view name) {
     if (name == ServiceName::kProjectManager) {
       return static_cast<IProjectManagerService*>(&projectManager);
+    }
+    if (name == ServiceName::kEntityModelMapping) {
+      return static_cast<IEntityModelMappingService*>(&entityModelMapping);
     }
     const auto found = std::find_if(others.begin(), others.end(),
                                     [&](const NamedService& other) { return name == other.name; });
