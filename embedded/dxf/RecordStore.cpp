@@ -133,16 +133,6 @@ AcDbStub* RecordStore::appendStub(Section section, Role role, std::string bytes,
   return &stub;
 }
 
-AcDbStub* RecordStore::appendPlaceholder(std::string_view kind) {
-  AcDbStub& stub = m_stubs.emplace_back();
-  stub.store = this;
-  stub.index = static_cast<std::uint32_t>(m_stubs.size() - 1);
-  stub.section = Section::Tables;
-  stub.role = Role::TableRecord;
-  stub.kind = internKind(kind);
-  return &stub;
-}
-
 // --- reading and writing --------------------------------------------------------------------
 
 void RecordStore::load(std::string buffer, const std::string& fileName, const Progress& progress) {
@@ -279,6 +269,24 @@ AcDbStub* RecordStore::appendSubEntity(AcDbStub& parent, std::string bytes, std:
   stub->owner = &parent;
   m_impl->newSubEntities[&parent].push_back(stub);
   return stub;
+}
+
+AcDbStub* RecordStore::appendPlaceholder(std::string_view kind) {
+  AcDbStub& stub = m_stubs.emplace_back();
+  stub.store = this;
+  stub.index = static_cast<std::uint32_t>(m_stubs.size() - 1);
+  stub.section = Section::Tables;
+  stub.role = Role::TableRecord;
+  stub.kind = internKind(kind);
+  return &stub;
+}
+
+void RecordStore::setPlaceholderHandle(AcDbStub& placeholder, std::uint64_t handle) {
+  if (handle == 0 || placeholder.handle != 0) {
+    return;
+  }
+  placeholder.handle = handle;
+  m_impl->handles.insert(placeholder.index);
 }
 
 std::vector<AcDbStub*> RecordStore::subEntities(const AcDbStub& parent) const {

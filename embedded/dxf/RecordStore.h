@@ -155,6 +155,11 @@ class HOST_API RecordStore {
   /// Adds VERTEX/ATTRIB/SEQEND records behind an entity: a SEQEND at the very end, others in
   /// front of the SEQEND.
   AcDbStub* appendSubEntity(AcDbStub& parent, std::string bytes, std::uint64_t handle);
+  /// Adds a stub without bytes that stands for a table record which the file does not have
+  /// ("LAYER"); replace() with bytes makes it one, at the end of its table.
+  AcDbStub* appendPlaceholder(std::string_view kind);
+  /// Gives such a stub the handle that its first bytes will name, before it gets them.
+  void setPlaceholderHandle(AcDbStub& placeholder, std::uint64_t handle);
   /// The sub-entities of an entity in order, SEQEND included.
   std::vector<AcDbStub*> subEntities(const AcDbStub& parent) const;
 
@@ -201,7 +206,6 @@ class HOST_API RecordStore {
   void clear();
   std::uint16_t internKind(std::string_view name);
   AcDbStub* appendStub(Section section, Role role, std::string bytes, std::uint64_t handle);
-  AcDbStub* appendPlaceholder(std::string_view kind);
   void makeTableHead(Table& table);
   std::unique_ptr<Impl> m_impl;
   Format m_format;
