@@ -118,6 +118,8 @@ class HOST_API RecordStore {
   /// throws passes through.
   void save(const std::function<void(std::string_view)>& write,
             const Progress& progress = {}) const;
+  /// Forgets everything; every stub is gone.
+  void clear();
   const Format& format() const { return m_format; }
   const std::string& fileName() const { return m_fileName; }
   /// What was odd in the file, in file order; only the first hundred are kept.
@@ -203,7 +205,6 @@ class HOST_API RecordStore {
   friend class StoreWriter;
   struct Impl;
 
-  void clear();
   std::uint16_t internKind(std::string_view name);
   AcDbStub* appendStub(Section section, Role role, std::string bytes, std::uint64_t handle);
   void makeTableHead(Table& table);

@@ -1,0 +1,117 @@
+#include "embedded/dxf/DrawingFile.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "embedded/dxf/DrawingCodec.h"
+#include "embedded/dxf/FileError.h"
+#include "embedded/dxf/FormatDetector.h"
+#include "embedded/os/CaseFold.h"
+#include "embedded/os/File.h"
+
+namespace quoin::dxf {
+namespace {
+
+constexpr std::size_t kHeadSize = 4096;
+constexpr double kReadShare = 0.2;   // of reading: the disk; the rest is the codec
+constexpr double kWriteShare = 0.9;  // of saving: the codec; the rest is the disk
+
+/// A part of a longer piece of work.
+Progress partOf(const Progress& progress, double from, double to) {
+  if (!progress) {
+    return {};
+  }
+  return [&progress, from, to](double fraction) { return progress(from + (to - from) * fraction); };
+}
+
+/// Runs `work`; what files fail with becomes a FileError of this path.
+template <typename Work>
+void translated(const std::string& path, Work work) {
+  try {
+    work();
+  } catch (const os::FileFailure& failure) {
+    FileError error(failure.status, failure.what());
+    error.fileName = path;
+    throw error;
+  } catch (FileError& error) {
+    if (error.fileName.empty()) {
+      error.fileName = path;
+    }
+    throw;
+  }
+}
+
+std::string causeOfNoCodec(std::string_view head) {
+  if (head.empty()) {
+    return "the file is empty";
+  }
+  if (head.starts_with("\xFF\xFE") || head.starts_with("\xFE\xFF")) {
+    return "this is UTF-16 text; DXF files are written in UTF-8 or an ANSI code page";
+  }
+  return "this is no drawing: it begins neither as an ASCII nor as a binary DXF file";
+}
+
+bool hasDwgName(const std::string& path) {
+  constexpr std::string_view kExtension = ".dwg";
+  return path.size() >= kExtension.size() &&
+         os::sameName(std::string_view(path).substr(path.size() - kExtension.size()), kExtension);
+}
+
+/// Whether the name says DWG and no DXF file has it already.
+bool claimsDwg(const std::string& path, os::FileSystem& files) {
+  if (!hasDwgName(path)) {
+    return false;
+  }
+  try {
+    return !looksLikeDxf(os::readFileHead(path, kHeadSize, files));
+  } catch (const os::FileFailure&) {
+    return true;  // not there yet: the name alone decides
+  }
+}
+
+const DrawingCodec& codecNamed(std::string_view name) {
+  const auto& all = codecs();
+  return **std::find_if(all.begin(), all.end(),
+                        [&](const DrawingCodec* codec) { return codec->name() == name; });
+}
+
+}  // namespace
+
+void readDrawing(const std::string& path, RecordStore& store, const Progress& progress,
+                 os::FileSystem& files) {
+  store.clear();
+  translated(path, [&] {
+    std::string bytes = os::readFile(path, partOf(progress, 0.0, kReadShare), files);
+    const std::string_view head = std::string_view(bytes).substr(0, kHeadSize);
+    const DrawingCodec* const codec = codecFor(head);
+    if (codec == nullptr) {
+      throw FileError(head.empty() ? Acad::eBadDxfFile : Acad::eUnsupportedFileFormat,
+                      causeOfNoCodec(head));
+    }
+    codec->read(std::move(bytes), path, store, partOf(progress, kReadShare, 1.0));
+  });
+}
+
+void writeDrawing(const RecordStore& store, const std::string& path, const SaveOptions& options,
+                  const Progress& progress, os::FileSystem& files) {
+  translated(path, [&] {
+    if (claimsDwg(path, files)) {
+      codecNamed("DWG").write(store, {}, {});
+      return;
+    }
+    os::AtomicFile file(path, {options.keepBackup}, files);
+    codecNamed("DXF").write(
+        store, [&](std::string_view piece) { file.write(piece); },
+        partOf(progress, 0.0, kWriteShare));
+    // The last moment at which a stop leaves everything as it was.
+    if (progress && !progress(kWriteShare)) {
+      throw FileError(Acad::eUserBreak, "writing was stopped");
+    }
+    file.commit();
+    if (progress) {
+      progress(1.0);
+    }
+  });
+}
+
+}  // namespace quoin::dxf
