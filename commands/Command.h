@@ -1,0 +1,23 @@
+// A subcommand: one class in one file, listed in CommandLine.cpp.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <vector>
+
+namespace quoin::commands {
+
+class Command {
+ public:
+  virtual ~Command() = default;
+  /// Adds the subcommand with its options to the command line.
+  virtual CLI::App* declare(CLI::App& app) = 0;
+  /// Runs it with the options that the command line gave.
+  /// Fails: throws CommandError.
+  virtual void run() = 0;
+};
+
+std::unique_ptr<Command> makeBreakCommand();
+std::unique_ptr<Command> makeInfoCommand();
+
+}  // namespace quoin::commands

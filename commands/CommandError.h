@@ -1,0 +1,29 @@
+// How a command fails: an exit code and a message that names file, line, entity and cause.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace quoin::commands {
+
+/// What the program answers to its caller. `quoin --help` lists them.
+enum class ExitCode : int {
+  Ok = 0,
+  Usage = 2,             // the command line cannot be understood
+  InputUnreadable = 3,   // the drawing cannot be read
+  NothingToDo = 4,       // no wall lines (grid lines, ...) on the chosen layers
+  OutputUnwritable = 5,  // the drawing, picture or model cannot be written
+  EntityFailed = 6,      // an entity cannot be changed as asked
+  NoProject = 7,         // the host has no project open
+  Interrupted = 130
+};
+
+class CommandError : public std::runtime_error {
+ public:
+  CommandError(ExitCode exitCode, const std::string& message)
+      : std::runtime_error(message), code(exitCode) {}
+
+  ExitCode code;
+};
+
+}  // namespace quoin::commands

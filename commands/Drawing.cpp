@@ -1,0 +1,203 @@
+#include "commands/Drawing.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "acutmem.h"
+#include "commands/CommandError.h"
+#include "commands/Progress.h"
+#include "dbobjptr.h"
+#include "dbsymtb.h"
+#include "embedded/os/Utf8.h"
+
+namespace quoin::commands {
+
+namespace {
+
+/// The words for a file that could not be read or written.
+std::string fileMessage(const AcDbDatabase* database, Acad::ErrorStatus status,
+                        const std::filesystem::path& file, const char* action) {
+  const std::string words = os::toUtf8(hostx::lastFileError(database));
+  if (!words.empty()) {
+    return words;
+  }
+  return fmt::format("{}: cannot {}: {}", file.string(), action,
+                     os::toUtf8(acadErrorStatusText(status)));
+}
+
+/// Shows the progress of reading or saving for as long as it lives.
+class FileProgress {
+ public:
+  FileProgress(AcDbDatabase* database, std::string work)
+      : m_database(database), m_progress(std::move(work)) {
+    hostx::setProgress(m_database, [this](double done) { return m_progress.report(done); });
+  }
+  ~FileProgress() { hostx::setProgress(m_database, {}); }
+  FileProgress(const FileProgress&) = delete;
+  FileProgress& operator=(const FileProgress&) = delete;
+
+ private:
+  AcDbDatabase* m_database;
+  Progress m_progress;
+};
+
+}  // namespace
+
+std::size_t LayerContent::count() const {
+  std::size_t sum = 0;
+  for (const auto& [kind, count] : countOfKind) {
+    sum += count;
+  }
+  return sum;
+}
+
+Drawing::Drawing(const std::filesystem::path& file)
+    : m_file(file), m_database(std::make_unique<AcDbDatabase>(false, true)) {
+  Acad::ErrorStatus status;
+  {
+    const FileProgress progress(m_database.get(), "Reading " + file.filename().string());
+    status = m_database->readDwgFile(os::fromUtf8(file.string()).c_str());
+  }
+  if (status == Acad::eUserBreak) {
+    Progress::checkInterrupt();
+  }
+  if (status != Acad::eOk) {
+    throw CommandError(ExitCode::InputUnreadable,
+                       fileMessage(m_database.get(), status, file, "read the drawing"));
+  }
+  m_info = hostx::fileInfo(m_database.get());
+}
+
+Drawing::~Drawing() = default;
+
+double Drawing::millimetersPerUnit() const {
+  const double millimeters = hostx::millimetersPerUnit(m_info.units);
+  return millimeters > 0.0 ? millimeters : 1.0;
+}
+
+std::string Drawing::unitName() const {
+  return m_info.units == AcDb::kUnitsUndefined ? "units"
+                                               : os::toUtf8(hostx::unitsName(m_info.units));
+}
+
+AcDbObjectId Drawing::modelSpaceId() {
+  AcDbBlockTable* table = nullptr;
+  AcDbObjectId id;
+  if (m_database->getBlockTable(table, AcDb::kForRead) == Acad::eOk) {
+    table->getAt(L"*Model_Space", id);
+    table->close();
+  }
+  if (id.isNull()) {
+    throw CommandError(ExitCode::InputUnreadable, m_file.string() + ": it has no model space");
+  }
+  return id;
+}
+
+void Drawing::forEachEntity(const AcDbObjectId& block,
+                            const std::function<void(AcDbObjectId)>& visit) {
+  AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForRead);
+  AcDbBlockTableRecordIterator* made = nullptr;
+  if (record.openStatus() != Acad::eOk || record->newIterator(made) != Acad::eOk) {
+    return;
+  }
+  const std::unique_ptr<AcDbBlockTableRecordIterator> iterator(made);
+  record.close();
+  for (; !iterator->done(); iterator->step()) {
+    AcDbObjectId id;
+    if (iterator->getEntityId(id) == Acad::eOk) {
+      visit(id);
+    }
+  }
+}
+
+std::vector<LayerContent> Drawing::layers() {
+  std::vector<LayerContent> layers;
+  AcDbLayerTable* table = nullptr;
+  AcDbLayerTableIterator* made = nullptr;
+  if (m_database->getLayerTable(table, AcDb::kForRead) != Acad::eOk) {
+    return layers;
+  }
+  table->newIterator(made);
+  table->close();
+  const std::unique_ptr<AcDbLayerTableIterator> iterator(made);
+  for (; iterator && !iterator->done(); iterator->step()) {
+    AcDbLayerTableRecord* record = nullptr;
+    if (iterator->getRecord(record, AcDb::kForRead) != Acad::eOk) {
+      continue;
+    }
+    LayerContent layer;
+    const ACHAR* name = L"";
+    record->getName(name);
+    layer.name = name;
+    layer.isOff = record->isOff();
+    layer.isFrozen = record->isFrozen();
+    layer.isLocked = record->isLocked();
+    record->close();
+    layers.push_back(std::move(layer));
+  }
+  std::map<std::wstring, std::size_t> numberOf;
+  for (std::size_t i = 0; i < layers.size(); ++i) {
+    numberOf.emplace(layers[i].name, i);
+  }
+  forEachEntity(modelSpaceId(), [&](const AcDbObjectId& id) {
+    const auto found = numberOf.find(hostx::layerName(id));
+    if (found != numberOf.end()) {
+      ++layers[found->second].countOfKind[hostx::kindName(id)];
+    }
+  });
+  return layers;
+}
+
+void Drawing::saveAs(const std::filesystem::path& file, bool keepBackup) {
+  Progress::checkInterrupt();
+  Acad::ErrorStatus status;
+  {
+    const FileProgress progress(m_database.get(), "Saving " + file.filename().string());
+    status = m_database->saveAs(os::fromUtf8(file.string()).c_str(), keepBackup);
+  }
+  if (status == Acad::eUserBreak) {
+    Progress::checkInterrupt();
+  }
+  if (status != Acad::eOk) {
+    throw CommandError(ExitCode::OutputUnwritable,
+                       fileMessage(m_database.get(), status, file, "save the drawing"));
+  }
+}
+
+std::string describe(const Drawing& drawing, const AcDbObjectId& id) {
+  std::string text = os::toUtf8(hostx::kindName(id));
+  if (const std::string handle = handleText(id); !handle.empty()) {
+    text += " " + handle;
+  }
+  if (const Adesk::UInt64 place = hostx::lineNumber(id); place != 0) {
+    text += fmt::format(" at {} {} of {}", drawing.info().isBinary ? "byte" : "line", place,
+                        drawing.file().string());
+  }
+  return text;
+}
+
+std::string handleText(const AcDbObjectId& id) {
+  const AcDbHandle handle = id.handle();
+  if (handle.isNull()) {
+    return "";
+  }
+  return fmt::format("{:X}", static_cast<Adesk::UInt64>(handle));
+}
+
+void check(Acad::ErrorStatus status, const Drawing& drawing, const AcDbObjectId& id,
+           const char* action) {
+  if (status != Acad::eOk) {
+    throw CommandError(ExitCode::EntityFailed,
+                       fmt::format("{}: cannot {}: {}", describe(drawing, id), action,
+                                   os::toUtf8(acadErrorStatusText(status))));
+  }
+}
+
+std::wstring takeText(ACHAR* text) {
+  const std::wstring copy = text ? text : L"";
+  acutDelString(text);
+  return copy;
+}
+
+}  // namespace quoin::commands

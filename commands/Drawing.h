@@ -1,0 +1,69 @@
+// A drawing file as the commands see it: read once, asked for its model space and layers,
+// saved in the version and form it was read in.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "dbmain.h"
+#include "hostextra.h"
+
+namespace quoin::commands {
+
+/// A layer with what stands on it in model space.
+struct LayerContent {
+  std::wstring name;
+  std::map<std::wstring, std::size_t> countOfKind;  // by kind name, "LINE"
+  bool isOff = false;
+  bool isFrozen = false;
+  bool isLocked = false;
+
+  std::size_t count() const;
+};
+
+class Drawing {
+ public:
+  /// Reads the file.
+  /// Fails: throws CommandError (InputUnreadable, Interrupted) with file, line and cause.
+  explicit Drawing(const std::filesystem::path& file);
+  ~Drawing();
+
+  AcDbDatabase& database() { return *m_database; }
+  const hostx::FileInfo& info() const { return m_info; }
+  const std::filesystem::path& file() const { return m_file; }
+  /// Millimetres of one drawing unit; a drawing without units counts as one in millimetres.
+  double millimetersPerUnit() const;
+  /// "mm", "m", "in", ...; "units" where the drawing has none.
+  std::string unitName() const;
+
+  AcDbObjectId modelSpaceId();
+  /// Calls `visit` for every entity of a block that is not erased, in file order.
+  void forEachEntity(const AcDbObjectId& block, const std::function<void(AcDbObjectId)>& visit);
+  /// All layers in table order.
+  std::vector<LayerContent> layers();
+
+  /// Saves under a name; the file there is the old one or the new one, whole, at every moment.
+  /// Fails: throws CommandError (OutputUnwritable, Interrupted).
+  void saveAs(const std::filesystem::path& file, bool keepBackup);
+
+ private:
+  std::filesystem::path m_file;
+  std::unique_ptr<AcDbDatabase> m_database;
+  hostx::FileInfo m_info;
+};
+
+/// "LINE 2F at line 1742 of plan.dxf": how messages name an entity.
+std::string describe(const Drawing& drawing, const AcDbObjectId& id);
+/// The handle in hexadecimal, as drawing files spell it; "" where the file gives none.
+std::string handleText(const AcDbObjectId& id);
+/// Fails: throws CommandError (EntityFailed) that names the entity and the status.
+void check(Acad::ErrorStatus status, const Drawing& drawing, const AcDbObjectId& id,
+           const char* action);
+/// The name behind a function of the host API that answers a copy to be freed.
+std::wstring takeText(ACHAR* text);
+
+}  // namespace quoin::commands

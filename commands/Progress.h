@@ -1,0 +1,29 @@
+// Progress of long work on the terminal, and the way out of it: one line on the standard
+// error stream that is overwritten, shown only where a person watches and has waited a while.
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace quoin::commands {
+
+class Progress {
+ public:
+  explicit Progress(std::string work);
+  ~Progress();
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  /// Shows the fraction done, 0 to 1; false when the user has asked to stop.
+  bool report(double fraction);
+  /// Fails: throws CommandError (Interrupted) when the user has asked to stop.
+  static void checkInterrupt();
+
+ private:
+  std::string m_work;
+  std::chrono::steady_clock::time_point m_begin;
+  std::chrono::steady_clock::time_point m_shown;
+  bool m_isShown = false;
+};
+
+}  // namespace quoin::commands

@@ -1,0 +1,80 @@
+#include "commands/WallLines.h"
+
+#include <algorithm>
+
+#include "commands/Polylines.h"
+#include "dbobjptr.h"
+
+namespace quoin::commands {
+
+namespace {
+
+class Collector {
+ public:
+  explicit Collector(std::set<std::wstring> lockedLayers)
+      : m_lockedLayers(std::move(lockedLayers)) {}
+
+  void add(const AcDbObjectId& id, const std::wstring& layer) {
+    AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+    if (entity.openStatus() != Acad::eOk) {
+      return;
+    }
+    const bool isLocked = m_lockedLayers.count(layer) != 0;
+    if (const AcDbLine* line = AcDbLine::cast(entity.object())) {
+      addSegment({line->startPoint(), line->endPoint(), id, WallLine::kWholeEntity, isLocked});
+    } else if (isPolyline(*entity.object())) {
+      addPolyline(readPolyline(*entity.object()), id, isLocked);
+    }
+  }
+
+  WallLines result;
+
+ private:
+  void addSegment(const WallLine& line) {
+    if (line.start == line.end) {
+      if (!line.isPolylineSegment()) {
+        result.skipped.push_back({line.entity, "has no length"});
+      }
+      return;
+    }
+    result.lines.push_back(line);
+  }
+
+  void addPolyline(const PolylineShape& shape, const AcDbObjectId& id, bool isLocked) {
+    if (shape.isCurveFit) {
+      result.skipped.push_back({id, "is a curve through its vertices"});
+      return;
+    }
+    for (std::size_t i = 0; i < shape.segmentCount(); ++i) {
+      if (shape.vertices[i].bulge != 0.0) {
+        ++result.arcSegments;
+        continue;
+      }
+      addSegment(
+          {shape.vertices[i].world, shape.segmentEnd(i).world, id, static_cast<int>(i), isLocked});
+    }
+  }
+
+  std::set<std::wstring> m_lockedLayers;
+};
+
+}  // namespace
+
+WallLines collectWallLines(Drawing& drawing, const std::set<std::wstring>& layers) {
+  std::set<std::wstring> locked;
+  for (const LayerContent& layer : drawing.layers()) {
+    if (layer.isLocked) {
+      locked.insert(layer.name);
+    }
+  }
+  Collector collector(std::move(locked));
+  drawing.forEachEntity(drawing.modelSpaceId(), [&](const AcDbObjectId& id) {
+    const std::wstring layer = hostx::layerName(id);
+    if (layers.count(layer)) {
+      collector.add(id, layer);
+    }
+  });
+  return std::move(collector.result);
+}
+
+}  // namespace quoin::commands
