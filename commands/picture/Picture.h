@@ -1,0 +1,80 @@
+// A picture of a plan as plain data: paths, texts and marks in drawing coordinates, with what
+// explains them. Rendering is somebody else's business (Render.h), so every command makes its
+// picture the same way and it comes out alike as PNG, SVG and PDF.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "gepnt2d.h"
+
+namespace quoin::commands {
+
+struct Color {
+  double red;
+  double green;
+  double blue;
+};
+
+/// The colours that all pictures share.
+namespace palette {
+inline constexpr Color kPaper{1.0, 1.0, 1.0};
+inline constexpr Color kInk{0.13, 0.13, 0.15};
+inline constexpr Color kPlan{0.74, 0.75, 0.77};   // what is not worked on
+inline constexpr Color kWall{0.20, 0.21, 0.24};   // what is worked on, unchanged
+inline constexpr Color kFirst{0.05, 0.40, 0.75};  // results told apart: blue, orange, ...
+inline constexpr Color kSecond{0.88, 0.46, 0.05};
+inline constexpr Color kThird{0.10, 0.55, 0.35};
+inline constexpr Color kMark{0.80, 0.05, 0.20};
+}  // namespace palette
+
+/// Widths and sizes are in points of a picture 1600 points wide.
+struct Path {
+  std::vector<AcGePoint2d> points;
+  bool isClosed = false;
+  Color color = palette::kPlan;
+  double width = 1.0;
+  bool isDashed = false;
+};
+
+struct Label {
+  AcGePoint2d position;
+  std::string text;       // UTF-8
+  double height = 0.0;    // drawing units
+  double rotation = 0.0;  // radians
+  Color color = palette::kPlan;
+};
+
+enum class MarkShape { Dot, Cross, Square, Triangle };
+
+struct Mark {
+  AcGePoint2d position;
+  MarkShape shape = MarkShape::Dot;
+  Color color = palette::kMark;
+  double size = 5.0;  // radius
+};
+
+/// One line of the legend: a stroke, or a mark where `isMark` says so.
+struct LegendEntry {
+  std::string text;
+  Color color;
+  bool isMark = false;
+  MarkShape shape = MarkShape::Dot;
+  double width = 2.0;
+};
+
+struct Picture {
+  std::string title;
+  std::string subtitle;
+  std::vector<Path> paths;  // drawn in this order, marks on top of all
+  std::vector<Label> labels;
+  std::vector<Mark> marks;
+  std::vector<LegendEntry> legend;
+  /// Millimetres of a drawing unit; 0 where the drawing has no unit.
+  double millimetersPerUnit = 0.0;
+  /// What must be seen, beside the paths themselves: when the plan reaches very far out, the
+  /// view keeps to this.
+  std::vector<AcGePoint2d> focus;
+};
+
+}  // namespace quoin::commands

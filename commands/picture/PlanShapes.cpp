@@ -1,0 +1,205 @@
+#include "commands/picture/PlanShapes.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "commands/Polylines.h"
+#include "dbmtext.h"
+#include "dbobjptr.h"
+#include "dbsymtb.h"
+#include "embedded/os/Utf8.h"
+
+namespace quoin::commands {
+
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+/// Arcs are drawn as chords of at most this angle, in radians (6 degrees).
+constexpr double kChordAngle = kPi / 30.0;
+/// Deeper nesting of blocks is a block inside itself.
+constexpr int kDeepestBlock = 16;
+
+AcGePoint2d flat(const AcGePoint3d& point) {
+  return {point.x, point.y};
+}
+
+class PlanPainter {
+ public:
+  PlanPainter(Picture& picture, Drawing& drawing, const std::set<AcDbObjectId>& except)
+      : m_picture(picture), m_drawing(drawing), m_except(except) {
+    for (const LayerContent& layer : drawing.layers()) {
+      if (layer.isOff || layer.isFrozen) {
+        m_hidden.insert(layer.name);
+      }
+    }
+  }
+
+  void paintBlock(const AcDbObjectId& block, const AcGeMatrix3d& toWorld, int depth) {
+    m_drawing.forEachEntity(block, [&](const AcDbObjectId& id) {
+      if (!m_except.count(id) && !m_hidden.count(hostx::layerName(id))) {
+        AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+        if (entity.openStatus() == Acad::eOk && entity->visibility() == AcDb::kVisible) {
+          paint(*entity.object(), toWorld, depth);
+        }
+      }
+    });
+  }
+
+ private:
+  void paint(const AcDbEntity& entity, const AcGeMatrix3d& toWorld, int depth) {
+    if (const AcDbLine* line = AcDbLine::cast(&entity)) {
+      addPath({line->startPoint(), line->endPoint()}, false, toWorld);
+    } else if (const AcDbArc* arc = AcDbArc::cast(&entity)) {
+      paintArc(arc->center(), arc->normal(), arc->radius(), arc->startAngle(), arc->endAngle(),
+               toWorld);
+    } else if (const AcDbCircle* circle = AcDbCircle::cast(&entity)) {
+      paintArc(circle->center(), circle->normal(), circle->radius(), 0.0, 2.0 * kPi, toWorld);
+    } else if (isPolyline(entity)) {
+      paintPolyline(readPolyline(entity), toWorld);
+    } else if (const AcDbBlockReference* reference = AcDbBlockReference::cast(&entity)) {
+      paintReference(*reference, toWorld, depth);
+    } else if (entity.isKindOf(AcDbAttributeDefinition::desc())) {
+      return;  // shows only where it is filled in
+    } else if (const AcDbText* text = AcDbText::cast(&entity)) {
+      addLabel(takeText(text->textString()), text->position(), text->height(), text->rotation(),
+               toWorld);
+    } else if (const AcDbMText* paragraph = AcDbMText::cast(&entity)) {
+      addLabel(takeText(paragraph->text()), paragraph->location(), paragraph->textHeight(),
+               paragraph->rotation(), toWorld);
+    }
+  }
+
+  void addPath(const std::vector<AcGePoint3d>& points, bool isClosed, const AcGeMatrix3d& toWorld) {
+    Path path;
+    path.isClosed = isClosed;
+    for (const AcGePoint3d& point : points) {
+      path.points.push_back(flat(toWorld * point));
+    }
+    m_picture.paths.push_back(std::move(path));
+  }
+
+  /// An arc counter-clockwise against its normal, angles from the X axis of its plane.
+  void paintArc(const AcGePoint3d& center, const AcGeVector3d& normal, double radius,
+                double startAngle, double endAngle, const AcGeMatrix3d& toWorld) {
+    const AcGeMatrix3d plane = AcGeMatrix3d().setToPlaneToWorld(normal);
+    double sweep = endAngle - startAngle;
+    while (sweep <= 0.0 && std::isfinite(sweep)) {
+      sweep += 2.0 * kPi;
+    }
+    if (!std::isfinite(sweep)) {
+      return;
+    }
+    const int chords = std::max(2, static_cast<int>(std::ceil(std::min(sweep, 7.0) / kChordAngle)));
+    std::vector<AcGePoint3d> points;
+    for (int i = 0; i <= chords; ++i) {
+      const double angle = startAngle + sweep * i / chords;
+      points.push_back(
+          center + plane * AcGeVector3d(radius * std::cos(angle), radius * std::sin(angle), 0.0));
+    }
+    addPath(points, false, toWorld);
+  }
+
+  void paintPolyline(const PolylineShape& shape, const AcGeMatrix3d& toWorld) {
+    if (shape.vertices.empty()) {
+      return;
+    }
+    Path path;
+    path.points.push_back(flat(toWorld * shape.vertices.front().world));
+    // Seen from below, or mirrored, arcs run the other way round.
+    const double sense = (shape.normal.z < 0.0 ? -1.0 : 1.0) * (toWorld.det() < 0.0 ? -1.0 : 1.0);
+    for (std::size_t i = 0; i < shape.segmentCount(); ++i) {
+      appendBulge(path.points, flat(toWorld * shape.vertices[i].world),
+                  flat(toWorld * shape.segmentEnd(i).world), sense * shape.vertices[i].bulge);
+    }
+    m_picture.paths.push_back(std::move(path));
+  }
+
+  void paintReference(const AcDbBlockReference& reference, const AcGeMatrix3d& toWorld, int depth) {
+    if (depth >= kDeepestBlock || reference.blockTableRecord().isNull()) {
+      return;
+    }
+    const AcGeMatrix3d placed = toWorld * reference.blockTransform();
+    int columns = 1;
+    int rows = 1;
+    AcGeVector3d columnStep;
+    AcGeVector3d rowStep;
+    if (const AcDbMInsertBlock* array = AcDbMInsertBlock::cast(&reference)) {
+      const AcGeMatrix3d plane = AcGeMatrix3d().setToPlaneToWorld(reference.normal());
+      const double angle = reference.rotation();
+      columns = array->columns();
+      rows = array->rows();
+      columnStep =
+          plane * AcGeVector3d(std::cos(angle), std::sin(angle), 0.0) * array->columnSpacing();
+      rowStep = plane * AcGeVector3d(-std::sin(angle), std::cos(angle), 0.0) * array->rowSpacing();
+    }
+    for (int row = 0; row < rows; ++row) {
+      for (int column = 0; column < columns; ++column) {
+        const AcGeVector3d move = toWorld * (columnStep * column + rowStep * row);
+        paintBlock(reference.blockTableRecord(), AcGeMatrix3d().setToTranslation(move) * placed,
+                   depth + 1);
+      }
+    }
+    paintAttributes(reference, toWorld);
+  }
+
+  void paintAttributes(const AcDbBlockReference& reference, const AcGeMatrix3d& toWorld) {
+    const std::unique_ptr<AcDbObjectIterator> iterator(reference.attributeIterator());
+    for (; iterator && !iterator->done(); iterator->step()) {
+      AcDbObjectPointer<AcDbAttribute> attribute(iterator->objectId(), AcDb::kForRead);
+      if (attribute.openStatus() == Acad::eOk && !attribute->isInvisible()) {
+        addLabel(takeText(attribute->textString()), attribute->position(), attribute->height(),
+                 attribute->rotation(), toWorld);
+      }
+    }
+  }
+
+  void addLabel(const std::wstring& text, const AcGePoint3d& position, double height,
+                double rotation, const AcGeMatrix3d& toWorld) {
+    const std::wstring firstLine = text.substr(0, text.find_first_of(L"\r\n"));
+    if (firstLine.empty()) {
+      return;
+    }
+    const AcGeVector3d along = toWorld * AcGeVector3d(std::cos(rotation), std::sin(rotation), 0.0);
+    Label label;
+    label.position = flat(toWorld * position);
+    label.text = os::toUtf8(firstLine);
+    label.height = height * along.length();
+    label.rotation = std::atan2(along.y, along.x);
+    m_picture.labels.push_back(std::move(label));
+  }
+
+  Picture& m_picture;
+  Drawing& m_drawing;
+  const std::set<AcDbObjectId>& m_except;
+  std::set<std::wstring> m_hidden;
+};
+
+}  // namespace
+
+void addPlanShapes(Picture& picture, Drawing& drawing, const std::set<AcDbObjectId>& except) {
+  PlanPainter(picture, drawing, except)
+      .paintBlock(drawing.modelSpaceId(), AcGeMatrix3d::kIdentity, 0);
+}
+
+void appendBulge(std::vector<AcGePoint2d>& points, const AcGePoint2d& from, const AcGePoint2d& to,
+                 double bulge) {
+  const AcGeVector2d chord = to - from;
+  const double sweep = 4.0 * std::atan(bulge);
+  if (std::fabs(sweep) > 1e-9 && chord.length() > 0.0) {
+    // The centre lies on the chord's perpendicular bisector; the sagitta is bulge times half
+    // the chord.
+    const double offset = (1.0 - bulge * bulge) / (4.0 * bulge);
+    const AcGePoint2d center = from + chord * 0.5 + chord.perpVector() * offset;
+    const AcGeVector2d spoke = from - center;
+    const int chords = std::max(2, static_cast<int>(std::ceil(std::fabs(sweep) / kChordAngle)));
+    for (int i = 1; i < chords; ++i) {
+      const double angle = sweep * i / chords;
+      points.push_back(center +
+                       AcGeVector2d(spoke.x * std::cos(angle) - spoke.y * std::sin(angle),
+                                    spoke.x * std::sin(angle) + spoke.y * std::cos(angle)));
+    }
+  }
+  points.push_back(to);
+}
+
+}  // namespace quoin::commands

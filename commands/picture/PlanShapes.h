@@ -1,0 +1,21 @@
+// A drawing's model space as the grey background of a picture.
+#pragma once
+
+#include <set>
+
+#include "commands/Drawing.h"
+#include "commands/picture/Picture.h"
+
+namespace quoin::commands {
+
+/// Adds what model space shows (lines, circles, arcs, polylines with their arcs, texts, block
+/// references with what is in them) to the picture, except for the named entities. Layers
+/// that are off or frozen do not show. Kinds that the host does not know are left out.
+void addPlanShapes(Picture& picture, Drawing& drawing, const std::set<AcDbObjectId>& except);
+
+/// The points of an arc from one point to another with a bulge (the tangent of a quarter of
+/// its angle, positive counter-clockwise), the first point left out.
+void appendBulge(std::vector<AcGePoint2d>& points, const AcGePoint2d& from, const AcGePoint2d& to,
+                 double bulge);
+
+}  // namespace quoin::commands
