@@ -1,0 +1,318 @@
+// quoin break: cuts wall lines where another wall line's end meets them.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+#include "BreakWallAlgorithm.h"
+#include "commands/Command.h"
+#include "commands/CommandError.h"
+#include "commands/CommonOptions.h"
+#include "commands/LayerChoice.h"
+#include "commands/Progress.h"
+#include "commands/WallChanges.h"
+#include "commands/WallLines.h"
+#include "commands/picture/PlanShapes.h"
+#include "embedded/os/Utf8.h"
+#include "gelnsg3d.h"
+
+namespace quoin::commands {
+
+namespace {
+
+/// A point that the user asked for and the wall line that it cuts.
+struct NamedBreak {
+  AcGePoint3d asked;
+  AcGePoint3d foot;
+  std::size_t line;
+};
+
+/// What one run found and did.
+struct BreakResult {
+  std::set<std::wstring> layers;
+  WallLines walls;
+  Capture capture{};
+  std::vector<NamedBreak> named;
+  std::vector<WallChange> changes;
+  std::size_t heldByLock = 0;  // lines on locked layers that would have been cut
+
+  std::size_t pieceCount() const {
+    std::size_t count = 0;
+    for (const WallChange& change : changes) {
+      count += change.pieces.size();
+    }
+    return count;
+  }
+  std::size_t cutCount() const { return pieceCount() - changes.size(); }
+};
+
+class BreakCommand : public Command {
+ public:
+  CLI::App* declare(CLI::App& app) override {
+    CLI::App* const command = app.add_subcommand(
+        "break", "Cut wall lines where the end of another wall line meets them (T-junctions)");
+    m_options.declareFiles(*command);
+    m_options.declareLayers(*command,
+                            "Layers with wall lines, * and ? allowed; may be repeated. Default: "
+                            "layers whose name holds \"wall\" or \"墙\"");
+    m_options.declareScale(*command);
+    command
+        ->add_option("--at", m_at,
+                     "Also cut the wall line nearest to this point, at the foot of the point; "
+                     "may be repeated")
+        ->type_name("X,Y")
+        ->take_all()
+        ->expected(1);
+    command->footer(
+        "Wall lines are the LINE entities and the straight segments of polylines in model\n"
+        "space. Walls on locked layers cut others but are not changed themselves.\n\n"
+        "Examples:\n"
+        "  quoin break plan.dxf -o broken.dxf --picture broken.png\n"
+        "  quoin break plan.dxf --dry-run --layer 'A-WALL*' --report json\n"
+        "  quoin break plan.dxf --in-place --at 1200,350");
+    return command;
+  }
+
+  void run() override {
+    m_options.checkFiles();
+    std::vector<AcGePoint3d> asked;
+    for (const std::string& text : m_at) {
+      asked.push_back(parsePoint(text));
+    }
+    Drawing drawing(m_options.plan);
+    BreakResult result;
+    result.layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
+    result.walls = collectWallLines(drawing, result.layers);
+    if (result.walls.lines.empty()) {
+      throw CommandError(ExitCode::NothingToDo,
+                         fmt::format("{}: no LINE and no straight polyline segment on {}",
+                                     drawing.file().string(), layerList(result)));
+    }
+    result.capture = setProjectScale(m_options, drawing);
+    split(result, asked);
+    // The picture's background is what the drawing was.
+    Picture picture = m_options.picture.empty() ? Picture() : paint(drawing, result);
+    if (!m_options.isDryRun) {
+      applyWallChanges(drawing, result.changes);
+    }
+    m_options.save(drawing);
+    m_options.render(picture);
+    m_options.isJson() ? printJson(jsonReport(drawing, result)) : printText(drawing, result);
+  }
+
+ private:
+  static std::string layerList(const BreakResult& result) {
+    std::string text;
+    for (const std::wstring& layer : result.layers) {
+      text += (text.empty() ? "" : ", ") + os::toUtf8(layer);
+    }
+    return text;
+  }
+
+  static NamedBreak findNearest(const std::vector<WallLine>& lines, const AcGePoint3d& asked) {
+    NamedBreak named{asked, asked, 0};
+    double least = HUGE_VAL;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      const AcGePoint3d foot = AcGeLineSeg3d(lines[i].start, lines[i].end).closestPointTo(asked);
+      // Points are given in plan: their height is not looked at.
+      const double distance = std::hypot(foot.x - asked.x, foot.y - asked.y);
+      if (distance < least) {
+        least = distance;
+        named.foot = foot;
+        named.line = i;
+      }
+    }
+    return named;
+  }
+
+  static void split(BreakResult& result, const std::vector<AcGePoint3d>& asked) {
+    const std::vector<WallLine>& lines = result.walls.lines;
+    CBreakWallAlgorithm algorithm;
+    std::map<const WallLineLikeSeg*, std::size_t> numberOf;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      algorithm.GetSrcWallLines().push_back(new WallLineLikeSeg(lines[i].start, lines[i].end));
+      numberOf[algorithm.GetSrcWallLines().back()] = i;
+    }
+    for (const AcGePoint3d& point : asked) {
+      const NamedBreak named = findNearest(lines, point);
+      AcArray<AcGePoint3d> points;
+      points.append(named.foot);
+      algorithm.AppendWallBreakPnt(algorithm.GetSrcWallLines()[named.line], points);
+      result.named.push_back(named);
+    }
+    algorithm.SplitWallLines();
+    Progress::checkInterrupt();
+
+    const std::vector<WallLineLikeSeg*>& pieces = algorithm.GetNewWallLines();
+    for (std::size_t i = 0; i < pieces.size();) {
+      const WallLine& line = lines[numberOf.at(pieces[i]->pSrcLine)];
+      WallChange change{
+          line, handleText(line.entity), os::toUtf8(hostx::kindName(line.entity)), {}};
+      const WallLineLikeSeg* const source = pieces[i]->pSrcLine;
+      for (; i < pieces.size() && pieces[i]->pSrcLine == source; ++i) {
+        change.pieces.push_back({pieces[i]->ptStart, pieces[i]->ptEnd, ""});
+      }
+      if (change.pieces.size() < 2) {
+        continue;  // cut at its own end: the line stays as it is
+      }
+      if (line.isLocked) {
+        ++result.heldByLock;
+        continue;
+      }
+      result.changes.push_back(std::move(change));
+    }
+  }
+
+  Picture paint(Drawing& drawing, const BreakResult& result) const {
+    Picture picture;
+    picture.title = drawing.file().filename().string() + ": walls broken at their junctions";
+    picture.subtitle =
+        fmt::format("{} wall lines, {} cut into {} pieces; layers {}; touching within {}",
+                    result.walls.lines.size(), result.changes.size(), result.pieceCount(),
+                    layerList(result), captureText(result.capture, drawing));
+    picture.millimetersPerUnit =
+        drawing.info().units == AcDb::kUnitsUndefined ? 0.0 : drawing.millimetersPerUnit();
+    std::set<AcDbObjectId> lineEntities;
+    std::set<std::pair<AcDbObjectId, int>> changed;
+    for (const WallChange& change : result.changes) {
+      changed.emplace(change.source.entity, change.source.segment);
+    }
+    for (const WallLine& line : result.walls.lines) {
+      if (!line.isPolylineSegment()) {
+        lineEntities.insert(line.entity);
+      }
+    }
+    addPlanShapes(picture, drawing, lineEntities);
+    for (const WallLine& line : result.walls.lines) {
+      picture.focus.push_back({line.start.x, line.start.y});
+      picture.focus.push_back({line.end.x, line.end.y});
+      if (!changed.count({line.entity, line.segment})) {
+        addLine(picture, line.start, line.end, palette::kWall, kWallWidth);
+      }
+    }
+    // Neighbouring pieces of a line take turns between two colours.
+    for (const WallChange& change : result.changes) {
+      for (std::size_t i = 0; i < change.pieces.size(); ++i) {
+        addLine(picture, change.pieces[i].start, change.pieces[i].end,
+                i % 2 == 0 ? palette::kFirst : palette::kSecond, kPieceWidth);
+      }
+    }
+    for (const WallChange& change : result.changes) {
+      for (std::size_t i = 1; i < change.pieces.size(); ++i) {
+        const AcGePoint3d& cut = change.pieces[i].start;
+        picture.marks.push_back({{cut.x, cut.y}, MarkShape::Dot, palette::kMark, markSize(result)});
+      }
+    }
+    for (const NamedBreak& named : result.named) {
+      picture.marks.push_back(
+          {{named.asked.x, named.asked.y}, MarkShape::Cross, palette::kMark, 6.0});
+    }
+    picture.legend = {
+        {"wall, not cut", palette::kWall, false, MarkShape::Dot, kWallWidth},
+        {"pieces of a cut wall,", palette::kFirst, false, MarkShape::Dot, kPieceWidth},
+        {"told apart", palette::kSecond, false, MarkShape::Dot, kPieceWidth},
+        {"break point", palette::kMark, true, MarkShape::Dot},
+        {"rest of the plan", palette::kPlan, false, MarkShape::Dot, 2.0}};
+    if (!result.named.empty()) {
+      picture.legend.push_back({"point asked for", palette::kMark, true, MarkShape::Cross});
+    }
+    return picture;
+  }
+
+  static constexpr double kWallWidth = 1.6;
+  static constexpr double kPieceWidth = 2.4;
+  /// Marks shrink where there are many, so that they do not hide the pieces.
+  static double markSize(const BreakResult& result) {
+    return std::clamp(90.0 / std::sqrt(static_cast<double>(result.cutCount()) + 1.0), 3.0, 6.5);
+  }
+
+  static void addLine(Picture& picture, const AcGePoint3d& start, const AcGePoint3d& end,
+                      const Color& color, double width) {
+    picture.paths.push_back({{{start.x, start.y}, {end.x, end.y}}, false, color, width, false});
+  }
+
+  void printText(const Drawing& drawing, const BreakResult& result) const {
+    fmt::print("{}: {}{}, {}\n", drawing.file().string(), os::toUtf8(drawing.info().release),
+               drawing.info().isBinary ? " binary" : "", drawing.unitName());
+    fmt::print("layers: {}\n", layerList(result));
+    fmt::print("lines closer than {} touch\n", captureText(result.capture, drawing));
+    fmt::print("{} wall lines, {} of them cut at {} points into {} pieces\n",
+               result.walls.lines.size(), result.changes.size(), result.cutCount(),
+               result.pieceCount());
+    for (const NamedBreak& named : result.named) {
+      fmt::print("break asked for at {:g},{:g}: cuts {} at {:g},{:g}\n", named.asked.x,
+                 named.asked.y, describe(drawing, result.walls.lines[named.line].entity),
+                 named.foot.x, named.foot.y);
+    }
+    if (result.walls.arcSegments > 0) {
+      fmt::print("{} arc segments of polylines stay as they are\n", result.walls.arcSegments);
+    }
+    if (result.heldByLock > 0) {
+      fmt::print("{} lines on locked layers were not cut\n", result.heldByLock);
+    }
+    for (const SkippedEntity& skipped : result.walls.skipped) {
+      fmt::print("skipped: {} {}\n", describe(drawing, skipped.entity), skipped.reason);
+    }
+    if (m_options.isDryRun) {
+      fmt::print("dry run: no drawing written\n");
+    } else {
+      fmt::print("written: {}\n", m_options.target().string());
+    }
+    if (!m_options.picture.empty()) {
+      fmt::print("picture: {}\n", m_options.picture);
+    }
+  }
+
+  nlohmann::json jsonReport(const Drawing& drawing, const BreakResult& result) const {
+    nlohmann::json report = {{"command", "break"},
+                             {"input", fileJson(drawing)},
+                             {"output", nullptr},
+                             {"capture", captureJson(result.capture)},
+                             {"layers", nlohmann::json::array()},
+                             {"wallLines", result.walls.lines.size()},
+                             {"linesCut", result.changes.size()},
+                             {"breakPoints", result.cutCount()},
+                             {"pieces", result.pieceCount()},
+                             {"arcSegments", result.walls.arcSegments},
+                             {"heldByLockedLayers", result.heldByLock},
+                             {"changes", nlohmann::json::array()},
+                             {"skipped", nlohmann::json::array()}};
+    if (!m_options.isDryRun) {
+      report["output"] = m_options.target().string();
+    }
+    for (const std::wstring& layer : result.layers) {
+      report["layers"].push_back(os::toUtf8(layer));
+    }
+    for (const WallChange& change : result.changes) {
+      nlohmann::json pieces = nlohmann::json::array();
+      for (const WallPiece& piece : change.pieces) {
+        pieces.push_back({{"handle", piece.handle},
+                          {"start", pointJson(piece.start)},
+                          {"end", pointJson(piece.end)}});
+      }
+      nlohmann::json entry = {
+          {"source", change.handle}, {"kind", change.kind}, {"results", std::move(pieces)}};
+      if (change.source.isPolylineSegment()) {
+        entry["segment"] = change.source.segment;
+      }
+      report["changes"].push_back(std::move(entry));
+    }
+    for (const SkippedEntity& skipped : result.walls.skipped) {
+      report["skipped"].push_back(
+          {{"source", handleText(skipped.entity)}, {"reason", skipped.reason}});
+    }
+    return report;
+  }
+
+  CommonOptions m_options;
+  std::vector<std::string> m_at;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeBreakCommand() {
+  return std::make_unique<BreakCommand>();
+}
+
+}  // namespace quoin::commands

@@ -1,0 +1,172 @@
+#include "commands/WallChanges.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "commands/CommandError.h"
+#include "commands/Polylines.h"
+#include "commands/Progress.h"
+#include "dbobjptr.h"
+#include "dbsymtb.h"
+
+namespace quoin::commands {
+
+namespace {
+
+bool sameBits(const AcGePoint3d& a, const AcGePoint3d& b) {
+  return a.x == b.x && a.y == b.y && a.z == b.z;
+}
+
+class Changer {
+ public:
+  explicit Changer(Drawing& drawing) : m_drawing(drawing) {}
+
+  void changeLine(WallChange& change) {
+    const AcDbObjectId id = change.source.entity;
+    AcDbObjectPointer<AcDbLine> line(id, AcDb::kForWrite);
+    check(line.openStatus(), m_drawing, id, "open the line");
+    const AcDbObjectId block = line->ownerId();
+    for (std::size_t i = 1; i < change.pieces.size(); ++i) {
+      std::unique_ptr<AcDbLine> copy(static_cast<AcDbLine*>(line->clone()));
+      setEnds(*copy, change.pieces[i], id);
+      change.pieces[i].handle = append(block, std::move(copy), id);
+    }
+    setEnds(*line.object(), change.pieces.front(), id);
+    change.pieces.front().handle = handleText(id);
+  }
+
+  /// All cut segments of one polyline.
+  void changePolyline(std::vector<WallChange>::iterator first,
+                      std::vector<WallChange>::iterator last) {
+    const AcDbObjectId id = first->source.entity;
+    AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
+    check(entity.openStatus(), m_drawing, id, "open the polyline");
+    const AcDbObjectId block = entity->ownerId();
+    const PolylineShape shape = readPolyline(*entity.object());
+    const std::vector<std::vector<PolylineVertex>> rest = restOf(shape, first, last);
+
+    // New entities are made before the polyline changes, from what it still is.
+    std::vector<std::unique_ptr<AcDbLine>> lines;
+    std::vector<WallPiece*> pieces;
+    for (auto change = first; change != last; ++change) {
+      for (WallPiece& piece : change->pieces) {
+        lines.push_back(makeLine(*entity.object(), shape, piece));
+        pieces.push_back(&piece);
+      }
+    }
+    for (std::size_t i = 1; i < rest.size(); ++i) {
+      append(block, makePolylineLike(*entity.object(), rest[i]), id);
+    }
+    if (!rest.empty()) {
+      reducePolyline(*entity.object(), rest.front(), m_drawing);
+      entity.close();
+      for (std::size_t i = 0; i < lines.size(); ++i) {
+        pieces[i]->handle = append(block, std::move(lines[i]), id);
+      }
+      return;
+    }
+    // Nothing is left of the polyline: the first line takes its place and handle.
+    AcDbEntity* old = nullptr;
+    entity.release(old);
+    check(old->handOverTo(lines.front().get()), m_drawing, id, "replace the polyline by lines");
+    delete old;
+    lines.front().release()->close();
+    pieces.front()->handle = handleText(id);
+    for (std::size_t i = 1; i < lines.size(); ++i) {
+      pieces[i]->handle = append(block, std::move(lines[i]), id);
+    }
+  }
+
+ private:
+  void setEnds(AcDbLine& line, const WallPiece& piece, const AcDbObjectId& source) {
+    if (!sameBits(line.startPoint(), piece.start)) {
+      check(line.setStartPoint(piece.start), m_drawing, source, "move the line's start");
+    }
+    if (!sameBits(line.endPoint(), piece.end)) {
+      check(line.setEndPoint(piece.end), m_drawing, source, "move the line's end");
+    }
+  }
+
+  std::string append(const AcDbObjectId& block, std::unique_ptr<AcDbEntity> entity,
+                     const AcDbObjectId& source) {
+    AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForWrite);
+    check(record.openStatus(), m_drawing, source, "open its block");
+    AcDbObjectId id;
+    check(record->appendAcDbEntity(id, entity.get()), m_drawing, source, "add a piece");
+    entity.release()->close();
+    return handleText(id);
+  }
+
+  static std::unique_ptr<AcDbLine> makeLine(const AcDbEntity& polyline, const PolylineShape& shape,
+                                            const WallPiece& piece) {
+    auto line = std::make_unique<AcDbLine>(piece.start, piece.end);
+    copyPropertiesAndXData(*line, polyline);
+    if (shape.thickness != 0.0) {
+      line->setThickness(shape.thickness);
+      line->setNormal(shape.normal);
+    }
+    return line;
+  }
+
+  /// The runs of segments that are not cut, in order; that of a closed polyline across its
+  /// first vertex is one run.
+  static std::vector<std::vector<PolylineVertex>> restOf(
+      const PolylineShape& shape, std::vector<WallChange>::const_iterator first,
+      std::vector<WallChange>::const_iterator last) {
+    const std::size_t count = shape.segmentCount();
+    std::vector<bool> isCut(count, false);
+    for (auto change = first; change != last; ++change) {
+      isCut[static_cast<std::size_t>(change->source.segment)] = true;
+    }
+    std::size_t begin = 0;
+    if (shape.isClosed) {
+      begin = static_cast<std::size_t>(first->source.segment) + 1;
+    }
+    std::vector<std::vector<PolylineVertex>> runs;
+    bool continues = false;
+    for (std::size_t i = 0; i < count; ++i) {
+      const std::size_t segment = (begin + i) % count;
+      if (isCut[segment]) {
+        continues = false;
+        continue;
+      }
+      if (!continues) {
+        runs.push_back({shape.vertices[segment]});
+      } else {
+        runs.back().back() = shape.vertices[segment];
+      }
+      runs.back().push_back(shape.segmentEnd(segment));
+      continues = true;
+    }
+    for (std::vector<PolylineVertex>& run : runs) {
+      run.back().bulge = 0.0;  // no segment follows the last vertex
+    }
+    return runs;
+  }
+
+  Drawing& m_drawing;
+};
+
+}  // namespace
+
+void applyWallChanges(Drawing& drawing, std::vector<WallChange>& changes) {
+  Changer changer(drawing);
+  Progress progress("Changing the drawing");
+  for (auto change = changes.begin(); change != changes.end();) {
+    if (!progress.report(static_cast<double>(change - changes.begin()) /
+                         static_cast<double>(changes.size()))) {
+      Progress::checkInterrupt();
+    }
+    const auto last = std::find_if(change, changes.end(), [&](const WallChange& other) {
+      return other.source.entity != change->source.entity;
+    });
+    if (change->source.isPolylineSegment()) {
+      changer.changePolyline(change, last);
+    } else {
+      changer.changeLine(*change);
+    }
+    change = last;
+  }
+}
+
+}  // namespace quoin::commands

@@ -1,0 +1,38 @@
+// Turns the pieces of wall lines into changes of the drawing: a LINE becomes its first piece
+// and copies of itself, a segment of a polyline becomes lines while the rest of the polyline
+// stays a polyline.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "commands/Drawing.h"
+#include "commands/WallLines.h"
+
+namespace quoin::commands {
+
+struct WallPiece {
+  AcGePoint3d start;
+  AcGePoint3d end;
+  /// The handle of the entity that the piece became; empty in a dry run and where the file
+  /// gives no handles.
+  std::string handle;
+};
+
+/// A wall line and the pieces that take its place, at least two.
+struct WallChange {
+  WallLine source;
+  std::string handle;  // the source's
+  std::string kind;    // "LINE", "LWPOLYLINE", ...
+  std::vector<WallPiece> pieces;
+};
+
+/// Changes the drawing and fills in the pieces' handles. Changes of one entity stand together,
+/// in ascending segment order. Every piece keeps its source's layer, colour, linetype, line
+/// weight, thickness and extended data; the first piece of a LINE keeps its handle; what is
+/// left of a polyline in front keeps the polyline's, and where nothing is left the first line
+/// takes it over.
+/// Fails: throws CommandError (EntityFailed).
+void applyWallChanges(Drawing& drawing, std::vector<WallChange>& changes);
+
+}  // namespace quoin::commands
