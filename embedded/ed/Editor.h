@@ -57,8 +57,8 @@ class HOST_API Editor {
 
   /// Called when a document was opened and when it is about to close; it is current then.
   struct Hooks {
-    std::function<void(AcApDocument&)> onOpened;
-    std::function<void(AcApDocument&)> onClosing;
+    std::function<void(AcApDocument&)> onOpened = {};
+    std::function<void(AcApDocument&)> onClosing = {};
   };
   void setHooks(Hooks hooks) { m_hooks = std::move(hooks); }
 

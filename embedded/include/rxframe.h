@@ -12,7 +12,8 @@ inline constexpr Adesk::Int32 kAcRxApiVersion = 0x00120000;
 inline constexpr const char* kAcRxEntryPointName = "acrxEntryPoint";
 inline constexpr const char* kAcRxApiVersionName = "acrxGetApiVersion";
 
-/// Writes the host API version that the module was built against. The frame defines it.
+/// Writes the host API version that the module was built against; null is left alone. The
+/// frame defines it; the host calls it once the library is open.
 extern "C" AFX_EXT_API void acrxGetApiVersion(Adesk::Int32* version);
 
 /// Serves one application message. The module defines it.
@@ -21,3 +22,8 @@ extern "C" AFX_EXT_API AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode msg, voi
 /// Told by the frame when the module's DllMain refuses its attachment, so that the host can
 /// close the library again.
 HOST_API void acrxNoteAttachRefused();
+
+/// Told by the frame, with an address inside the library, before the module's static objects
+/// go. When the process ends under a module that is still loaded, this is the host's last
+/// chance to unload it in order.
+HOST_API void acrxNoteDetaching(const void* addressInLibrary);

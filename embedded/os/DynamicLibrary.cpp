@@ -16,16 +16,16 @@ DynamicLibrary::DynamicLibrary(const std::filesystem::path& path)
 
 void* DynamicLibrary::symbol(const char* name) const {
   void* const address = m_handle ? dlsym(m_handle, name) : nullptr;
-  if (!address) {
-    return nullptr;
-  }
   // dlsym also answers what the library's dependencies define; only its own counts.
+  return address && contains(address) ? address : nullptr;
+}
+
+bool DynamicLibrary::contains(const void* address) const {
   link_map* own = nullptr;
   void* definer = nullptr;
   Dl_info info;
-  const bool known = dlinfo(m_handle, RTLD_DI_LINKMAP, &own) == 0 &&
-                     dladdr1(address, &info, &definer, RTLD_DL_LINKMAP) != 0;
-  return known && own == definer ? address : nullptr;
+  return m_handle && dlinfo(m_handle, RTLD_DI_LINKMAP, &own) == 0 &&
+         dladdr1(address, &info, &definer, RTLD_DL_LINKMAP) != 0 && own == definer;
 }
 
 void DynamicLibrary::close() {

@@ -39,8 +39,12 @@ class HOST_API DynamicLibrary {
 
   /// Whether both are references to one library.
   bool isSameAs(const DynamicLibrary& other) const { return m_handle == other.m_handle; }
+  /// Whether the address lies in the library's own code or data.
+  bool contains(const void* address) const;
   bool isOpen() const { return m_handle != nullptr; }
   void close();
+  /// Lets go of the library without giving its reference back.
+  void release() { m_handle = nullptr; }
 
  private:
   void* symbol(const char* name) const;

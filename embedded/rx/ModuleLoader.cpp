@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "embedded/os/Utf8.h"
+#include "embedded/rx/Runtime.h"
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcRxDynamicLinker, AcRxObject)
 
@@ -19,6 +20,12 @@ bool s_attachRefused = false;
 
 void acrxNoteAttachRefused() {
   s_attachRefused = true;
+}
+
+void acrxNoteDetaching(const void* addressInLibrary) {
+  if (auto* const runtime = quoin::rx::Runtime::current()) {
+    runtime->loader().unloadLeaving(addressInLibrary);
+  }
 }
 
 namespace quoin::rx {
@@ -115,7 +122,7 @@ Module& ModuleLoader::load(const fs::path& file) {
   Module& module = *m_modules.emplace_back(std::move(opened));
   const ModuleAnswer answer = send(module, AcRx::kInitAppMsg);
   if (!answer.isOk()) {
-    close(module);
+    takeOut(module);
     throw ModuleError(ModuleFault::InitRefused, path,
                       "the module's initialisation " + answer.text());
   }
@@ -144,28 +151,44 @@ void ModuleLoader::unload(const fs::path& file) {
     throw ModuleError(ModuleFault::UnloadRefused, module->path(),
                       "the module's unloading " + answer.text());
   }
-  close(*module);
+  takeOut(*module);
 }
 
 void ModuleLoader::unloadAll() {
   while (!m_modules.empty()) {
-    Module& module = *m_modules.back();
-    if (m_hooks.onUnloading) {
-      m_hooks.onUnloading(module);
-    }
-    const ModuleAnswer answer = send(module, AcRx::kUnloadAppMsg);
-    if (!answer.isOk()) {
-      report(module.path().string() + ": the module's unloading " + answer.text());
-    }
-    close(module);
+    unloadWhateverItAnswers(*m_modules.back());
   }
 }
 
-void ModuleLoader::close(Module& module) {
+void ModuleLoader::unloadLeaving(const void* addressInLibrary) {
+  for (Module* const module : modules()) {
+    if (module->m_library.contains(addressInLibrary)) {
+      unloadWhateverItAnswers(*module)->m_library.release();
+      return;
+    }
+  }
+}
+
+std::unique_ptr<Module> ModuleLoader::unloadWhateverItAnswers(Module& module) {
+  if (m_hooks.onUnloading) {
+    m_hooks.onUnloading(module);
+  }
+  const ModuleAnswer answer = send(module, AcRx::kUnloadAppMsg);
+  if (!answer.isOk()) {
+    report(module.path().string() + ": the module's unloading " + answer.text());
+  }
+  return takeOut(module);
+}
+
+std::unique_ptr<Module> ModuleLoader::takeOut(Module& module) {
   if (m_hooks.onClosing) {
     m_hooks.onClosing(module);
   }
-  std::erase_if(m_modules, [&](const auto& entry) { return entry.get() == &module; });
+  const auto place = std::find_if(m_modules.begin(), m_modules.end(),
+                                  [&](const auto& entry) { return entry.get() == &module; });
+  std::unique_ptr<Module> taken = std::move(*place);
+  m_modules.erase(place);
+  return taken;
 }
 
 Module* ModuleLoader::find(const fs::path& file) const {

@@ -77,11 +77,11 @@ class HOST_API ModuleLoader : public AcRxDynamicLinker {
   /// what was served before), after it was initialised, before it is unloaded, and when its
   /// code leaves the process.
   struct Hooks {
-    std::function<void(const Module* served)> onServing;
-    std::function<void(Module&)> onLoaded;
-    std::function<void(Module&)> onUnloading;
-    std::function<void(const Module&)> onClosing;
-    std::function<void(const std::string& message)> onReport;
+    std::function<void(const Module* served)> onServing = {};
+    std::function<void(Module&)> onLoaded = {};
+    std::function<void(Module&)> onUnloading = {};
+    std::function<void(const Module&)> onClosing = {};
+    std::function<void(const std::string& message)> onReport = {};
   };
 
   ModuleLoader();
@@ -96,6 +96,10 @@ class HOST_API ModuleLoader : public AcRxDynamicLinker {
   void unload(const std::filesystem::path& file);
   /// Unloads all modules, last loaded first, locked ones too, whatever they answer.
   void unloadAll();
+
+  /// Unloads a module whose library leaves the process on its own, as libraries do when the
+  /// process ends; an address inside the library names it.
+  void unloadLeaving(const void* addressInLibrary);
 
   /// The loaded module of this path or file name; null if there is none.
   Module* find(const std::filesystem::path& file) const;
@@ -122,7 +126,9 @@ class HOST_API ModuleLoader : public AcRxDynamicLinker {
   std::unique_ptr<Module> open(const std::filesystem::path& file) const;
   Module* byAppId(const void* appId) const;
   Module* bySameLibrary(const Module& module) const;
-  void close(Module& module);
+  std::unique_ptr<Module> unloadWhateverItAnswers(Module& module);
+  /// Takes a module off the list; dropping the result closes its library.
+  std::unique_ptr<Module> takeOut(Module& module);
   void report(const std::string& message) const;
 
   Hooks m_hooks;

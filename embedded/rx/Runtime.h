@@ -27,9 +27,9 @@ class HOST_API Runtime {
 
   /// What the host does beyond the frame when a module comes, goes or has to be reported.
   struct Hooks {
-    std::function<void(Module&)> onLoaded;
-    std::function<void(Module&)> onUnloading;
-    std::function<void(const std::string& message)> onReport;
+    std::function<void(Module&)> onLoaded = {};
+    std::function<void(Module&)> onUnloading = {};
+    std::function<void(const std::string& message)> onReport = {};
   };
   void setHooks(Hooks hooks);
 

@@ -85,8 +85,8 @@ TEST(Editor, AClosedDocumentsObjectStillAnswers) {
 }
 
 TEST(Editor, TellsOfOpeningAndClosingWhileTheDocumentIsCurrent) {
-  Editor editor;
   std::vector<std::wstring> told;
+  Editor editor;
   editor.setHooks({.onOpened =
                        [&](AcApDocument& document) {
                          EXPECT_EQ(curDoc(), &document);

@@ -143,6 +143,7 @@ TEST_F(QuoinModuleTest, StampsTheVersionOfTheHostApi) {
 }
 
 TEST_F(QuoinModuleTest, AProcessMayEndWithTheModuleLoaded) {
+  // The library's static objects go before the host's: it is unloaded when it leaves.
   EXPECT_EXIT(
       {
         static HostApplication host;

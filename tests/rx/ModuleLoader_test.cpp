@@ -303,6 +303,19 @@ TEST(RuntimeTest, ThereIsOneAtATimeAndAsManyAsWantedAfterOneAnother) {
   EXPECT_EQ(quoin::rx::Runtime::current(), nullptr);
 }
 
+TEST(RuntimeDeathTest, AModuleIsUnloadedInOrderWhenTheProcessEndsUnderIt) {
+  EXPECT_EXIT(
+      {
+        static quoin::rx::Runtime runtime;
+        runtime.setHooks({.onUnloading = [](Module& module) {
+          std::fprintf(stderr, "unloading %s", module.path().filename().c_str());
+        }});
+        runtime.loader().load(testModule("Tables"));
+        std::exit(0);
+      },
+      testing::ExitedWithCode(0), "^unloading Tables.so$");
+}
+
 TEST(RuntimeDeathTest, AProcessThatEndsWithALoadedLibraryDetachesItCleanly) {
   EXPECT_EXIT(
       {

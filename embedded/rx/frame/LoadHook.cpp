@@ -1,7 +1,7 @@
-// Calls the module's DllMain when its library enters the process and leaves it. On Windows
-// the system does that itself. Elsewhere a static object does: its file is linked behind the
-// module's own, so it is made after the module's static objects and destroyed before them,
-// when the library is closed as well as when the process ends.
+// Calls the module's DllMain when its library enters the process and leaves it, once each. On
+// Windows the system does that itself; elsewhere a static object does. Where it stands among
+// the module's own static objects is the linker's choice, so DllMain relies on constants and
+// on what the host's libraries offer alone.
 #include "rxframe.h"
 
 #if !defined(_WIN32)
