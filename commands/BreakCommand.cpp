@@ -13,6 +13,7 @@
 #include "commands/Progress.h"
 #include "commands/WallChanges.h"
 #include "commands/WallLines.h"
+#include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
 #include "embedded/os/Utf8.h"
 #include "gelnsg3d.h"
@@ -87,7 +88,7 @@ class BreakCommand : public Command {
     if (result.walls.lines.empty()) {
       throw CommandError(ExitCode::NothingToDo,
                          fmt::format("{}: no LINE and no straight polyline segment on {}",
-                                     drawing.file().string(), layerList(result)));
+                                     drawing.file().string(), namesText(result.layers)));
     }
     result.capture = setProjectScale(m_options, drawing);
     split(result, asked);
@@ -102,14 +103,6 @@ class BreakCommand : public Command {
   }
 
  private:
-  static std::string layerList(const BreakResult& result) {
-    std::string text;
-    for (const std::wstring& layer : result.layers) {
-      text += (text.empty() ? "" : ", ") + os::toUtf8(layer);
-    }
-    return text;
-  }
-
   static NamedBreak findNearest(const std::vector<WallLine>& lines, const AcGePoint3d& asked) {
     NamedBreak named{asked, asked, 0};
     double least = HUGE_VAL;
@@ -165,14 +158,11 @@ class BreakCommand : public Command {
   }
 
   Picture paint(Drawing& drawing, const BreakResult& result) const {
-    Picture picture;
-    picture.title = drawing.file().filename().string() + ": walls broken at their junctions";
-    picture.subtitle =
+    Picture picture = newPicture(
+        drawing, "walls broken at their junctions",
         fmt::format("{} wall lines, {} cut into {} pieces; layers {}; touching within {}",
                     result.walls.lines.size(), result.changes.size(), result.pieceCount(),
-                    layerList(result), captureText(result.capture, drawing));
-    picture.millimetersPerUnit =
-        drawing.info().units == AcDb::kUnitsUndefined ? 0.0 : drawing.millimetersPerUnit();
+                    namesText(result.layers), captureText(result.capture, drawing)));
     std::set<AcDbObjectId> lineEntities;
     std::set<std::pair<AcDbObjectId, int>> changed;
     for (const WallChange& change : result.changes) {
@@ -185,8 +175,7 @@ class BreakCommand : public Command {
     }
     addPlanShapes(picture, drawing, lineEntities);
     for (const WallLine& line : result.walls.lines) {
-      picture.focus.push_back({line.start.x, line.start.y});
-      picture.focus.push_back({line.end.x, line.end.y});
+      addFocus(picture, line.start, line.end);
       if (!changed.count({line.entity, line.segment})) {
         addLine(picture, line.start, line.end, palette::kWall, kWallWidth);
       }
@@ -201,12 +190,11 @@ class BreakCommand : public Command {
     for (const WallChange& change : result.changes) {
       for (std::size_t i = 1; i < change.pieces.size(); ++i) {
         const AcGePoint3d& cut = change.pieces[i].start;
-        picture.marks.push_back({{cut.x, cut.y}, MarkShape::Dot, palette::kMark, markSize(result)});
+        addMark(picture, cut, MarkShape::Dot, palette::kMark, markSizeFor(result.cutCount()));
       }
     }
     for (const NamedBreak& named : result.named) {
-      picture.marks.push_back(
-          {{named.asked.x, named.asked.y}, MarkShape::Cross, palette::kMark, 6.0});
+      addMark(picture, named.asked, MarkShape::Cross, palette::kMark, 6.0);
     }
     picture.legend = {
         {"wall, not cut", palette::kWall, false, MarkShape::Dot, kWallWidth},
@@ -220,22 +208,10 @@ class BreakCommand : public Command {
     return picture;
   }
 
-  static constexpr double kWallWidth = 1.6;
-  static constexpr double kPieceWidth = 2.4;
-  /// Marks shrink where there are many, so that they do not hide the pieces.
-  static double markSize(const BreakResult& result) {
-    return std::clamp(90.0 / std::sqrt(static_cast<double>(result.cutCount()) + 1.0), 3.0, 6.5);
-  }
-
-  static void addLine(Picture& picture, const AcGePoint3d& start, const AcGePoint3d& end,
-                      const Color& color, double width) {
-    picture.paths.push_back({{{start.x, start.y}, {end.x, end.y}}, false, color, width, false});
-  }
-
   void printText(const Drawing& drawing, const BreakResult& result) const {
     fmt::print("{}: {}{}, {}\n", drawing.file().string(), os::toUtf8(drawing.info().release),
                drawing.info().isBinary ? " binary" : "", drawing.unitName());
-    fmt::print("layers: {}\n", layerList(result));
+    fmt::print("layers: {}\n", namesText(result.layers));
     fmt::print("lines closer than {} touch\n", captureText(result.capture, drawing));
     fmt::print("{} wall lines, {} of them cut at {} points into {} pieces\n",
                result.walls.lines.size(), result.changes.size(), result.cutCount(),
@@ -254,22 +230,14 @@ class BreakCommand : public Command {
     for (const SkippedEntity& skipped : result.walls.skipped) {
       fmt::print("skipped: {} {}\n", describe(drawing, skipped.entity), skipped.reason);
     }
-    if (m_options.isDryRun) {
-      fmt::print("dry run: no drawing written\n");
-    } else {
-      fmt::print("written: {}\n", m_options.target().string());
-    }
-    if (!m_options.picture.empty()) {
-      fmt::print("picture: {}\n", m_options.picture);
-    }
+    m_options.printOutcome();
   }
 
   nlohmann::json jsonReport(const Drawing& drawing, const BreakResult& result) const {
     nlohmann::json report = {{"command", "break"},
                              {"input", fileJson(drawing)},
-                             {"output", nullptr},
                              {"capture", captureJson(result.capture)},
-                             {"layers", nlohmann::json::array()},
+                             {"layers", namesJson(result.layers)},
                              {"wallLines", result.walls.lines.size()},
                              {"linesCut", result.changes.size()},
                              {"breakPoints", result.cutCount()},
@@ -278,12 +246,7 @@ class BreakCommand : public Command {
                              {"heldByLockedLayers", result.heldByLock},
                              {"changes", nlohmann::json::array()},
                              {"skipped", nlohmann::json::array()}};
-    if (!m_options.isDryRun) {
-      report["output"] = m_options.target().string();
-    }
-    for (const std::wstring& layer : result.layers) {
-      report["layers"].push_back(os::toUtf8(layer));
-    }
+    m_options.addOutcome(report);
     for (const WallChange& change : result.changes) {
       nlohmann::json pieces = nlohmann::json::array();
       for (const WallPiece& piece : change.pieces) {

@@ -73,6 +73,22 @@ void CommonOptions::render(const Picture& drawn) const {
   }
 }
 
+void CommonOptions::printOutcome() const {
+  if (isDryRun) {
+    fmt::print("dry run: no drawing written\n");
+  } else {
+    fmt::print("written: {}\n", target().string());
+  }
+  if (!picture.empty()) {
+    fmt::print("picture: {}\n", picture);
+  }
+}
+
+void CommonOptions::addOutcome(nlohmann::json& json) const {
+  json["output"] = isDryRun ? nlohmann::json() : nlohmann::json(target().string());
+  json["picture"] = picture.empty() ? nlohmann::json() : nlohmann::json(picture);
+}
+
 Capture setProjectScale(const CommonOptions& options, const Drawing& drawing) {
   const double defaultDistance = kDefaultCaptureMillimeters / drawing.millimetersPerUnit();
   const double scale = options.projectScale.value_or(kCaptureLength / defaultDistance);
@@ -115,6 +131,22 @@ AcGePoint3d parsePoint(const std::string& text) {
                        fmt::format("'{}' is no point; write X,Y with no blanks", text));
   }
   return {values[0], values[1], values[2]};
+}
+
+std::string namesText(const std::set<std::wstring>& names) {
+  std::string text;
+  for (const std::wstring& name : names) {
+    text += (text.empty() ? "" : ", ") + os::toUtf8(name);
+  }
+  return text;
+}
+
+nlohmann::json namesJson(const std::set<std::wstring>& names) {
+  nlohmann::json json = nlohmann::json::array();
+  for (const std::wstring& name : names) {
+    json.push_back(os::toUtf8(name));
+  }
+  return json;
 }
 
 nlohmann::json pointJson(const AcGePoint3d& point) {

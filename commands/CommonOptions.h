@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -40,6 +41,10 @@ struct CommonOptions {
   void save(Drawing& drawing) const;
   /// Writes the picture if one was asked for.
   void render(const Picture& picture) const;
+  /// The last lines of a text report: where the drawing and the picture went.
+  void printOutcome() const;
+  /// The same in a JSON report: "output" and "picture".
+  void addOutcome(nlohmann::json& report) const;
 };
 
 /// How near lines must come to count as touching.
@@ -62,7 +67,11 @@ std::string captureText(const Capture& capture, const Drawing& drawing);
 /// Fails: throws CommandError (Usage).
 AcGePoint3d parsePoint(const std::string& text);
 
+/// Names in a row, separated by commas.
+std::string namesText(const std::set<std::wstring>& names);
+
 /// Parts of JSON reports.
+nlohmann::json namesJson(const std::set<std::wstring>& names);
 nlohmann::json pointJson(const AcGePoint3d& point);
 nlohmann::json fileJson(const Drawing& drawing);
 nlohmann::json captureJson(const Capture& capture);

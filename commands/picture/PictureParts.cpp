@@ -1,0 +1,36 @@
+#include "commands/picture/PictureParts.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace quoin::commands {
+
+Picture newPicture(const Drawing& drawing, const std::string& what, const std::string& subtitle) {
+  Picture picture;
+  picture.title = drawing.file().filename().string() + ": " + what;
+  picture.subtitle = subtitle;
+  picture.millimetersPerUnit =
+      drawing.info().units == AcDb::kUnitsUndefined ? 0.0 : drawing.millimetersPerUnit();
+  return picture;
+}
+
+void addLine(Picture& picture, const AcGePoint3d& start, const AcGePoint3d& end, const Color& color,
+             double width, bool isDashed) {
+  picture.paths.push_back({{{start.x, start.y}, {end.x, end.y}}, false, color, width, isDashed});
+}
+
+void addMark(Picture& picture, const AcGePoint3d& at, MarkShape shape, const Color& color,
+             double size) {
+  picture.marks.push_back({{at.x, at.y}, shape, color, size});
+}
+
+void addFocus(Picture& picture, const AcGePoint3d& start, const AcGePoint3d& end) {
+  picture.focus.push_back({start.x, start.y});
+  picture.focus.push_back({end.x, end.y});
+}
+
+double markSizeFor(std::size_t count) {
+  return std::clamp(90.0 / std::sqrt(static_cast<double>(count) + 1.0), 3.0, 6.5);
+}
+
+}  // namespace quoin::commands
