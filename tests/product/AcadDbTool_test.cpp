@@ -1,0 +1,67 @@
+#include "host/AcadDbTool.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "dbmain.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class SaveDbTest : public testing::Test {
+ protected:
+  SaveDbTest() { fs::create_directories(folder); }
+  ~SaveDbTest() override { fs::remove_all(folder); }
+
+  static std::string contentOf(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  // A folder of this test's own: tests run at the same time.
+  const fs::path folder =
+      fs::temp_directory_path() / (std::string("quoin-savedb-") +
+                                   testing::UnitTest::GetInstance()->current_test_info()->name());
+  const fs::path path = folder / "plan.dxf";
+};
+
+TEST_F(SaveDbTest, ASavedDrawingReadsBack) {
+  AcDbDatabase drawing(true, true);
+  ASSERT_EQ(CAcadDbTool::SaveDb(&drawing, path.wstring().c_str(), true), Acad::eOk);
+  AcDbDatabase again(false, true);
+  EXPECT_EQ(again.readDwgFile(path.wstring().c_str()), Acad::eOk);
+  EXPECT_FALSE(fs::exists(folder / "plan.bak")) << "there was nothing to keep";
+}
+
+TEST_F(SaveDbTest, TheOldFileIsKeptAsBackupOnRequestOnly) {
+  AcDbDatabase drawing(true, true);
+  std::ofstream(path) << "old";
+  ASSERT_EQ(CAcadDbTool::SaveDb(&drawing, path.wstring().c_str(), false), Acad::eOk);
+  EXPECT_FALSE(fs::exists(folder / "plan.bak"));
+  std::ofstream(path) << "old";
+  ASSERT_EQ(CAcadDbTool::SaveDb(&drawing, path.wstring().c_str(), true), Acad::eOk);
+  EXPECT_EQ(contentOf(folder / "plan.bak"), "old");
+  EXPECT_NE(contentOf(path), "old");
+}
+
+TEST_F(SaveDbTest, WithoutDatabaseOrPathNothingIsWritten) {
+  AcDbDatabase drawing(true, true);
+  EXPECT_EQ(CAcadDbTool::SaveDb(nullptr, path.wstring().c_str(), true), Acad::eNoDatabase);
+  EXPECT_EQ(CAcadDbTool::SaveDb(&drawing, nullptr, true), Acad::eInvalidInput);
+  EXPECT_EQ(CAcadDbTool::SaveDb(&drawing, L"", true), Acad::eInvalidInput);
+  EXPECT_TRUE(fs::is_empty(folder));
+}
+
+TEST_F(SaveDbTest, AFolderThatDoesNotExistIsAnError) {
+  AcDbDatabase drawing(true, true);
+  const fs::path nowhere = folder / "missing" / "plan.dxf";
+  EXPECT_NE(CAcadDbTool::SaveDb(&drawing, nowhere.wstring().c_str(), true), Acad::eOk);
+  EXPECT_FALSE(fs::exists(nowhere));
+}
+
+}  // namespace
