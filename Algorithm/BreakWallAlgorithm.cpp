@@ -30,17 +30,17 @@ void CBreakWallAlgorithm::AppendWallBreakPnt(WallLineLikeSeg* pLine,
 void CBreakWallAlgorithm::CalcBreakPnts(std::vector<AcGePoint3d>& pnts, WallLineLikeSeg* pLine) {
   const double captureDistance = GetCaptureDistance(GetProjectScale());
   const AcGeLineSeg3d seg(pLine->ptStart, pLine->ptEnd);
-  const CNearLineFinder finder(*pLine, captureDistance);
-  for (const WallLineLikeSeg* pOther : m_srcWallLines) {
-    if (pOther == pLine || !finder.MayTouch(*pOther)) {
-      continue;
+  const CNearLineFinder finder(m_srcWallLines);
+  finder.VisitNear(*pLine, captureDistance, [&](const WallLineLikeSeg* pOther) {
+    if (pOther == pLine) {
+      return;
     }
     const double distStart = seg.distanceTo(pOther->ptStart);
     const double distEnd = seg.distanceTo(pOther->ptEnd);
     const bool startIsNearer = distEnd > distStart;
     const AcGePoint3d& ptNear = startIsNearer ? pOther->ptStart : pOther->ptEnd;
     if (!(captureDistance > (startIsNearer ? distStart : distEnd))) {
-      continue;
+      return;
     }
     const AcGePoint3d ptBreak = seg.closestPointTo(ptNear);
     const double toStart = ptBreak.distanceTo(pLine->ptStart);
@@ -48,7 +48,7 @@ void CBreakWallAlgorithm::CalcBreakPnts(std::vector<AcGePoint3d>& pnts, WallLine
     if ((toEnd > toStart ? toStart : toEnd) >= captureDistance) {
       pnts.push_back(ptBreak);
     }
-  }
+  });
 }
 
 void CBreakWallAlgorithm::SplitWallLines() {

@@ -13,6 +13,7 @@
 #include <set>
 #include <vector>
 
+#include "GeomConst.h"
 #include "GeomDegree.h"
 #include "ProjectScale.h"
 #include "gepnt3d.h"
@@ -22,7 +23,6 @@ namespace MergeSegInternal {
 /// Two segments continue each other when they leave the meeting point in opposite directions
 /// to within this many degrees.
 constexpr double kMaxBendDegrees = 1.0;
-constexpr double kPi = 3.14159265358979323846;
 
 template <class Seg>
 void CollectTouching(std::vector<Seg*>& startTouchList, std::vector<Seg*>& endTouchList,
@@ -56,7 +56,8 @@ bool MergeOnPnt(Seg& seg1, const Seg& seg2, bool bAtStart,
   const AcGePoint3d ptNear2 = nearIsStart ? seg2.ptStart : seg2.ptEnd;
   const AcGePoint3d ptFar2 = nearIsStart ? seg2.ptEnd : seg2.ptStart;
 
-  const double turn = (ptFar1 - ptMeet).angleTo(ptFar2 - ptNear2, AcGeVector3d::kZAxis) - kPi;
+  const double turn =
+      (ptFar1 - ptMeet).angleTo(ptFar2 - ptNear2, AcGeVector3d::kZAxis) - GeomConst::kPi;
   if (std::fabs(CGeomDegree(turn, eAngleRadian).GetAngleDegree()) > kMaxBendDegrees) {
     return false;
   }

@@ -1,10 +1,11 @@
 #include "GeomLinearCommon.h"
 
 #include "DataConvert.h"
+#include "GeomConst.h"
+
+using GeomConst::kHalfPi;
 
 namespace {
-
-constexpr double kHalfPi = 1.57079632679489661923;
 
 /// The acute angle between two lines and how it was reached.
 struct AcuteAngle {

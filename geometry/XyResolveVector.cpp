@@ -1,8 +1,6 @@
 #include "XyResolveVector.h"
 
-namespace {
-constexpr double kHalfPi = 1.57079632679489661923;
-}
+#include "GeomConst.h"
 
 CXyResolveVector::CXyResolveVector(const AcGeVector3d& vecX, const AcGeVector3d& vecY)
     : m_vecX(vecX),
@@ -11,8 +9,8 @@ CXyResolveVector::CXyResolveVector(const AcGeVector3d& vecX, const AcGeVector3d&
       m_vecYPerp(vecY),
       m_dXParam(0.0),
       m_dYParam(0.0) {
-  m_vecXPerp.rotateBy(kHalfPi, AcGeVector3d::kZAxis);
-  m_vecYPerp.rotateBy(kHalfPi, AcGeVector3d::kZAxis);
+  m_vecXPerp.rotateBy(GeomConst::kHalfPi, AcGeVector3d::kZAxis);
+  m_vecYPerp.rotateBy(GeomConst::kHalfPi, AcGeVector3d::kZAxis);
 }
 
 CXyResolveVector::CXyResolveVector(const CXyResolveVector& other) = default;

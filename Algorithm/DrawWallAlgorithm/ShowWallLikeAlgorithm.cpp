@@ -11,6 +11,33 @@ namespace {
 constexpr int kAssertLineInPlan = 567;
 constexpr int kAssertLineFor3d = 486;
 
+/// The walls that meet the show wall at its start and at its end, in their order.
+void CollectMeetWalls(const std::vector<WallEntityLikeRect*>& vecAllWallRect,
+                      const WallEntityLikeRect* pShowWall,
+                      std::vector<WallEntityLikeRect*>& vecStartMeet,
+                      std::vector<WallEntityLikeRect*>& vecEndMeet) {
+  const double captureDistance = GetCaptureDistance(GetProjectScale());
+  const AcGePoint3d& ptStart = pShowWall->ptStart;
+  const AcGePoint3d& ptEnd = pShowWall->ptEnd;
+  for (WallEntityLikeRect* pRect : vecAllWallRect) {
+    if (!pRect || pRect == pShowWall) {
+      continue;
+    }
+    const double distStart =
+        std::min(pRect->ptStart.distanceTo(ptStart), pRect->ptEnd.distanceTo(ptStart));
+    const double distEnd =
+        std::min(pRect->ptStart.distanceTo(ptEnd), pRect->ptEnd.distanceTo(ptEnd));
+    // A wall counts at its nearer end only; a tie goes to the end.
+    if (distEnd > distStart) {
+      if (captureDistance > distStart) {
+        vecStartMeet.push_back(pRect);
+      }
+    } else if (captureDistance > distEnd) {
+      vecEndMeet.push_back(pRect);
+    }
+  }
+}
+
 }  // namespace
 
 CShowWallLikeAlgorithm::CShowWallLikeAlgorithm()
@@ -58,34 +85,10 @@ const std::vector<WallEntityLikeRect*>& CShowWallLikeAlgorithm::GetEndWallArray(
   return m_vecEndWallArray;
 }
 
-void CShowWallLikeAlgorithm::CollectMeetWalls(std::vector<WallEntityLikeRect*>& vecStartMeet,
-                                              std::vector<WallEntityLikeRect*>& vecEndMeet) const {
-  const double captureDistance = GetCaptureDistance(GetProjectScale());
-  const AcGePoint3d& ptStart = m_pShowWall->ptStart;
-  const AcGePoint3d& ptEnd = m_pShowWall->ptEnd;
-  for (WallEntityLikeRect* pRect : m_vecAllWallRect) {
-    if (!pRect || pRect == m_pShowWall) {
-      continue;
-    }
-    const double distStart =
-        std::min(pRect->ptStart.distanceTo(ptStart), pRect->ptEnd.distanceTo(ptStart));
-    const double distEnd =
-        std::min(pRect->ptStart.distanceTo(ptEnd), pRect->ptEnd.distanceTo(ptEnd));
-    // A wall counts at its nearer end only; a tie goes to the end.
-    if (distEnd > distStart) {
-      if (captureDistance > distStart) {
-        vecStartMeet.push_back(pRect);
-      }
-    } else if (captureDistance > distEnd) {
-      vecEndMeet.push_back(pRect);
-    }
-  }
-}
-
 void CShowWallLikeAlgorithm::CalcShowWall() {
   std::vector<WallEntityLikeRect*> vecStartMeet;
   std::vector<WallEntityLikeRect*> vecEndMeet;
-  CollectMeetWalls(vecStartMeet, vecEndMeet);
+  CollectMeetWalls(m_vecAllWallRect, m_pShowWall, vecStartMeet, vecEndMeet);
 
   AcGePoint3d ptStartLeft;
   AcGePoint3d ptStartRight;
@@ -113,7 +116,7 @@ void CShowWallLikeAlgorithm::CalcShowWall() {
 PrepareFrom2dTo3dData CShowWallLikeAlgorithm::CalcShowWallPrepareFor3d() const {
   std::vector<WallEntityLikeRect*> vecStartMeet;
   std::vector<WallEntityLikeRect*> vecEndMeet;
-  CollectMeetWalls(vecStartMeet, vecEndMeet);
+  CollectMeetWalls(m_vecAllWallRect, m_pShowWall, vecStartMeet, vecEndMeet);
 
   // The operation is const to its callers, yet it keeps what it finds out about the ends.
   CShowWallLikeAlgorithm* const pThis = const_cast<CShowWallLikeAlgorithm*>(this);

@@ -88,9 +88,6 @@ class AFX_EXT_CLASS CShowWallLikeAlgorithm {
   void ClearWallRectArray(std::vector<WallEntityLikeRect*>& vec);
 
  private:
-  void CollectMeetWalls(std::vector<WallEntityLikeRect*>& vecStartMeet,
-                        std::vector<WallEntityLikeRect*>& vecEndMeet) const;
-
   std::vector<WallEntityLikeRect*> m_vecAllWallRect;
   WallEntityLikeRect* m_pShowWall;
   WallDrawingSeg m_leftWall;

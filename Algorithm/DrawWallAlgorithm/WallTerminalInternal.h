@@ -14,6 +14,7 @@
 #include <cmath>
 #include <vector>
 
+#include "GeomConst.h"
 #include "GeomDegree.h"
 #include "GeomLinearCommon.h"
 #include "Log.h"
@@ -24,7 +25,6 @@ namespace WallTerminalInternal {
 /// Faces at a smaller angle than this (strictly) are parallel or nearly so: a connecting
 /// record joins them instead of a far-away intersection.
 constexpr double kMinMitreDegrees = 5.0;
-constexpr double kHalfPi = 1.57079632679489661923;
 
 /// A wall as seen from one of its ends.
 struct SeenFromEnd {
@@ -47,7 +47,7 @@ inline std::array<AcGePoint3d, 4> GetRectCorners(const AcGePoint3d& ptRef,
   const SeenFromEnd seen = SeeFromEnd(ptRef, *pRect);
   const AcGeVector3d vecAlong = (seen.ptFar - seen.ptNear).normal();
   AcGeVector3d vecLeft = vecAlong;
-  vecLeft.rotateBy(kHalfPi, AcGeVector3d::kZAxis);
+  vecLeft.rotateBy(GeomConst::kHalfPi, AcGeVector3d::kZAxis);
   return {seen.ptNear + vecLeft * seen.dLeft, seen.ptNear - vecLeft * seen.dRight,
           seen.ptFar + vecLeft * seen.dLeft, seen.ptFar - vecLeft * seen.dRight};
 }
@@ -97,7 +97,8 @@ void ProcessTerminal(const AcGePoint3d& ptTerminal, WallEntityLikeRect* pShowWal
   }
   bHasTerminalWall = false;
   vecMeetWalls.push_back(pShowWall);
-  // Walls that leave in the same direction keep the order in which they were found.
+  // Walls that leave in the same direction keep the order in which they were found. Angles
+  // that are no numbers compare with nothing; a merge sort stays within the list all the same.
   std::stable_sort(vecMeetWalls.begin(), vecMeetWalls.end(),
                    [&](const WallEntityLikeRect* pRect1, const WallEntityLikeRect* pRect2) {
                      return GetTerminalOutAngle(ptTerminal, pRect1) <
