@@ -37,7 +37,7 @@ set_target_properties(quoinframe PROPERTIES EXPORT_NAME frame)
 install(TARGETS quoinhost_api quoinhost quoin_module quoinframe EXPORT QuoinTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   OBJECTS DESTINATION ${CMAKE_INSTALL_LIBDIR}/quoin)
-foreach(TARGET quoin quoincmd quoin_commands)
+foreach(TARGET quoin_app quoin_commands)
   if(TARGET ${TARGET})
     install(TARGETS ${TARGET}
       RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
