@@ -1,6 +1,7 @@
 // The table of system variables. Key of the notation: onOff, whole, real, positive, text and
 // point make a row that can be set (for the document, or with `session` for the session);
-// fixed and computed make rows that are read only.
+// fixed, fixedPerDocument and computed make rows that are read only. What a drawing keeps
+// itself (DrawingVariables.h) has its first value here for documents without a database.
 #include <algorithm>
 #include <array>
 #include <cfloat>
@@ -17,6 +18,8 @@ using Type = VariableType;
 
 constexpr double kShortLeast = -32768.0;
 constexpr double kShortMost = 32767.0;
+// The corners of a drawing with nothing in it.
+constexpr double kNoExtents = 1.0e20;
 
 constexpr VariableRow number(const wchar_t* name, Type type, double first, double least,
                              double most) {
@@ -46,9 +49,12 @@ constexpr VariableRow session(VariableRow row) {
   row.isPerDocument = false;
   return row;
 }
-constexpr VariableRow fixed(VariableRow row) {
+constexpr VariableRow fixedPerDocument(VariableRow row) {
   row.isReadOnly = true;
-  return session(row);
+  return row;
+}
+constexpr VariableRow fixed(VariableRow row) {
+  return session(fixedPerDocument(row));
 }
 constexpr VariableRow computed(const wchar_t* name, Type type,
                                VariableValue (*compute)(const DocumentState&)) {
@@ -158,6 +164,8 @@ constexpr VariableRow kRows[] = {
     computed(L"DWGTITLED", Type::Short, isTitled),
     real(L"ELEVATION", 0.0),
     session(whole(L"EXPERT", 0, 0, 5)),
+    fixedPerDocument(point(L"EXTMAX", Type::Point3d, -kNoExtents, -kNoExtents, -kNoExtents)),
+    fixedPerDocument(point(L"EXTMIN", Type::Point3d, kNoExtents, kNoExtents, kNoExtents)),
     session(onOff(L"FILEDIA", 1)),
     real(L"FILLETRAD", 0.0, 0.0),
     onOff(L"FILLMODE", 1),

@@ -7,6 +7,7 @@
 #include "acutmem.h"
 #include "adscodes.h"
 #include "embedded/ed/DocumentState.h"
+#include "embedded/ed/DrawingVariables.h"
 
 namespace quoin::ed {
 namespace {
@@ -21,9 +22,21 @@ VariableValue firstValue(const VariableRow& row) {
   return value;
 }
 
-VariableValue currentValue(const VariableRow& row, const VariableValues& stored) {
+/// The drawing's side of a document's variable; null when the drawing does not keep it.
+const DrawingVariable* drawingVariable(const VariableRow& row, const DocumentState* document) {
+  const bool hasDrawing = row.isPerDocument && document && document->database;
+  return hasDrawing ? findDrawingVariable(row.name) : nullptr;
+}
+
+/// What was set, or else what the drawing says, or else the first value.
+VariableValue currentValue(const VariableRow& row, const DocumentState* document,
+                           const VariableValues& stored) {
   const auto found = stored.find(std::wstring_view(row.name));
-  return found == stored.end() ? firstValue(row) : found->second;
+  if (found != stored.end()) {
+    return found->second;
+  }
+  const DrawingVariable* const kept = drawingVariable(row, document);
+  return kept ? kept->read(*document->database) : firstValue(row);
 }
 
 bool isInRange(const VariableRow& row, double number) {
@@ -111,8 +124,8 @@ bool SystemVariables::get(std::wstring_view name, const DocumentState* document,
   if (row->compute) {
     return writeValue(*row, row->compute(*document), result);
   }
-  return writeValue(*row, currentValue(*row, row->isPerDocument ? document->variables : m_session),
-                    result);
+  const VariableValues& stored = row->isPerDocument ? document->variables : m_session;
+  return writeValue(*row, currentValue(*row, document, stored), result);
 }
 
 bool SystemVariables::set(std::wstring_view name, DocumentState* document, const resbuf& value) {
@@ -123,6 +136,10 @@ bool SystemVariables::set(std::wstring_view name, DocumentState* document, const
   std::optional<VariableValue> wanted = valueFrom(*row, value);
   if (!wanted) {
     return false;
+  }
+  const DrawingVariable* const kept = drawingVariable(*row, document);
+  if (kept && kept->write) {
+    return kept->write(*document->database, *wanted);
   }
   VariableValues& values = row->isPerDocument ? document->variables : m_session;
   values.insert_or_assign(row->name, std::move(*wanted));

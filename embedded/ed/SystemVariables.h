@@ -1,6 +1,7 @@
 // System variables: a table with one row a variable (type, first value, range, whether it can
 // be set, whether each document has its own), and the values that were set. What the view, the
-// user coordinate system and the file name decide is computed from them when it is read.
+// user coordinate system and the file name decide is computed from them when it is read; what
+// the drawing keeps in its header is read from there.
 #pragma once
 
 #include <cstdint>
