@@ -244,23 +244,9 @@ class BreakCommand : public Command {
                              {"pieces", result.pieceCount()},
                              {"arcSegments", result.walls.arcSegments},
                              {"heldByLockedLayers", result.heldByLock},
-                             {"changes", nlohmann::json::array()},
+                             {"changes", changesJson(result.changes)},
                              {"skipped", nlohmann::json::array()}};
     m_options.addOutcome(report);
-    for (const WallChange& change : result.changes) {
-      nlohmann::json pieces = nlohmann::json::array();
-      for (const WallPiece& piece : change.pieces) {
-        pieces.push_back({{"handle", piece.handle},
-                          {"start", pointJson(piece.start)},
-                          {"end", pointJson(piece.end)}});
-      }
-      nlohmann::json entry = {
-          {"source", change.handle}, {"kind", change.kind}, {"results", std::move(pieces)}};
-      if (change.source.isPolylineSegment()) {
-        entry["segment"] = change.source.segment;
-      }
-      report["changes"].push_back(std::move(entry));
-    }
     for (const SkippedEntity& skipped : result.walls.skipped) {
       report["skipped"].push_back(
           {{"source", handleText(skipped.entity)}, {"reason", skipped.reason}});

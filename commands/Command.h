@@ -19,5 +19,10 @@ class Command {
 
 std::unique_ptr<Command> makeBreakCommand();
 std::unique_ptr<Command> makeInfoCommand();
+std::unique_ptr<Command> makeDrawCommand();
+std::unique_ptr<Command> makeMergeCommand();
+std::unique_ptr<Command> makeTrimAxesCommand();
+std::unique_ptr<Command> makeOutlineCommand();
+std::unique_ptr<Command> makeSolidCommand();
 
 }  // namespace quoin::commands

@@ -40,7 +40,9 @@ int runChecked(int argc, const char* const* argv) {
   app.require_subcommand(1);
 
   std::vector<std::pair<CLI::App*, std::unique_ptr<Command>>> commands;
-  for (std::unique_ptr<Command> (*make)() : {&makeBreakCommand, &makeInfoCommand}) {
+  for (std::unique_ptr<Command> (*make)() :
+       {&makeBreakCommand, &makeDrawCommand, &makeMergeCommand, &makeTrimAxesCommand,
+        &makeOutlineCommand, &makeSolidCommand, &makeInfoCommand}) {
     std::unique_ptr<Command> command = make();
     CLI::App* const declared = command->declare(app);
     commands.emplace_back(declared, std::move(command));

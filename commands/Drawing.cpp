@@ -82,12 +82,7 @@ std::string Drawing::unitName() const {
 }
 
 AcDbObjectId Drawing::modelSpaceId() {
-  AcDbBlockTable* table = nullptr;
-  AcDbObjectId id;
-  if (m_database->getBlockTable(table, AcDb::kForRead) == Acad::eOk) {
-    table->getAt(L"*Model_Space", id);
-    table->close();
-  }
+  const AcDbObjectId id = modelSpaceOf(*m_database);
   if (id.isNull()) {
     throw CommandError(ExitCode::InputUnreadable, m_file.string() + ": it has no model space");
   }
@@ -163,6 +158,16 @@ void Drawing::saveAs(const std::filesystem::path& file, bool keepBackup) {
     throw CommandError(ExitCode::OutputUnwritable,
                        fileMessage(m_database.get(), status, file, "save the drawing"));
   }
+}
+
+AcDbObjectId modelSpaceOf(AcDbDatabase& database) {
+  AcDbBlockTable* table = nullptr;
+  AcDbObjectId id;
+  if (database.getBlockTable(table, AcDb::kForRead) == Acad::eOk) {
+    table->getAt(L"*Model_Space", id);
+    table->close();
+  }
+  return id;
 }
 
 std::string describe(const Drawing& drawing, const AcDbObjectId& id) {

@@ -56,6 +56,9 @@ class Drawing {
   hostx::FileInfo m_info;
 };
 
+/// The model space of a database; null where it has none.
+AcDbObjectId modelSpaceOf(AcDbDatabase& database);
+
 /// "LINE 2F at line 1742 of plan.dxf": how messages name an entity.
 std::string describe(const Drawing& drawing, const AcDbObjectId& id);
 /// The handle in hexadecimal, as drawing files spell it; "" where the file gives none.

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "commands/CommandError.h"
+#include "commands/CommonOptions.h"
 #include "commands/Polylines.h"
 #include "commands/Progress.h"
 #include "dbobjptr.h"
@@ -29,7 +30,7 @@ class Changer {
     for (std::size_t i = 1; i < change.pieces.size(); ++i) {
       std::unique_ptr<AcDbLine> copy(static_cast<AcDbLine*>(line->clone()));
       setEnds(*copy, change.pieces[i], id);
-      change.pieces[i].handle = append(block, std::move(copy), id);
+      change.pieces[i].handle = appendEntity(m_drawing, block, std::move(copy));
     }
     setEnds(*line.object(), change.pieces.front(), id);
     change.pieces.front().handle = handleText(id);
@@ -55,13 +56,13 @@ class Changer {
       }
     }
     for (std::size_t i = 1; i < rest.size(); ++i) {
-      append(block, makePolylineLike(*entity.object(), rest[i]), id);
+      appendEntity(m_drawing, block, makePolylineLike(*entity.object(), rest[i]));
     }
     if (!rest.empty()) {
       reducePolyline(*entity.object(), rest.front(), m_drawing);
       entity.close();
       for (std::size_t i = 0; i < lines.size(); ++i) {
-        pieces[i]->handle = append(block, std::move(lines[i]), id);
+        pieces[i]->handle = appendEntity(m_drawing, block, std::move(lines[i]));
       }
       return;
     }
@@ -73,7 +74,7 @@ class Changer {
     lines.front().release()->close();
     pieces.front()->handle = handleText(id);
     for (std::size_t i = 1; i < lines.size(); ++i) {
-      pieces[i]->handle = append(block, std::move(lines[i]), id);
+      pieces[i]->handle = appendEntity(m_drawing, block, std::move(lines[i]));
     }
   }
 
@@ -85,16 +86,6 @@ class Changer {
     if (!sameBits(line.endPoint(), piece.end)) {
       check(line.setEndPoint(piece.end), m_drawing, source, "move the line's end");
     }
-  }
-
-  std::string append(const AcDbObjectId& block, std::unique_ptr<AcDbEntity> entity,
-                     const AcDbObjectId& source) {
-    AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForWrite);
-    check(record.openStatus(), m_drawing, source, "open its block");
-    AcDbObjectId id;
-    check(record->appendAcDbEntity(id, entity.get()), m_drawing, source, "add a piece");
-    entity.release()->close();
-    return handleText(id);
   }
 
   static std::unique_ptr<AcDbLine> makeLine(const AcDbEntity& polyline, const PolylineShape& shape,
@@ -167,6 +158,39 @@ void applyWallChanges(Drawing& drawing, std::vector<WallChange>& changes) {
     }
     change = last;
   }
+}
+
+std::string appendEntity(Drawing& drawing, const AcDbObjectId& block,
+                         std::unique_ptr<AcDbEntity> entity) {
+  AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForWrite);
+  check(record.openStatus(), drawing, block, "open the block");
+  AcDbObjectId id;
+  check(record->appendAcDbEntity(id, entity.get()), drawing, block, "add an entity");
+  entity.release()->close();
+  return handleText(id);
+}
+
+nlohmann::json piecesJson(const std::vector<WallPiece>& pieces) {
+  nlohmann::json json = nlohmann::json::array();
+  for (const WallPiece& piece : pieces) {
+    json.push_back({{"handle", piece.handle},
+                    {"start", pointJson(piece.start)},
+                    {"end", pointJson(piece.end)}});
+  }
+  return json;
+}
+
+nlohmann::json changesJson(const std::vector<WallChange>& changes) {
+  nlohmann::json json = nlohmann::json::array();
+  for (const WallChange& change : changes) {
+    nlohmann::json entry = {
+        {"source", change.handle}, {"kind", change.kind}, {"results", piecesJson(change.pieces)}};
+    if (change.source.isPolylineSegment()) {
+      entry["segment"] = change.source.segment;
+    }
+    json.push_back(std::move(entry));
+  }
+  return json;
 }
 
 }  // namespace quoin::commands

@@ -3,6 +3,8 @@
 // stays a polyline.
 #pragma once
 
+#include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -34,5 +36,14 @@ struct WallChange {
 /// takes it over.
 /// Fails: throws CommandError (EntityFailed).
 void applyWallChanges(Drawing& drawing, std::vector<WallChange>& changes);
+
+/// Adds a new entity to a block and answers its handle.
+/// Fails: throws CommandError (EntityFailed).
+std::string appendEntity(Drawing& drawing, const AcDbObjectId& block,
+                         std::unique_ptr<AcDbEntity> entity);
+
+/// For reports: the pieces, and the changes with source and result handles.
+nlohmann::json piecesJson(const std::vector<WallPiece>& pieces);
+nlohmann::json changesJson(const std::vector<WallChange>& changes);
 
 }  // namespace quoin::commands

@@ -35,6 +35,8 @@ struct Path {
   Color color = palette::kPlan;
   double width = 1.0;
   bool isDashed = false;
+  bool isFilled = false;
+  Color fill = palette::kPaper;
 };
 
 struct Label {

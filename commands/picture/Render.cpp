@@ -7,11 +7,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <limits>
 #include <memory>
 
 #include "commands/CommandError.h"
+#include "commands/OutputFile.h"
 
 namespace quoin::commands {
 
@@ -175,6 +175,10 @@ class Painter {
     if (path.isClosed && !isFirst) {
       cairo_close_path(m_cairo);
     }
+    if (path.isFilled) {
+      setColor(path.fill);
+      cairo_fill_preserve(m_cairo);
+    }
     setColor(path.color);
     cairo_set_line_width(m_cairo, path.width);
     constexpr double kDash[] = {6.0, 5.0};
@@ -325,46 +329,15 @@ cairo_status_t appendTo(void* closure, const unsigned char* data, unsigned int l
   return CAIRO_STATUS_SUCCESS;
 }
 
-std::string extensionOf(const std::filesystem::path& file) {
-  std::string extension = file.extension().string();
-  std::transform(extension.begin(), extension.end(), extension.begin(), [](char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-  });
-  return extension;
-}
-
 [[noreturn]] void fail(const std::filesystem::path& file, const std::string& cause) {
   throw CommandError(ExitCode::OutputUnwritable,
                      fmt::format("{}: cannot write the picture: {}", file.string(), cause));
 }
 
-/// The bytes go into a file beside the target that then takes its place.
-void writeWhole(const std::string& bytes, const std::filesystem::path& file) {
-  std::filesystem::path beside = file;
-  beside += ".part";
-  {
-    std::ofstream stream(beside, std::ios::binary);
-    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    stream.close();
-    if (!stream) {
-      std::error_code ignored;
-      std::filesystem::remove(beside, ignored);
-      fail(file, "the folder is not there, is full or may not be written to");
-    }
-  }
-  std::error_code error;
-  std::filesystem::rename(beside, file, error);
-  if (error) {
-    std::error_code ignored;
-    std::filesystem::remove(beside, ignored);
-    fail(file, error.message());
-  }
-}
-
 }  // namespace
 
 bool isPictureFile(const std::filesystem::path& file) {
-  const std::string extension = extensionOf(file);
+  const std::string extension = lowerCaseExtension(file);
   return extension == ".png" || extension == ".svg" || extension == ".pdf";
 }
 
@@ -375,7 +348,7 @@ void renderPicture(const Picture& picture, const std::filesystem::path& file) {
       std::clamp(planWidth * view.height() / view.width(), kMinPlanHeight, kMaxPlanHeight);
   const double sheetHeight = std::ceil(kTitleBand + planHeight + kFootBand);
 
-  const std::string extension = extensionOf(file);
+  const std::string extension = lowerCaseExtension(file);
   std::string bytes;
   Surface surface;
   if (extension == ".svg") {
@@ -398,7 +371,7 @@ void renderPicture(const Picture& picture, const std::filesystem::path& file) {
   if (status != CAIRO_STATUS_SUCCESS) {
     fail(file, cairo_status_to_string(status));
   }
-  writeWhole(bytes, file);
+  writeWholeFile(bytes, file, "write the picture");
 }
 
 }  // namespace quoin::commands

@@ -91,6 +91,26 @@ class HOST_API AcDbArc : public AcDbCurve {
   Acad::ErrorStatus getEndPoint(AcGePoint3d& point) const override;
 };
 
+/// A flat piece of a surface with three or four corners; with three the last is repeated.
+class HOST_API AcDbFace : public AcDbEntity {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbFace);
+  AcDbFace();
+  AcDbFace(const AcGePoint3d& pt0, const AcGePoint3d& pt1, const AcGePoint3d& pt2,
+           const AcGePoint3d& pt3, Adesk::Boolean e0vis = Adesk::kTrue,
+           Adesk::Boolean e1vis = Adesk::kTrue, Adesk::Boolean e2vis = Adesk::kTrue,
+           Adesk::Boolean e3vis = Adesk::kTrue);
+
+  /// Corners count from 0 to 3.
+  /// Fails: eInvalidIndex for this and all that take an index.
+  Acad::ErrorStatus getVertexAt(Adesk::UInt16 index, AcGePoint3d& point) const;
+  Acad::ErrorStatus setVertexAt(Adesk::UInt16 index, const AcGePoint3d& point);
+  /// Whether the edge behind a corner shows.
+  Acad::ErrorStatus isEdgeVisibleAt(Adesk::UInt16 index, Adesk::Boolean& visible) const;
+  Acad::ErrorStatus makeEdgeVisibleAt(Adesk::UInt16 index);
+  Acad::ErrorStatus makeEdgeInvisibleAt(Adesk::UInt16 index);
+};
+
 class HOST_API AcDbText : public AcDbEntity {
  public:
   ACRX_DECLARE_MEMBERS(AcDbText);

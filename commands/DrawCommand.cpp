@@ -1,0 +1,253 @@
+// quoin draw: draws wall lines that cut the ones they cross and are cut by them.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <map>
+
+#include "AcadCommonTool.h"
+#include "DrawWallAlgorithm/DrawWallLikeAlgorithm.h"
+#include "commands/Command.h"
+#include "commands/CommandError.h"
+#include "commands/CommonOptions.h"
+#include "commands/LayerChoice.h"
+#include "commands/Progress.h"
+#include "commands/WallChanges.h"
+#include "commands/WallLines.h"
+#include "commands/picture/PictureParts.h"
+#include "commands/picture/PlanShapes.h"
+#include "dbents.h"
+#include "dbobjptr.h"
+#include "dbsymtb.h"
+#include "embedded/os/Utf8.h"
+
+namespace quoin::commands {
+
+namespace {
+
+/// One wall line that was drawn.
+struct DrawnLine {
+  AcGePoint3d from;
+  AcGePoint3d to;
+  std::size_t captured = 0;  // existing lines near it
+  std::vector<WallChange> changes;
+  std::vector<WallPiece> pieces;
+};
+
+class DrawCommand : public Command {
+ public:
+  CLI::App* declare(CLI::App& app) override {
+    CLI::App* const command = app.add_subcommand(
+        "draw", "Draw wall lines that cut the wall lines they cross and are cut by them");
+    m_options.declareFiles(*command);
+    command->add_option("--layer", m_layer, "The layer of the new lines; made where it is missing")
+        ->type_name("NAME")
+        ->required();
+    command->add_option("--from", m_from, "Where the line starts")->type_name("X,Y");
+    command->add_option("--to", m_to, "Where it ends")->type_name("X,Y");
+    command
+        ->add_option("--path", m_path,
+                     "Several lines from point to point, each against the result of the last")
+        ->type_name("X,Y");
+    command->add_flag("--angle-lock", m_isAngleLocked,
+                      "Turn each line to the nearest multiple of 15 degrees");
+    command
+        ->add_option("--walls", m_options.layers,
+                     "Layers with existing wall lines, * and ? allowed; may be repeated. Default: "
+                     "layers whose name holds \"wall\" or \"墙\", and the layer of the new lines")
+        ->type_name("GLOB")
+        ->take_all()
+        ->expected(1);
+    m_options.declareScale(*command);
+    command->footer(
+        "Examples:\n"
+        "  quoin draw plan.dxf --from 0,2500 --to 9000,2500 --layer A-WALL-NEW -o drawn.dxf\n"
+        "  quoin draw plan.dxf --path 0,0 4000,0 4000,3000 --layer A-WALL --angle-lock \\\n"
+        "        -o drawn.dxf --picture drawn.png");
+    return command;
+  }
+
+  void run() override {
+    m_options.checkFiles();
+    const std::vector<AcGePoint3d> path = pathPoints();
+    Drawing drawing(m_options.plan);
+    const Capture capture = setProjectScale(m_options, drawing);
+    const std::set<std::wstring> layers = wallLayers(drawing);
+
+    Picture picture = newPicture(drawing, "wall lines drawn",
+                                 fmt::format("on layer {}; lines closer than {} touch", m_layer,
+                                             captureText(capture, drawing)));
+    if (!m_options.picture.empty()) {
+      addPlanShapes(picture, drawing, {});
+    }
+    std::vector<DrawnLine> drawn;
+    for (std::size_t i = 1; i < path.size(); ++i) {
+      Progress::checkInterrupt();
+      drawn.push_back(drawLine(drawing, layers, path[i - 1], path[i]));
+    }
+    if (!m_options.picture.empty()) {
+      paint(picture, drawn);
+    }
+    m_options.save(drawing);
+    m_options.render(picture);
+    m_options.isJson() ? printJson(jsonReport(drawing, capture, drawn))
+                       : printText(drawing, capture, drawn);
+  }
+
+ private:
+  std::vector<AcGePoint3d> pathPoints() const {
+    std::vector<std::string> texts = m_path;
+    if (texts.empty()) {
+      if (m_from.empty() || m_to.empty()) {
+        throw CommandError(ExitCode::Usage, "say what to draw: --from and --to, or --path");
+      }
+      texts = {m_from, m_to};
+    } else if (!m_from.empty() || !m_to.empty()) {
+      throw CommandError(ExitCode::Usage, "--path excludes --from and --to");
+    }
+    if (texts.size() < 2) {
+      throw CommandError(ExitCode::Usage, "--path needs two points or more");
+    }
+    std::vector<AcGePoint3d> points;
+    for (const std::string& text : texts) {
+      AcGePoint3d point = parsePoint(text);
+      if (m_isAngleLocked && !points.empty()) {
+        point = CAcadCommonTool::GetAngleLockPnt(points.back(), point);
+      }
+      points.push_back(point);
+    }
+    return points;
+  }
+
+  /// The layers of existing walls; a plan without any is no error here.
+  std::set<std::wstring> wallLayers(Drawing& drawing) const {
+    std::set<std::wstring> layers{os::fromUtf8(m_layer)};
+    if (!m_options.layers.empty()) {
+      return chooseLayers(drawing.layers(), m_options.layers, drawing);
+    }
+    for (const LayerContent& layer : drawing.layers()) {
+      if (looksLikeWalls(layer.name)) {
+        layers.insert(layer.name);
+      }
+    }
+    return layers;
+  }
+
+  DrawnLine drawLine(Drawing& drawing, const std::set<std::wstring>& layers,
+                     const AcGePoint3d& from, const AcGePoint3d& to) const {
+    DrawnLine drawn{from, to, 0, {}, {}};
+    const std::vector<WallLine> lines = collectWallLines(drawing, layers).lines;
+    // Records that the calculation modifies pass to the algorithm, the others stay ours.
+    std::vector<std::unique_ptr<WallLineLikeSeg>> records;
+    std::map<const WallLineLikeSeg*, std::size_t> numberOf;
+    CDrawWallLikeAlgorithm algorithm;
+    for (const WallLine& line : lines) {
+      if (line.isLocked) {
+        continue;
+      }
+      numberOf[records.emplace_back(std::make_unique<WallLineLikeSeg>(line.start, line.end))
+                   .get()] = static_cast<std::size_t>(&line - lines.data());
+      algorithm.GetSrcWallLines().push_back(records.back().get());
+    }
+    algorithm.CalcNewWallLine(from, to);
+    const auto& modified = algorithm.GetSrcModifyiedWallLines();
+    const std::set<const WallLineLikeSeg*> passed(modified.begin(), modified.end());
+    for (std::unique_ptr<WallLineLikeSeg>& record : records) {
+      if (passed.count(record.get())) {
+        record.release();
+      }
+    }
+    drawn.captured = modified.size();
+    for (const WallLineLikeSeg* far : algorithm.GetSrcNewWallLines()) {
+      const WallLine& line = lines[numberOf.at(far->pSrcLine)];
+      drawn.changes.push_back({line,
+                               handleText(line.entity),
+                               os::toUtf8(hostx::kindName(line.entity)),
+                               {{line.start, far->ptStart, ""}, {far->ptStart, far->ptEnd, ""}}});
+    }
+    applyWallChanges(drawing, drawn.changes);
+    for (const WallLineLikeSeg* piece : algorithm.GetNewWallLines()) {
+      drawn.pieces.push_back({piece->ptStart, piece->ptEnd, appendPiece(drawing, *piece)});
+    }
+    return drawn;
+  }
+
+  std::string appendPiece(Drawing& drawing, const WallLineLikeSeg& piece) const {
+    auto line = std::make_unique<AcDbLine>(piece.ptStart, piece.ptEnd);
+    line->setDatabaseDefaults(&drawing.database());
+    line->setLayer(os::fromUtf8(m_layer).c_str());
+    return appendEntity(drawing, drawing.modelSpaceId(), std::move(line));
+  }
+
+  static void paint(Picture& picture, const std::vector<DrawnLine>& drawn) {
+    std::size_t cuts = 0;
+    for (const DrawnLine& line : drawn) {
+      addFocus(picture, line.from, line.to);
+      for (const WallChange& change : line.changes) {
+        addLine(picture, change.pieces[0].start, change.pieces[0].end, palette::kThird,
+                kPieceWidth);
+        addLine(picture, change.pieces[1].start, change.pieces[1].end, palette::kSecond,
+                kPieceWidth);
+        ++cuts;
+      }
+      for (const WallPiece& piece : line.pieces) {
+        addLine(picture, piece.start, piece.end, palette::kFirst, kPieceWidth + 0.8);
+      }
+    }
+    for (const DrawnLine& line : drawn) {
+      for (std::size_t i = 1; i < line.pieces.size(); ++i) {
+        addMark(picture, line.pieces[i].start, MarkShape::Dot, palette::kMark, markSizeFor(cuts));
+      }
+      addMark(picture, line.from, MarkShape::Square, palette::kFirst, 5.0);
+      addMark(picture, line.to, MarkShape::Square, palette::kFirst, 5.0);
+    }
+    picture.legend = {{"new wall line", palette::kFirst, false, MarkShape::Dot, kPieceWidth},
+                      {"cut line, kept part", palette::kThird, false, MarkShape::Dot, kPieceWidth},
+                      {"cut line, far part", palette::kSecond, false, MarkShape::Dot, kPieceWidth},
+                      {"cut of the new line", palette::kMark, true},
+                      {"plan before", palette::kPlan}};
+  }
+
+  void printText(const Drawing& drawing, const Capture& capture,
+                 const std::vector<DrawnLine>& drawn) const {
+    fmt::print("lines closer than {} touch\n", captureText(capture, drawing));
+    for (const DrawnLine& line : drawn) {
+      fmt::print("drawn from {:g},{:g} to {:g},{:g}: {} pieces; {} lines near it, {} of them cut\n",
+                 line.from.x, line.from.y, line.to.x, line.to.y, line.pieces.size(), line.captured,
+                 line.changes.size());
+    }
+    m_options.printOutcome();
+  }
+
+  nlohmann::json jsonReport(const Drawing& drawing, const Capture& capture,
+                            const std::vector<DrawnLine>& drawn) const {
+    nlohmann::json report = {{"command", "draw"},
+                             {"input", fileJson(drawing)},
+                             {"capture", captureJson(capture)},
+                             {"layer", m_layer},
+                             {"drawn", nlohmann::json::array()}};
+    m_options.addOutcome(report);
+    for (const DrawnLine& line : drawn) {
+      report["drawn"].push_back({{"from", pointJson(line.from)},
+                                 {"to", pointJson(line.to)},
+                                 {"captured", line.captured},
+                                 {"pieces", piecesJson(line.pieces)},
+                                 {"changes", changesJson(line.changes)}});
+    }
+    return report;
+  }
+
+  CommonOptions m_options;
+  std::string m_layer;
+  std::string m_from;
+  std::string m_to;
+  std::vector<std::string> m_path;
+  bool m_isAngleLocked = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeDrawCommand() {
+  return std::make_unique<DrawCommand>();
+}
+
+}  // namespace quoin::commands

@@ -1,0 +1,245 @@
+// quoin merge: joins collinear lines that touch end to end and have the same properties.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+
+#include "MergeGougeAlgorithm.h"
+#include "commands/Command.h"
+#include "commands/CommandError.h"
+#include "commands/CommonOptions.h"
+#include "commands/LayerChoice.h"
+#include "commands/Progress.h"
+#include "commands/SingleLines.h"
+#include "commands/picture/PictureParts.h"
+#include "commands/picture/PlanShapes.h"
+#include "embedded/os/Utf8.h"
+
+namespace quoin::commands {
+
+namespace {
+
+/// A line that grew, and those that it absorbed.
+struct MergedLine {
+  std::size_t survivor;
+  AcGePoint3d start;
+  AcGePoint3d end;
+  std::vector<std::size_t> absorbed;
+};
+
+class MergeCommand : public Command {
+ public:
+  CLI::App* declare(CLI::App& app) override {
+    CLI::App* const command = app.add_subcommand(
+        "merge", "Join collinear lines that touch end to end and have the same properties");
+    m_options.declareFiles(*command);
+    m_options.declareLayers(*command,
+                            "Layers with the lines to join, * and ? allowed; may be repeated. "
+                            "Default: layers whose name holds \"wall\" or \"墙\"");
+    m_options.declareScale(*command);
+    command
+        ->add_option("--keep-at", m_keepAt,
+                     "Keep lines apart that meet at this point; may be repeated")
+        ->type_name("X,Y")
+        ->take_all()
+        ->expected(1);
+    command->footer(
+        "Lines join when they bend by at most one degree, when no third line ends there, and\n"
+        "when layer, colour, linetype, line weight, thickness and elevation agree. The line that\n"
+        "stays keeps its handle; the ones it absorbs are erased. Lines on locked layers, and\n"
+        "lines that are not level, are left alone.\n\n"
+        "Examples:\n"
+        "  quoin merge broken.dxf -o merged.dxf --picture merged.png\n"
+        "  quoin merge plan.dxf --layer 'A-WALL*' --keep-at 3000,0 -o merged.dxf");
+    return command;
+  }
+
+  void run() override {
+    m_options.checkFiles();
+    std::vector<AcGePoint3d> keepAt;
+    for (const std::string& text : m_keepAt) {
+      keepAt.push_back(parsePoint(text));
+    }
+    Drawing drawing(m_options.plan);
+    const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
+    const SingleLines found = collectSingleLines(drawing, layers, true);
+    const Capture capture = setProjectScale(m_options, drawing);
+    const std::vector<MergedLine> merged = merge(found.lines, keepAt);
+    Picture picture;
+    if (!m_options.picture.empty()) {
+      picture = paint(drawing, found, merged, keepAt, capture);
+    }
+    // Handles are asked for before erasing takes the lines away.
+    const nlohmann::json report =
+        m_options.isJson() ? jsonReport(drawing, layers, found, merged, capture) : nlohmann::json();
+    apply(drawing, found.lines, merged);
+    m_options.save(drawing);
+    m_options.render(picture);
+    m_options.isJson() ? printJson(report) : printText(drawing, layers, found, merged, capture);
+  }
+
+ private:
+  static std::vector<MergedLine> merge(const std::vector<SingleLine>& lines,
+                                       const std::vector<AcGePoint3d>& keepAt) {
+    CMergeGougeAlgorithm algorithm;
+    std::map<const MergeGougeSeg*, std::size_t> numberOf;
+    // The algorithm compares numbers: each combination of properties gets its own.
+    std::map<SingleLine::Properties, double> numberOfProperties;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      auto* record = new MergeGougeSeg();
+      algorithm.GetSrcGougeLines().push_back(record);
+      record->ptStart = lines[i].start;
+      record->ptEnd = lines[i].end;
+      record->dAttr1 =
+          numberOfProperties
+              .emplace(lines[i].properties, static_cast<double>(numberOfProperties.size()))
+              .first->second;
+      record->dAttr2 = lines[i].start.z;
+      record->dAttr3 = lines[i].thickness;
+      numberOf[record] = i;
+    }
+    for (const AcGePoint3d& point : keepAt) {
+      algorithm.AppendBreakPnt(point);
+    }
+    algorithm.MergeGougeLines();
+    Progress::checkInterrupt();
+
+    std::vector<MergedLine> merged;
+    for (const MergeGougeSeg* record : algorithm.GetMergeGougeLines()) {
+      MergedLine line{numberOf.at(record), record->ptStart, record->ptEnd, {}};
+      for (const MergeGougeSeg* absorbed : record->mergedSegs) {
+        line.absorbed.push_back(numberOf.at(absorbed));
+      }
+      merged.push_back(std::move(line));
+    }
+    // The result is a set ordered by address: file order reads the same every time.
+    std::sort(merged.begin(), merged.end(),
+              [](const MergedLine& a, const MergedLine& b) { return a.survivor < b.survivor; });
+    return merged;
+  }
+
+  static void apply(Drawing& drawing, const std::vector<SingleLine>& lines,
+                    const std::vector<MergedLine>& merged) {
+    for (const MergedLine& line : merged) {
+      setLineEnds(drawing, lines[line.survivor].entity, line.start, line.end);
+      for (const std::size_t absorbed : line.absorbed) {
+        eraseEntity(drawing, lines[absorbed].entity);
+      }
+    }
+  }
+
+  static std::size_t absorbedCount(const std::vector<MergedLine>& merged) {
+    std::size_t count = 0;
+    for (const MergedLine& line : merged) {
+      count += line.absorbed.size();
+    }
+    return count;
+  }
+
+  Picture paint(Drawing& drawing, const SingleLines& found, const std::vector<MergedLine>& merged,
+                const std::vector<AcGePoint3d>& keepAt, const Capture& capture) const {
+    Picture picture = newPicture(
+        drawing, "collinear lines merged",
+        fmt::format("{} lines: {} grew and absorbed {}; touching within {}", found.lines.size(),
+                    merged.size(), absorbedCount(merged), captureText(capture, drawing)));
+    std::set<AcDbObjectId> ids;
+    std::set<std::size_t> involved;
+    for (const SingleLine& line : found.lines) {
+      ids.insert(line.entity);
+      addFocus(picture, line.start, line.end);
+    }
+    addPlanShapes(picture, drawing, ids);
+    for (const MergedLine& line : merged) {
+      involved.insert(line.survivor);
+      involved.insert(line.absorbed.begin(), line.absorbed.end());
+    }
+    for (std::size_t i = 0; i < found.lines.size(); ++i) {
+      if (!involved.count(i)) {
+        addLine(picture, found.lines[i].start, found.lines[i].end, palette::kWall, kWallWidth);
+      }
+    }
+    bool turn = false;
+    for (const MergedLine& line : merged) {
+      addLine(picture, line.start, line.end, turn ? palette::kThird : palette::kFirst, kPieceWidth);
+      turn = !turn;
+    }
+    // Where lines met before: the ends of those that are gone, inside the survivor.
+    for (const MergedLine& line : merged) {
+      for (const std::size_t absorbed : line.absorbed) {
+        for (const AcGePoint3d& end : {found.lines[absorbed].start, found.lines[absorbed].end}) {
+          if (!end.isEqualTo(line.start) && !end.isEqualTo(line.end)) {
+            addMark(picture, end, MarkShape::Dot, palette::kSecond,
+                    markSizeFor(absorbedCount(merged)));
+          }
+        }
+      }
+    }
+    for (const AcGePoint3d& point : keepAt) {
+      addMark(picture, point, MarkShape::Cross, palette::kMark, 6.0);
+    }
+    picture.legend = {{"line, not merged", palette::kWall, false, MarkShape::Dot, kWallWidth},
+                      {"merged lines,", palette::kFirst, false, MarkShape::Dot, kPieceWidth},
+                      {"told apart", palette::kThird, false, MarkShape::Dot, kPieceWidth},
+                      {"joint that is gone", palette::kSecond, true},
+                      {"rest of the plan", palette::kPlan}};
+    if (!keepAt.empty()) {
+      picture.legend.push_back({"kept apart", palette::kMark, true, MarkShape::Cross});
+    }
+    return picture;
+  }
+
+  void printText(const Drawing& drawing, const std::set<std::wstring>& layers,
+                 const SingleLines& found, const std::vector<MergedLine>& merged,
+                 const Capture& capture) const {
+    fmt::print("layers: {}\n", namesText(layers));
+    fmt::print("ends closer than {} touch\n", captureText(capture, drawing));
+    fmt::print("{} lines: {} grew and absorbed {}\n", found.lines.size(), merged.size(),
+               absorbedCount(merged));
+    for (const MergedLine& line : merged) {
+      std::string absorbed;
+      for (const std::size_t number : line.absorbed) {
+        absorbed += " " + handleText(found.lines[number].entity);
+      }
+      fmt::print("  {} absorbed{}\n", handleText(found.lines[line.survivor].entity), absorbed);
+    }
+    printSkipped(drawing, found);
+    m_options.printOutcome();
+  }
+
+  nlohmann::json jsonReport(const Drawing& drawing, const std::set<std::wstring>& layers,
+                            const SingleLines& found, const std::vector<MergedLine>& merged,
+                            const Capture& capture) const {
+    nlohmann::json report = {{"command", "merge"},
+                             {"input", fileJson(drawing)},
+                             {"capture", captureJson(capture)},
+                             {"layers", namesJson(layers)},
+                             {"lines", found.lines.size()},
+                             {"absorbed", absorbedCount(merged)},
+                             {"changes", nlohmann::json::array()},
+                             {"skipped", skippedJson(found)}};
+    m_options.addOutcome(report);
+    for (const MergedLine& line : merged) {
+      nlohmann::json absorbed = nlohmann::json::array();
+      for (const std::size_t number : line.absorbed) {
+        absorbed.push_back(handleText(found.lines[number].entity));
+      }
+      report["changes"].push_back({{"survivor", handleText(found.lines[line.survivor].entity)},
+                                   {"start", pointJson(line.start)},
+                                   {"end", pointJson(line.end)},
+                                   {"absorbed", std::move(absorbed)}});
+    }
+    return report;
+  }
+
+  CommonOptions m_options;
+  std::vector<std::string> m_keepAt;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeMergeCommand() {
+  return std::make_unique<MergeCommand>();
+}
+
+}  // namespace quoin::commands

@@ -1,0 +1,212 @@
+// quoin outline: turns reference lines into walls with side lines, end lines and mitred or
+// connected corners.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+#include "commands/Command.h"
+#include "commands/CommandError.h"
+#include "commands/CommonOptions.h"
+#include "commands/LayerChoice.h"
+#include "commands/WallBodies.h"
+#include "commands/WallChanges.h"
+#include "commands/WallLines.h"
+#include "commands/picture/PictureParts.h"
+#include "commands/picture/PlanShapes.h"
+#include "dbents.h"
+#include "embedded/os/Utf8.h"
+
+namespace quoin::commands {
+
+namespace {
+
+enum class LineRole { Left, Right, Start, End, Connection };
+
+const char* nameOf(LineRole role) {
+  constexpr std::array<const char*, 5> kNames{"left", "right", "start", "end", "connection"};
+  return kNames[static_cast<std::size_t>(role)];
+}
+
+/// One line of the outline that goes into the drawing.
+struct OutlineLine {
+  std::size_t wall;
+  LineRole role;
+  WallDrawingSeg seg;
+  std::string handle;
+};
+
+class OutlineCommand : public Command {
+ public:
+  CLI::App* declare(CLI::App& app) override {
+    CLI::App* const command = app.add_subcommand(
+        "outline", "Draw the outline of walls given by reference lines and widths");
+    m_options.declareFiles(*command);
+    m_options.declareLayers(*command,
+                            "Layers with the reference lines, * and ? allowed; may be repeated");
+    command->get_option("--layer")->required();
+    m_options.declareScale(*command);
+    m_widths.declare(*command);
+    command->add_option("--out-layer", m_outLayer, "The layer of the outline")
+        ->type_name("NAME")
+        ->capture_default_str();
+    command->footer(
+        "Left and right are seen along a line from its start to its end. Where walls meet, side\n"
+        "lines are mitred; faces at less than 5 degrees get a short connecting line instead.\n\n"
+        "Examples:\n"
+        "  quoin outline axes.dxf --layer WALL-AXIS --left 120 --right 120 -o walls.dxf\n"
+        "  quoin outline axes.dxf --layer 'W-*' --width W-EXT=300 --width 'W-INT*=60,60' \\\n"
+        "        -o walls.dxf --picture walls.png");
+    return command;
+  }
+
+  void run() override {
+    m_options.checkFiles();
+    Drawing drawing(m_options.plan);
+    const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
+    const WallLines found = collectWallLines(drawing, layers);
+    if (found.lines.empty()) {
+      throw CommandError(ExitCode::NothingToDo,
+                         fmt::format("{}: no LINE and no straight polyline segment on {}",
+                                     drawing.file().string(), namesText(layers)));
+    }
+    const Capture capture = setProjectScale(m_options, drawing);
+    const std::vector<BodyWall> walls = makeWalls(drawing, found.lines, m_widths);
+    std::vector<OutlineLine> lines = flatten(showWalls(walls));
+    Picture picture;
+    if (!m_options.picture.empty()) {
+      picture = paint(drawing, walls, lines, capture);
+    }
+    for (OutlineLine& line : lines) {
+      auto entity = std::make_unique<AcDbLine>(line.seg.ptStart, line.seg.ptEnd);
+      entity->setDatabaseDefaults(&drawing.database());
+      entity->setLayer(os::fromUtf8(m_outLayer).c_str());
+      line.handle = appendEntity(drawing, drawing.modelSpaceId(), std::move(entity));
+    }
+    m_options.save(drawing);
+    m_options.render(picture);
+    m_options.isJson() ? printJson(jsonReport(drawing, layers, walls, lines, capture))
+                       : printText(drawing, layers, walls, lines, capture);
+  }
+
+ private:
+  static std::vector<OutlineLine> flatten(const std::vector<WallOutline>& outlines) {
+    std::vector<OutlineLine> lines;
+    const auto add = [&](std::size_t wall, LineRole role, const WallDrawingSeg& seg) {
+      // Two walls that continue each other are joined by the same line from both sides.
+      const bool isKnown =
+          role == LineRole::Connection &&
+          std::any_of(lines.begin(), lines.end(), [&](const OutlineLine& line) {
+            return line.role == role &&
+                   ((line.seg.ptStart == seg.ptStart && line.seg.ptEnd == seg.ptEnd) ||
+                    (line.seg.ptStart == seg.ptEnd && line.seg.ptEnd == seg.ptStart));
+          });
+      if (!isKnown && !(seg.ptStart == seg.ptEnd)) {
+        lines.push_back({wall, role, seg, ""});
+      }
+    };
+    for (std::size_t i = 0; i < outlines.size(); ++i) {
+      add(i, LineRole::Left, outlines[i].left);
+      add(i, LineRole::Right, outlines[i].right);
+      if (outlines[i].start) {
+        add(i, LineRole::Start, *outlines[i].start);
+      }
+      if (outlines[i].end) {
+        add(i, LineRole::End, *outlines[i].end);
+      }
+      for (const WallDrawingSeg& seg : outlines[i].connections) {
+        add(i, LineRole::Connection, seg);
+      }
+    }
+    return lines;
+  }
+
+  static std::size_t count(const std::vector<OutlineLine>& lines, LineRole role) {
+    return static_cast<std::size_t>(std::count_if(
+        lines.begin(), lines.end(), [&](const OutlineLine& line) { return line.role == role; }));
+  }
+
+  static Picture paint(Drawing& drawing, const std::vector<BodyWall>& walls,
+                       const std::vector<OutlineLine>& lines, const Capture& capture) {
+    Picture picture = newPicture(
+        drawing, "walls outlined from their reference lines",
+        fmt::format("{} walls, {} lines, {} of them connections; ends closer than {} meet",
+                    walls.size(), lines.size(), count(lines, LineRole::Connection),
+                    captureText(capture, drawing)));
+    addPlanShapes(picture, drawing, {});
+    for (const BodyWall& wall : walls) {
+      addFocus(picture, wall.line.start, wall.line.end);
+      addLine(picture, wall.line.start, wall.line.end, palette::kSecond, 1.0, true);
+    }
+    for (const OutlineLine& line : lines) {
+      const bool isSide = line.role == LineRole::Left || line.role == LineRole::Right;
+      const bool isConnection = line.role == LineRole::Connection;
+      addLine(picture, line.seg.ptStart, line.seg.ptEnd,
+              isSide ? palette::kWall : (isConnection ? palette::kMark : palette::kFirst),
+              isSide ? kWallWidth : kPieceWidth);
+      if (isSide) {
+        addMark(picture, line.seg.ptStart, MarkShape::Dot, palette::kThird, 2.6);
+        addMark(picture, line.seg.ptEnd, MarkShape::Dot, palette::kThird, 2.6);
+      }
+    }
+    picture.legend = {{"side line", palette::kWall, false, MarkShape::Dot, kWallWidth},
+                      {"end of a free wall", palette::kFirst, false, MarkShape::Dot, kPieceWidth},
+                      {"connection", palette::kMark, false, MarkShape::Dot, kPieceWidth},
+                      {"corner", palette::kThird, true},
+                      {"reference line", palette::kSecond, false, MarkShape::Dot, 1.0},
+                      {"rest of the plan", palette::kPlan}};
+    return picture;
+  }
+
+  void printText(const Drawing& drawing, const std::set<std::wstring>& layers,
+                 const std::vector<BodyWall>& walls, const std::vector<OutlineLine>& lines,
+                 const Capture& capture) const {
+    fmt::print("layers: {}\n", namesText(layers));
+    fmt::print("ends closer than {} meet\n", captureText(capture, drawing));
+    fmt::print("{} walls outlined by {} lines on {}: {} ends of free walls, {} connections\n",
+               walls.size(), lines.size(), m_outLayer,
+               count(lines, LineRole::Start) + count(lines, LineRole::End),
+               count(lines, LineRole::Connection));
+    m_options.printOutcome();
+  }
+
+  nlohmann::json jsonReport(const Drawing& drawing, const std::set<std::wstring>& layers,
+                            const std::vector<BodyWall>& walls,
+                            const std::vector<OutlineLine>& lines, const Capture& capture) const {
+    nlohmann::json report = {{"command", "outline"},
+                             {"input", fileJson(drawing)},
+                             {"capture", captureJson(capture)},
+                             {"layers", namesJson(layers)},
+                             {"outLayer", m_outLayer},
+                             {"walls", walls.size()},
+                             {"changes", nlohmann::json::array()}};
+    m_options.addOutcome(report);
+    std::size_t next = 0;
+    for (std::size_t i = 0; i < walls.size(); ++i) {
+      nlohmann::json results = nlohmann::json::array();
+      for (; next < lines.size() && lines[next].wall == i; ++next) {
+        results.push_back({{"handle", lines[next].handle},
+                           {"role", nameOf(lines[next].role)},
+                           {"start", pointJson(lines[next].seg.ptStart)},
+                           {"end", pointJson(lines[next].seg.ptEnd)}});
+      }
+      report["changes"].push_back({{"source", handleText(walls[i].line.entity)},
+                                   {"left", walls[i].widths.left},
+                                   {"right", walls[i].widths.right},
+                                   {"results", std::move(results)}});
+    }
+    return report;
+  }
+
+  CommonOptions m_options;
+  WidthOptions m_widths;
+  std::string m_outLayer = "WALL-OUTLINE";
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeOutlineCommand() {
+  return std::make_unique<OutlineCommand>();
+}
+
+}  // namespace quoin::commands

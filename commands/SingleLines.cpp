@@ -1,0 +1,87 @@
+#include "commands/SingleLines.h"
+
+#include <fmt/format.h>
+
+#include "dbents.h"
+#include "dbobjptr.h"
+
+namespace quoin::commands {
+
+namespace {
+
+/// One number for a colour: how it is given, and its value.
+Adesk::UInt32 colorKey(const AcCmEntityColor& color) {
+  constexpr int kValueBits = 24;
+  return static_cast<Adesk::UInt32>(color.colorMethod()) << kValueBits |
+         (color.isByColor() ? color.rgb() : color.colorIndex());
+}
+
+}  // namespace
+
+SingleLines collectSingleLines(Drawing& drawing, const std::set<std::wstring>& layers,
+                               bool onlyLevel) {
+  std::set<std::wstring> locked;
+  for (const LayerContent& layer : drawing.layers()) {
+    if (layer.isLocked) {
+      locked.insert(layer.name);
+    }
+  }
+  SingleLines found;
+  drawing.forEachEntity(drawing.modelSpaceId(), [&](const AcDbObjectId& id) {
+    const std::wstring layer = hostx::layerName(id);
+    if (!layers.count(layer)) {
+      return;
+    }
+    AcDbObjectPointer<AcDbLine> line(id, AcDb::kForRead);
+    if (line.openStatus() != Acad::eOk) {
+      return;
+    }
+    const AcGePoint3d start = line->startPoint();
+    const AcGePoint3d end = line->endPoint();
+    if (locked.count(layer)) {
+      found.skipped.push_back({id, "is on a locked layer"});
+    } else if (start == end) {
+      found.skipped.push_back({id, "has no length"});
+    } else if (onlyLevel && start.z != end.z) {
+      found.skipped.push_back({id, "is not level"});
+    } else {
+      found.lines.push_back({start,
+                             end,
+                             id,
+                             {layer, colorKey(line->entityColor()), takeText(line->linetype()),
+                              line->linetypeScale(), static_cast<int>(line->lineWeight())},
+                             line->thickness()});
+    }
+  });
+  return found;
+}
+
+void setLineEnds(Drawing& drawing, const AcDbObjectId& id, const AcGePoint3d& start,
+                 const AcGePoint3d& end) {
+  AcDbObjectPointer<AcDbLine> line(id, AcDb::kForWrite);
+  check(line.openStatus(), drawing, id, "open the line");
+  check(line->setStartPoint(start), drawing, id, "move the line's start");
+  check(line->setEndPoint(end), drawing, id, "move the line's end");
+}
+
+void eraseEntity(Drawing& drawing, const AcDbObjectId& id) {
+  AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
+  check(entity.openStatus(), drawing, id, "open the entity");
+  check(entity->erase(), drawing, id, "erase the entity");
+}
+
+void printSkipped(const Drawing& drawing, const SingleLines& found) {
+  for (const SkippedEntity& skipped : found.skipped) {
+    fmt::print("skipped: {} {}\n", describe(drawing, skipped.entity), skipped.reason);
+  }
+}
+
+nlohmann::json skippedJson(const SingleLines& found) {
+  nlohmann::json json = nlohmann::json::array();
+  for (const SkippedEntity& skipped : found.skipped) {
+    json.push_back({{"source", handleText(skipped.entity)}, {"reason", skipped.reason}});
+  }
+  return json;
+}
+
+}  // namespace quoin::commands

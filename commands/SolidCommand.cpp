@@ -1,0 +1,184 @@
+// quoin solid: builds walls given by reference lines and widths as closed prisms.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+
+#include "commands/Command.h"
+#include "commands/CommandError.h"
+#include "commands/CommonOptions.h"
+#include "commands/LayerChoice.h"
+#include "commands/WallBodies.h"
+#include "commands/WallLines.h"
+#include "commands/WallModel.h"
+#include "commands/picture/PictureParts.h"
+#include "commands/picture/PlanShapes.h"
+#include "commands/picture/Render.h"
+#include "embedded/os/Utf8.h"
+
+namespace quoin::commands {
+
+namespace {
+
+class SolidCommand : public Command {
+ public:
+  CLI::App* declare(CLI::App& app) override {
+    CLI::App* const command = app.add_subcommand(
+        "solid", "Build walls given by reference lines and widths as closed prisms (DXF or OBJ)");
+    command->add_option("PLAN", m_options.plan, "The drawing to read (DXF, ASCII or binary)")
+        ->required();
+    command
+        ->add_option("-o,--output", m_options.output,
+                     "The model to write: .dxf (3DFACE entities, a layer a wall layer) or .obj "
+                     "(Wavefront, a group a wall)")
+        ->required();
+    command->add_option("--height", m_height, "Height of the walls, drawing units")->required();
+    command->add_option("--picture", m_options.picture,
+                        "Make a picture of the bodies, seen from above at an angle");
+    command->add_option("--report", m_options.report, "text or json")
+        ->check(CLI::IsMember({"text", "json"}))
+        ->capture_default_str();
+    m_options.declareLayers(*command,
+                            "Layers with the reference lines, * and ? allowed; may be repeated");
+    command->get_option("--layer")->required();
+    m_options.declareScale(*command);
+    m_widths.declare(*command);
+    command->footer(
+        "Walls stand on their reference lines' height. Bodies are closed; those of walls that\n"
+        "meet share the faces' middle points.\n\n"
+        "Example:\n"
+        "  quoin solid axes.dxf --layer WALL-AXIS --left 120 --right 120 --height 2800 \\\n"
+        "        -o model.obj --picture model.png");
+    return command;
+  }
+
+  void run() override {
+    if (!(m_height > 0.0) || !std::isfinite(m_height)) {
+      throw CommandError(ExitCode::Usage, fmt::format("--height {:g} builds no wall", m_height));
+    }
+    if (!isModelFile(m_options.output)) {
+      throw CommandError(ExitCode::Usage, m_options.output + ": models end in .dxf or .obj");
+    }
+    m_options.checkFiles();
+    Drawing drawing(m_options.plan);
+    const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
+    const WallLines found = collectWallLines(drawing, layers);
+    if (found.lines.empty()) {
+      throw CommandError(ExitCode::NothingToDo,
+                         fmt::format("{}: no LINE and no straight polyline segment on {}",
+                                     drawing.file().string(), namesText(layers)));
+    }
+    const Capture capture = setProjectScale(m_options, drawing);
+    const std::vector<BodyWall> walls = makeWalls(drawing, found.lines, m_widths);
+    const std::vector<PrepareFrom2dTo3dData> ends = prepareWalls(walls);
+    std::vector<WallPrism> prisms;
+    for (std::size_t i = 0; i < walls.size(); ++i) {
+      prisms.push_back(makePrism(walls[i], ends[i], m_height));
+    }
+    writeModel(prisms, m_options.output);
+    if (!m_options.picture.empty()) {
+      m_options.render(paint(drawing, prisms));
+    }
+    m_options.isJson() ? printJson(jsonReport(drawing, capture, ends, prisms))
+                       : printText(drawing, capture, ends, prisms);
+  }
+
+ private:
+  static std::size_t freeEnds(const std::vector<PrepareFrom2dTo3dData>& ends) {
+    std::size_t count = 0;
+    for (const PrepareFrom2dTo3dData& end : ends) {
+      count += (end.bHasStartWall ? 1U : 0U) + (end.bHasEndWall ? 1U : 0U);
+    }
+    return count;
+  }
+
+  /// Bodies seen from above at an angle: far faces first, each covered by nearer ones through
+  /// the order of painting alone, with the upper edges in strong lines.
+  Picture paint(const Drawing& drawing, const std::vector<WallPrism>& prisms) const {
+    Picture picture = newPicture(
+        drawing, "walls as bodies",
+        fmt::format("{} closed prisms, {:g} {} high", prisms.size(), m_height, drawing.unitName()));
+    const auto project = [](const AcGePoint3d& point) {
+      // A cabinet view: depth runs up the page, shortened, heights keep their length.
+      constexpr double kDepth = 0.62;
+      constexpr double kShear = 0.28;
+      return AcGePoint2d(point.x + kShear * point.y, kDepth * point.y + 0.75 * point.z);
+    };
+    std::vector<const WallPrism*> order;
+    for (const WallPrism& prism : prisms) {
+      order.push_back(&prism);
+    }
+    std::stable_sort(order.begin(), order.end(), [](const WallPrism* a, const WallPrism* b) {
+      return a->center().y > b->center().y;
+    });
+    for (const WallPrism* prism : order) {
+      for (const auto& face : prism->faces()) {
+        Path path;
+        for (const AcGePoint3d& corner : face) {
+          path.points.push_back(project(corner));
+        }
+        path.isClosed = true;
+        path.isFilled = true;
+        path.fill = shadeOf(face);
+        path.color = palette::kWall;
+        path.width = 0.8;
+        picture.paths.push_back(std::move(path));
+      }
+    }
+    return picture;
+  }
+
+  /// Faces are lighter the more they look up, and a little darker the more they look right.
+  static Color shadeOf(const WallPrism::Face& face) {
+    const AcGeVector3d normal = (face[1] - face[0]).crossProduct(face[2] - face[0]).normal();
+    const double light = 0.72 + 0.22 * std::max(0.0, normal.z) - 0.10 * normal.x;
+    const double shade = std::clamp(light, 0.45, 0.97);
+    return {shade, shade * 0.985, shade * 0.95};
+  }
+
+  void printText(const Drawing& drawing, const Capture& capture,
+                 const std::vector<PrepareFrom2dTo3dData>& ends,
+                 const std::vector<WallPrism>& prisms) const {
+    fmt::print("ends closer than {} meet\n", captureText(capture, drawing));
+    fmt::print("{} walls as closed prisms {:g} {} high; {} free ends, {} joined\n", prisms.size(),
+               m_height, drawing.unitName(), freeEnds(ends), 2 * ends.size() - freeEnds(ends));
+    m_options.printOutcome();
+  }
+
+  nlohmann::json jsonReport(const Drawing& drawing, const Capture& capture,
+                            const std::vector<PrepareFrom2dTo3dData>& ends,
+                            const std::vector<WallPrism>& prisms) const {
+    nlohmann::json report = {{"command", "solid"},
+                             {"input", fileJson(drawing)},
+                             {"capture", captureJson(capture)},
+                             {"height", m_height},
+                             {"walls", nlohmann::json::array()}};
+    m_options.addOutcome(report);
+    for (std::size_t i = 0; i < prisms.size(); ++i) {
+      report["walls"].push_back({{"source", handleText(prisms[i].source)},
+                                 {"freeStart", ends[i].bHasStartWall},
+                                 {"freeEnd", ends[i].bHasEndWall},
+                                 {"start",
+                                  {pointJson(ends[i].ptStartLeft), pointJson(ends[i].ptStartMid),
+                                   pointJson(ends[i].ptStartRight)}},
+                                 {"end",
+                                  {pointJson(ends[i].ptEndLeft), pointJson(ends[i].ptEndMid),
+                                   pointJson(ends[i].ptEndRight)}}});
+    }
+    return report;
+  }
+
+  CommonOptions m_options;
+  WidthOptions m_widths;
+  double m_height = 0.0;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeSolidCommand() {
+  return std::make_unique<SolidCommand>();
+}
+
+}  // namespace quoin::commands

@@ -1,0 +1,165 @@
+// quoin trim-axes: cuts grid lines to their outermost crossings with each other.
+#include <fmt/format.h>
+
+#include "AxisLineCutAlg.h"
+#include "commands/Command.h"
+#include "commands/CommandError.h"
+#include "commands/CommonOptions.h"
+#include "commands/LayerChoice.h"
+#include "commands/Progress.h"
+#include "commands/SingleLines.h"
+#include "commands/picture/PictureParts.h"
+#include "commands/picture/PlanShapes.h"
+
+namespace quoin::commands {
+
+namespace {
+
+/// A line and what is left of it.
+struct TrimmedAxis {
+  const SingleLine* line;
+  AcGePoint3d start;
+  AcGePoint3d end;
+
+  bool isChanged() const { return !(start == line->start) || !(end == line->end); }
+};
+
+class TrimAxesCommand : public Command {
+ public:
+  CLI::App* declare(CLI::App& app) override {
+    CLI::App* const command =
+        app.add_subcommand("trim-axes", "Cut grid lines to their outermost crossings");
+    m_options.declareFiles(*command);
+    m_options.declareLayers(*command,
+                            "Layers with the grid lines, * and ? allowed; may be repeated");
+    command->get_option("--layer")->required();
+    command->footer(
+        "A grid line with fewer than two crossings stays as it is. Lines on locked layers are\n"
+        "left alone and cut nothing.\n\n"
+        "Example:\n"
+        "  quoin trim-axes plan.dxf --layer 'S-GRID*' -o trimmed.dxf --picture trimmed.png");
+    return command;
+  }
+
+  void run() override {
+    m_options.checkFiles();
+    Drawing drawing(m_options.plan);
+    const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
+    const SingleLines found = collectSingleLines(drawing, layers, false);
+    if (found.lines.empty()) {
+      throw CommandError(
+          ExitCode::NothingToDo,
+          fmt::format("{}: no LINE on {}", drawing.file().string(), namesText(layers)));
+    }
+    const std::vector<TrimmedAxis> axes = trim(found.lines);
+    Picture picture;
+    if (!m_options.picture.empty()) {
+      picture = paint(drawing, axes);
+    }
+    for (const TrimmedAxis& axis : axes) {
+      if (axis.isChanged()) {
+        setLineEnds(drawing, axis.line->entity, axis.start, axis.end);
+      }
+    }
+    m_options.save(drawing);
+    m_options.render(picture);
+    m_options.isJson() ? printJson(jsonReport(drawing, layers, found, axes))
+                       : printText(drawing, layers, found, axes);
+  }
+
+ private:
+  static std::vector<TrimmedAxis> trim(const std::vector<SingleLine>& lines) {
+    AxisLineCutAlg algorithm;
+    for (const SingleLine& line : lines) {
+      algorithm.AppendSrcAxisLine(new AxisLikeLineSeg{line.start, line.end});
+    }
+    algorithm.CutAxisLines();
+    Progress::checkInterrupt();
+    std::vector<TrimmedAxis> axes;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      const AxisLikeLineSeg& trimmed = *algorithm.GetDestAxisLines()[i];
+      axes.push_back({&lines[i], trimmed.ptStart, trimmed.ptEnd});
+    }
+    return axes;
+  }
+
+  static std::size_t changedCount(const std::vector<TrimmedAxis>& axes) {
+    std::size_t count = 0;
+    for (const TrimmedAxis& axis : axes) {
+      count += axis.isChanged() ? 1U : 0U;
+    }
+    return count;
+  }
+
+  static Picture paint(Drawing& drawing, const std::vector<TrimmedAxis>& axes) {
+    Picture picture = newPicture(drawing, "grid lines trimmed",
+                                 fmt::format("{} grid lines, {} cut to their outermost crossings",
+                                             axes.size(), changedCount(axes)));
+    std::set<AcDbObjectId> ids;
+    for (const TrimmedAxis& axis : axes) {
+      ids.insert(axis.line->entity);
+      addFocus(picture, axis.line->start, axis.line->end);
+    }
+    addPlanShapes(picture, drawing, ids);
+    for (const TrimmedAxis& axis : axes) {
+      addLine(picture, axis.line->start, axis.line->end, palette::kSecond, 1.2, true);
+      addLine(picture, axis.start, axis.end, axis.isChanged() ? palette::kFirst : palette::kWall,
+              kPieceWidth);
+    }
+    for (const TrimmedAxis& axis : axes) {
+      if (!(axis.start == axis.line->start)) {
+        addMark(picture, axis.start, MarkShape::Dot, palette::kMark, markSizeFor(2 * axes.size()));
+      }
+      if (!(axis.end == axis.line->end)) {
+        addMark(picture, axis.end, MarkShape::Dot, palette::kMark, markSizeFor(2 * axes.size()));
+      }
+    }
+    picture.legend = {{"trimmed grid line", palette::kFirst, false, MarkShape::Dot, kPieceWidth},
+                      {"as it was", palette::kWall, false, MarkShape::Dot, kPieceWidth},
+                      {"cut off", palette::kSecond, false, MarkShape::Dot, 1.2},
+                      {"outermost crossing", palette::kMark, true},
+                      {"rest of the plan", palette::kPlan}};
+    return picture;
+  }
+
+  void printText(const Drawing& drawing, const std::set<std::wstring>& layers,
+                 const SingleLines& found, const std::vector<TrimmedAxis>& axes) const {
+    fmt::print("layers: {}\n", namesText(layers));
+    fmt::print("{} grid lines, {} cut to their outermost crossings\n", axes.size(),
+               changedCount(axes));
+    printSkipped(drawing, found);
+    m_options.printOutcome();
+  }
+
+  nlohmann::json jsonReport(const Drawing& drawing, const std::set<std::wstring>& layers,
+                            const SingleLines& found, const std::vector<TrimmedAxis>& axes) const {
+    nlohmann::json report = {{"command", "trim-axes"},
+                             {"input", fileJson(drawing)},
+                             {"layers", namesJson(layers)},
+                             {"lines", axes.size()},
+                             {"changes", nlohmann::json::array()},
+                             {"skipped", skippedJson(found)}};
+    m_options.addOutcome(report);
+    for (const TrimmedAxis& axis : axes) {
+      if (axis.isChanged()) {
+        const std::string handle = handleText(axis.line->entity);
+        report["changes"].push_back(
+            {{"source", handle},
+             {"results", nlohmann::json::array({{{"handle", handle},
+                                                 {"start", pointJson(axis.start)},
+                                                 {"end", pointJson(axis.end)}}})}});
+      }
+    }
+    return report;
+  }
+
+  CommonOptions m_options;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeTrimAxesCommand() {
+  return std::make_unique<TrimAxesCommand>();
+}
+
+}  // namespace quoin::commands

@@ -1,0 +1,178 @@
+#include "commands/WallBodies.h"
+
+#include <fmt/format.h>
+
+#include <charconv>
+#include <cmath>
+#include <functional>
+#include <memory>
+
+#include "acutmem.h"
+#include "adsdef.h"
+#include "commands/CommandError.h"
+#include "commands/LayerChoice.h"
+#include "commands/Progress.h"
+#include "dbobjptr.h"
+#include "embedded/os/Utf8.h"
+
+namespace quoin::commands {
+
+namespace {
+
+constexpr short kXDataReal = 1040;
+
+struct LayerWidth {
+  std::wstring pattern;
+  WallWidths widths;
+};
+
+/// "LAYER=W" (half on each side) or "LAYER=LEFT,RIGHT".
+LayerWidth parseLayerWidth(const std::string& text) {
+  const std::size_t equals = text.rfind('=');
+  const char* const end = text.data() + text.size();
+  LayerWidth width;
+  if (equals != std::string::npos && equals > 0) {
+    width.pattern = os::fromUtf8(text.substr(0, equals));
+    const char* const begin = text.data() + equals + 1;
+    const auto first = std::from_chars(begin, end, width.widths.left);
+    if (first.ec == std::errc() && first.ptr == end) {
+      width.widths.left = width.widths.right = 0.5 * width.widths.left;
+      return width;
+    }
+    if (first.ec == std::errc() && *first.ptr == ',') {
+      const auto second = std::from_chars(first.ptr + 1, end, width.widths.right);
+      if (second.ec == std::errc() && second.ptr == end) {
+        return width;
+      }
+    }
+  }
+  throw CommandError(ExitCode::Usage,
+                     fmt::format("--width '{}': write LAYER=WIDTH or LAYER=LEFT,RIGHT", text));
+}
+
+/// The two real numbers that the entity carries under the application's name.
+std::optional<WallWidths> widthsOfEntity(const AcDbObjectId& id) {
+  AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+  if (entity.openStatus() != Acad::eOk) {
+    return std::nullopt;
+  }
+  resbuf* const data = entity->xData(kWidthApplication);
+  std::vector<double> numbers;
+  for (const resbuf* link = data; link; link = link->rbnext) {
+    if (link->restype == kXDataReal) {
+      numbers.push_back(link->resval.rreal);
+    }
+  }
+  acutRelRb(data);
+  if (numbers.size() < 2) {
+    return std::nullopt;
+  }
+  return WallWidths{numbers[0], numbers[1]};
+}
+
+/// Runs `compute` for each wall with an algorithm object that holds it and all others.
+void forEachWall(const std::vector<BodyWall>& walls,
+                 const std::function<void(CShowWallLikeAlgorithm&)>& compute) {
+  std::vector<WallEntityLikeRect> records;
+  for (const BodyWall& wall : walls) {
+    records.push_back({wall.line.start, wall.line.end, wall.widths.left, wall.widths.right});
+  }
+  std::vector<WallEntityLikeRect*> all;
+  for (WallEntityLikeRect& record : records) {
+    all.push_back(&record);
+  }
+  Progress progress("Computing walls");
+  for (std::size_t i = 0; i < walls.size(); ++i) {
+    if (!progress.report(static_cast<double>(i) / static_cast<double>(walls.size()))) {
+      Progress::checkInterrupt();
+    }
+    CShowWallLikeAlgorithm algorithm;
+    *algorithm.GetShowWall() = records[i];
+    algorithm.GetAllWallRect() = all;
+    algorithm.GetAllWallRect()[i] = nullptr;  // the wall itself is the show wall
+    compute(algorithm);
+    // The records are ours; the show wall is released with the array.
+    algorithm.GetAllWallRect() = {algorithm.GetShowWall()};
+  }
+}
+
+}  // namespace
+
+void WidthOptions::declare(CLI::App& command) {
+  command.add_option("--left", left, "Width to the left of every reference line, drawing units");
+  command.add_option("--right", right, "Width to its right");
+  command
+      .add_option("--width", ofLayer,
+                  "Width of the walls on a layer (* and ? allowed): half of WIDTH on each side, or "
+                  "LEFT,RIGHT; may be repeated")
+      ->type_name("LAYER=W[,W]")
+      ->take_all()
+      ->expected(1);
+}
+
+std::vector<BodyWall> makeWalls(const Drawing& drawing, const std::vector<WallLine>& lines,
+                                const WidthOptions& options) {
+  std::vector<LayerWidth> ofLayer;
+  for (const std::string& text : options.ofLayer) {
+    ofLayer.push_back(parseLayerWidth(text));
+  }
+  std::vector<BodyWall> walls;
+  for (const WallLine& line : lines) {
+    std::optional<WallWidths> widths = widthsOfEntity(line.entity);
+    const std::wstring layer = hostx::layerName(line.entity);
+    for (const LayerWidth& width : ofLayer) {
+      if (!widths && matchesGlob(layer, width.pattern)) {
+        widths = width.widths;
+      }
+    }
+    if (!widths && (options.left || options.right)) {
+      widths = WallWidths{options.left.value_or(0.0), options.right.value_or(0.0)};
+    }
+    if (!widths) {
+      throw CommandError(ExitCode::Usage,
+                         fmt::format("{} has no width: give --left and --right, --width for layer "
+                                     "{}, or extended data under QUOIN",
+                                     describe(drawing, line.entity), os::toUtf8(layer)));
+    }
+    if (!(widths->left + widths->right > 0.0) || !std::isfinite(widths->left) ||
+        !std::isfinite(widths->right)) {
+      throw CommandError(ExitCode::Usage,
+                         fmt::format("{}: a wall {:g} wide to the left and {:g} to the right has "
+                                     "no thickness",
+                                     describe(drawing, line.entity), widths->left, widths->right));
+    }
+    walls.push_back({line, *widths});
+  }
+  return walls;
+}
+
+std::vector<WallOutline> showWalls(const std::vector<BodyWall>& walls) {
+  std::vector<WallOutline> outlines;
+  forEachWall(walls, [&](CShowWallLikeAlgorithm& algorithm) {
+    algorithm.CalcShowWall();
+    WallOutline outline{*algorithm.GetLeftWall(), *algorithm.GetRightWall(), {}, {}, {}};
+    if (const WallDrawingSeg* start = algorithm.GetStartWall()) {
+      outline.start = *start;
+    }
+    if (const WallDrawingSeg* end = algorithm.GetEndWall()) {
+      outline.end = *end;
+    }
+    for (const auto* array : {&algorithm.GetStartWallArray(), &algorithm.GetEndWallArray()}) {
+      for (const WallEntityLikeRect* record : *array) {
+        outline.connections.push_back({record->ptStart, record->ptEnd});
+      }
+    }
+    outlines.push_back(std::move(outline));
+  });
+  return outlines;
+}
+
+std::vector<PrepareFrom2dTo3dData> prepareWalls(const std::vector<BodyWall>& walls) {
+  std::vector<PrepareFrom2dTo3dData> faces;
+  forEachWall(walls, [&](CShowWallLikeAlgorithm& algorithm) {
+    faces.push_back(algorithm.CalcShowWallPrepareFor3d());
+  });
+  return faces;
+}
+
+}  // namespace quoin::commands

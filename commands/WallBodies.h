@@ -1,0 +1,64 @@
+// Walls given by reference lines and widths: collected from a drawing and shown, each among
+// all others, in plan or as end faces for a body.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "DrawWallAlgorithm/ShowWallLikeAlgorithm.h"
+#include "commands/CommonOptions.h"
+#include "commands/Drawing.h"
+#include "commands/WallLines.h"
+
+namespace quoin::commands {
+
+/// Distances of a wall's faces from its reference line, in drawing units.
+struct WallWidths {
+  double left = 0.0;
+  double right = 0.0;
+};
+
+/// Where widths come from, the first that has them counting: extended data of the entity under
+/// the application QUOIN (two real numbers, left and right), --width of its layer, --left and
+/// --right.
+struct WidthOptions {
+  std::optional<double> left;
+  std::optional<double> right;
+  std::vector<std::string> ofLayer;  // "LAYER=W" or "LAYER=LEFT,RIGHT"
+
+  void declare(CLI::App& command);
+};
+
+/// A wall of the plan.
+struct BodyWall {
+  WallLine line;
+  WallWidths widths;
+};
+
+/// The name under which entities carry their widths.
+inline constexpr const wchar_t* kWidthApplication = L"QUOIN";
+
+/// Gives every line its widths.
+/// Fails: throws CommandError (Usage for options that make no sense or leave a wall without
+/// widths).
+std::vector<BodyWall> makeWalls(const Drawing& drawing, const std::vector<WallLine>& lines,
+                                const WidthOptions& options);
+
+/// The outline of one wall: up to four lines and the connecting records at its ends.
+struct WallOutline {
+  WallDrawingSeg left;
+  WallDrawingSeg right;
+  std::optional<WallDrawingSeg> start;  // closes a free end
+  std::optional<WallDrawingSeg> end;
+  std::vector<WallDrawingSeg> connections;
+};
+
+/// Shows every wall among all others.
+std::vector<WallOutline> showWalls(const std::vector<BodyWall>& walls);
+/// The end faces of every wall among all others.
+std::vector<PrepareFrom2dTo3dData> prepareWalls(const std::vector<BodyWall>& walls);
+
+}  // namespace quoin::commands
