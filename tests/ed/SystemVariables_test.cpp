@@ -13,7 +13,6 @@ namespace {
 
 using quoin::ed::UserSystem;
 using quoin::ed::VariableRow;
-using quoin::ed::VariableType;
 using quoin::ed::View;
 
 resbuf shortValue(short value) {

@@ -15,8 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using quoin::HostApplication;
-using quoin::HostOptions;
-using quoin::ed::Prompt;
 using quoin::rx::ExtensionModuleCounts;
 using quoin::rx::extensionModuleCounts;
 

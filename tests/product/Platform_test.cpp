@@ -160,7 +160,7 @@ TEST(EntityMapping, EveryProjectHasAMapOfItsOwnThatGoesWithIt) {
   EXPECT_NE(node.GetMapKey(), second.root().GetMapKey());
   EXPECT_EQ(node.GetMapKey(), first.root().GetMapKey());
   platform.entityMappings().map(node, AcDbObjectId().setFromOldId(32));
-  const ModelMapKey key = node.GetMapKey();
+  ModelMapKey key = node.GetMapKey();
   platform.closeProject(first);
   EXPECT_TRUE(platform.entityMappings().under(key).GetEntityId(&node).isNull());
 }

@@ -15,7 +15,7 @@ class LeavingNotice {
 }  // namespace
 
 extern "C" void acrxGetApiVersion(Adesk::Int32* version) {
-  static LeavingNotice s_leavingNotice;
+  static const LeavingNotice leavingNotice;
   if (version) {
     *version = kAcRxApiVersion;
   }
