@@ -413,29 +413,28 @@ Block& RecordStore::appendBlock(const std::wstring& name, std::string recordByte
 
 // --- header variables -----------------------------------------------------------------------
 
+std::string_view RecordStore::Impl::headerInFile(std::string_view name) const {
+  for (const HeaderVariable& variable : header) {
+    if (variable.name == name) {
+      return std::string_view(buffer).substr(variable.begin, variable.end - variable.begin);
+    }
+  }
+  return {};
+}
+
 std::string_view RecordStore::headerVariable(std::string_view name) const {
   for (const HeaderChange& change : m_impl->headerChanges) {
     if (change.name == name) {
       return change.valueTags;
     }
   }
-  for (const HeaderVariable& variable : m_impl->header) {
-    if (variable.name == name) {
-      return std::string_view(m_impl->buffer).substr(variable.begin, variable.end - variable.begin);
-    }
-  }
-  return {};
+  return m_impl->headerInFile(name);
 }
 
 void RecordStore::setHeaderVariable(std::string_view name, std::string valueTags) {
   auto& changes = m_impl->headerChanges;
-  const auto change = std::find_if(changes.begin(), changes.end(),
-                                   [&](const HeaderChange& entry) { return entry.name == name; });
-  if (change != changes.end()) {
-    change->valueTags = std::move(valueTags);
-    return;
-  }
-  if (headerVariable(name) != valueTags) {
+  std::erase_if(changes, [&](const HeaderChange& change) { return change.name == name; });
+  if (m_impl->headerInFile(name) != valueTags) {
     changes.push_back({std::string(name), std::move(valueTags)});
   }
 }

@@ -65,6 +65,8 @@ struct RecordStore::Impl {
   mutable std::vector<std::uint64_t> linesBefore;
 
   const SectionPlace* section(std::string_view name) const;
+  /// The value tags of a variable as the file has them; empty for none.
+  std::string_view headerInFile(std::string_view name) const;
   /// Where the file has the record; kNoPlace for one that it has not.
   std::size_t fileOffset(const AcDbStub& stub) const;
   std::uint32_t fileSize(const AcDbStub& stub) const;
