@@ -3,14 +3,28 @@
 #include <dlfcn.h>
 #include <link.h>
 
-namespace quoin::os {
+#include <string>
 
-DynamicLibrary::DynamicLibrary(const std::filesystem::path& path)
-    // A name without a folder would be searched for in the system's folders.
-    : m_handle(dlopen(std::filesystem::absolute(path).c_str(), RTLD_NOW | RTLD_LOCAL)) {
+namespace quoin::os {
+namespace {
+
+/// What the system has to say about the last failure, without the path in front that the
+/// caller knows.
+std::string lastCause(const std::string& path) {
+  const char* const text = dlerror();
+  std::string cause = text ? text : "unknown cause";
+  const std::string prefix = path + ": ";
+  return cause.starts_with(prefix) ? cause.substr(prefix.size()) : cause;
+}
+
+}  // namespace
+
+DynamicLibrary::DynamicLibrary(const std::filesystem::path& path) {
+  // A name without a folder would be searched for in the system's folders.
+  const std::string file = std::filesystem::absolute(path).string();
+  m_handle = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (!m_handle) {
-    const char* const cause = dlerror();
-    throw LibraryError(cause ? cause : "unknown cause");
+    throw LibraryError(lastCause(file));
   }
 }
 

@@ -127,7 +127,9 @@ TEST_F(ModuleLoaderTest, AFileThatIsNoLibraryIsNoModule) {
     std::ofstream(file) << content;
     const ModuleError error = loadError(file);
     EXPECT_EQ(error.fault, ModuleFault::NotALibrary);
-    EXPECT_THAT(error.what(), AllOf(HasSubstr(file.string()), HasSubstr("not a shared library")));
+    const std::string message = error.what();
+    EXPECT_THAT(message, AllOf(HasSubstr(file.string()), HasSubstr("not a shared library")));
+    EXPECT_EQ(message.find(file.string()), message.rfind(file.string())) << "named once";
     fs::remove(file);
   }
 }
