@@ -14,11 +14,11 @@ install(DIRECTORY ${CMAKE_SOURCE_DIR}/embedded/include/ DESTINATION ${QUOIN_HEAD
 # exports it, and the records that stand in exported signatures.
 set(QUOIN_RECORD_HEADERS geometry/WallLineLikeSeg.h)
 file(GLOB QUOIN_MODULE_HEADERS CONFIGURE_DEPENDS RELATIVE ${CMAKE_SOURCE_DIR}
-  ${CMAKE_SOURCE_DIR}/module/*.h ${CMAKE_SOURCE_DIR}/host/*.h ${CMAKE_SOURCE_DIR}/geometry/*.h
+  ${CMAKE_SOURCE_DIR}/module/*.h ${CMAKE_SOURCE_DIR}/geometry/*.h
   ${CMAKE_SOURCE_DIR}/Algorithm/*.h ${CMAKE_SOURCE_DIR}/Algorithm/DrawWallAlgorithm/*.h
   ${CMAKE_SOURCE_DIR}/tools/*.h)
 foreach(HEADER ${QUOIN_MODULE_HEADERS})
-  file(STRINGS ${CMAKE_SOURCE_DIR}/${HEADER} MARKS REGEX "AFX_EXT_CLASS|PLATFORM_API")
+  file(STRINGS ${CMAKE_SOURCE_DIR}/${HEADER} MARKS REGEX "AFX_EXT_CLASS")
   if(MARKS OR HEADER IN_LIST QUOIN_RECORD_HEADERS)
     # The first folder is an include directory; deeper ones are part of the header's name.
     string(REGEX REPLACE "^[^/]+/" "" NAME ${HEADER})
@@ -27,8 +27,35 @@ foreach(HEADER ${QUOIN_MODULE_HEADERS})
   endif()
 endforeach()
 
+# Who starts the host in a program of his own needs its application object: that header and
+# the command line's, with all that they include.
+set(QUOIN_EMBEDDED_HEADERS embedded/product/HostApplication.h embedded/product/CommandLine.h)
+set(INDEX 0)
+list(LENGTH QUOIN_EMBEDDED_HEADERS COUNT)
+while(INDEX LESS COUNT)
+  list(GET QUOIN_EMBEDDED_HEADERS ${INDEX} HEADER)
+  file(STRINGS ${CMAKE_SOURCE_DIR}/${HEADER} LINES REGEX "^#include \"(embedded|host)/")
+  foreach(LINE ${LINES})
+    string(REGEX REPLACE "^#include \"([^\"]+)\".*" "\\1" INCLUDED "${LINE}")
+    list(APPEND QUOIN_EMBEDDED_HEADERS ${INCLUDED})
+  endforeach()
+  list(REMOVE_DUPLICATES QUOIN_EMBEDDED_HEADERS)
+  list(LENGTH QUOIN_EMBEDDED_HEADERS COUNT)
+  math(EXPR INDEX "${INDEX} + 1")
+endwhile()
+foreach(HEADER ${QUOIN_EMBEDDED_HEADERS})
+  get_filename_component(FOLDER ${HEADER} DIRECTORY)
+  install(FILES ${HEADER} DESTINATION ${QUOIN_HEADERS}/${FOLDER})
+endforeach()
+# The platform's headers go by two names, "host/Log.h" and "Log.h", as one file.
+# The project scale is the module's own look-up and stays inside.
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/host/ DESTINATION ${QUOIN_HEADERS}/host
+  FILES_MATCHING PATTERN "*.h" PATTERN "ProjectScale.h" EXCLUDE)
+
+target_include_directories(quoinhost INTERFACE $<INSTALL_INTERFACE:${QUOIN_HEADERS}>)
 target_include_directories(quoinhost_api INTERFACE $<INSTALL_INTERFACE:${QUOIN_HEADERS}/api>)
-target_include_directories(quoin_module INTERFACE $<INSTALL_INTERFACE:${QUOIN_HEADERS}/module>)
+target_include_directories(quoin_module INTERFACE
+  $<INSTALL_INTERFACE:${QUOIN_HEADERS}/module> $<INSTALL_INTERFACE:${QUOIN_HEADERS}/host>)
 set_target_properties(quoinhost PROPERTIES EXPORT_NAME host)
 set_target_properties(quoinhost_api PROPERTIES EXPORT_NAME api)
 set_target_properties(quoin_module PROPERTIES EXPORT_NAME module)
@@ -46,8 +73,21 @@ endforeach()
 install(EXPORT QuoinTargets NAMESPACE Quoin:: DESTINATION ${QUOIN_PACKAGE})
 
 configure_package_config_file(${CMAKE_SOURCE_DIR}/cmake/QuoinConfig.cmake.in
-  ${CMAKE_BINARY_DIR}/QuoinConfig.cmake INSTALL_DESTINATION ${QUOIN_PACKAGE})
+  ${CMAKE_BINARY_DIR}/QuoinConfig.cmake INSTALL_DESTINATION ${QUOIN_PACKAGE}
+  PATH_VARS QUOIN_HEADERS)
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/QuoinConfigVersion.cmake
   COMPATIBILITY SameMinorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/QuoinConfig.cmake ${CMAKE_BINARY_DIR}/QuoinConfigVersion.cmake
   DESTINATION ${QUOIN_PACKAGE})
+
+if(QUOIN_TESTS AND TARGET quoin_app)
+  if(QUOIN_SANITIZE)
+    set(CONSUMER_FLAGS "-fsanitize=address,undefined")
+  endif()
+  add_test(NAME install.consumer COMMAND ${CMAKE_COMMAND}
+    -DBUILD=${CMAKE_BINARY_DIR} -DWORK=${CMAKE_BINARY_DIR}/consumer
+    -DSOURCE=${CMAKE_SOURCE_DIR}/tests/consumer -DGENERATOR=${CMAKE_GENERATOR}
+    -DCXX=${CMAKE_CXX_COMPILER} -DFLAGS=${CONSUMER_FLAGS} -DBUILD_TYPE=${CMAKE_BUILD_TYPE}
+    -P ${CMAKE_SOURCE_DIR}/tests/consumer/run.cmake)
+  set_tests_properties(install.consumer PROPERTIES LABELS install)
+endif()

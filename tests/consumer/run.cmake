@@ -1,0 +1,26 @@
+# Installs the build tree BUILD into WORK/prefix, builds the consumer against it, runs it and
+# checks what it prints. CXX, FLAGS and BUILD_TYPE are those of the build tree.
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE STATUS OUTPUT_VARIABLE OUTPUT
+    ERROR_VARIABLE OUTPUT)
+  if(NOT STATUS EQUAL 0)
+    message(FATAL_ERROR "${ARGN}\nended with ${STATUS}:\n${OUTPUT}")
+  endif()
+  set(OUTPUT "${OUTPUT}" PARENT_SCOPE)
+endfunction()
+
+file(REMOVE_RECURSE ${WORK})
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/prefix)
+# Nothing but the installed tree: the build tree's own libraries must not be found by it.
+run(${CMAKE_COMMAND} -S ${SOURCE} -B ${WORK}/build -G ${GENERATOR}
+  -DCMAKE_PREFIX_PATH=${WORK}/prefix -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_CXX_FLAGS=${FLAGS}
+  -DCMAKE_BUILD_TYPE=${BUILD_TYPE})
+run(${CMAKE_COMMAND} --build ${WORK}/build)
+run(${WORK}/build/consumer)
+if(NOT OUTPUT STREQUAL "piece from 0 to 400\npiece from 400 to 1000\n")
+  message(FATAL_ERROR "the consumer printed:\n${OUTPUT}")
+endif()
+# The installed program finds its modules beside itself, wherever the tree stands.
+file(RENAME ${WORK}/prefix ${WORK}/moved)
+run(${WORK}/moved/bin/quoin info ${SOURCE}/../../examples/flat/flat.dxf)
+message(STATUS "installed, consumed and moved")
