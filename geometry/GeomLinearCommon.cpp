@@ -38,6 +38,8 @@ AcuteAngle FindAcuteAngle(const AcGeLine3d& line1, const AcGeLine3d& line2) {
 
 }  // namespace
 
+CGeomLinearCommon& CGeomLinearCommon::operator=(const CGeomLinearCommon&) = default;
+
 EPntPrjOnSegType CGeomLinearCommon::GetPntPrjOnSegType(const AcGePoint3d& pt,
                                                        const AcGePoint3d& ptSegStart,
                                                        const AcGePoint3d& ptSegEnd) {

@@ -14,7 +14,7 @@ enum EPntPrjOnSegType {
 
 class AFX_EXT_CLASS CGeomLinearCommon {
  public:
-  CGeomLinearCommon& operator=(const CGeomLinearCommon&) { return *this; }
+  CGeomLinearCommon& operator=(const CGeomLinearCommon& other);
 
   /// Where the projection of `pt` falls on the segment. The tests for the ends come first, so
   /// that a projection within tolerance of an end is on it, never inside or outside. Every

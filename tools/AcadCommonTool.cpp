@@ -20,6 +20,8 @@ resbuf MakeCoordinateSystem(short code) {
 
 }  // namespace
 
+CAcadCommonTool& CAcadCommonTool::operator=(const CAcadCommonTool&) = default;
+
 double CAcadCommonTool::GetCurScale() {
   resbuf rbViewSize = {};
   acedGetVar(L"VIEWSIZE", &rbViewSize);

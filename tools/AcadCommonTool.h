@@ -7,7 +7,7 @@
 
 class AFX_EXT_CLASS CAcadCommonTool {
  public:
-  CAcadCommonTool& operator=(const CAcadCommonTool&) { return *this; }
+  CAcadCommonTool& operator=(const CAcadCommonTool& other);
 
   /// Drawing units per pixel of the current view: the view's height over the screen's.
   static double GetCurScale();
