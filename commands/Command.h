@@ -24,5 +24,6 @@ std::unique_ptr<Command> makeMergeCommand();
 std::unique_ptr<Command> makeTrimAxesCommand();
 std::unique_ptr<Command> makeOutlineCommand();
 std::unique_ptr<Command> makeSolidCommand();
+std::unique_ptr<Command> makeRunCommand();
 
 }  // namespace quoin::commands

@@ -1,0 +1,26 @@
+# Builds the example against an installed Quoin and runs its command: BUILD is the build tree to
+# install, WORK a folder for it; CXX, FLAGS, BUILD_TYPE and
+# GENERATOR are those of the build tree.
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE STATUS OUTPUT_VARIABLE OUTPUT
+    ERROR_VARIABLE OUTPUT)
+  if(NOT STATUS EQUAL 0)
+    message(FATAL_ERROR "${ARGN}\nended with ${STATUS}:\n${OUTPUT}")
+  endif()
+  set(OUTPUT "${OUTPUT}" PARENT_SCOPE)
+endfunction()
+
+file(REMOVE_RECURSE ${WORK})
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/prefix)
+run(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR} -B ${WORK}/build -G ${GENERATOR}
+  -DCMAKE_PREFIX_PATH=${WORK}/prefix -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_CXX_FLAGS=${FLAGS}
+  -DCMAKE_BUILD_TYPE=${BUILD_TYPE})
+run(${CMAKE_COMMAND} --build ${WORK}/build)
+run(${WORK}/prefix/bin/quoin run ${WORK}/build/wall_sketch.so WALLSKETCH)
+string(CONCAT EXPECTED
+  "shortened 4000,0 to 4000,1500\nshortened 0,3000 to 0,1500\n"
+  "cut off 4000,1500 to 4000,3000\ncut off 0,1500 to 0,0\n"
+  "new -500,1500 to 0,1500\nnew 0,1500 to 4000,1500\nnew 4000,1500 to 4500,1500\n")
+if(NOT OUTPUT STREQUAL EXPECTED)
+  message(FATAL_ERROR "the command printed:\n${OUTPUT}")
+endif()
