@@ -58,7 +58,7 @@ bool MergeOnPnt(Seg& seg1, const Seg& seg2, bool bAtStart,
 
   const double turn =
       (ptFar1 - ptMeet).angleTo(ptFar2 - ptNear2, AcGeVector3d::kZAxis) - GeomConst::kPi;
-  if (std::fabs(CGeomDegree(turn, eAngleRadian).GetAngleDegree()) > kMaxBendDegrees) {
+  if (std::fabs(CGeomDegree(turn, CGeomDegree::eAngleRadian).GetAngleDegree()) > kMaxBendDegrees) {
     return false;
   }
   if (!Policy::AgreeAt(seg1, bAtStart, seg2, nearIsStart)) {

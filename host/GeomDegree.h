@@ -3,11 +3,11 @@
 
 #include "PlatformApi.h"
 
-/// The unit of the number that an angle is made from.
-enum DegreeType { eAngleDegree = 0, eAngleRadian = 1 };
-
 class PLATFORM_API CGeomDegree {
  public:
+  /// The unit of the number that an angle is made from.
+  enum DegreeType { eAngleDegree = 0, eAngleRadian = 1 };
+
   CGeomDegree(double angle, DegreeType type);
   /// As above with the plain number of the type: 1 is radians, anything else degrees.
   CGeomDegree(double angle, int type);

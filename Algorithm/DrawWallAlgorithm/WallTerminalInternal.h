@@ -70,7 +70,8 @@ inline void JoinFaces(const AcGeLine3d& lineShowFace, const AcGeLine3d& lineNeig
                       const AcGePoint3d& ptFrom, const AcGePoint3d& ptTo, AcGePoint3d& ptCorner,
                       std::vector<WallEntityLikeRect*>& vecTerminalWallArray) {
   const double angle = CGeomLinearCommon::GetLineIncludedAngle(lineShowFace, lineNeighbourFace);
-  if (std::fabs(CGeomDegree(angle, eAngleRadian).GetAngleDegree()) < kMinMitreDegrees) {
+  if (std::fabs(CGeomDegree(angle, CGeomDegree::eAngleRadian).GetAngleDegree()) <
+      kMinMitreDegrees) {
     WallEntityLikeRect* pConnect = new WallEntityLikeRect();
     pConnect->ptStart = ptFrom;
     pConnect->ptEnd = ptTo;

@@ -43,7 +43,8 @@ TEST(FloatEqual, WhatIsNoNumberEqualsNothing) {
 }
 
 TEST(GeomDegree, ConvertsRadiansKeepingSignAndTurns) {
-  EXPECT_DOUBLE_EQ(CGeomDegree(std::numbers::pi, eAngleRadian).GetAngleDegree(), 180.0);
+  EXPECT_DOUBLE_EQ(CGeomDegree(std::numbers::pi, CGeomDegree::eAngleRadian).GetAngleDegree(),
+                   180.0);
   EXPECT_DOUBLE_EQ(CGeomDegree(-std::numbers::pi / 2.0, 1).GetAngleDegree(), -90.0);
   EXPECT_DOUBLE_EQ(CGeomDegree(3.0 * std::numbers::pi, 1).GetAngleDegree(), 540.0);
   EXPECT_EQ(CGeomDegree(0.0, 1).GetAngleDegree(), 0.0);
@@ -51,7 +52,7 @@ TEST(GeomDegree, ConvertsRadiansKeepingSignAndTurns) {
 }
 
 TEST(GeomDegree, DegreesStayAsTheyAre) {
-  EXPECT_EQ(CGeomDegree(-370.0, eAngleDegree).GetAngleDegree(), -370.0);
+  EXPECT_EQ(CGeomDegree(-370.0, CGeomDegree::eAngleDegree).GetAngleDegree(), -370.0);
   EXPECT_EQ(CGeomDegree(30.0, 0).GetAngleDegree(), 30.0);
   EXPECT_DOUBLE_EQ(CGeomDegree(180.0, 0).GetAngleRadian(), std::numbers::pi);
 }
