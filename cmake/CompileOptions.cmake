@@ -13,3 +13,11 @@ if(QUOIN_SANITIZE)
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(quoin_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(QUOIN_FUZZ)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang" OR NOT QUOIN_SANITIZE)
+    message(FATAL_ERROR "QUOIN_FUZZ needs clang (libFuzzer is its own) and QUOIN_SANITIZE=ON")
+  endif()
+  # Coverage for the fuzzer in every library; its main function in the targets alone. The
+  # address sanitizer's run-time library answers the coverage calls of the other programs.
+  target_compile_options(quoin_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()

@@ -29,6 +29,24 @@ void detectBinary(std::string_view bytes, DetectedFormat& detected) {
   }
 }
 
+/// "  0" is padded to three columns, "0" to one. Longer codes fill the columns and show nothing.
+int columnsOfCodes(std::string_view text, const Format& format) {
+  constexpr int kTagsLookedAt = 200;
+  constexpr std::size_t kMostColumns = 6;
+  const char* const end = text.data() + text.size();
+  const char* at = text.data();
+  const TagLayout layout(format);
+  RawTag tag;
+  for (int i = 0; i < kTagsLookedAt && readTag(at, end, layout, tag) == ReadResult::Tag; ++i) {
+    if (tag.code >= 0 && tag.code < 10) {
+      const std::string_view line(at, static_cast<std::size_t>(tag.value - at));
+      return static_cast<int>(std::min(line.find_first_of("0123456789") + 1, kMostColumns));
+    }
+    at = tag.next;
+  }
+  return Format{}.groupCodeColumns;
+}
+
 void detectAscii(std::string_view bytes, DetectedFormat& detected) {
   if (bytes.starts_with(kByteOrderMark)) {
     detected.firstTag = kByteOrderMark.size();
@@ -40,12 +58,7 @@ void detectAscii(std::string_view bytes, DetectedFormat& detected) {
   const bool hasReturn = behindReturns != lineSize;
   Format& format = detected.format;
   format.lineEnd = !hasReturn ? "\n" : hasFeed ? "\r\n" : "\r";
-  // "  0" is padded to three columns, "0" to one.
-  const std::string_view line = text.substr(0, lineSize);
-  const std::size_t lastDigit = line.find_last_of("0123456789");
-  format.groupCodeColumns = lastDigit == std::string_view::npos
-                                ? 0
-                                : static_cast<int>(std::min<std::size_t>(lastDigit + 1, 6));
+  format.groupCodeColumns = columnsOfCodes(text, format);
 }
 
 }  // namespace

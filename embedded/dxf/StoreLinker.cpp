@@ -106,23 +106,27 @@ void StoreLoader::linkBlocks() {
   }
 }
 
+AcDbStub* StoreLoader::freeRecordNamed(std::string_view name) const {
+  const auto named = m_blockRecords.find(capitals(name));
+  if (named == m_blockRecords.end()) {
+    return nullptr;
+  }
+  const auto isFree = [&](const AcDbStub* record) {
+    return m_data.blockByRecord.find(record) == m_data.blockByRecord.end();
+  };
+  const auto free = std::find_if(named->second.begin(), named->second.end(), isFree);
+  return free == named->second.end() ? nullptr : *free;
+}
+
 /// The BLOCK_RECORD that the BLOCK names as its owner, else the first of the same name that no
 /// other block has, else a placeholder.
 void StoreLoader::linkBlockRecord(Block& block, const BlockHead& head) {
-  const auto isFree = [&](const AcDbStub& record) {
-    return m_data.blockByRecord.find(&record) == m_data.blockByRecord.end();
-  };
   AcDbStub* record = m_store.find(head.owner);
-  if (record != nullptr && (m_store.kindName(*record) != "BLOCK_RECORD" ||
-                            record->role != Role::TableRecord || !isFree(*record))) {
-    record = nullptr;
-  }
-  if (record == nullptr && !m_blockRecords.empty()) {
-    const auto named =
-        std::find_if(m_blockRecords.begin(), m_blockRecords.end(), [&](const NamedStub& candidate) {
-          return os::sameName(candidate.name, head.name) && isFree(*candidate.stub);
-        });
-    record = named == m_blockRecords.end() ? nullptr : named->stub;
+  const bool isRecord = record != nullptr && record->role == Role::TableRecord &&
+                        m_store.kindName(*record) == "BLOCK_RECORD" &&
+                        m_store.blockOf(*record) == nullptr;
+  if (!isRecord) {
+    record = freeRecordNamed(head.name);
   }
   block.record = record != nullptr ? record : m_store.appendPlaceholder("BLOCK_RECORD");
   m_data.blockByRecord[block.record] = &block;
@@ -134,12 +138,8 @@ void StoreLoader::makeLayouts() {
   const auto make = [&](const wchar_t* name, std::string_view bare) {
     Block& block = m_store.m_blocks.emplace_back();
     block.name = name;
-    const auto named =
-        std::find_if(m_blockRecords.begin(), m_blockRecords.end(), [&](const NamedStub& candidate) {
-          return isLayoutName(candidate.name, bare, m_store.m_format.version);
-        });
-    block.record =
-        named == m_blockRecords.end() ? m_store.appendPlaceholder("BLOCK_RECORD") : named->stub;
+    AcDbStub* const record = freeRecordNamed("*" + std::string(bare));
+    block.record = record != nullptr ? record : m_store.appendPlaceholder("BLOCK_RECORD");
     m_data.blockByRecord.try_emplace(block.record, &block);
     m_data.blockByName.try_emplace(os::foldCase(block.name), &block);
     return &block;

@@ -189,14 +189,15 @@ void StoreLoader::beginSection(std::size_t offset) {
 
 void StoreLoader::enterSection(std::string_view name) {
   m_section = sectionNamed(name);
-  const bool isSecond = m_section != Section::Other && m_data.section(name) != nullptr;
   m_data.sections.back().name = std::string(name);
-  if (isSecond) {
+  bool& seen = m_sectionSeen[static_cast<std::size_t>(m_section)];
+  if (seen && m_section != Section::Other) {
     warn(m_pending.begin, {}, "a second section " + std::string(name));
     if (m_section == Section::Header) {
       m_section = Section::Other;  // the first one's variables hold
     }
   }
+  seen = true;
   m_parent = nullptr;
 }
 
@@ -375,7 +376,7 @@ void StoreLoader::finishRecord(std::size_t end) {
       break;
     case Role::TableRecord:
       if (m_table->name == "BLOCK_RECORD") {
-        m_blockRecords.push_back({&stub, m_pending.name});
+        m_blockRecords[capitals(m_pending.name)].push_back(&stub);
       } else if (m_table->name == "LAYER" && m_pending.name == "0") {
         m_sawLayerZero = true;
       }

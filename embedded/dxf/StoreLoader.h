@@ -2,10 +2,12 @@
 // blocks with their records, layouts with their entities, owners, handles.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "embedded/dxf/RecordStoreImpl.h"
@@ -44,10 +46,6 @@ class StoreLoader {
     bool inPaperSpace = false;
     std::uint64_t owner = 0;
   };
-  struct NamedStub {
-    AcDbStub* stub = nullptr;
-    std::string_view name;
-  };
   struct OwnerLink {
     AcDbStub* stub = nullptr;
     std::uint64_t owner = 0;
@@ -79,6 +77,7 @@ class StoreLoader {
   void readHeader();
   void indexHandles();
   void linkBlocks();
+  AcDbStub* freeRecordNamed(std::string_view name) const;
   void linkBlockRecord(Block& block, const BlockHead& head);
   void makeLayouts();
   void distributeEntities();
@@ -106,12 +105,14 @@ class StoreLoader {
   bool m_ended = false;
   bool m_sawSubclass = false;
   bool m_sawLayerZero = false;
+  std::array<bool, 7> m_sectionSeen{};  // by Section
   Table* m_table = nullptr;
   Block* m_block = nullptr;
   AcDbStub* m_parent = nullptr;  // the entity that sub-entities belong to
   std::size_t m_handles = 0;
   std::vector<LayoutRun> m_layoutRuns;
-  std::vector<NamedStub> m_blockRecords;
+  // The BLOCK_RECORDs of a name in ASCII capitals, in file order; looked up by name only.
+  std::unordered_map<std::string, std::vector<AcDbStub*>> m_blockRecords;
   std::vector<BlockHead> m_blockHeads;  // parallel to the store's blocks
   std::vector<OwnerLink> m_ownerLinks;
 };

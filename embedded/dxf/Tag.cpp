@@ -163,6 +163,14 @@ std::int64_t integerOf(const TagView& tag, const Format& format) {
   }
 }
 
+std::string capitals(std::string_view text) {
+  std::string folded(text);
+  std::transform(folded.begin(), folded.end(), folded.begin(), [](char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  });
+  return folded;
+}
+
 std::uint64_t handleFromText(std::string_view text) {
   text = trimmed(text);
   std::uint64_t handle = 0;

@@ -187,6 +187,9 @@ inline std::string_view trimmed(std::string_view text) {
   return text;
 }
 
+/// The text in capitals, as far as it is ASCII: names of records are equal in any case.
+std::string capitals(std::string_view text);
+
 /// The number of a handle's hexadecimal text (blanks around it allowed); 0 when it is none.
 std::uint64_t handleFromText(std::string_view text);
 

@@ -100,6 +100,11 @@ TEST(FormatDetection, LineEndsAndPaddingAreThoseOfTheFirstLine) {
   }
 }
 
+TEST(FormatDetection, ALeadingCommentDoesNotHideThePadding) {
+  EXPECT_EQ(formatOf(asciiDxf("999 x\n" + headerOnly(""), "\n", 1)).groupCodeColumns, 1);
+  EXPECT_EQ(formatOf(asciiDxf("999 x\n" + headerOnly(""), "\n", 3)).groupCodeColumns, 3);
+}
+
 TEST(FormatDetection, MixedLineEndsComeBackByteForByte) {
   std::string bytes = asciiDxf(smallR2000(test::lineTags("50")), "\r\n");
   bool drop = false;

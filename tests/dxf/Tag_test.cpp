@@ -187,7 +187,8 @@ TEST(TagCursor, ReadsNarrowGroupCodesAndTheirWideEscape) {
   const Format format = binary(true);
   EXPECT_EQ(only("\x08Walls\0"s, format).code, 8);
   EXPECT_EQ(only("\xFE\0"s, format).code, 254);
-  const TagView wide = only("\xFF\xEA\x03{\0"s, format);
+  const std::string bytes = "\xFF\xEA\x03{\0"s;
+  const TagView wide = only(bytes, format);
   EXPECT_EQ(wide.code, 1002);
   EXPECT_EQ(wide.value, "{");
 }
