@@ -174,6 +174,21 @@ TEST_F(DrawWall, TheScaleIsReadOnceACalculation) {
   EXPECT_EQ(m_host.scaleReads(), 1u);
 }
 
+TEST_F(DrawWall, AWrongRootNodeIsLoggedAndTheLineIsDrawnAllTheSame) {
+  m_host.project().root().setType(3);
+  fill("50,-40 50,60");
+  EXPECT_EQ(draw("0,0", "100,0"), "0,0; 50,0; 100,0");
+  EXPECT_EQ(m_host.log().size(), 1u);
+}
+
+TEST_F(DrawWall, AFarPartKeepsItsSourceThoughTheSourceWasChanged) {
+  const auto lines = fill("50,-40 50,60");
+  draw("0,0", "100,0");
+  lines[0]->ptEnd = point("7,7");
+  EXPECT_EQ(m_algorithm.GetSrcNewWallLines()[0]->pSrcLine, lines[0]);
+  EXPECT_EQ(cutOff(), "50,0 50,60");
+}
+
 TEST_F(DrawWall, AZeroScaleCapturesEverythingAndOthersNothing) {
   m_host.setScale(0.0);
   fill("5000,-40 5000,60");

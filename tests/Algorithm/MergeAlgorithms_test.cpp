@@ -199,6 +199,14 @@ TEST_F(MergeGouge, TheNearerEndOfTheOtherRecordIsItsStartOnATie) {
   EXPECT_EQ(text(lines[0]->ptStart, lines[0]->ptEnd), "0,0 11,0");
 }
 
+TEST_F(MergeGouge, TheScaleIsReadForEveryListThatIsSearched) {
+  m_host.project().root().setType(3);
+  merge("0,0 10,0; 50,0 60,0");
+  // Two records, none merged: pending and finished ones are searched for each.
+  EXPECT_EQ(m_host.scaleReads(), 4u);
+  EXPECT_EQ(m_host.log().size(), 4u);
+}
+
 TEST_F(MergeGouge, AScaleOfZeroMakesEverythingTouch) {
   m_host.setScale(0.0);
   EXPECT_EQ(merge("0,0 10,0; 500,0 600,0"), "600,0 0,0");

@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+#include "GeomDegree.h"
+#include "GeomLinearCommon.h"
 #include "support/GeometryText.h"
 #include "support/RunningHost.h"
 
@@ -144,11 +146,25 @@ TEST_F(ShowWall, BetweenTwoWallsEachSideMeetsItsOwnNeighbour) {
   expectNear(m_algorithm.GetRightWall()->ptEnd, "980,-50");
 }
 
-TEST_F(ShowWall, FacesAtFiveDegreesAreMitred) {
-  // Straight on is 0 degrees; the neighbour turned by 5.000001 lies just on the mitred side.
-  addWallAtEnd(5.000001);
-  m_algorithm.CalcShowWall();
-  EXPECT_EQ(endRecords(), "");
+TEST_F(ShowWall, FacesAtExactlyFiveDegreesAreMitredAndAtTheNextSmallerAngleConnected) {
+  // Walls of no width, whose faces are their reference lines to the last bit, in the smallest
+  // steps that doubles allow around 5 degrees.
+  const AcGePoint3d corner;
+  bool sawExactlyFive = false;
+  double y = 1000.0 * std::tan(5.0 * kPi / 180) - 50 * 1.5e-14;
+  for (int step = 0; step < 100; ++step, y = std::nextafter(y, 100.0)) {
+    OpenShow algorithm;
+    *algorithm.GetShowWall() = {{-1000, 0, 0}, corner, 0, 0};
+    algorithm.GetAllWallRect() = {algorithm.GetShowWall(),
+                                  new WallEntityLikeRect{corner, {1000, y, 0}, 0, 0}};
+    algorithm.CalcShowWall();
+    const double angle = CGeomLinearCommon::GetLineIncludedAngle(
+        AcGeLine3d(corner, AcGePoint3d(-1000, 0, 0)), AcGeLine3d(corner, AcGePoint3d(1000, y, 0)));
+    const double degrees = CGeomDegree(angle, CGeomDegree::eAngleRadian).GetAngleDegree();
+    EXPECT_EQ(algorithm.GetEndWallArray().size(), degrees < 5.0 ? 2u : 0u) << text(degrees);
+    sawExactlyFive = sawExactlyFive || degrees == 5.0;
+  }
+  EXPECT_TRUE(sawExactlyFive);
 }
 
 TEST_F(ShowWall, FacesJustBelowFiveDegreesAreConnected) {
@@ -212,6 +228,24 @@ TEST_F(ShowWall, TheMeetListComesBackSortedWithTheShowWallInIt) {
   EXPECT_TRUE(m_host.log().empty());
   m_algorithm.ClearWallRectArray(records);
   EXPECT_TRUE(records.empty());
+}
+
+TEST_F(ShowWall, TheCaptureDistanceIsReadOnceAComputationAndAWrongRootIsLogged) {
+  m_host.project().root().setType(3);
+  m_algorithm.CalcShowWall();
+  EXPECT_EQ(m_host.scaleReads(), 1u);
+  EXPECT_EQ(m_host.log().size(), 1u);
+  m_algorithm.CalcShowWallPrepareFor3d();
+  EXPECT_EQ(m_host.scaleReads(), 2u);
+  EXPECT_EQ(m_host.log().size(), 2u);
+}
+
+TEST(NewShowWall, HasAWallOfItsOwnAtTheOriginThatTheCallerMayRelease) {
+  CShowWallLikeAlgorithm algorithm;
+  ASSERT_NE(algorithm.GetShowWall(), nullptr);
+  EXPECT_EQ(text(algorithm.GetShowWall()->ptStart, algorithm.GetShowWall()->ptEnd), "0,0 0,0");
+  EXPECT_TRUE(algorithm.GetAllWallRect().empty());
+  delete algorithm.GetShowWall();  // the object releases only what stands among all walls
 }
 
 TEST_F(ShowWall, CopiesShareTheRecords) {

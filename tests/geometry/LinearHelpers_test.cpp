@@ -52,6 +52,13 @@ TEST(Projection, OnASegmentOfNoLengthEverythingIsOnTheEnd) {
   EXPECT_EQ(CGeomLinearCommon::GetPntPrjOnSegType(P(5, 5), P(1, 1), P(1, 1)), ePrjOnEndpoint);
 }
 
+TEST(Projection, OnAVeryShortSegmentEverythingNearIsOnTheEnd) {
+  // The product of the two projections is compared with zero as it is, whatever the units.
+  EXPECT_EQ(CGeomLinearCommon::GetPntPrjOnSegType(P(0.0025, 0), P(0, 0), P(0.005, 0)),
+            ePrjOnEndpoint);
+  EXPECT_EQ(CGeomLinearCommon::GetPntPrjOnSegType(P(0.025, 0), P(0, 0), P(0.05, 0)), ePrjInside);
+}
+
 TEST(IncludedAngle, IsTheAcuteAngleOfUndirectedLines) {
   EXPECT_EQ(CGeomLinearCommon::GetLineIncludedAngle(at(0), at(0)), 0.0);
   EXPECT_EQ(CGeomLinearCommon::GetLineIncludedAngle(at(0), at(180)), 0.0);
@@ -145,6 +152,12 @@ TEST(YOpen, OfAVerticalLineIsTrueOnItAndToItsLeft) {
   EXPECT_FALSE(judge.GetYOpenBySelPnt(P(6, 0)));
   CJudgeYOpen copy(judge);
   EXPECT_FALSE(copy.GetYOpenBySelPnt(P(6, 0)));
+}
+
+TEST(YOpen, OfALineThroughOnePointTheOriginIsJudgedInstead) {
+  CJudgeYOpen judge(P(5, 5), P(5, 5));
+  EXPECT_TRUE(judge.GetYOpenBySelPnt(P(9, 0)));
+  EXPECT_FALSE(judge.GetYOpenBySelPnt(P(9, -1)));
 }
 
 TEST(Parallelogram, TheBoundaryBelongsToTheRegion) {
