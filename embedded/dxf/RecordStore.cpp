@@ -156,6 +156,10 @@ void RecordStore::save(const std::function<void(std::string_view)>& write,
   StoreWriter(*this).run(write, progress);
 }
 
+std::size_t RecordStore::fileSize() const {
+  return m_impl->buffer.size();
+}
+
 bool RecordStore::isChanged() const {
   return m_impl->handedOut || !m_impl->headerChanges.empty() || !m_impl->own.empty() ||
          std::any_of(m_stubs.begin(), m_stubs.end(),
@@ -312,9 +316,13 @@ std::uint64_t RecordStore::newHandle() {
   if (!m_impl->hasHandles) {
     return 0;
   }
-  m_impl->highestHandle = std::max(m_impl->highestHandle + 1, m_impl->seed);
+  m_impl->highestHandle = nextHandle();
   m_impl->handedOut = true;
   return m_impl->highestHandle;
+}
+
+std::uint64_t RecordStore::nextHandle() const {
+  return m_impl->hasHandles ? std::max(m_impl->highestHandle + 1, m_impl->seed) : 0;
 }
 
 // --- structure ------------------------------------------------------------------------------

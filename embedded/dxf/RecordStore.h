@@ -122,6 +122,8 @@ class HOST_API RecordStore {
   void clear();
   const Format& format() const { return m_format; }
   const std::string& fileName() const { return m_fileName; }
+  /// Bytes of the file that was loaded.
+  std::size_t fileSize() const;
   /// What was odd in the file, in file order; only the first hundred are kept.
   const std::vector<Warning>& warnings() const { return m_warnings; }
   bool isEmpty() const { return m_stubs.empty(); }
@@ -168,6 +170,8 @@ class HOST_API RecordStore {
   /// The next free handle ($HANDSEED or one above the highest in use, whichever is more);
   /// 0 where the file has no handles (R12 with $HANDLING 0). Saving writes $HANDSEED.
   std::uint64_t newHandle();
+  /// What newHandle() would answer.
+  std::uint64_t nextHandle() const;
 
   // --- structure ----------------------------------------------------------------------
   std::deque<Table>& tables() { return m_tables; }

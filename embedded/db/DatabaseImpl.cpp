@@ -1,0 +1,401 @@
+#include "embedded/db/DatabaseImpl.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "dbsymtb.h"
+#include "embedded/db/Misuse.h"
+#include "embedded/db/Opening.h"
+#include "embedded/db/Registry.h"
+#include "embedded/db/Transfer.h"
+#include "embedded/dxf/NewDrawing.h"
+#include "embedded/os/CaseFold.h"
+
+namespace quoin::db {
+namespace {
+
+constexpr std::array<std::string_view, kTableKinds> kTableNames{
+    "BLOCK_RECORD", "LAYER", "LTYPE", "STYLE", "DIMSTYLE", "APPID", "UCS", "VIEW", "VPORT"};
+
+constexpr std::size_t indexOf(TableKind kind) {
+  return static_cast<std::size_t>(kind);
+}
+
+}  // namespace
+
+std::string_view fileName(TableKind kind) {
+  return kTableNames[indexOf(kind)];
+}
+
+bool tableKindOf(std::string_view fileName, TableKind& kind) {
+  const auto found = std::find(kTableNames.begin(), kTableNames.end(), fileName);
+  kind = static_cast<TableKind>(found - kTableNames.begin());
+  return found != kTableNames.end();
+}
+
+DatabaseImpl::DatabaseImpl(AcDbDatabase& owner) : self(&owner) {
+  store.database = this;
+  reset();
+}
+
+DatabaseImpl::~DatabaseImpl() {
+  if (openCount > 0) {
+    forEachStub([](const AcDbStub& stub) {
+      if (stub.object) {
+        releaseLeftOpen(*stub.object);
+      }
+    });
+  }
+}
+
+void DatabaseImpl::clear() {
+  for (auto& names : m_names) {
+    names.reset();
+  }
+  m_ownHeads.clear();
+  m_heads.fill(nullptr);
+  m_unlisted.clear();
+  m_unlistedBytes.clear();
+  wasRead = false;
+  changes = savedChanges = 0;
+}
+
+void DatabaseImpl::reset() {
+  clear();
+  store.load(dxf::newDrawingTemplate(), "");
+}
+
+// --- records --------------------------------------------------------------------------------
+
+std::string_view DatabaseImpl::kindOf(const AcDbStub& stub) const {
+  return stub.role == dxf::Role::Table ? std::string_view("TABLE") : store.kindName(stub);
+}
+
+std::string_view DatabaseImpl::bytesOf(const AcDbStub& stub) const {
+  if (!stub.data && !m_unlistedBytes.empty()) {
+    if (const auto found = m_unlistedBytes.find(&stub); found != m_unlistedBytes.end()) {
+      return found->second;
+    }
+  }
+  return stub.bytes();
+}
+
+void DatabaseImpl::replace(AcDbStub& stub, std::string bytes) {
+  if (stub.object) {
+    Access::of(*stub.object).forgetDecoded();
+  }
+  if (stub.data) {
+    store.replace(stub, std::move(bytes));
+  } else {
+    // The record enters the file only now: it needs a handle and an owner.
+    const std::string_view tableName = kindOf(stub);
+    const dxf::Table& table = store.ensureTable(tableName);
+    store.setPlaceholderHandle(stub, store.newHandle());
+    Placement placement;
+    placement.handle = stub.handle;
+    placement.owner = table.head->handle;
+    store.replace(stub, transferred(TagList(bytes, format()), format(), placement));
+    m_unlistedBytes.erase(&stub);
+    std::erase(m_unlisted, &stub);
+  }
+  ++changes;
+}
+
+bool DatabaseImpl::isEntity(const AcDbStub& stub) const {
+  switch (stub.role) {
+    case dxf::Role::Entity:
+    case dxf::Role::SubEntity:
+    case dxf::Role::BlockBegin:
+    case dxf::Role::BlockEnd:
+      return true;
+    default:
+      return false;
+  }
+}
+
+AcDbStub* DatabaseImpl::ownerOf(const AcDbStub& stub) {
+  TableKind kind{};
+  if (stub.role == dxf::Role::TableRecord && tableKindOf(store.kindName(stub), kind)) {
+    return tableHead(kind);
+  }
+  return stub.owner;
+}
+
+bool DatabaseImpl::isErased(const AcDbStub& stub) const {
+  return stub.role == dxf::Role::Table ? stub.erased : store.isErased(stub);
+}
+
+// --- symbol tables --------------------------------------------------------------------------
+
+AcDbStub* DatabaseImpl::tableHead(TableKind kind) {
+  AcDbStub*& head = m_heads[indexOf(kind)];
+  if (!head) {
+    const dxf::Table* const table = store.table(fileName(kind));
+    head = table ? table->head : nullptr;
+  }
+  if (!head) {
+    head = &m_ownHeads.emplace_back();
+    head->store = &store;
+    head->section = dxf::Section::Tables;
+    head->role = dxf::Role::Table;
+  }
+  return head;
+}
+
+bool DatabaseImpl::isTable(const AcDbStub& stub, TableKind& kind) const {
+  for (std::size_t i = 0; i < kTableKinds; ++i) {
+    kind = static_cast<TableKind>(i);
+    if (m_heads[i] == &stub) {
+      return true;
+    }
+    const dxf::Table* const table = const_cast<DatabaseStore&>(store).table(kTableNames[i]);
+    if (table && table->head == &stub) {
+      return true;
+    }
+  }
+  return false;
+}
+
+std::vector<AcDbStub*> DatabaseImpl::tableRecords(TableKind kind) {
+  std::vector<AcDbStub*> records;
+  if (kind == TableKind::Block) {
+    for (const dxf::Block& block : store.blocks()) {
+      records.push_back(block.record);
+    }
+    return records;
+  }
+  if (kind == TableKind::Layer) {
+    names(kind);  // finds the layers that no table lists
+  }
+  if (const dxf::Table* const table = store.table(fileName(kind))) {
+    records = table->records;
+  }
+  if (kind == TableKind::Layer) {
+    records.insert(records.end(), m_unlisted.begin(), m_unlisted.end());
+  }
+  return records;
+}
+
+std::wstring DatabaseImpl::recordName(const AcDbStub& stub) {
+  if (const dxf::Block* const block = store.blockOf(stub)) {
+    return block->name;
+  }
+  const TagList tags = tagsOf(stub);
+  return tags.text(code::kName, place::kSymbol.in(tags)).value_or(std::wstring());
+}
+
+void DatabaseImpl::noteName(TableKind kind, std::wstring_view name, AcDbStub& stub) {
+  if (auto& known = m_names[indexOf(kind)]) {
+    (*known)[os::foldCase(name)].push_back(&stub);
+  }
+}
+
+DatabaseImpl::Names& DatabaseImpl::names(TableKind kind) {
+  auto& known = m_names[indexOf(kind)];
+  if (known) {
+    return *known;
+  }
+  auto made = std::make_unique<Names>();
+  if (kind == TableKind::Block) {
+    for (const dxf::Block& block : store.blocks()) {
+      (*made)[os::foldCase(block.name)].push_back(block.record);
+    }
+  } else if (const dxf::Table* const table = store.table(fileName(kind))) {
+    for (AcDbStub* const record : table->records) {
+      if (!record->data && kind == TableKind::Layer && !m_unlistedBytes.contains(record)) {
+        describeUnlisted(*record, kind, L"0");
+      }
+      (*made)[os::foldCase(recordName(*record))].push_back(record);
+    }
+  }
+  if (kind == TableKind::Layer) {
+    for (AcDbStub* const record : m_unlisted) {
+      (*made)[os::foldCase(recordName(*record))].push_back(record);
+    }
+    addUnlistedLayers(*made);
+  }
+  known = std::move(made);
+  return *known;
+}
+
+void DatabaseImpl::addUnlistedLayers(Names& known) {
+  std::unordered_set<std::string_view> seen;
+  const std::size_t count = store.stubs().size();  // placeholders are added behind these
+  for (std::size_t i = 0; i < count; ++i) {
+    const AcDbStub& stub = store.stubs()[i];
+    if (!isEntity(stub) || !stub.data) {
+      continue;
+    }
+    dxf::TagCursor cursor(stub.bytes(), format());
+    dxf::TagView tag;
+    while (cursor.next(tag) && tag.code != code::kLayer) {
+    }
+    if (tag.code == code::kLayer && seen.insert(tag.value).second) {
+      const std::wstring name = dxf::textOf(tag, format());
+      if (!known.contains(os::foldCase(name))) {
+        addUnlisted(TableKind::Layer, name, known);
+      }
+    }
+  }
+}
+
+AcDbStub* DatabaseImpl::addUnlisted(TableKind kind, std::wstring_view name, Names& known) {
+  AcDbStub* const stub = store.appendPlaceholder(fileName(kind));
+  describeUnlisted(*stub, kind, name);
+  m_unlisted.push_back(stub);
+  known[os::foldCase(name)].push_back(stub);
+  return stub;
+}
+
+void DatabaseImpl::describeUnlisted(const AcDbStub& stub, TableKind kind, std::wstring_view name) {
+  const TagList none({}, *neutralFormat());
+  const ClassEntry* const entry = entryOf(fileName(kind), none);
+  const std::string neutral = newRecordOf(*entry);
+  const TagList tags(neutral, *neutralFormat());
+  RecordEdit edit(tags);
+  edit.setText(place::kSymbol, code::kName, name);
+  const std::string named = edit.bytes();
+  m_unlistedBytes[&stub] = transferred(TagList(named, *neutralFormat()), format(), {});
+}
+
+AcDbStub* DatabaseImpl::record(TableKind kind, std::wstring_view name, bool erasedToo) {
+  const Names& known = names(kind);
+  const auto found = known.find(os::foldCase(name));
+  if (found == known.end()) {
+    return nullptr;
+  }
+  for (AcDbStub* const stub : found->second) {
+    if (!isErased(*stub)) {
+      return stub;
+    }
+  }
+  return erasedToo ? found->second.front() : nullptr;
+}
+
+std::wstring DatabaseImpl::layerNameOf(const TagList& tags) const {
+  return tags.text(code::kLayer, place::kEntity.in(tags)).value_or(L"0");
+}
+
+void DatabaseImpl::ensureRecord(TableKind kind, std::wstring_view name, bool always) {
+  if (name.empty() || record(kind, name)) {
+    return;
+  }
+  const dxf::Table* const table = store.table(fileName(kind));
+  if (!always && !(table && table->head)) {
+    if (kind == TableKind::Layer) {
+      addUnlisted(kind, name, names(kind));
+    }
+    return;
+  }
+  const TagList none({}, *neutralFormat());
+  const std::unique_ptr<AcDbObject> made(entryOf(fileName(kind), none)->make());
+  if (setText(*made, place::kSymbol, code::kName, std::wstring(name).c_str()) != Acad::eOk) {
+    throw std::bad_alloc();
+  }
+  appendFreeRecord(*this, kind, *made);
+  closeView(*made);
+}
+
+AcDbObjectId recordNamed(const AcDbObject& object, TableKind kind, const std::wstring& name) {
+  DatabaseImpl* const database = Access::of(object).database;
+  try {
+    return database ? AcDbObjectId(database->record(kind, name)) : AcDbObjectId::kNull;
+  } catch (...) {
+    statusOfException();
+    return AcDbObjectId::kNull;
+  }
+}
+
+Acad::ErrorStatus checkRecord(const AcDbObject& object, const AcDbStub* stub, TableKind kind) {
+  if (!stub) {
+    return Acad::eInvalidInput;
+  }
+  const DatabaseImpl& database = DatabaseImpl::of(*stub);
+  if (stub->role != dxf::Role::TableRecord || database.kindOf(*stub) != fileName(kind)) {
+    return Acad::eNotThatKindOfClass;
+  }
+  const DatabaseImpl* const own = Access::of(object).database;
+  if (own && own != &database) {
+    return Acad::eWrongDatabase;
+  }
+  return database.isErased(*stub) ? Acad::eWasErased : Acad::eOk;
+}
+
+Acad::ErrorStatus setRecordName(AcDbObject& object, const Place& place, int code, TableKind kind,
+                                AcDbObjectId record, std::wstring_view absent) {
+  const AcDbStub* const stub = record;
+  Acad::ErrorStatus status = checkWritable(object);
+  status = status == Acad::eOk ? checkRecord(object, stub, kind) : status;
+  if (status != Acad::eOk) {
+    return status;
+  }
+  try {
+    const std::wstring name = DatabaseImpl::of(*stub).recordName(*stub);
+    return change(object, [&](RecordEdit& edit) {
+      const auto before = edit.tags().text(code, place.in(edit.tags()));
+      if (!os::sameName(before ? std::wstring_view(*before) : absent, name)) {
+        edit.setText(place, code, name);
+      }
+    });
+  } catch (...) {
+    return statusOfException();
+  }
+}
+
+// --- dictionaries -----------------------------------------------------------------------------
+
+namespace {
+
+constexpr int kEntryName = 3;
+
+bool isEntryHandle(int code) {
+  return code == 350 || code == 360 || code == 340 || code == 330;
+}
+
+}  // namespace
+
+AcDbStub* DatabaseImpl::rootDictionary() const {
+  for (AcDbStub* const stub : store.objects()) {
+    if (!stub->erased && store.kindName(*stub) == "DICTIONARY") {
+      return stub;
+    }
+  }
+  return nullptr;
+}
+
+AcDbStub* DatabaseImpl::dictionaryEntry(const AcDbStub& dictionary, std::wstring_view name) const {
+  const TagList tags = tagsOf(dictionary);
+  const TagRange range = tags.subclass("AcDbDictionary");
+  for (std::size_t i = range.first; i + 1 < range.last; ++i) {
+    if (tags[i].code == kEntryName && isEntryHandle(tags[i + 1].code) &&
+        os::sameName(tags.textAt(i), name)) {
+      AcDbStub* const entry = byHandle(tags.handleAt(i + 1));
+      return entry && !entry->erased ? entry : nullptr;
+    }
+  }
+  return nullptr;
+}
+
+std::wstring DatabaseImpl::dictionaryName(const AcDbStub& dictionary, const AcDbStub& entry) const {
+  const TagList tags = tagsOf(dictionary);
+  const TagRange range = tags.subclass("AcDbDictionary");
+  for (std::size_t i = range.first; i + 1 < range.last; ++i) {
+    if (tags[i].code == kEntryName && isEntryHandle(tags[i + 1].code) &&
+        byHandle(tags.handleAt(i + 1)) == &entry) {
+      return tags.textAt(i);
+    }
+  }
+  return {};
+}
+
+AcDbStub* DatabaseImpl::material(std::wstring_view name) const {
+  const AcDbStub* const root = rootDictionary();
+  const AcDbStub* const materials = root ? dictionaryEntry(*root, L"ACAD_MATERIAL") : nullptr;
+  return materials ? dictionaryEntry(*materials, name) : nullptr;
+}
+
+TagList DatabaseImpl::headerTags(std::string_view name) const {
+  return TagList(store.headerVariable(name), format());
+}
+
+}  // namespace quoin::db

@@ -1,0 +1,95 @@
+// What each kind of entity is in space, in one table: how far it reaches and how it is
+// transformed. A kind that a function is missing for answers eNotApplicable.
+#pragma once
+
+#include <map>
+#include <vector>
+
+#include "embedded/db/DatabaseImpl.h"
+
+namespace quoin::db {
+
+/// An entity to be measured: a record with what belongs to it.
+struct Drawn {
+  const TagList& tags;
+  DatabaseImpl* database = nullptr;    // null for a free entity
+  const AcDbStub* stub = nullptr;      // of a resident entity
+  const AcDbObject* object = nullptr;  // of a free entity
+};
+
+/// One measurement, with what it has learnt about nested blocks.
+class ExtentsWalk {
+ public:
+  /// Adds what an entity shows, seen through a matrix.
+  /// Fails: eNotApplicable (no such kind in the table), eNullExtents (it shows nothing); the
+  /// box stays as it is.
+  Acad::ErrorStatus add(const Drawn& entity, const AcGeMatrix3d& toWorld, AcDbExtents& box);
+  /// Adds every entity of a block that shows something.
+  void addBlock(DatabaseImpl& database, const dxf::Block& block, const AcGeMatrix3d& toWorld,
+                AcDbExtents& box);
+
+ private:
+  const AcDbExtents& boxOf(DatabaseImpl& database, const dxf::Block& block);
+  void addEntities(DatabaseImpl& database, const dxf::Block& block, const AcGeMatrix3d& toWorld,
+                   AcDbExtents& box);
+
+  /// Entities that are measured exactly, one by one; beyond, blocks count with their box.
+  static constexpr std::size_t kExactEntities = 1'000'000;
+  std::size_t m_visited = 0;
+  std::vector<const dxf::Block*> m_path;  // blocks that are being measured, outermost first
+  std::map<const dxf::Block*, AcDbExtents> m_boxes;
+};
+
+using ExtentsFunction = Acad::ErrorStatus (*)(const Drawn& entity, const AcGeMatrix3d& toWorld,
+                                              ExtentsWalk& walk, AcDbExtents& box);
+/// Edits the entity's record.
+using TransformFunction = Acad::ErrorStatus (*)(RecordEdit& edit, const AcGeMatrix3d& matrix);
+/// Edits the record of one of its parts; `owner` is the owner's record as it was.
+using PartFunction = Acad::ErrorStatus (*)(RecordEdit& edit, const TagList& owner,
+                                           const AcGeMatrix3d& matrix);
+
+struct KindGeometry {
+  std::string_view kind;
+  ExtentsFunction extents = nullptr;
+  TransformFunction transform = nullptr;
+  PartFunction transformPart = nullptr;
+};
+
+/// The kind's row; null for a kind that the table does not have.
+const KindGeometry* geometryOf(std::string_view kind);
+
+// --- extents --------------------------------------------------------------------------------
+
+// The rows' functions, by what they measure.
+Acad::ErrorStatus extentsOfPoint(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfLine(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfCircle(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfArc(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfPolyline(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfHeavyPolyline(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&,
+                                         AcDbExtents&);
+Acad::ErrorStatus extentsOfText(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfMText(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfReference(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+
+// --- transforms -----------------------------------------------------------------------------
+
+Acad::ErrorStatus transformPoint(RecordEdit& edit, const AcGeMatrix3d& matrix);
+Acad::ErrorStatus transformLine(RecordEdit& edit, const AcGeMatrix3d& matrix);
+Acad::ErrorStatus transformCircle(RecordEdit& edit, const AcGeMatrix3d& matrix);
+Acad::ErrorStatus transformArc(RecordEdit& edit, const AcGeMatrix3d& matrix);
+Acad::ErrorStatus transformPolyline(RecordEdit& edit, const AcGeMatrix3d& matrix);
+Acad::ErrorStatus transformHeavyPolyline(RecordEdit& edit, const AcGeMatrix3d& matrix);
+Acad::ErrorStatus transformVertex(RecordEdit& edit, const TagList& owner,
+                                  const AcGeMatrix3d& matrix);
+Acad::ErrorStatus transformText(RecordEdit& edit, const AcGeMatrix3d& matrix);
+Acad::ErrorStatus transformAttribute(RecordEdit& edit, const TagList& owner,
+                                     const AcGeMatrix3d& matrix);
+Acad::ErrorStatus transformMText(RecordEdit& edit, const AcGeMatrix3d& matrix);
+Acad::ErrorStatus transformReference(RecordEdit& edit, const AcGeMatrix3d& matrix);
+
+/// Moves along what extended data calls world positions, displacements, directions, distances
+/// and factors.
+void transformXData(RecordEdit& edit, const AcGeMatrix3d& matrix);
+
+}  // namespace quoin::db

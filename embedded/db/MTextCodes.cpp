@@ -1,0 +1,165 @@
+#include "embedded/db/MTextCodes.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "embedded/db/Places.h"
+
+namespace quoin::db {
+namespace {
+
+/// Advance over height of the capitals: Latin letters average 0.5 em and capitals are 0.72 em
+/// high in the usual sans serif fonts.
+constexpr double kLetterAdvance = 0.7;
+/// Ideographs are squares of one em; drawing fonts make them as high as capitals.
+constexpr double kIdeographAdvance = 1.0;
+/// Distance of base lines over text height at single spacing.
+constexpr double kLineDistance = 5.0 / 3.0;
+
+bool isIdeograph(wchar_t c) {
+  const auto code = static_cast<unsigned long>(c);
+  return (code >= 0x1100 && code <= 0x11FF) || (code >= 0x2E80 && code <= 0xD7AF) ||
+         (code >= 0xF900 && code <= 0xFAFF) || (code >= 0xFF01 && code <= 0xFF60) ||
+         (code >= 0x20000 && code <= 0x3FFFF);
+}
+
+/// Codes that are followed by a value and a semicolon.
+constexpr std::wstring_view kWithValue = L"ACcFfHTQWp";
+/// Codes that stand alone.
+constexpr std::wstring_view kSwitches = L"LlOoKk";
+
+/// Where the value that begins at `at` ends: behind its semicolon; at the end without one.
+std::size_t behindValue(std::wstring_view text, std::size_t at) {
+  const std::size_t semicolon = text.find(L';', at);
+  return semicolon == std::wstring_view::npos ? text.size() : semicolon + 1;
+}
+
+/// The text of a stacked fraction between "\S" and ";".
+void appendStack(std::wstring& plain, std::wstring_view stack) {
+  for (std::size_t i = 0; i < stack.size(); ++i) {
+    if (stack[i] == L'\\' && i + 1 < stack.size()) {
+      plain += stack[++i];
+    } else if (stack[i] == L'^' || stack[i] == L'#') {
+      plain += L'/';
+    } else if (stack[i] != L';') {
+      plain += stack[i];
+    }
+  }
+}
+
+double wordAdvance(std::wstring_view word) {
+  double advance = 0.0;
+  for (const wchar_t c : word) {
+    advance += isIdeograph(c) ? kIdeographAdvance : kLetterAdvance;
+  }
+  return advance;
+}
+
+struct Lines {
+  std::size_t count = 0;
+  double longest = 0.0;
+};
+
+/// Breaks one paragraph at blanks (and between ideographs) so that no line is longer than
+/// `limit`, as far as its words allow.
+void wrap(std::wstring_view paragraph, double limit, Lines& lines) {
+  double line = 0.0;
+  std::size_t at = 0;
+  ++lines.count;
+  while (at < paragraph.size()) {
+    std::size_t end = at + 1;
+    if (!isIdeograph(paragraph[at])) {
+      while (end < paragraph.size() && !isIdeograph(paragraph[end]) && paragraph[end - 1] != L' ') {
+        ++end;
+      }
+    }
+    const double word = wordAdvance(paragraph.substr(at, end - at));
+    if (limit > 0.0 && line > 0.0 && line + word > limit) {
+      ++lines.count;
+      line = 0.0;
+    }
+    line += word;
+    lines.longest = std::max(lines.longest, line);
+    at = end;
+  }
+}
+
+}  // namespace
+
+std::wstring plainMText(std::wstring_view contents) {
+  std::wstring plain;
+  for (std::size_t i = 0; i < contents.size(); ++i) {
+    const wchar_t c = contents[i];
+    if (c == L'{' || c == L'}') {
+      continue;
+    }
+    if (c != L'\\' || i + 1 == contents.size()) {
+      plain += c;
+      continue;
+    }
+    const wchar_t code = contents[++i];
+    if (code == L'P' || code == L'X' || code == L'N') {
+      plain += L'\n';
+    } else if (code == L'~') {
+      plain += L'\u00A0';
+    } else if (code == L'S') {
+      const std::size_t end = behindValue(contents, i + 1);
+      appendStack(plain, contents.substr(i + 1, end - i - 1));
+      i = end - 1;
+    } else if (kWithValue.find(code) != std::wstring_view::npos) {
+      i = behindValue(contents, i + 1) - 1;
+    } else if (kSwitches.find(code) == std::wstring_view::npos) {
+      plain += code;  // \\, \{, \} and what is no code at all
+    }
+  }
+  return plain;
+}
+
+double lineAdvance(std::wstring_view line) {
+  std::wstring shown;
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    const bool isCode = line.substr(i).starts_with(L"%%") && i + 2 < line.size();
+    if (!isCode) {
+      shown += line[i];
+      continue;
+    }
+    const wchar_t code = line[i + 2];
+    const bool isSwitch = std::wstring_view(L"uUoOkK").find(code) != std::wstring_view::npos;
+    if (!isSwitch) {
+      shown += code;
+    }
+    i += 2;
+    if (code >= L'0' && code <= L'9') {  // %%nnn is one character
+      i = std::min(i + 2, line.size() - 1);
+    }
+  }
+  return wordAdvance(shown);
+}
+
+TextSize mtextSizeOf(const TagList& tags) {
+  constexpr int kHeight = 40;
+  constexpr int kWidth = 41;
+  constexpr int kSpacing = 44;
+  constexpr int kShownWidth = 42;
+  constexpr int kShownHeight = 43;
+  const TagRange range = place::kMText.in(tags);
+  TextSize size{tags.number(kShownWidth, range, 0.0), tags.number(kShownHeight, range, 0.0)};
+  if (size.width > 0.0 && size.height > 0.0) {
+    return size;
+  }
+  const double height = tags.number(kHeight, range, 0.0);
+  const double limit = height > 0.0 ? tags.number(kWidth, range, 0.0) / height : 0.0;
+  const std::wstring plain = plainMText(mtextContentsOf(tags));
+  Lines lines;
+  for (std::size_t at = 0; at <= plain.size();) {
+    const std::size_t end = std::min(plain.find(L'\n', at), plain.size());
+    wrap(std::wstring_view(plain).substr(at, end - at), limit, lines);
+    at = end + 1;
+  }
+  const double distance = kLineDistance * tags.number(kSpacing, range, 1.0);
+  size.width = lines.longest * height;
+  size.height = height * (1.0 + distance * static_cast<double>(lines.count - 1));
+  return size;
+}
+
+}  // namespace quoin::db

@@ -1,0 +1,30 @@
+// The text of MTEXT records: contents, what a reader sees of them, and how much room it takes.
+#pragma once
+
+#include <string>
+
+#include "embedded/db/TagList.h"
+#include "gevec3d.h"
+
+namespace quoin::db {
+
+/// The text with its formatting codes, chunks joined.
+std::wstring mtextContentsOf(const TagList& tags);
+/// The contents without formatting codes; lines end with '\n'.
+std::wstring plainMText(std::wstring_view contents);
+/// The direction of the lines in world coordinates, a unit vector.
+AcGeVector3d mtextDirectionOf(const TagList& tags);
+
+struct TextSize {
+  double width = 0.0;
+  double height = 0.0;
+};
+/// The size that the file tells; else the longest line, wrapped at the defined width, and the
+/// lines one above the other.
+TextSize mtextSizeOf(const TagList& tags);
+
+/// The width of a line of text in units of its height, by the proportions of common fonts.
+/// %% codes count as the characters that they stand for.
+double lineAdvance(std::wstring_view line);
+
+}  // namespace quoin::db

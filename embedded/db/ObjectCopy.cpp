@@ -1,0 +1,191 @@
+// AcDbObject: clones, taking over another object's record, handing a place over.
+#include <algorithm>
+
+#include "dbsymtb.h"
+#include "embedded/db/DatabaseImpl.h"
+#include "embedded/db/Opening.h"
+#include "embedded/db/Registry.h"
+#include "embedded/db/Transfer.h"
+#include "embedded/dxf/FileError.h"
+
+using namespace quoin::db;
+namespace dxf = quoin::dxf;
+
+namespace {
+
+std::unique_ptr<AcDbObject> copyOfFree(const AcDbObject& object) {
+  const ObjectImpl& impl = Access::of(object);
+  const ClassEntry* const entry = entryOf(object.isA());
+  const bool isEntity = object.isKindOf(AcDbEntity::desc());
+  std::unique_ptr<AcDbObject> copy(entry      ? entry->make()
+                                   : isEntity ? Access::newPlainEntity()
+                                              : Access::newPlainObject());
+  ObjectImpl& made = Access::of(*copy);
+  made.ownBytes = std::string(tagsOf(object).bytes());
+  made.ownFormat = impl.ownFormat;
+  made.copiedFromOwner = impl.copiedFromOwner;
+  for (const auto& part : impl.parts) {
+    made.parts.push_back(copyOfFree(*part));
+    Access::of(*made.parts.back()).partOf = copy.get();
+  }
+  return copy;
+}
+
+/// The tags of the application groups of a record, as they stand.
+std::string groupsOf(const TagList& tags) {
+  std::string groups;
+  bool isInside = false;
+  for (std::size_t i = tags.head().first; i < tags.head().last; ++i) {
+    const bool isBrace = tags[i].code == kGroupCode;
+    if (isBrace || isInside) {
+      groups += tags.bytes().substr(tags[i].begin, tags[i].end - tags[i].begin);
+    }
+    isInside = isBrace ? dxf::trimmedValue(tags[i]).starts_with('{') : isInside;
+  }
+  return groups;
+}
+
+/// The extended data of `from` whose applications `to` has none of, as bytes of the format
+/// that both have.
+std::string missingXData(const TagList& from, const TagList& to) {
+  std::string bytes;
+  for (std::size_t i = from.xData().first; i < from.xData().last; ++i) {
+    if (from[i].code != kAppNameCode) {
+      continue;
+    }
+    const std::wstring app = from.textAt(i);
+    if (to.xData(app).isEmpty()) {
+      const TagRange range = from.xData(app);
+      const std::size_t begin = from[range.first].begin;
+      bytes += from.bytes().substr(begin, from[range.last - 1].end - begin);
+    }
+  }
+  return bytes;
+}
+
+Placement placementOf(const AcDbObject& object) {
+  const ObjectImpl& impl = Access::of(object);
+  const TagList& tags = tagsOf(object);
+  Placement placement;
+  placement.groups = groupsOf(tags);
+  placement.handle = tags.handleTag() == TagList::kNone ? 0 : tags.handleAt(tags.handleTag());
+  placement.owner = tags.ownerTag() == TagList::kNone ? 0 : tags.handleAt(tags.ownerTag());
+  if (impl.stub && impl.database->isEntity(*impl.stub)) {
+    const bool isPaper = tags.integer(code::kPaperSpace, place::kEntity.in(tags), 0) != 0;
+    placement.space = isPaper ? Placement::Space::Paper : Placement::Space::Model;
+  }
+  return placement;
+}
+
+/// Makes the parts of a resident owner those of a free object.
+void replaceParts(AcDbStub& owner, ObjectImpl& parts) {
+  DatabaseImpl& database = DatabaseImpl::of(owner);
+  for (AcDbStub* const former : database.store.subEntities(owner)) {
+    database.store.setErased(*former, true);
+  }
+  for (const auto& part : parts.parts) {
+    appendFreePart(owner, *part);
+    closeView(*part);
+  }
+}
+
+}  // namespace
+
+AcRxObject* AcDbObject::clone() const {
+  try {
+    switch (m_impl->state) {
+      case OpenState::Free:
+        return copyOfFree(*this).release();
+      case OpenState::Read:
+      case OpenState::Write: {
+        std::unique_ptr<AcDbObject> copy = copyOf(*m_impl->stub);
+        for (const auto& part : Access::of(*copy).parts) {
+          Access::of(*part).partOf = copy.get();
+        }
+        return copy.release();
+      }
+      case OpenState::Closed:
+        tagsOf(*this);  // counts the misuse
+        break;
+    }
+  } catch (...) {
+    statusOfException();
+  }
+  return nullptr;
+}
+
+Acad::ErrorStatus AcDbObject::copyFrom(const AcRxObject* other) {
+  const Acad::ErrorStatus status = checkWritable(*this);
+  if (status != Acad::eOk) {
+    return status;
+  }
+  const AcDbObject* const source = AcDbObject::cast(other);
+  if (!source) {
+    return Acad::eNullObjectPointer;
+  }
+  if (source->isA() != isA()) {
+    return Acad::eNotThatKindOfClass;
+  }
+  try {
+    const TagList& target = tagsOf(*this);
+    const std::string made = transferred(tagsOf(*source), target.format(), placementOf(*this));
+    const TagList madeTags(made, target.format());
+    RecordEdit edit(madeTags);
+    if (const auto name = target.text(code::kName, place::kSymbol.in(target));
+        name && madeTags.hasMarkers() == target.hasMarkers() &&
+        isKindOf(AcDbSymbolTableRecord::desc())) {
+      edit.setText(place::kSymbol, code::kName, *name);
+    }
+    setBytes(*this, edit.bytes());
+    return Acad::eOk;
+  } catch (...) {
+    return statusOfException();
+  }
+}
+
+Acad::ErrorStatus AcDbObject::handOverTo(AcDbObject* newObject, bool keepXData, bool keepExtDict) {
+  const Acad::ErrorStatus status = checkWritable(*this);
+  if (status != Acad::eOk) {
+    return status;
+  }
+  if (!newObject) {
+    return Acad::eNullObjectPointer;
+  }
+  AcDbStub* const stub = m_impl->stub;
+  if (!stub) {
+    return Acad::eNotInDatabase;
+  }
+  if (Access::of(*newObject).state != OpenState::Free) {
+    return Access::of(*newObject).stub ? Acad::eAlreadyInDb : Acad::eNotOpenForWrite;
+  }
+  const bool areEntities =
+      stub->role == dxf::Role::Entity && newObject->isKindOf(AcDbEntity::desc());
+  if (!areEntities || Access::of(*newObject).partOf) {
+    return Acad::eNotApplicable;
+  }
+  try {
+    DatabaseImpl& database = *m_impl->database;
+    Placement placement = placementOf(*this);
+    if (!keepExtDict) {
+      placement.groups.clear();
+    }
+    std::string made = transferred(tagsOf(*newObject), database.format(), placement);
+    if (keepXData) {
+      made += missingXData(tagsOf(*this), TagList(made, database.format()));
+    }
+    ObjectImpl& taken = Access::of(*newObject);
+    std::vector<std::unique_ptr<AcDbObject>> parts = std::move(taken.parts);
+    ensureNames(database, tagsOf(*newObject));
+    const TagList madeTags(made, database.format());
+    made = withPartsMark(madeTags, !parts.empty());
+    unbind(*this);
+    database.replace(*stub, std::move(made));
+    bind(*newObject, *stub);
+    ObjectImpl holder;
+    holder.parts = std::move(parts);
+    replaceParts(*stub, holder);
+    return Acad::eOk;
+  } catch (...) {
+    return statusOfException();
+  }
+}

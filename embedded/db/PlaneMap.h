@@ -1,0 +1,27 @@
+// How an affine map of space acts on entities that lie in a plane: the plane's new normal, and
+// the map from the old plane's coordinates to the new plane's.
+#pragma once
+
+#include "gemat3d.h"
+
+namespace quoin::db {
+
+struct PlaneMap {
+  PlaneMap(const AcGeVector3d& oldNormal, const AcGeMatrix3d& matrix);
+
+  AcGeVector3d normal;  // of the image, on the side to which the old normal goes
+  AcGeMatrix3d map;     // plane coordinates to plane coordinates
+  bool isMirrored = false;
+  /// Whether angles in the plane stay; only then do circles stay circles.
+  bool isSimilar = false;
+  /// Whether what stands upright on the plane still does.
+  bool keepsUpright = false;
+  double scale = 1.0;        // of lengths in the plane, where isSimilar
+  double heightScale = 1.0;  // of lengths along the normal
+  double turn = 0.0;         // the image of the plane's X axis, radians
+
+  /// Where a direction in the plane goes, in [0, 2 pi).
+  double angle(double before) const;
+};
+
+}  // namespace quoin::db

@@ -1,0 +1,244 @@
+#include "embedded/db/RecordEdit.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <numbers>
+
+namespace quoin::db {
+namespace {
+
+int rankOf(std::span<const int> codes, int code) {
+  const auto found = std::find(codes.begin(), codes.end(), code);
+  return static_cast<int>(found - codes.begin());
+}
+
+bool contains(std::span<const int> codes, int code) {
+  return std::find(codes.begin(), codes.end(), code) != codes.end();
+}
+
+bool isSameNumber(double a, double b) {
+  return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+}
+
+/// The first tag behind those that open a record without markers: handle, owner, application
+/// groups and what all entities share.
+std::size_t behindCommonTags(const TagList& tags) {
+  const TagRange body = tags.body();
+  std::size_t index = body.first;
+  while (index < body.last &&
+         (!tags.isOwn(index) || tags[index].code == code::kHandle ||
+          tags[index].code == code::kOwner || contains(order::kEntity, tags[index].code))) {
+    ++index;
+  }
+  return index;
+}
+
+}  // namespace
+
+double toRadians(double degrees) {
+  return degrees * (std::numbers::pi / 180.0);
+}
+
+double toDegrees(double radians) {
+  return radians * (180.0 / std::numbers::pi);
+}
+
+std::size_t RecordEdit::offsetOf(std::size_t index) const {
+  return index < m_tags->size() ? (*m_tags)[index].begin : m_tags->bytes().size();
+}
+
+std::size_t RecordEdit::insertionIndex(const Place& place, int code) const {
+  const TagList& tags = *m_tags;
+  TagRange range = place.in(tags);
+  std::size_t at = range.first;
+  if (!tags.hasMarkers()) {
+    // The stretch of common tags comes first, then all that is the kind's own.
+    const std::size_t split = behindCommonTags(tags);
+    const bool isCommon = place.marker == place::kEntity.marker;
+    (isCommon ? range.last : range.first) = split;
+    at = split;
+    if (isCommon) {
+      at = range.first;
+      while (at < split && !contains(order::kEntity, tags[at].code)) {
+        ++at;
+      }
+    }
+  }
+  const int rank = rankOf(place.order, code);
+  for (std::size_t i = range.first; i < range.last; ++i) {
+    if (tags.isOwn(i) && contains(place.order, tags[i].code) &&
+        rankOf(place.order, tags[i].code) <= rank) {
+      at = i + 1;
+    }
+  }
+  return at;
+}
+
+void RecordEdit::insert(const Place& place, int code, std::string bytes) {
+  const std::size_t offset = offsetOf(insertionIndex(place, code));
+  m_splices.push_back({offset, offset, rankOf(place.order, code), std::move(bytes)});
+}
+
+void RecordEdit::replace(TagRange range, std::string bytes) {
+  m_splices.push_back({offsetOf(range.first), offsetOf(range.last), -1, std::move(bytes)});
+}
+
+void RecordEdit::insertBefore(std::size_t index, std::string bytes) {
+  replace({index, index}, std::move(bytes));
+}
+
+void RecordEdit::noteNumber(double value) {
+  m_isFinite = m_isFinite && std::isfinite(value);
+}
+
+void RecordEdit::setDouble(const Place& place, int code, double value,
+                           std::optional<double> absent) {
+  const std::size_t index = m_tags->find(code, place.in(*m_tags));
+  if (index != TagList::kNone) {
+    setDoubleAt(index, value);
+    return;
+  }
+  if (absent && isSameNumber(*absent, value)) {
+    return;
+  }
+  noteNumber(value);
+  std::string bytes;
+  dxf::putDouble(bytes, code, value, m_tags->format());
+  insert(place, code, std::move(bytes));
+}
+
+void RecordEdit::setDoubleAt(std::size_t index, double value) {
+  if (isSameNumber(m_tags->doubleAt(index), value)) {
+    return;
+  }
+  noteNumber(value);
+  std::string bytes;
+  dxf::putDouble(bytes, (*m_tags)[index].code, value, m_tags->format());
+  replace({index, index + 1}, std::move(bytes));
+}
+
+void RecordEdit::scaleDouble(const Place& place, int code, double factor) {
+  const std::size_t index = m_tags->find(code, place.in(*m_tags));
+  if (index != TagList::kNone && factor != 1.0) {
+    setDoubleAt(index, m_tags->doubleAt(index) * factor);
+  }
+}
+
+void RecordEdit::setAngle(const Place& place, int code, double radians,
+                          std::optional<double> absentDegrees) {
+  const std::size_t index = m_tags->find(code, place.in(*m_tags));
+  if (index == TagList::kNone || !isSameNumber(toRadians(m_tags->doubleAt(index)), radians)) {
+    setDouble(place, code, toDegrees(radians), absentDegrees);
+  }
+}
+
+void RecordEdit::setInteger(const Place& place, int code, std::int64_t value,
+                            std::optional<std::int64_t> absent) {
+  const std::size_t index = m_tags->find(code, place.in(*m_tags));
+  if (index == TagList::kNone ? absent == value : m_tags->integerAt(index) == value) {
+    return;
+  }
+  std::string bytes;
+  dxf::putInteger(bytes, code, value, m_tags->format());
+  if (index == TagList::kNone) {
+    insert(place, code, std::move(bytes));
+  } else {
+    replace({index, index + 1}, std::move(bytes));
+  }
+}
+
+void RecordEdit::setText(const Place& place, int code, std::wstring_view value,
+                         std::optional<std::wstring_view> absent) {
+  const std::size_t index = m_tags->find(code, place.in(*m_tags));
+  if (index == TagList::kNone ? absent == value : m_tags->textAt(index) == value) {
+    return;
+  }
+  std::string bytes;
+  dxf::putText(bytes, code, value, m_tags->format());
+  if (index == TagList::kNone) {
+    insert(place, code, std::move(bytes));
+  } else {
+    replace({index, index + 1}, std::move(bytes));
+  }
+}
+
+void RecordEdit::setHandle(const Place& place, int code, std::uint64_t handle) {
+  const std::size_t index = m_tags->find(code, place.in(*m_tags));
+  if (handle == 0) {
+    remove(place, code);
+    return;
+  }
+  if (index != TagList::kNone && m_tags->handleAt(index) == handle) {
+    return;
+  }
+  std::string bytes;
+  dxf::putHandle(bytes, code, handle, m_tags->format());
+  if (index == TagList::kNone) {
+    insert(place, code, std::move(bytes));
+  } else {
+    replace({index, index + 1}, std::move(bytes));
+  }
+}
+
+void RecordEdit::setPoint(const Place& place, int code, const AcGePoint3d& point,
+                          std::optional<AcGePoint3d> absent) {
+  constexpr int kStep = 10;  // from x to y to z
+  const TagRange range = place.in(*m_tags);
+  const bool isAbsent = m_tags->find(code, range) == TagList::kNone &&
+                        m_tags->find(code + kStep, range) == TagList::kNone &&
+                        m_tags->find(code + 2 * kStep, range) == TagList::kNone;
+  if (isAbsent && absent && isSameNumber(absent->x, point.x) && isSameNumber(absent->y, point.y) &&
+      isSameNumber(absent->z, point.z)) {
+    return;
+  }
+  setDouble(place, code, point.x);
+  setDouble(place, code + kStep, point.y);
+  setDouble(place, code + 2 * kStep, point.z, isAbsent ? std::nullopt : std::optional(0.0));
+}
+
+void RecordEdit::setVector(const Place& place, int code, const AcGeVector3d& vector,
+                           const AcGeVector3d& absent) {
+  setPoint(place, code, AcGePoint3d(vector.x, vector.y, vector.z),
+           AcGePoint3d(absent.x, absent.y, absent.z));
+}
+
+void RecordEdit::remove(const Place& place, int code) {
+  const TagRange range = place.in(*m_tags);
+  for (std::size_t i = m_tags->find(code, range); i != TagList::kNone;
+       i = m_tags->find(code, range, i + 1)) {
+    replace({i, i + 1}, {});
+  }
+}
+
+std::string RecordEdit::bytes() const {
+  std::vector<const Splice*> sorted;
+  sorted.reserve(m_splices.size());
+  std::size_t added = 0;
+  for (const Splice& splice : m_splices) {
+    sorted.push_back(&splice);
+    added += splice.bytes.size();
+  }
+  // Insertions stand before what replaces the tag at the same offset.
+  std::stable_sort(sorted.begin(), sorted.end(), [](const Splice* a, const Splice* b) {
+    if (a->begin != b->begin) {
+      return a->begin < b->begin;
+    }
+    const bool aInserts = a->begin == a->end;
+    const bool bInserts = b->begin == b->end;
+    return aInserts != bInserts ? aInserts : aInserts && a->rank < b->rank;
+  });
+  const std::string_view old = m_tags->bytes();
+  std::string result;
+  result.reserve(old.size() + added);
+  std::size_t copied = 0;
+  for (const Splice* const splice : sorted) {
+    result += old.substr(copied, splice->begin - copied);
+    result += splice->bytes;
+    copied = splice->end;
+  }
+  result += old.substr(copied);
+  return result;
+}
+
+}  // namespace quoin::db
