@@ -18,14 +18,9 @@ constexpr std::array<Adesk::UInt32, kFirstHue> kNamed{0x000000, 0xFF0000, 0xFFFF
 constexpr std::array<Adesk::UInt32, kPaletteSize - kFirstGrey> kGreys{0x333333, 0x505050, 0x696969,
                                                                       0x828282, 0xBEBEBE, 0xFFFFFF};
 
-/// The brightest component of the five shades of a hue.
-constexpr std::array<int, 5> kShades{255, 165, 127, 76, 38};
+/// The brightness of the five shades of a hue, in hundredths.
+constexpr std::array<int, 5> kShades{100, 65, 50, 30, 15};
 constexpr int kHueSteps = 4;  // from one primary or mixed colour to the next
-
-/// The hue's component that runs up or down between 0 and the brightest, in quarters.
-constexpr int rising(int quarters, int brightest) {
-  return brightest * quarters / kHueSteps;
-}
 
 constexpr Adesk::UInt32 packed(int red, int green, int blue) {
   return static_cast<Adesk::UInt32>(red << 16 | green << 8 | blue);
@@ -33,16 +28,19 @@ constexpr Adesk::UInt32 packed(int red, int green, int blue) {
 
 constexpr Adesk::UInt32 hueColor(int index) {
   const int hue = (index - kFirstHue) / 10;
-  const int shade = (index % 10) / 2;
+  const int brightness = kShades[static_cast<std::size_t>(index % 10 / 2)];
   const bool isPale = index % 2 != 0;
-  const int top = kShades[static_cast<std::size_t>(shade)];
   const int step = hue % kHueSteps;
-  // A pale colour lies half way between the pure one and a grey of the same brightness.
-  const auto shown = [&](int pure) { return isPale ? (pure + top) / 2 : pure; };
-  const int full = shown(top);
+  // `quarters` of the way from none to the brightest; a pale colour lies half way between the
+  // pure one and a grey of the same brightness. Fractions are cut off.
+  const auto shown = [&](int quarters) {
+    const int eighths = isPale ? kHueSteps + quarters : 2 * quarters;
+    return 255 * brightness * eighths / (100 * 2 * kHueSteps);
+  };
+  const int full = shown(kHueSteps);
   const int none = shown(0);
-  const int up = shown(rising(step, top));
-  const int down = shown(rising(kHueSteps - step, top));
+  const int up = shown(step);
+  const int down = shown(kHueSteps - step);
   switch (hue / kHueSteps) {
     case 0:
       return packed(full, up, none);

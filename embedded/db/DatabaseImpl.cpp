@@ -54,7 +54,7 @@ void DatabaseImpl::clear() {
   }
   m_ownHeads.clear();
   m_heads.fill(nullptr);
-  m_unlisted.clear();
+  m_unlisted = {};
   m_unlistedBytes.clear();
   wasRead = false;
   changes = savedChanges = 0;
@@ -96,7 +96,9 @@ void DatabaseImpl::replace(AcDbStub& stub, std::string bytes) {
     placement.owner = table.head->handle;
     store.replace(stub, transferred(TagList(bytes, format()), format(), placement));
     m_unlistedBytes.erase(&stub);
-    std::erase(m_unlisted, &stub);
+    for (std::vector<AcDbStub*>& unlisted : m_unlisted) {
+      std::erase(unlisted, &stub);
+    }
   }
   ++changes;
 }
@@ -164,15 +166,12 @@ std::vector<AcDbStub*> DatabaseImpl::tableRecords(TableKind kind) {
     }
     return records;
   }
-  if (kind == TableKind::Layer) {
-    names(kind);  // finds the layers that no table lists
-  }
+  names(kind);  // finds what no table lists
   if (const dxf::Table* const table = store.table(fileName(kind))) {
     records = table->records;
   }
-  if (kind == TableKind::Layer) {
-    records.insert(records.end(), m_unlisted.begin(), m_unlisted.end());
-  }
+  const std::vector<AcDbStub*>& unlisted = m_unlisted[indexOf(kind)];
+  records.insert(records.end(), unlisted.begin(), unlisted.end());
   return records;
 }
 
@@ -208,11 +207,17 @@ DatabaseImpl::Names& DatabaseImpl::names(TableKind kind) {
       (*made)[os::foldCase(recordName(*record))].push_back(record);
     }
   }
+  for (AcDbStub* const record : m_unlisted[indexOf(kind)]) {
+    (*made)[os::foldCase(recordName(*record))].push_back(record);
+  }
   if (kind == TableKind::Layer) {
-    for (AcDbStub* const record : m_unlisted) {
-      (*made)[os::foldCase(recordName(*record))].push_back(record);
-    }
     addUnlistedLayers(*made);
+  } else if (kind == TableKind::Linetype) {
+    for (const std::wstring_view name : {L"ByBlock", L"ByLayer", L"Continuous"}) {
+      if (!made->contains(os::foldCase(name))) {
+        addUnlisted(kind, name, *made);
+      }
+    }
   }
   known = std::move(made);
   return *known;
@@ -242,7 +247,7 @@ void DatabaseImpl::addUnlistedLayers(Names& known) {
 AcDbStub* DatabaseImpl::addUnlisted(TableKind kind, std::wstring_view name, Names& known) {
   AcDbStub* const stub = store.appendPlaceholder(fileName(kind));
   describeUnlisted(*stub, kind, name);
-  m_unlisted.push_back(stub);
+  m_unlisted[indexOf(kind)].push_back(stub);
   known[os::foldCase(name)].push_back(stub);
   return stub;
 }

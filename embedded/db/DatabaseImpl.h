@@ -149,9 +149,11 @@ struct DatabaseImpl {
   /// Heads of tables that the file lacks.
   std::deque<AcDbStub> m_ownHeads;
   std::array<AcDbStub*, kTableKinds> m_heads{};
-  /// What records show that the file does not list: layer "0", and layers that entities name.
+  /// What records show that the file does not list: layer "0", layers that entities name, and
+  /// the linetypes that every drawing has.
   std::unordered_map<const AcDbStub*, std::string> m_unlistedBytes;
-  std::vector<AcDbStub*> m_unlisted;  // in the order of their first entity, without "0"
+  /// Those that are in no table of the store either, in the order in which they were found.
+  std::array<std::vector<AcDbStub*>, kTableKinds> m_unlisted;
 };
 
 /// Calls `visit(AcDbStub&)` for the vertices or attributes of an entity, without those that

@@ -49,6 +49,9 @@ AcCmColor colorOf(const TagList& tags, const Place& place) {
 
 void setColor(RecordEdit& edit, const Place& place, const AcCmColor& color) {
   const TagList& tags = edit.tags();
+  if (colorOf(tags, place) == color) {
+    return;  // another program's choice of a nearest index stays
+  }
   const bool isLayer = place.marker == place::kLayer.marker;
   const std::int64_t before = tags.integer(code::kColor, place.in(tags), kByLayerIndex);
   const bool isOff = isLayer && before < 0;
@@ -173,7 +176,10 @@ AcCmColor AcDbEntity::color() const {
 }
 
 Adesk::UInt16 AcDbEntity::colorIndex() const {
-  return color().colorIndex();
+  const AcCmColor own = color();
+  const std::int64_t written = integerOf(*this, place::kEntity, code::kColor, -1);
+  const bool isNearest = own.isByColor() && written > 0 && written < kByLayerIndex;
+  return isNearest ? static_cast<Adesk::UInt16>(written) : own.colorIndex();
 }
 
 Acad::ErrorStatus AcDbEntity::setColor(const AcCmColor& color, Adesk::Boolean doSubents,
@@ -222,9 +228,6 @@ Acad::ErrorStatus AcDbEntity::setLinetype(const ACHAR* name, Adesk::Boolean doSu
 
 Acad::ErrorStatus AcDbEntity::setLinetype(AcDbObjectId linetype, Adesk::Boolean doSubents) {
   AcDbStub* const stub = linetype;
-  if (!stub) {
-    return setLinetype(kByLayer.data(), doSubents);  // R12 has no record for it
-  }
   const Acad::ErrorStatus status = checkRecord(*this, stub, TableKind::Linetype);
   if (status != Acad::eOk) {
     return status;

@@ -57,7 +57,8 @@ class Transferrer {
       throw dxf::FileError(Acad::eInvalidInput, "the record is empty");
     }
     const std::string_view kind = dxf::trimmedValue(m_source[0]);
-    if (firstVersionOf(kind) > m_target.version) {
+    const bool isSameVersion = m_source.format().version == m_target.version;
+    if (!isSameVersion && firstVersionOf(kind) > m_target.version) {
       refuse(m_source, "drawings of " + std::string(dxf::releaseName(m_target.version)) +
                            " have no such entity");
     }

@@ -292,7 +292,7 @@ class HOST_API AcDbDatabase : public AcRxObject {
   Acad::ErrorStatus dxfIn(const ACHAR* fileName, const ACHAR* logFileName = nullptr);
   /// Writes the drawing in the version and form in which it was read. The file under that
   /// name is the old one or the new one at every moment, and whole; `keepBackup` leaves the
-  /// old one beside it (the name with its ending replaced by ".bak").
+  /// old one beside it (the name with ".bak" behind it).
   /// Fails: eFileAccessErr, eFileWriteError, eUserBreak, eNotApplicable (the name is that of
   /// a file that this database failed to read), eUnsupportedFileFormat (the name's ending is
   /// that of a format which would not be in the file).
@@ -355,7 +355,6 @@ class HOST_API AcDbDatabase : public AcRxObject {
 
   // --- well-known objects -----------------------------------------------------------------
   AcDbObjectId layerZero() const;
-  /// Null where the drawing has no such linetype.
   AcDbObjectId continuousLinetype() const;
   AcDbObjectId byLayerLinetype() const;
   AcDbObjectId byBlockLinetype() const;
