@@ -144,11 +144,11 @@ TEST(MergeOracle, SmallChainsGiveTheSameBits) {
   RunningHost host{10.0};
   std::mt19937_64 random(60);
   std::size_t merges = 0;
-  for (int round = 0; round < 20000; ++round) {
+  for (int round = 0; round < 8000; ++round) {
     ASSERT_NO_FATAL_FAILURE(expectSameBits(randomChains(random, 1 + round % 14), 10.0, merges))
         << "round " << round;
   }
-  EXPECT_GT(merges, 5000u);  // the sets do put something to the test
+  EXPECT_GT(merges, 2000u);  // the sets do put something to the test
 }
 
 TEST(MergeOracle, SetsOfEveryKindAtEveryScaleGiveTheSameBits) {
