@@ -99,9 +99,11 @@ Capture setProjectScale(const CommonOptions& options, const Drawing& drawing) {
 std::string captureText(const Capture& capture, const Drawing& drawing) {
   std::string text = fmt::format("{:g} {}", capture.distance, drawing.unitName());
   if (capture.isDefault) {
-    text += drawing.info().units == AcDb::kUnitsUndefined
-                ? " (the drawing has no units: taken as millimetres)"
-                : fmt::format(" ({:g} mm)", kDefaultCaptureMillimeters);
+    if (drawing.info().units == AcDb::kUnitsUndefined) {
+      text += " (the drawing has no units: taken as millimetres)";
+    } else if (drawing.info().units != AcDb::kUnitsMillimeters) {
+      text += fmt::format(" ({:g} mm)", kDefaultCaptureMillimeters);
+    }
   } else {
     text += fmt::format(" (project scale {:g})", capture.projectScale);
   }

@@ -77,8 +77,22 @@ double Drawing::millimetersPerUnit() const {
 }
 
 std::string Drawing::unitName() const {
-  return m_info.units == AcDb::kUnitsUndefined ? "units"
-                                               : os::toUtf8(hostx::unitsName(m_info.units));
+  switch (m_info.units) {
+    case AcDb::kUnitsUndefined:
+      return "units";
+    case AcDb::kUnitsMillimeters:
+      return "mm";
+    case AcDb::kUnitsCentimeters:
+      return "cm";
+    case AcDb::kUnitsMeters:
+      return "m";
+    case AcDb::kUnitsInches:
+      return "in";
+    case AcDb::kUnitsFeet:
+      return "ft";
+    default:
+      return os::toUtf8(hostx::unitsName(m_info.units));
+  }
 }
 
 AcDbObjectId Drawing::modelSpaceId() {

@@ -94,40 +94,86 @@ class SolidCommand : public Command {
     return count;
   }
 
-  /// Bodies seen from above at an angle: far faces first, each covered by nearer ones through
-  /// the order of painting alone, with the upper edges in strong lines.
+  /// Bodies seen from above at an angle: the faces that look at the viewer, far ones first.
+  /// Ceilings come last, since all are at one height and nothing stands above them.
   Picture paint(const Drawing& drawing, const std::vector<WallPrism>& prisms) const {
     Picture picture = newPicture(
         drawing, "walls as bodies",
         fmt::format("{} closed prisms, {:g} {} high", prisms.size(), m_height, drawing.unitName()));
-    const auto project = [](const AcGePoint3d& point) {
-      // A cabinet view: depth runs up the page, shortened, heights keep their length.
-      constexpr double kDepth = 0.62;
-      constexpr double kShear = 0.28;
-      return AcGePoint2d(point.x + kShear * point.y, kDepth * point.y + 0.75 * point.z);
+    struct SeenFace {
+      WallPrism::Face face;
+      bool isCeiling;
+      double depth;
     };
-    std::vector<const WallPrism*> order;
+    std::vector<SeenFace> seen;
     for (const WallPrism& prism : prisms) {
-      order.push_back(&prism);
-    }
-    std::stable_sort(order.begin(), order.end(), [](const WallPrism* a, const WallPrism* b) {
-      return a->center().y > b->center().y;
-    });
-    for (const WallPrism* prism : order) {
-      for (const auto& face : prism->faces()) {
-        Path path;
-        for (const AcGePoint3d& corner : face) {
-          path.points.push_back(project(corner));
+      for (const WallPrism::Face& face : prism.faces()) {
+        if (areaOnSheet(face) > 0.0) {
+          const AcGeVector3d normal = (face[1] - face[0]).crossProduct(face[3] - face[0]);
+          seen.push_back({face, normal.x == 0.0 && normal.y == 0.0, depthOf(face)});
         }
-        path.isClosed = true;
-        path.isFilled = true;
-        path.fill = shadeOf(face);
+      }
+    }
+    std::stable_sort(seen.begin(), seen.end(), [](const SeenFace& a, const SeenFace& b) {
+      return a.isCeiling != b.isCeiling ? b.isCeiling : a.depth > b.depth;
+    });
+    for (const SeenFace& part : seen) {
+      Path path;
+      for (const AcGePoint3d& corner : part.face) {
+        path.points.push_back(onSheet(corner));
+      }
+      path.isClosed = true;
+      path.isFilled = true;
+      path.fill = shadeOf(part.face);
+      path.color = part.isCeiling ? path.fill : palette::kWall;
+      path.width = 0.8;
+      picture.paths.push_back(std::move(path));
+    }
+    addCeilingEdges(picture, prisms);
+    return picture;
+  }
+
+  /// The ceilings' long and end edges, without the line between their halves.
+  static void addCeilingEdges(Picture& picture, const std::vector<WallPrism>& prisms) {
+    for (const WallPrism& prism : prisms) {
+      const AcGeVector3d up(0.0, 0.0, prism.height);
+      for (const auto& [from, to] : {std::pair(prism.startLeft, prism.endLeft),
+                                     std::pair(prism.startRight, prism.endRight)}) {
+        Path path;
+        path.points = {onSheet(from + up), onSheet(to + up)};
         path.color = palette::kWall;
-        path.width = 0.8;
         picture.paths.push_back(std::move(path));
       }
     }
-    return picture;
+  }
+
+  // A parallel view: depth runs up the page, shortened and to the side, heights nearly keep
+  // their length.
+  static constexpr double kDepthUp = 0.62;
+  static constexpr double kDepthAcross = 0.28;
+  static constexpr double kHeightUp = 0.75;
+
+  static AcGePoint2d onSheet(const AcGePoint3d& point) {
+    return {point.x + kDepthAcross * point.y, kDepthUp * point.y + kHeightUp * point.z};
+  }
+  /// Twice the area on the sheet, positive for a face that looks at the viewer.
+  static double areaOnSheet(const WallPrism::Face& face) {
+    double area = 0.0;
+    for (std::size_t i = 0; i < face.size(); ++i) {
+      const AcGePoint2d a = onSheet(face[i]);
+      const AcGePoint2d b = onSheet(face[(i + 1) % face.size()]);
+      area += a.x * b.y - b.x * a.y;
+    }
+    return area;
+  }
+  /// Along the direction that the view flattens, away from the viewer.
+  static double depthOf(const WallPrism::Face& face) {
+    const AcGeVector3d away(-kDepthAcross, 1.0, -kDepthUp / kHeightUp);
+    double sum = 0.0;
+    for (const AcGePoint3d& corner : face) {
+      sum += corner.asVector().dotProduct(away);
+    }
+    return sum;
   }
 
   /// Faces are lighter the more they look up, and a little darker the more they look right.

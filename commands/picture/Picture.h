@@ -41,9 +41,15 @@ struct Path {
 
 struct Label {
   AcGePoint2d position;
-  std::string text;       // UTF-8
-  double height = 0.0;    // drawing units
-  double rotation = 0.0;  // radians
+  /// Which point of the text stands there: 0 the left end, 1 the right end; 0 the base line,
+  /// 1 the top of the capitals.
+  double alongShare = 0.0;
+  double upShare = 0.0;
+  std::string text;          // UTF-8
+  double height = 0.0;       // drawing units
+  double rotation = 0.0;     // radians
+  double alignAcross = 0.0;  // 0: the position is the text's left end, 1: its right end
+  double alignUp = 0.0;      // 0: the position is on the base line, 1: at the capitals' top
   Color color = palette::kPlan;
 };
 

@@ -61,8 +61,7 @@ class PlanPainter {
     } else if (entity.isKindOf(AcDbAttributeDefinition::desc())) {
       return;  // shows only where it is filled in
     } else if (const AcDbText* text = AcDbText::cast(&entity)) {
-      addLabel(takeText(text->textString()), text->position(), text->height(), text->rotation(),
-               toWorld);
+      addText(*text, toWorld);
     } else if (const AcDbMText* paragraph = AcDbMText::cast(&entity)) {
       addLabel(takeText(paragraph->text()), paragraph->location(), paragraph->textHeight(),
                paragraph->rotation(), toWorld);
@@ -147,17 +146,36 @@ class PlanPainter {
     for (; iterator && !iterator->done(); iterator->step()) {
       AcDbObjectPointer<AcDbAttribute> attribute(iterator->objectId(), AcDb::kForRead);
       if (attribute.openStatus() == Acad::eOk && !attribute->isInvisible()) {
-        addLabel(takeText(attribute->textString()), attribute->position(), attribute->height(),
-                 attribute->rotation(), toWorld);
+        addText(*attribute, toWorld);
       }
     }
   }
 
-  void addLabel(const std::wstring& text, const AcGePoint3d& position, double height,
-                double rotation, const AcGeMatrix3d& toWorld) {
+  void addText(const AcDbText& text, const AcGeMatrix3d& toWorld) {
+    const AcDb::TextHorzMode along = text.horizontalMode();
+    const AcDb::TextVertMode up = text.verticalMode();
+    // Aligned and fitted texts run between two points, so the first one is their left end.
+    const bool isBetween = along == AcDb::kTextAlign || along == AcDb::kTextFit;
+    const bool isByPosition = text.isDefaultAlignment() || isBetween;
+    Label* const label = addLabel(takeText(text.textString()),
+                                  isByPosition ? text.position() : text.alignmentPoint(),
+                                  text.height(), text.rotation(), toWorld);
+    if (!label || isByPosition) {
+      return;
+    }
+    const bool isMiddle = along == AcDb::kTextMid;
+    label->alongShare = along == AcDb::kTextRight                ? 1.0
+                        : along == AcDb::kTextCenter || isMiddle ? 0.5
+                                                                 : 0.0;
+    label->upShare = up == AcDb::kTextTop ? 1.0 : up == AcDb::kTextVertMid || isMiddle ? 0.5 : 0.0;
+  }
+
+  /// The label, for saying more about it; null for a text without letters.
+  Label* addLabel(const std::wstring& text, const AcGePoint3d& position, double height,
+                  double rotation, const AcGeMatrix3d& toWorld) {
     const std::wstring firstLine = text.substr(0, text.find_first_of(L"\r\n"));
     if (firstLine.empty()) {
-      return;
+      return nullptr;
     }
     const AcGeVector3d along = toWorld * AcGeVector3d(std::cos(rotation), std::sin(rotation), 0.0);
     Label label;
@@ -166,6 +184,8 @@ class PlanPainter {
     label.height = height * along.length();
     label.rotation = std::atan2(along.y, along.x);
     m_picture.labels.push_back(std::move(label));
+    return &m_picture.labels.back();
+    return &m_picture.labels.back();
   }
 
   Picture& m_picture;

@@ -198,7 +198,7 @@ class Painter {
     constexpr double kCapitalHeight = 0.72;
     setFont(label.text, size / kCapitalHeight);
     setColor(label.color);
-    cairo_move_to(m_cairo, 0.0, 0.0);
+    cairo_move_to(m_cairo, -label.alongShare * textWidth(label.text), label.upShare * size);
     cairo_show_text(m_cairo, label.text.c_str());
     cairo_restore(m_cairo);
   }
@@ -206,6 +206,7 @@ class Painter {
   void paintMark(MarkShape shape, double x, double y, double size, const Color& color) {
     setColor(color);
     cairo_set_dash(m_cairo, nullptr, 0, 0.0);
+    cairo_new_path(m_cairo);
     switch (shape) {
       case MarkShape::Dot:
         cairo_arc(m_cairo, x, y, size, 0.0, 2.0 * kPi);
