@@ -27,17 +27,21 @@ AcGeLinearEnt3d::Nearest AcGeLinearEnt3d::nearestTo(const AcGeLinearEnt3d& other
     offer(foot(other.m_end), other.m_end);
   }
 
-  // The common perpendicular of the unbounded lines.
+  // The common perpendicular of the unbounded lines, held within the ends. Where the two are
+  // nearly parallel, rounding moves each of its feet far along the line, but not each by the
+  // same; so either foot is paired with its own nearest point instead of with the other.
   const AcGeVector3d across = m_along.crossProduct(other.m_along);
   const double acrossSqrd = across.lengthSqrd();
   const AcGeVector3d apart = other.m_base - m_base;
   const double onThis = apart.crossProduct(other.m_along).dotProduct(across) / acrossSqrd;
   const double onOther = apart.crossProduct(m_along).dotProduct(across) / acrossSqrd;
-  const auto isInside = [](const AcGeLinearEnt3d& entity, double t) {
-    return entity.isBounded() ? t > 0.0 && t < 1.0 : std::isfinite(t);
-  };
-  if (isInside(*this, onThis) && isInside(other, onOther)) {
-    offer(m_base + m_along * onThis, other.m_base + other.m_along * onOther);
-  }
+  const AcGePoint3d perpendicularOnThis = pointAt(onThis);
+  const AcGePoint3d partnerOnOther = other.foot(perpendicularOnThis);
+  offer(perpendicularOnThis, partnerOnOther);
+  offer(foot(partnerOnOther), partnerOnOther);
+  const AcGePoint3d perpendicularOnOther = other.pointAt(onOther);
+  const AcGePoint3d partnerOnThis = foot(perpendicularOnOther);
+  offer(partnerOnThis, perpendicularOnOther);
+  offer(partnerOnThis, other.foot(partnerOnThis));
   return nearest;
 }

@@ -1,6 +1,7 @@
 // AcArray: the host's growable array, a plain value type. Appending one element to a full
 // array grows it by the larger of its growth step and its length (so appends cost constant
-// time on average); appending an array makes the room exactly as long as needed.
+// time on average); appending an array makes the room exactly as long as needed. Elements
+// must be default-constructible and copyable: the room beyond the length holds default ones.
 #pragma once
 
 #include <algorithm>

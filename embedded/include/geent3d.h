@@ -1,12 +1,12 @@
-// AcGeEntity3d and AcGeCurve3d: the bases of the geometric objects. Objects are plain
-// values: the kind is a tag that each class sets, so nothing is virtual or allocated.
+// AcGeEntity3d: the base of the geometric objects. Objects are plain values: the kind is a
+// tag that each class sets, so nothing is virtual or allocated.
 #pragma once
 
 #include "gemat3d.h"
 
 class AcGeEntity3d {
  public:
-  AcGe::EntityId type() const { return m_type; }
+  constexpr AcGe::EntityId type() const { return m_type; }
   /// Whether the object is of the kind or derives from it.
   bool isKindOf(AcGe::EntityId kind) const {
     switch (kind) {

@@ -1,6 +1,7 @@
 // AcGeLinearEnt3d: straight curves. A line is unbounded (base point and direction as
-// given), a segment ends at its two points. Both keep the given doubles untouched; the
-// direction is made a unit vector only when asked for.
+// given), a segment ends at its two points and is determined by them: its direction is
+// always their difference. Both keep the given doubles untouched; the direction is made a
+// unit vector only when asked for.
 #pragma once
 
 #include "gecurv3d.h"
@@ -9,12 +10,13 @@ class AcGeLine3d;
 
 class AcGeLinearEnt3d : public AcGeCurve3d {
  public:
-  /// Unit vector; the zero vector for a degenerate entity.
+  /// Unit vector; a direction no longer than the global equalVector comes back as it is, so
+  /// a degenerate entity answers the zero vector.
   AcGeVector3d direction() const { return m_along.normal(); }
   /// Base point of a line, start point of a segment.
-  AcGePoint3d pointOnLine() const { return m_base; }
+  constexpr AcGePoint3d pointOnLine() const { return m_base; }
   /// Both points equal (or a zero direction), so that the entity has no direction.
-  bool isDegenerate() const { return m_along.lengthSqrd() == 0.0; }
+  constexpr bool isDegenerate() const { return m_along.lengthSqrd() == 0.0; }
 
   bool isParallelTo(const AcGeLinearEnt3d& line, const AcGeTol& tol = AcGeContext::gTol) const {
     return m_along.isParallelTo(line.m_along, tol);
@@ -23,16 +25,21 @@ class AcGeLinearEnt3d : public AcGeCurve3d {
                          const AcGeTol& tol = AcGeContext::gTol) const {
     return m_along.isPerpendicularTo(line.m_along, tol);
   }
-  /// Parallel and with less than equalPoint between the unbounded lines.
+  /// Parallel, and the base of `line` within equalPoint (inclusive) of this unbounded line.
+  /// Measured between the two bases, so that a common distance from the origin costs nothing.
   bool isColinearTo(const AcGeLinearEnt3d& line, const AcGeTol& tol = AcGeContext::gTol) const {
-    return isParallelTo(line, tol) && unboundedFoot(line.m_base).isEqualTo(line.m_base, tol);
+    return isParallelTo(line, tol) && (line.m_base - m_base).crossProduct(m_along).length() <=
+                                          tol.equalPoint() * m_along.length();
   }
 
   /// The point in which the two meet. Answers false and leaves `intPnt` untouched when they
-  /// are parallel, collinear (also when they touch end to end), degenerate, skew by more
-  /// than equalPoint, or when the point lies beyond an end of a segment among them by more
-  /// than equalPoint. The point lies on this entity; a coordinate that either of the two
-  /// holds constant comes back exactly. NaN in either gives false.
+  /// are parallel, collinear (also when they touch end to end), degenerate (no longer than
+  /// equalVector), skew by more than equalPoint, or when the point lies beyond an end of a
+  /// segment among them by more than equalPoint. The point is the one of this entity that is
+  /// nearest to the other; a coordinate that either of the two holds constant comes back
+  /// exactly. NaN or infinity in either gives false. Gaps are measured between the bases:
+  /// what two entities share of an offset from the origin costs no accuracy there, while the
+  /// point itself is rounded to the doubles at hand.
   bool intersectWith(const AcGeLinearEnt3d& line, AcGePoint3d& intPnt,
                      const AcGeTol& tol = AcGeContext::gTol) const {
     if (!(m_along.length() > tol.equalVector()) || !(line.m_along.length() > tol.equalVector()) ||
@@ -59,17 +66,22 @@ class AcGeLinearEnt3d : public AcGeCurve3d {
 
   inline void getLine(AcGeLine3d& line) const;  // in geline3d.h
 
+  /// A segment becomes the one between the images of its ends, a line the one through the
+  /// image of its base point along the image of its direction.
   AcGeLinearEnt3d& transformBy(const AcGeMatrix3d& matrix) {
-    const AcGePoint3d end = matrix * m_end;
-    m_along = matrix * m_along;
-    m_base = matrix * m_base;
-    m_end = end;
+    moveTo(matrix * m_base, matrix * m_along, matrix * m_end);
     return *this;
   }
   AcGeLinearEnt3d& translateBy(const AcGeVector3d& move) {
-    m_base += move;
-    m_end += move;
+    moveTo(m_base + move, m_along, m_end + move);
     return *this;
+  }
+  AcGeLinearEnt3d& rotateBy(double angle, const AcGeVector3d& axis,
+                            const AcGePoint3d& center = AcGePoint3d::kOrigin) {
+    return transformBy(AcGeMatrix3d::rotation(angle, axis, center));
+  }
+  AcGeLinearEnt3d& scaleBy(double factor, const AcGePoint3d& center = AcGePoint3d::kOrigin) {
+    return transformBy(AcGeMatrix3d::scaling(factor, center));
   }
 
  protected:
@@ -82,31 +94,31 @@ class AcGeLinearEnt3d : public AcGeCurve3d {
     m_along = along;
     m_end = end;
   }
-  const AcGePoint3d& lastPoint() const { return m_end; }
+  constexpr const AcGePoint3d& lastPoint() const { return m_end; }
 
  private:
   friend class AcGeCurve3d;
-  bool isBounded() const { return type() == AcGe::kLineSeg3d; }
-
-  /// Closest point: parameter t = (pnt - base) . d / d . d; on a segment t <= 0 (and a t
-  /// that is no number) gives the start and t >= 1 the end, with their very bits.
-  AcGePoint3d foot(const AcGePoint3d& pnt) const {
-    const double t = (pnt - m_base).dotProduct(m_along) / m_along.lengthSqrd();
-    if (isBounded()) {
-      if (!(t > 0.0)) {
-        return m_base;
-      }
-      if (t >= 1.0) {
-        return m_end;
-      }
-    } else if (!std::isfinite(t)) {
-      return m_base;
-    }
-    return m_base + m_along * t;
+  constexpr bool isBounded() const { return type() == AcGe::kLineSeg3d; }
+  constexpr void moveTo(const AcGePoint3d& base, const AcGeVector3d& along,
+                        const AcGePoint3d& end) {
+    setAll(base, isBounded() ? end - base : along, end);
   }
-  AcGePoint3d unboundedFoot(const AcGePoint3d& pnt) const {
-    const double t = (pnt - m_base).dotProduct(m_along) / m_along.lengthSqrd();
-    return std::isfinite(t) ? m_base + m_along * t : m_base;
+
+  /// The point at parameter t, held within the ends of a segment. What is no number gives
+  /// the base, so does infinity on a line.
+  AcGePoint3d pointAt(double t) const {
+    if (!isBounded()) {
+      return std::isfinite(t) ? m_base + m_along * t : m_base;
+    }
+    // Chosen from a table: where a point lies along a segment is anyone's guess, and a branch
+    // that is guessed wrong every other time takes longer than all of the arithmetic.
+    const AcGePoint3d inside = m_base + m_along * t;
+    // A direction too short for its square to be told from zero gives t = infinity.
+    const AcGePoint3d* const choice[] = {&m_base, &inside, isDegenerate() ? &m_base : &m_end};
+    return *choice[static_cast<int>(t > 0.0) + static_cast<int>(t >= 1.0)];
+  }
+  AcGePoint3d foot(const AcGePoint3d& pnt) const {
+    return pointAt((pnt - m_base).dotProduct(m_along) / m_along.lengthSqrd());
   }
   /// Whether parameter t stays within the ends, give or take equalPoint.
   bool reaches(double t, const AcGeTol& tol) const {
@@ -155,4 +167,24 @@ inline double AcGeCurve3d::distanceTo(const AcGeCurve3d& curve, const AcGeTol&) 
   return static_cast<const AcGeLinearEnt3d&>(*this)
       .nearestTo(static_cast<const AcGeLinearEnt3d&>(curve))
       .distance;
+}
+inline AcGePoint3d AcGeCurve3d::evalPoint(double param) const {
+  const auto& linear = static_cast<const AcGeLinearEnt3d&>(*this);
+  return linear.isBounded() && param == 1.0 ? linear.m_end : linear.m_base + linear.m_along * param;
+}
+inline bool AcGeCurve3d::hasStartPoint(AcGePoint3d& pnt) const {
+  const auto& linear = static_cast<const AcGeLinearEnt3d&>(*this);
+  if (!linear.isBounded()) {
+    return false;
+  }
+  pnt = linear.m_base;
+  return true;
+}
+inline bool AcGeCurve3d::hasEndPoint(AcGePoint3d& pnt) const {
+  const auto& linear = static_cast<const AcGeLinearEnt3d&>(*this);
+  if (!linear.isBounded()) {
+    return false;
+  }
+  pnt = linear.m_end;
+  return true;
 }

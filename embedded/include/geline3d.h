@@ -22,8 +22,20 @@ class AcGeLine3d : public AcGeLinearEnt3d {
     setAll(pnt1, pnt2 - pnt1, pnt2);
     return *this;
   }
+
+  static const AcGeLine3d kXAxis;
+  static const AcGeLine3d kYAxis;
+  static const AcGeLine3d kZAxis;
 };
+
+inline constexpr AcGeLine3d AcGeLine3d::kXAxis{AcGePoint3d(), AcGeVector3d(1.0, 0.0, 0.0)};
+inline constexpr AcGeLine3d AcGeLine3d::kYAxis{AcGePoint3d(), AcGeVector3d(0.0, 1.0, 0.0)};
+inline constexpr AcGeLine3d AcGeLine3d::kZAxis{AcGePoint3d(), AcGeVector3d(0.0, 0.0, 1.0)};
 
 inline void AcGeLinearEnt3d::getLine(AcGeLine3d& line) const {
   line.set(m_base, m_along);
+}
+inline AcGeMatrix3d& AcGeMatrix3d::setToMirroring(const AcGeLine3d& line) {
+  constexpr double kHalfTurn = AcGe::kFullTurn / 2.0;
+  return setToRotation(kHalfTurn, line.direction(), line.pointOnLine());
 }

@@ -1,4 +1,6 @@
-// AcGeLineSeg3d: a segment between two points, which it keeps with their very bits.
+// AcGeLineSeg3d: a segment between two points, which it keeps with their very bits. Equal
+// end points answer equally, however the segment was made. Both points equal make a
+// degenerate segment: it is measured as that point and crosses nothing.
 #pragma once
 
 #include "geline3d.h"
@@ -9,20 +11,22 @@ class AcGeLineSeg3d : public AcGeLinearEnt3d {
   constexpr AcGeLineSeg3d() : AcGeLineSeg3d(AcGePoint3d(), AcGePoint3d(1.0, 0.0, 0.0)) {}
   constexpr AcGeLineSeg3d(const AcGePoint3d& start, const AcGePoint3d& end)
       : AcGeLinearEnt3d(AcGe::kLineSeg3d, start, end - start, end) {}
+  /// From `start` to `start + along`.
   constexpr AcGeLineSeg3d(const AcGePoint3d& start, const AcGeVector3d& along)
-      : AcGeLinearEnt3d(AcGe::kLineSeg3d, start, along, start + along) {}
+      : AcGeLineSeg3d(start, start + along) {}
 
   constexpr AcGeLineSeg3d& set(const AcGePoint3d& start, const AcGePoint3d& end) {
     setAll(start, end - start, end);
     return *this;
   }
   constexpr AcGeLineSeg3d& set(const AcGePoint3d& start, const AcGeVector3d& along) {
-    setAll(start, along, start + along);
-    return *this;
+    return set(start, start + along);
   }
 
-  AcGePoint3d startPoint() const { return pointOnLine(); }
-  AcGePoint3d endPoint() const { return lastPoint(); }
-  AcGePoint3d midPoint() const { return startPoint() + (endPoint() - startPoint()) * 0.5; }
+  constexpr AcGePoint3d startPoint() const { return pointOnLine(); }
+  constexpr AcGePoint3d endPoint() const { return lastPoint(); }
+  /// The same bits for the reversed segment.
+  constexpr AcGePoint3d midPoint() const { return (startPoint() + endPoint().asVector()) * 0.5; }
+  /// Distance of the two points.
   double length() const { return startPoint().distanceTo(endPoint()); }
 };

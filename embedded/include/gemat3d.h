@@ -6,6 +6,8 @@
 
 #include "gepnt3d.h"
 
+class AcGeLine3d;
+
 class AcGeMatrix3d {
  public:
   constexpr AcGeMatrix3d() = default;  // the identity
@@ -33,7 +35,8 @@ class AcGeMatrix3d {
     return setLinearAbout(AcGeVector3d::kXAxis * factor, AcGeVector3d::kYAxis * factor,
                           AcGeVector3d::kZAxis * factor, center);
   }
-  /// Reflection in the plane through `point` with this normal.
+  /// Reflection in the plane through `point` with this normal; a zero normal gives the
+  /// identity.
   AcGeMatrix3d& setToMirroring(const AcGePoint3d& point, const AcGeVector3d& normalToPlane) {
     AcGeVector3d x = AcGeVector3d::kXAxis;
     AcGeVector3d y = AcGeVector3d::kYAxis;
@@ -43,6 +46,8 @@ class AcGeMatrix3d {
   }
   /// Point reflection.
   AcGeMatrix3d& setToMirroring(const AcGePoint3d& point) { return setToScaling(-1.0, point); }
+  /// Reflection in a line: the half turn about it. A degenerate line gives the identity.
+  inline AcGeMatrix3d& setToMirroring(const AcGeLine3d& line);  // in geline3d.h
 
   constexpr AcGeMatrix3d& setCoordSystem(const AcGePoint3d& origin, const AcGeVector3d& x,
                                          const AcGeVector3d& y, const AcGeVector3d& z) {
@@ -77,7 +82,8 @@ class AcGeMatrix3d {
     }
     return *this;
   }
-  /// The map that takes one coordinate system to another.
+  /// The map that takes one coordinate system to another. A first system whose axes lie in
+  /// one plane has no such map and counts as the world's.
   AcGeMatrix3d& setToAlignCoordSys(const AcGePoint3d& fromOrigin, const AcGeVector3d& fromX,
                                    const AcGeVector3d& fromY, const AcGeVector3d& fromZ,
                                    const AcGePoint3d& toOrigin, const AcGeVector3d& toX,
@@ -85,6 +91,31 @@ class AcGeMatrix3d {
     const AcGeMatrix3d from = AcGeMatrix3d().setCoordSystem(fromOrigin, fromX, fromY, fromZ);
     const AcGeMatrix3d to = AcGeMatrix3d().setCoordSystem(toOrigin, toX, toY, toZ);
     return *this = to * from.inverse();
+  }
+
+  // The same maps as new values.
+  static constexpr AcGeMatrix3d translation(const AcGeVector3d& v) {
+    return AcGeMatrix3d().setToTranslation(v);
+  }
+  static AcGeMatrix3d rotation(double angle, const AcGeVector3d& axis,
+                               const AcGePoint3d& center = AcGePoint3d::kOrigin) {
+    return AcGeMatrix3d().setToRotation(angle, axis, center);
+  }
+  static AcGeMatrix3d scaling(double factor, const AcGePoint3d& center = AcGePoint3d::kOrigin) {
+    return AcGeMatrix3d().setToScaling(factor, center);
+  }
+  static AcGeMatrix3d planeToWorld(const AcGeVector3d& normalToPlane) {
+    return AcGeMatrix3d().setToPlaneToWorld(normalToPlane);
+  }
+  static AcGeMatrix3d worldToPlane(const AcGeVector3d& normalToPlane) {
+    return AcGeMatrix3d().setToWorldToPlane(normalToPlane);
+  }
+  static AcGeMatrix3d alignCoordSys(const AcGePoint3d& fromOrigin, const AcGeVector3d& fromX,
+                                    const AcGeVector3d& fromY, const AcGeVector3d& fromZ,
+                                    const AcGePoint3d& toOrigin, const AcGeVector3d& toX,
+                                    const AcGeVector3d& toY, const AcGeVector3d& toZ) {
+    return AcGeMatrix3d().setToAlignCoordSys(fromOrigin, fromX, fromY, fromZ, toOrigin, toX, toY,
+                                             toZ);
   }
 
   constexpr AcGeMatrix3d operator*(const AcGeMatrix3d& right) const {
@@ -188,6 +219,7 @@ class AcGeMatrix3d {
     return true;
   }
   bool operator==(const AcGeMatrix3d& m) const { return isEqualTo(m); }
+  bool operator!=(const AcGeMatrix3d& m) const { return !isEqualTo(m); }
 
   double entry[4][4] = {
       {1.0, 0.0, 0.0, 0.0}, {0.0, 1.0, 0.0, 0.0}, {0.0, 0.0, 1.0, 0.0}, {0.0, 0.0, 0.0, 1.0}};

@@ -27,14 +27,14 @@ class AcGePoint3d {
   constexpr AcGePoint3d& operator+=(const AcGeVector3d& v) { return *this = *this + v; }
   constexpr AcGePoint3d& operator-=(const AcGeVector3d& v) { return *this = *this - v; }
   constexpr AcGePoint3d& operator*=(double s) { return *this = *this * s; }
+  constexpr AcGePoint3d& operator/=(double s) { return *this = *this / s; }
   double& operator[](unsigned int i) { return i == 0 ? x : (i == 1 ? y : z); }
   double operator[](unsigned int i) const { return i == 0 ? x : (i == 1 ? y : z); }
 
   constexpr AcGeVector3d asVector() const { return {x, y, z}; }
   double distanceTo(const AcGePoint3d& p) const { return (*this - p).length(); }
 
-  /// Distance <= equalPoint (inclusive); false when a coordinate is NaN or the distance is
-  /// (infinity minus infinity).
+  /// Distance <= equalPoint (inclusive); false when a coordinate is NaN or infinite.
   bool isEqualTo(const AcGePoint3d& p, const AcGeTol& tol = AcGeContext::gTol) const {
     return distanceTo(p) <= tol.equalPoint();
   }

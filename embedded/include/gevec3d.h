@@ -1,7 +1,8 @@
 // AcGeVector3d: a vector of space, a plain value without allocation. Comparisons take the
-// global tolerance unless another is passed; a vector no longer than its equalVector()
+// global tolerance unless another is passed; in them a vector no longer than equalVector()
 // counts as the zero vector, has no direction and is neither parallel, codirectional nor
-// perpendicular to anything. A NaN component makes every comparison false.
+// perpendicular to anything. A NaN component makes every comparison false. Angles, rotations
+// and mirrorings take no tolerance: to them only a length of exactly 0 is no direction.
 #pragma once
 
 #include <cmath>
@@ -61,9 +62,15 @@ class AcGeVector3d {
     return len > tol.equalVector() ? *this / len : *this;
   }
   AcGeVector3d& normalize(const AcGeTol& tol = AcGeContext::gTol) { return *this = normal(tol); }
+  /// As above; `flag` becomes k0This when the vector stayed as it is, kOk otherwise.
+  AcGeVector3d& normalize(const AcGeTol& tol, AcGe::ErrorCondition& flag) {
+    flag = length() > tol.equalVector() ? AcGe::kOk : AcGe::k0This;
+    return normalize(tol);
+  }
 
   /// Some unit vector perpendicular to this one: the X axis that the arbitrary axis
-  /// algorithm gives to this normal (DXF reference, "Arbitrary Axis Algorithm").
+  /// algorithm gives to this normal (DXF reference, "Arbitrary Axis Algorithm"). The zero
+  /// vector gives the zero vector.
   AcGeVector3d perpVector() const {
     constexpr double kNearZAxis = 1.0 / 64.0;
     const AcGeVector3d n = normal();
@@ -73,28 +80,38 @@ class AcGeVector3d {
     return across.normal();
   }
 
-  /// Angle between the vectors in [0, pi]; 0 when either is the zero vector.
+  /// The part of this vector that is normal to `planeNormal`: the whole vector for a zero
+  /// normal.
+  AcGeVector3d orthoProject(const AcGeVector3d& planeNormal) const {
+    const double normalLength = planeNormal.length();
+    if (!(normalLength > 0.0)) {
+      return *this;
+    }
+    const AcGeVector3d n = planeNormal / normalLength;
+    return *this - n * dotProduct(n);
+  }
+
+  /// Angle between the vectors in [0, pi]; 0 when either is the zero vector; NaN when a
+  /// component is NaN (an infinite one gives NaN or some angle). Exact between the axes.
   double angleTo(const AcGeVector3d& v) const {
-    return std::fabs(std::atan2(crossProduct(v).length(), dotProduct(v)));
+    return std::atan2(crossProduct(v).length(), withoutSignOfZero(dotProduct(v)));
   }
   /// Angle from this vector to `v` in [0, 2 pi), counter-clockwise seen against `ref`: the
-  /// angle between their projections normal to `ref`. Below zero by less than rounding
-  /// counts as 0, never as 2 pi. A zero `ref` gives angleTo(v).
+  /// angle between their projections normal to `ref`; 0 when a projection is the zero
+  /// vector. Below zero by less than rounding counts as 0, never as 2 pi. A zero `ref` gives
+  /// angleTo(v).
+  /// Laws: (1) a.angleTo(b, r) + b.angleTo(a, r) is 0 or 2 pi   (2) a.angleTo(b, -r) ==
+  /// b.angleTo(a, r), both up to rounding.
   double angleTo(const AcGeVector3d& v, const AcGeVector3d& ref) const {
     const double refLength = ref.length();
     if (!(refLength > 0.0)) {
       return angleTo(v);
     }
-    constexpr double kTurn = 6.283185307179586476925286766559;
     const AcGeVector3d n = ref / refLength;
-    const AcGeVector3d from = *this - n * dotProduct(n);
-    const AcGeVector3d to = v - n * v.dotProduct(n);
-    const double angle = std::atan2(n.dotProduct(from.crossProduct(to)), from.dotProduct(to));
-    if (angle == 0.0) {
-      return 0.0;  // -0.0 too
-    }
-    const double wrapped = angle < 0.0 ? angle + kTurn : angle;
-    return wrapped >= kTurn ? 0.0 : wrapped;
+    const AcGeVector3d from = orthoProject(ref);
+    const AcGeVector3d to = v.orthoProject(ref);
+    return AcGe::wrapTurn(
+        std::atan2(n.dotProduct(from.crossProduct(to)), withoutSignOfZero(from.dotProduct(to))));
   }
 
   /// |this - v| <= equalVector.
@@ -133,8 +150,13 @@ class AcGeVector3d {
     const AcGeVector3d along = n * dotProduct(n);
     return *this = along + (*this - along) * c + n.crossProduct(*this) * s;
   }
+  /// Reflects the vector in a plane with this normal. A zero normal changes nothing.
   AcGeVector3d& mirror(const AcGeVector3d& normalToPlane) {
-    const AcGeVector3d n = normalToPlane.normal();
+    const double normalLength = normalToPlane.length();
+    if (!(normalLength > 0.0)) {
+      return *this;
+    }
+    const AcGeVector3d n = normalToPlane / normalLength;
     return *this -= n * (2.0 * dotProduct(n));
   }
   inline AcGeVector3d& transformBy(const AcGeMatrix3d& matrix);  // in gemat3d.h
@@ -146,6 +168,8 @@ class AcGeVector3d {
  private:
   bool hasDirection(const AcGeTol& tol) const { return length() > tol.equalVector(); }
   AcGeVector3d unit() const { return *this / length(); }
+  /// A dot product with the zero vector may be -0.0, which atan2 would take for a half turn.
+  static constexpr double withoutSignOfZero(double value) { return value + 0.0; }
   /// Near a quarter turn doubles lie 2.2e-16 or more apart, so a sine or cosine below that
   /// belongs to the double that stands for the quarter turn itself.
   static double withoutNoise(double sineOrCosine, double angle) {
