@@ -36,6 +36,18 @@ TEST(Array, AppendAnswersTheIndexAndGrowsByTheStep) {
   EXPECT_EQ(array.first(), 5);
 }
 
+TEST(Array, AppendsGrowTheRoomSeldom) {
+  AcArray<int> array;
+  int growths = 0;
+  for (int i = 0; i < 100000; ++i) {
+    const int room = array.physicalLength();
+    array.append(i);
+    growths += array.physicalLength() != room ? 1 : 0;
+  }
+  EXPECT_EQ(growths, 15);  // 8, 16, 32, ... 131072
+  EXPECT_EQ(array[99999], 99999);
+}
+
 TEST(Array, AppendingAnArrayMakesTheRoomExactlyTheNewLength) {
   AcArray<int> array = arrayOf({1, 2, 3});
   array.setPhysicalLength(3);

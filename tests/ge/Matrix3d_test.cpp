@@ -127,4 +127,30 @@ TEST(Matrix3d, AligningTakesOneSystemToTheOther) {
   EXPECT_EQ(x, AcGeVector3d::kYAxis);
 }
 
+TEST(Matrix3d, NewValuesAreTheSameMapsAsTheSetters) {
+  const AcGeVector3d v(1, 2, 3);
+  const AcGePoint3d c(4, 5, 6);
+  EXPECT_EQ(AcGeMatrix3d::translation(v), AcGeMatrix3d().setToTranslation(v));
+  EXPECT_EQ(AcGeMatrix3d::rotation(0.5, v, c), turn(0.5, v, c));
+  EXPECT_EQ(AcGeMatrix3d::scaling(3.0, c), AcGeMatrix3d().setToScaling(3.0, c));
+  EXPECT_EQ(AcGeMatrix3d::planeToWorld(v), AcGeMatrix3d().setToPlaneToWorld(v));
+  EXPECT_EQ(AcGeMatrix3d::worldToPlane(v) * AcGeMatrix3d::planeToWorld(v), AcGeMatrix3d::kIdentity);
+  EXPECT_TRUE(AcGeMatrix3d::translation(v) != AcGeMatrix3d::kIdentity);
+  EXPECT_EQ(AcGeMatrix3d::alignCoordSys(AcGePoint3d(), AcGeVector3d::kXAxis, AcGeVector3d::kYAxis,
+                                        AcGeVector3d::kZAxis, c, AcGeVector3d::kXAxis,
+                                        AcGeVector3d::kYAxis, AcGeVector3d::kZAxis),
+            AcGeMatrix3d::translation(c.asVector()));
+}
+
+TEST(Matrix3d, MirroringInAPlaneWithoutANormalIsTheIdentity) {
+  EXPECT_EQ(AcGeMatrix3d().setToMirroring(AcGePoint3d(3, 0, 0), AcGeVector3d()),
+            AcGeMatrix3d::kIdentity);
+}
+
+TEST(Matrix3d, PointReflectionKeepsItsPoint) {
+  const AcGeMatrix3d mirror = AcGeMatrix3d().setToMirroring(AcGePoint3d(1, 2, 3));
+  EXPECT_EQ(mirror * AcGePoint3d(1, 2, 3), AcGePoint3d(1, 2, 3));
+  EXPECT_EQ(mirror * AcGePoint3d(2, 2, 3), AcGePoint3d(0, 2, 3));
+}
+
 }  // namespace

@@ -5,8 +5,6 @@
 #include <cmath>
 #include <limits>
 
-#include "gepnt2d.h"
-
 namespace {
 
 TEST(Point3d, DefaultIsTheOrigin) {
@@ -51,17 +49,6 @@ TEST(Point3d, ScalingAndRotationKeepTheCentre) {
   AcGePoint3d turned(7, 5, 0);
   turned.rotateBy(std::acos(-1.0), AcGeVector3d::kZAxis, centre);
   EXPECT_TRUE(turned.isEqualTo(AcGePoint3d(3, 5, 0)));
-}
-
-TEST(Point2d, DistanceDifferenceAndEqualityAreThoseOfThePlane) {
-  const AcGePoint2d a(0, 0);
-  const AcGePoint2d b(3, 4);
-  EXPECT_EQ(a.distanceTo(b), 5.0);
-  EXPECT_EQ((b - a).length(), 5.0);
-  EXPECT_EQ(a + AcGeVector2d(3, 4), b);
-  EXPECT_EQ(AcGeVector2d(0, 2).angle(), std::acos(0.0));
-  EXPECT_EQ(AcGeVector2d(0, -2).angle(), 3 * std::acos(0.0));
-  EXPECT_EQ(AcGeVector2d(1, 0).perpVector(), AcGeVector2d(0, 1));
 }
 
 }  // namespace

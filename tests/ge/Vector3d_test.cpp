@@ -22,11 +22,6 @@ AcGeVector3d at(double degrees, double length = 1.0) {
          length;
 }
 
-TEST(Tolerance, GlobalToleranceIsOneTenBillionthForPointsAndVectors) {
-  EXPECT_EQ(AcGeContext::gTol.equalPoint(), 1e-10);
-  EXPECT_EQ(AcGeContext::gTol.equalVector(), 1e-10);
-}
-
 TEST(Vector3d, DefaultIsTheZeroVector) {
   const AcGeVector3d v;
   EXPECT_EQ(v.x, 0.0);
@@ -162,6 +157,23 @@ TEST(Vector3d, AngleOfAZeroVectorAndAboutAZeroReferenceIsDefined) {
   EXPECT_EQ(kX.angleTo(-kY, AcGeVector3d()), kPi / 2);
 }
 
+TEST(Vector3d, TheZeroVectorHasAngleZeroToEveryOctant) {
+  for (const double x : {-1.0, 1.0}) {
+    for (const double y : {-1.0, 1.0}) {
+      for (const double z : {-1.0, 1.0}) {
+        const AcGeVector3d v(x, y, z);
+        EXPECT_EQ(AcGeVector3d().angleTo(v), 0.0);
+        EXPECT_EQ(v.angleTo(AcGeVector3d()), 0.0);
+        EXPECT_EQ(AcGeVector3d().angleTo(v, kZ), 0.0);
+        EXPECT_EQ(v.angleTo(AcGeVector3d(), v), 0.0);
+        EXPECT_EQ(AcGeVector3d(-0.0, -0.0, -0.0).angleTo(v), 0.0);
+      }
+    }
+  }
+  EXPECT_TRUE(std::isnan(kX.angleTo(AcGeVector3d(kNaN, 0, 0))));
+  EXPECT_TRUE(std::isnan(kX.angleTo(AcGeVector3d(kNaN, 0, 0), kZ)));
+}
+
 TEST(Vector3d, AngleThereAndBackIsAFullTurn) {
   std::mt19937_64 random(7);
   std::uniform_real_distribution<double> coordinate(-1e3, 1e3);
@@ -196,6 +208,41 @@ TEST(Vector3d, PerpendicularVectorIsAUnitVectorAcross) {
 
 TEST(Vector3d, MirrorTurnsTheNormalPartRound) {
   EXPECT_EQ(AcGeVector3d(1, 2, 3).mirror(kX * 9.0), AcGeVector3d(-1, 2, 3));
+  EXPECT_EQ(AcGeVector3d(1, 2, 3).mirror(AcGeVector3d()), AcGeVector3d(1, 2, 3));
+}
+
+TEST(Vector3d, ProjectionDropsTheNormalPart) {
+  EXPECT_EQ(AcGeVector3d(1, 2, 3).orthoProject(kZ * 5.0), AcGeVector3d(1, 2, 0));
+  EXPECT_EQ(AcGeVector3d(1, 2, 3).orthoProject(AcGeVector3d()), AcGeVector3d(1, 2, 3));
+}
+
+TEST(Vector3d, NormalizeTellsWhetherThereWasALength) {
+  AcGe::ErrorCondition flag = AcGe::k0This;
+  AcGeVector3d v(0, 8, 0);
+  EXPECT_EQ(v.normalize(AcGeContext::gTol, flag), kY);
+  EXPECT_EQ(flag, AcGe::kOk);
+  AcGeVector3d tiny(0, 1e-11, 0);
+  EXPECT_EQ(tiny.normalize(AcGeContext::gTol, flag).y, 1e-11);
+  EXPECT_EQ(flag, AcGe::k0This);
+}
+
+TEST(Vector3d, RotationKeepsLengthAndAngleToTheAxis) {
+  std::mt19937_64 random(29);
+  std::uniform_real_distribution<double> number(-10, 10);
+  for (int i = 0; i < 1000; ++i) {
+    const auto r = [&] { return number(random); };
+    const AcGeVector3d v(r(), r(), r());
+    const AcGeVector3d axis(r(), r(), r());
+    const double angle = r();
+    AcGeVector3d turned = v;
+    turned.rotateBy(angle, axis);
+    ASSERT_NEAR(turned.length(), v.length(), 1e-13);
+    ASSERT_NEAR(turned.angleTo(axis), v.angleTo(axis), 1e-13);
+    const double turnedBy = v.angleTo(turned, axis);
+    ASSERT_NEAR(std::cos(turnedBy), std::cos(angle), 1e-10);
+    ASSERT_NEAR(std::sin(turnedBy), std::sin(angle), 1e-10);
+    ASSERT_LT((turned.rotateBy(-angle, axis) - v).length(), 1e-13);
+  }
 }
 
 }  // namespace
