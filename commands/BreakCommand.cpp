@@ -85,11 +85,6 @@ class BreakCommand : public Command {
     BreakResult result;
     result.layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
     result.walls = collectWallLines(drawing, result.layers);
-    if (result.walls.lines.empty()) {
-      throw CommandError(ExitCode::NothingToDo,
-                         fmt::format("{}: no LINE and no straight polyline segment on {}",
-                                     drawing.file().string(), namesText(result.layers)));
-    }
     result.capture = setProjectScale(m_options, drawing);
     split(result, asked);
     // The picture's background is what the drawing was.
@@ -128,6 +123,9 @@ class BreakCommand : public Command {
       numberOf[algorithm.GetSrcWallLines().back()] = i;
     }
     for (const AcGePoint3d& point : asked) {
+      if (lines.empty()) {
+        throw CommandError(ExitCode::NothingToDo, "there is no wall line to cut with --at");
+      }
       const NamedBreak named = findNearest(lines, point);
       AcArray<AcGePoint3d> points;
       points.append(named.foot);

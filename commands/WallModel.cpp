@@ -88,9 +88,10 @@ std::vector<WallPrism::Face> WallPrism::faces() const {
   // Each half of the floor lies between the middle line and one side.
   const std::array<std::array<std::size_t, 4>, 2> halves{{{0, 1, 4, 5}, {1, 2, 3, 4}}};
   for (const std::array<std::size_t, 4>& half : halves) {
-    faces.push_back({floor[half[0]], floor[half[1]], floor[half[2]], floor[half[3]]});
+    // Counter-clockwise from above: the ceiling as it is, the floor turned round.
     faces.push_back(
-        {floor[half[3]] + up, floor[half[2]] + up, floor[half[1]] + up, floor[half[0]] + up});
+        {floor[half[0]] + up, floor[half[1]] + up, floor[half[2]] + up, floor[half[3]] + up});
+    faces.push_back({floor[half[3]], floor[half[2]], floor[half[1]], floor[half[0]]});
   }
   for (std::size_t i = 0; i < floor.size(); ++i) {
     const AcGePoint3d& from = floor[i];
