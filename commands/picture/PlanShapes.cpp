@@ -63,8 +63,14 @@ class PlanPainter {
     } else if (const AcDbText* text = AcDbText::cast(&entity)) {
       addText(*text, toWorld);
     } else if (const AcDbMText* paragraph = AcDbMText::cast(&entity)) {
-      addLabel(takeText(paragraph->text()), paragraph->location(), paragraph->textHeight(),
-               paragraph->rotation(), toWorld);
+      Label* const label = addLabel(takeText(paragraph->text()), paragraph->location(),
+                                    paragraph->textHeight(), paragraph->rotation(), toWorld);
+      if (label) {
+        // Attachment points count from the top left one, row by row.
+        const int place = static_cast<int>(paragraph->attachment()) - AcDbMText::kTopLeft;
+        label->alongShare = 0.5 * (place % 3);
+        label->upShare = 1.0 - 0.5 * (place / 3);
+      }
     }
   }
 
