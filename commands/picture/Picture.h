@@ -45,11 +45,9 @@ struct Label {
   /// 1 the top of the capitals.
   double alongShare = 0.0;
   double upShare = 0.0;
-  std::string text;          // UTF-8
-  double height = 0.0;       // drawing units
-  double rotation = 0.0;     // radians
-  double alignAcross = 0.0;  // 0: the position is the text's left end, 1: its right end
-  double alignUp = 0.0;      // 0: the position is on the base line, 1: at the capitals' top
+  std::string text;       // UTF-8
+  double height = 0.0;    // drawing units
+  double rotation = 0.0;  // radians
   Color color = palette::kPlan;
 };
 

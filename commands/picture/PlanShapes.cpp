@@ -191,7 +191,6 @@ class PlanPainter {
     label.rotation = std::atan2(along.y, along.x);
     m_picture.labels.push_back(std::move(label));
     return &m_picture.labels.back();
-    return &m_picture.labels.back();
   }
 
   Picture& m_picture;

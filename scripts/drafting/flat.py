@@ -112,7 +112,7 @@ def _words(sheet):
         if area:
             sheet.room(ROOMS, (x, y), name, area)
         else:
-            sheet.text(ROOMS, (x, y), 200, name)
+            sheet.text(ROOMS, (x, y), 160, name)
     if not sheet.is_r12:
         sheet.chain(DIMENSIONS, [(x, 9600) for x in (0, 4060, 5960, 8360, 9560, 11460, 14400)], 700)
         sheet.chain(DIMENSIONS, [(0, y) for y in (0, 4260, 5580, 9600)], 700)

@@ -106,8 +106,8 @@ class Sheet:
     def room(self, layer, position, name, area):
         """The name of a room, and its area below."""
         metre = self.unit
-        self.text(layer, position, 0.20 * metre, name)
-        self.text(layer, (position[0], position[1] - 0.32 * metre), 0.14 * metre, area)
+        self.text(layer, position, 0.16 * metre, name)
+        self.text(layer, (position[0], position[1] - 0.28 * metre), 0.12 * metre, area)
 
     def dimension(self, layer, start, end, offset):
         """The distance from `start` to `end`, its line `offset` to the left of that way."""
