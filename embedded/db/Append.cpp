@@ -131,6 +131,10 @@ void appendFreeEntity(DatabaseImpl& database, dxf::Block& block, AcDbObject& ent
   if (kind.empty()) {
     throw dxf::FileError(Acad::eIllegalEntityType, "the object has no record");
   }
+  if (kind == "INSERT" &&
+      tags.text(code::kName, place::kReference.in(tags)).value_or(L"").empty()) {
+    throw dxf::FileError(Acad::eNullBlockName, "the reference names no block");
+  }
   const bool hasParts = !impl.parts.empty();
   Placement placement;
   placement.handle = database.store.newHandle();

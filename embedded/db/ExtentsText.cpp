@@ -27,6 +27,7 @@ void addBox(double left, double bottom, double right, double top, const AcGeMatr
 /// What a TEXT, ATTRIB or ATTDEF record says.
 struct TextFields {
   explicit TextFields(const TagList& tags) {
+    constexpr int kString = 1;
     constexpr int kHeight = 40;
     constexpr int kWidthFactor = 41;
     constexpr int kRotation = 50;
@@ -37,10 +38,11 @@ struct TextFields {
     constexpr int kAttributeVertical = 74;
     const std::string_view kind = dxf::trimmedValue(tags[0]);
     const TagRange range = place::kText.in(tags);
-    const bool isDefinition = kind == "ATTDEF";
-    text = tags.text(isDefinition ? code::kName : 1,
-                     isDefinition ? place::kAttributeDefinition.in(tags) : range)
-               .value_or(std::wstring());
+    const Place& attribute = kind == "ATTDEF" ? place::kAttributeDefinition : place::kAttribute;
+    // A definition shows its tag, not the text that it will be filled with.
+    text =
+        (kind == "ATTDEF" ? tags.text(code::kName, attribute.in(tags)) : tags.text(kString, range))
+            .value_or(std::wstring());
     normal = normalOf(tags, range);
     position = tags.point(kPosition, range);
     alignment = tags.point(kAlignment, range, position);
@@ -50,7 +52,8 @@ struct TextFields {
     oblique = toRadians(tags.number(kOblique, range, 0.0));
     generation = tags.integer(kGeneration, range, 0);
     horizontal = tags.integer(kHorizontal, range, 0);
-    vertical = tags.integer(kind == "TEXT" ? kVertical : kAttributeVertical, range, 0);
+    vertical = kind == "TEXT" ? tags.integer(kVertical, range, 0)
+                              : tags.integer(kAttributeVertical, attribute.in(tags), 0);
     thickness = tags.number(code::kThickness, range, 0.0);
   }
 

@@ -83,7 +83,7 @@ inline constexpr Place kPoint{"AcDbPoint", order::kPoint};
 inline constexpr Place kLine{"AcDbLine", order::kLine};
 inline constexpr Place kFace{"AcDbFace", order::kFace};
 inline constexpr Place kCircle{"AcDbCircle", order::kCircle, true};
-inline constexpr Place kText{"AcDbText", order::kText, true};
+inline constexpr Place kText{"AcDbText", order::kText};
 inline constexpr Place kAttribute{"AcDbAttribute", order::kAttribute};
 inline constexpr Place kAttributeDefinition{"AcDbAttributeDefinition", order::kAttributeDefinition};
 inline constexpr Place kReference{"AcDbBlockReference", order::kReference, true};

@@ -55,7 +55,7 @@ TagRange TagList::subclass(std::string_view marker) const {
   TagRange range = subclassAndBeyond(marker);
   if (range.first > body().first) {
     for (std::size_t i = range.first; i < range.last; ++i) {
-      if (m_tags[i].code == kMarkerCode) {
+      if (m_tags[i].code == kMarkerCode && dxf::trimmedValue(m_tags[i]) != marker) {
         range.last = i;
       }
     }

@@ -50,8 +50,8 @@ class TagList {
   /// What stands before the first marker: handle, application groups, owner; the whole body
   /// when there are no markers.
   TagRange head() const { return {body().first, m_headEnd}; }
-  /// The tags behind a marker up to the next marker; the whole body when the record does not
-  /// have that marker.
+  /// The tags behind a marker up to the next other marker (texts have theirs twice); the whole
+  /// body when the record does not have that marker.
   TagRange subclass(std::string_view marker) const;
   /// As subclass(), but up to the end of the body: the subclass and those that derive from it.
   TagRange subclassAndBeyond(std::string_view marker) const;

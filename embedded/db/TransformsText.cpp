@@ -1,4 +1,5 @@
 // transformBy of text, attributes and multiline text.
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -15,10 +16,6 @@ constexpr int kAlignment = 11;
 constexpr int kHeight = 40;
 constexpr int kRotation = 50;
 constexpr double kTurn = 2.0 * std::numbers::pi;
-
-bool hasEmbeddedObject(const TagList& tags) {
-  return tags.body().last < tags.size() && tags[tags.body().last].code == kEmbeddedCode;
-}
 
 /// The copy of a multiline text's geometry that newest files keep behind a mark of its own.
 void transformEmbedded(RecordEdit& edit, const AcGeMatrix3d& matrix, double scale) {
@@ -45,15 +42,65 @@ void transformEmbedded(RecordEdit& edit, const AcGeMatrix3d& matrix, double scal
   }
 }
 
+/// The multiline text inside an attribute of several lines, which is laid out as an MTEXT
+/// record.
+void transformInner(RecordEdit& edit, const AcGeMatrix3d& matrix, const PlaneMap& plane) {
+  constexpr int kDirection = 11;
+  constexpr int kBehindText = 73;  // the first tag that follows text and direction
+  const TagList& tags = edit.tags();
+  if (tags.body().last == tags.xData().first) {
+    return;  // nothing is inside
+  }
+  std::size_t directionAt = TagList::kNone;
+  std::size_t angleAt = TagList::kNone;
+  std::size_t insertAt = tags.xData().first;
+  const auto pointAt = [&](std::size_t i) {
+    return AcGePoint3d(tags.doubleAt(i), tags.doubleAt(i + 1), tags.doubleAt(i + 2));
+  };
+  const auto setPointAt = [&](std::size_t i, const AcGePoint3d& point) {
+    for (unsigned int axis = 0; axis < 3; ++axis) {
+      edit.setDoubleAt(i + axis, point[axis]);
+    }
+  };
+  for (std::size_t i = tags.body().last; i < tags.xData().first; ++i) {
+    const int code = tags[i].code;
+    const bool isLength = (code >= 40 && code <= 43) || code == 46;
+    if (code == kPosition && i + 2 < tags.size()) {
+      setPointAt(i, matrix * pointAt(i));
+    } else if (isLength) {
+      edit.setDoubleAt(i, tags.doubleAt(i) * plane.scale);
+    } else if (code == kDirection && i + 2 < tags.size()) {
+      directionAt = i;
+    } else if (code == kRotation) {
+      angleAt = i;
+    } else if (code == kBehindText) {
+      insertAt = std::min(insertAt, i);
+    }
+  }
+  const bool isTurned = plane.isMirrored || plane.turn != 0.0;
+  if (angleAt != TagList::kNone && isTurned) {
+    edit.setDoubleAt(angleAt, toDegrees(plane.angle(toRadians(tags.doubleAt(angleAt)))));
+  } else if (directionAt != TagList::kNone) {
+    const AcGeVector3d direction = (matrix * pointAt(directionAt).asVector()).normal();
+    setPointAt(directionAt, AcGePoint3d::kOrigin + direction);
+  } else if (isTurned) {
+    const AcGeVector3d direction =
+        planeToWorld(plane.normal) * AcGeVector3d(std::cos(plane.turn), std::sin(plane.turn), 0.0);
+    std::string bytes;
+    for (int axis = 0; axis < 3; ++axis) {
+      dxf::putDouble(bytes, kDirection + 10 * axis, direction[static_cast<unsigned int>(axis)],
+                     tags.format());
+    }
+    edit.insertBefore(insertAt, std::move(bytes));
+  }
+}
+
 }  // namespace
 
 Acad::ErrorStatus transformText(RecordEdit& edit, const AcGeMatrix3d& matrix) {
   constexpr int kGeneration = 71;
   constexpr std::int64_t kBackwards = 2;
   const TagList& tags = edit.tags();
-  if (hasEmbeddedObject(tags)) {
-    return Acad::eNotApplicable;  // an attribute of several lines
-  }
   const TagRange range = place::kText.in(tags);
   const PlaneMap plane(normalOf(tags, range), matrix);
   if (!plane.isSimilar) {
@@ -73,6 +120,15 @@ Acad::ErrorStatus transformText(RecordEdit& edit, const AcGeMatrix3d& matrix) {
   }
   edit.setAngle(place::kText, kRotation, rotation, 0.0);
   edit.setVector(place::kText, code::kNormal, plane.normal, AcGeVector3d::kZAxis);
+  // Attributes of several lines keep a second point, and their text, in newer files.
+  for (const Place& attribute : {place::kAttribute, place::kAttributeDefinition}) {
+    const TagRange own = attribute.in(tags);
+    if (tags.hasMarkers() && own.first > range.last &&
+        tags.find(kAlignment, own) != TagList::kNone) {
+      edit.setPoint(attribute, kAlignment, plane.map * tags.point(kAlignment, own));
+    }
+  }
+  transformInner(edit, matrix, plane);
   return Acad::eOk;
 }
 

@@ -226,7 +226,8 @@ class HOST_API AcDbBlockTableRecord : public AcDbSymbolTableRecord {
   /// then, and it is open for write. Its layer and linetype are made where the drawing lacks
   /// them.
   /// Fails: eNotOpenForWrite, eNullEntityPointer, eAlreadyInDb, eIllegalEntityType (the
-  /// file's version has no such entity, or it only goes with another one), eOutOfMemory.
+  /// file's version has no such entity, or it only goes with another one), eNullBlockName (a
+  /// reference to no block), eOutOfMemory.
   Acad::ErrorStatus appendAcDbEntity(AcDbObjectId& id, AcDbEntity* entity);
   Acad::ErrorStatus appendAcDbEntity(AcDbEntity* entity);
   /// A new iterator over the block's entities in file order, that the caller deletes. Entities
