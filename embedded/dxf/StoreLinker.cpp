@@ -149,6 +149,7 @@ void StoreLoader::makeLayouts() {
   }
   m_data.modelSpace->insertAt = insertAt;
   const bool needsPaper =
+      freeRecordNamed("*PAPER_SPACE") != nullptr ||
       std::any_of(m_layoutRuns.begin(), m_layoutRuns.end(),
                   [](const LayoutRun& layoutRun) { return layoutRun.inPaperSpace; });
   if (m_data.paperSpace == nullptr && needsPaper) {

@@ -277,6 +277,16 @@ TEST(RecordStore, PaperSpaceIsMadeWhereEntitiesNeedIt) {
   EXPECT_EQ(loaded.store.modelSpace().entities.size(), 1U);
 }
 
+TEST(RecordStore, LayoutsThatHaveOnlyTheirRecordsKeepTheirEntities) {
+  std::string text = smallR2000(lineTags("50") + "0 LINE\n5 60\n330 1B\n8 0\n");
+  const std::size_t blocks = text.find("0 SECTION\n2 BLOCKS");
+  text.erase(blocks, text.find("0 SECTION\n2 ENTITIES") - blocks);
+  Loaded loaded(text);
+  ASSERT_NE(loaded.store.paperSpace(), nullptr);
+  EXPECT_EQ(loaded.names(loaded.store.paperSpace()->entities), Names{"LINE 60"});
+  EXPECT_EQ(loaded.store.describe(*loaded.store.modelSpace().record), "BLOCK_RECORD 1F");
+}
+
 TEST(RecordStore, TheDollarLayoutsOfR12AreTheLayouts) {
   Loaded loaded(
       "0 SECTION\n2 BLOCKS\n0 BLOCK\n8 0\n2 $MODEL_SPACE\n0 ENDBLK\n8 0\n"
