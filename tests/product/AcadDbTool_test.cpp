@@ -35,17 +35,17 @@ TEST_F(SaveDbTest, ASavedDrawingReadsBack) {
   ASSERT_EQ(CAcadDbTool::SaveDb(&drawing, path.wstring().c_str(), true), Acad::eOk);
   AcDbDatabase again(false, true);
   EXPECT_EQ(again.readDwgFile(path.wstring().c_str()), Acad::eOk);
-  EXPECT_FALSE(fs::exists(folder / "plan.bak")) << "there was nothing to keep";
+  EXPECT_FALSE(fs::exists(folder / "plan.dxf.bak")) << "there was nothing to keep";
 }
 
 TEST_F(SaveDbTest, TheOldFileIsKeptAsBackupOnRequestOnly) {
   AcDbDatabase drawing(true, true);
   std::ofstream(path) << "old";
   ASSERT_EQ(CAcadDbTool::SaveDb(&drawing, path.wstring().c_str(), false), Acad::eOk);
-  EXPECT_FALSE(fs::exists(folder / "plan.bak"));
+  EXPECT_FALSE(fs::exists(folder / "plan.dxf.bak"));
   std::ofstream(path) << "old";
   ASSERT_EQ(CAcadDbTool::SaveDb(&drawing, path.wstring().c_str(), true), Acad::eOk);
-  EXPECT_EQ(contentOf(folder / "plan.bak"), "old");
+  EXPECT_EQ(contentOf(folder / "plan.dxf.bak"), "old");
   EXPECT_NE(contentOf(path), "old");
 }
 
