@@ -45,7 +45,7 @@ const TagList& tagsOf(const AcDbObject& object) noexcept {
   }
   try {
     if (impl.stub) {
-      return impl.tags.emplace(impl.stub->bytes(), impl.database->format());
+      return impl.tags.emplace(impl.database->bytesOf(*impl.stub), impl.database->format());
     }
     if (impl.ownBytes.empty()) {
       const ClassEntry* const entry = entryOf(object.isA());

@@ -1,0 +1,232 @@
+// Reading and saving: formats, errors with their words, and drawings that stay whole.
+#include <gtest/gtest.h>
+
+#include "dbapserv.h"
+#include "dbpl.h"
+#include "support/Drawings.h"
+
+namespace quoin::test {
+namespace {
+
+std::string errorOf(const Drawing& drawing) {
+  return os::toUtf8(hostx::lastFileError(&drawing.db()));
+}
+
+TEST(ReadFile, AFileThatIsNotThereIsNamed) {
+  const TemporaryFolder folder;
+  AcDbDatabase database(false, true);
+  const std::string path = folder.file("none.dxf");
+  EXPECT_EQ(database.readDwgFile(os::fromUtf8(path).c_str()), Acad::eFileNotFound);
+  EXPECT_NE(os::toUtf8(hostx::lastFileError(&database)).find("none.dxf"), std::string::npos);
+  EXPECT_EQ(database.readDwgFile(nullptr), Acad::eInvalidInput);
+  const ACHAR* name = nullptr;
+  EXPECT_EQ(database.getFilename(name), Acad::eNotApplicable);
+}
+
+TEST(ReadFile, ABadFileNamesItsLineAndTheDatabaseStaysEmpty) {
+  const Drawing drawing(asciiDxf("0 SECTION\n2 ENTITIES\n0 LINE\n8 A\n") + "x1\r\nbad\r\n");
+  EXPECT_NE(drawing.status, Acad::eOk);
+  EXPECT_NE(errorOf(drawing).find("plan.dxf:9"), std::string::npos) << errorOf(drawing);
+  EXPECT_TRUE(entitiesOf(drawing.db()).empty());
+  EXPECT_FALSE(acdbSymUtil()->blockModelSpaceId(&drawing.db()).isNull());
+}
+
+TEST(ReadFile, DwgFilesAreRecognisedAndRefused) {
+  const Drawing drawing("AC1032" + std::string(200, '\0'), "plan.dwg");
+  EXPECT_EQ(drawing.status, Acad::eUnsupportedFileFormat);
+  EXPECT_NE(errorOf(drawing).find("R2018"), std::string::npos) << errorOf(drawing);
+}
+
+TEST(ReadFile, NeverSavesOverTheFileThatCouldNotBeRead) {
+  const std::string bytes = "this is no drawing";
+  const Drawing drawing(bytes);
+  ASSERT_NE(drawing.status, Acad::eOk);
+  EXPECT_EQ(drawing.db().saveAs(os::fromUtf8(drawing.path).c_str()), Acad::eNotApplicable);
+  EXPECT_NE(errorOf(drawing).find("could not be read"), std::string::npos);
+  // Nor by another way to the same file.
+  const std::string roundabout = (drawing.folder.path() / "." / "plan.dxf").string();
+  EXPECT_EQ(drawing.db().saveAs(os::fromUtf8(roundabout).c_str()), Acad::eNotApplicable);
+  std::filesystem::create_symlink(drawing.path, drawing.folder.path() / "link.dxf");
+  EXPECT_EQ(drawing.db().saveAs(os::fromUtf8(drawing.folder.file("link.dxf")).c_str()),
+            Acad::eNotApplicable);
+  EXPECT_EQ(drawing.folder.get("plan.dxf"), bytes);
+}
+
+TEST(ReadFile, AFileThatIsNotThereIsNotMade) {
+  const TemporaryFolder folder;
+  AcDbDatabase database(false, true);
+  const std::wstring path = os::fromUtf8(folder.file("none.dxf"));
+  EXPECT_EQ(database.readDwgFile(path.c_str()), Acad::eFileNotFound);
+  EXPECT_EQ(database.saveAs(path.c_str()), Acad::eNotApplicable);
+  EXPECT_TRUE(folder.names().empty());
+}
+
+TEST(ReadFile, AnotherFileCanBeReadAfterAFailure) {
+  const Drawing drawing("this is no drawing");
+  const std::string good = drawing.folder.put("good.dxf", smallDrawing(lineTags("40")));
+  EXPECT_EQ(drawing.db().readDwgFile(os::fromUtf8(good).c_str()), Acad::eOk);
+  EXPECT_TRUE(errorOf(drawing).empty());
+  EXPECT_EQ(entitiesOf(drawing.db()).size(), 1U);
+  EXPECT_EQ(drawing.db().readDwgFile(os::fromUtf8(good).c_str()), Acad::eNotApplicable);
+}
+
+TEST(ReadFile, CanBeStopped) {
+  const TemporaryFolder folder;
+  const std::string path = folder.put("plan.dxf", smallDrawing(lineTags("40")));
+  AcDbDatabase database(false, true);
+  hostx::setProgress(&database, [](double) { return false; });
+  EXPECT_EQ(database.readDwgFile(os::fromUtf8(path).c_str()), Acad::eUserBreak);
+  hostx::setProgress(&database, {});
+  EXPECT_EQ(database.readDwgFile(os::fromUtf8(path).c_str()), Acad::eOk);
+}
+
+TEST(SaveFile, TellsItsProgressAndCanBeStopped) {
+  const Drawing drawing(smallDrawing(lineTags("40")));
+  double last = -1.0;
+  hostx::setProgress(drawing.database.get(), [&](double fraction) {
+    last = fraction;
+    return true;
+  });
+  drawing.saved();
+  EXPECT_EQ(last, 1.0);
+  hostx::setProgress(drawing.database.get(), [](double) { return false; });
+  const std::string before = drawing.folder.get("plan.dxf");
+  EXPECT_EQ(drawing.db().saveAs(os::fromUtf8(drawing.path).c_str()), Acad::eUserBreak);
+  EXPECT_EQ(drawing.folder.get("plan.dxf"), before);
+}
+
+TEST(SaveFile, KeepsABackupWhereAsked) {
+  const Drawing drawing(smallDrawing(lineTags("40")));
+  const std::string before = drawing.folder.get("plan.dxf");
+  append(drawing.db(), new AcDbLine);
+  EXPECT_EQ(drawing.db().saveAs(os::fromUtf8(drawing.path).c_str(), true), Acad::eOk);
+  EXPECT_EQ(drawing.folder.get("plan.dxf.bak"), before);
+  EXPECT_NE(drawing.folder.get("plan.dxf"), before);
+  EXPECT_FALSE(hostx::isModified(&drawing.db()));
+}
+
+TEST(SaveFile, RefusesNamesThatPromiseAnotherFormat) {
+  const Drawing drawing(smallDrawing());
+  EXPECT_EQ(drawing.db().saveAs(os::fromUtf8(drawing.folder.file("plan.dwg")).c_str()),
+            Acad::eUnsupportedFileFormat);
+  EXPECT_EQ(drawing.db().saveAs(L""), Acad::eInvalidInput);
+  EXPECT_EQ(drawing.db().saveAs(os::fromUtf8(drawing.folder.file("no/such/plan.dxf")).c_str()),
+            Acad::eFileNotFound);
+  EXPECT_EQ(drawing.folder.names(), (std::set<std::string>{"plan.dxf"}));
+}
+
+TEST(SaveFile, AFreshDrawingIsReadAgain) {
+  const Drawing drawing;
+  EXPECT_EQ(drawing.db().insunits(), AcDb::kUnitsMillimeters);
+  append(drawing.db(), new AcDbLine({0.0, 0.0, 0.0}, {1.0, 0.0, 0.0}));
+  const Drawing again(drawing.saved());
+  ASSERT_EQ(again.status, Acad::eOk);
+  EXPECT_EQ(entitiesOf(again.db()).size(), 1U);
+  EXPECT_TRUE(hostx::warnings(&again.db()).empty());
+}
+
+TEST(HeaderVariables, AreReadAndWritten) {
+  const Drawing drawing(smallDrawing());
+  EXPECT_EQ(drawing.db().insunits(), AcDb::kUnitsMillimeters);
+  EXPECT_EQ(drawing.db().setInsunits(AcDb::kUnitsMeters), Acad::eOk);
+  EXPECT_EQ(drawing.db().setInsunits(static_cast<AcDb::UnitsValue>(AcDb::kUnitsMax + 1)),
+            Acad::eInvalidInput);
+  EXPECT_EQ(drawing.db().handseed(), AcDbHandle(0x100));
+  EXPECT_EQ(drawing.db().ltscale(), 1.0);  // not in the file
+  EXPECT_EQ(drawing.db().extmin().x, 1.0e20);
+  std::string expected = smallR2000();
+  expected.replace(expected.find("70 4"), 4, "70 6");
+  EXPECT_EQ(drawing.saved(), asciiDxf(expected));
+  EXPECT_EQ(Drawing(drawing.saved()).db().insunits(), AcDb::kUnitsMeters);
+}
+
+TEST(HeaderVariables, HandleSeedGrowsWithNewObjectsOnly) {
+  const Drawing drawing(smallDrawing());
+  const AcDbHandle before = drawing.db().handseed();
+  EXPECT_FALSE(hostx::isModified(&drawing.db()));
+  append(drawing.db(), new AcDbLine);
+  EXPECT_EQ(drawing.db().handseed().asUInt64(), before.asUInt64() + 1);
+}
+
+TEST(FileInfo, TellsWhatTheFileIs) {
+  const Drawing drawing(smallDrawing(lineTags("40")));
+  const hostx::FileInfo info = hostx::fileInfo(&drawing.db());
+  EXPECT_EQ(info.format, L"DXF");
+  EXPECT_EQ(info.release, L"R2000");
+  EXPECT_EQ(info.acadVersion, L"AC1015");
+  EXPECT_EQ(info.codePage, L"ANSI_1252");
+  EXPECT_FALSE(info.isBinary);
+  EXPECT_FALSE(info.isTextUtf8);
+  EXPECT_EQ(info.fileBytes, smallDrawing(lineTags("40")).size());
+  EXPECT_EQ(info.units, AcDb::kUnitsMillimeters);
+  EXPECT_EQ(os::toUtf8(info.path), drawing.path);
+  EXPECT_EQ(drawing.db().originalFileVersion(), AcDb::kDHL_1015);
+  EXPECT_EQ(std::wstring(hostx::unitsName(info.units)), L"millimeters");
+  EXPECT_EQ(hostx::millimetersPerUnit(AcDb::kUnitsFeet), 304.8);
+  EXPECT_EQ(hostx::millimetersPerUnit(AcDb::kUnitsUndefined), 0.0);
+  EXPECT_TRUE(hostx::fileInfo(nullptr).path.empty());
+}
+
+TEST(FileInfo, ObjectsKnowTheirLine) {
+  const std::string bytes = smallDrawing(lineTags("40"));
+  const Drawing drawing(bytes);
+  const auto line = static_cast<Adesk::UInt64>(
+      std::count(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(bytes.find("40\r\n")),
+                 '\n') -
+      1);
+  EXPECT_EQ(hostx::lineNumber(drawing.id(0x40)), line - 1);
+  EXPECT_EQ(hostx::kindName(drawing.id(0x40)), L"LINE");
+  EXPECT_EQ(hostx::layerName(drawing.id(0x40)), L"Walls");
+  EXPECT_EQ(hostx::layerName(drawing.db().layerZero()), L"");
+  EXPECT_EQ(hostx::lineNumber(append(drawing.db(), new AcDbLine)), 0U);
+  EXPECT_EQ(hostx::lineNumber(AcDbObjectId::kNull), 0U);
+}
+
+TEST(FileInfo, OddFilesAreReadWithAWarning) {
+  const Drawing drawing(smallDrawing(lineTags("40") + lineTags("40")));
+  ASSERT_EQ(drawing.status, Acad::eOk);
+  ASSERT_EQ(hostx::warnings(&drawing.db()).size(), 1U);
+  EXPECT_EQ(entitiesOf(drawing.db()).size(), 2U);
+}
+
+TEST(CodePages, NamesAreWrittenAsTheFileSpellsThem) {
+  std::string text = smallR2000();
+  text.replace(text.find("ANSI_1252"), 9, "ANSI_936");
+  const Drawing drawing(asciiDxf(text));
+  auto* const line = new AcDbLine;
+  line->setLayer(L"墙体");
+  append(drawing.db(), line);
+  const std::string saved = drawing.saved();
+  EXPECT_NE(saved.find("  8\r\n\xC7\xBD\xCC\xE5\r\n"), std::string::npos);
+  const Drawing again(saved);
+  EXPECT_EQ(hostx::layerName(entitiesOf(again.db()).at(0)), L"墙体");
+}
+
+TEST(BinaryFiles, NewRecordsAreBinaryToo) {
+  const Drawing drawing(binaryDxf(smallR2000(lineTags("40")), false));
+  ASSERT_EQ(drawing.status, Acad::eOk) << errorOf(drawing);
+  EXPECT_TRUE(hostx::fileInfo(&drawing.db()).isBinary);
+  auto* const line = new AcDbLine({0.1, 0.2, 0.3}, {1.0 / 3.0, 2.0, 3.0});
+  line->setColorIndex(5);
+  const AcDbObjectId id = append(drawing.db(), line);
+  const Drawing again(drawing.saved());
+  ASSERT_EQ(again.status, Acad::eOk) << errorOf(again);
+  const AcDbObjectPointer<AcDbLine> read(again.id(id.handle().asUInt64()));
+  EXPECT_EQ(read->startPoint().z, 0.3);
+  EXPECT_EQ(read->endPoint().x, 1.0 / 3.0);
+  EXPECT_EQ(read->colorIndex(), 5);
+}
+
+TEST(WorkingDatabase, IsForgottenWhenItGoes) {
+  AcDbHostApplicationServices* const services = acdbHostApplicationServices();
+  EXPECT_EQ(services->workingDatabase(), nullptr);
+  {
+    AcDbDatabase database;
+    services->setWorkingDatabase(&database);
+    EXPECT_EQ(services->workingDatabase(), &database);
+  }
+  EXPECT_EQ(services->workingDatabase(), nullptr);
+}
+
+}  // namespace
+}  // namespace quoin::test

@@ -1,0 +1,297 @@
+// Light polylines and those whose vertices are entities.
+#include <gtest/gtest.h>
+
+#include <numbers>
+
+#include "dbpl.h"
+#include "support/Drawings.h"
+
+namespace quoin::test {
+namespace {
+
+std::string lightTags(std::string_view vertices, std::string_view count = "3",
+                      std::string_view flags = "0") {
+  return "0 LWPOLYLINE\n5 40\n330 1F\n100 AcDbEntity\n8 Walls\n100 AcDbPolyline\n90 " +
+         std::string(count) + "\n70 " + std::string(flags) + "\n43 0.0\n" + std::string(vertices);
+}
+constexpr std::string_view kCorner = "10 0.0\n20 0.0\n10 4.0\n20 0.0\n42 0.5\n10 4.0\n20 3.0\n";
+
+template <class Change>
+std::string changedPolyline(std::string_view tags, Change&& change) {
+  const Drawing drawing(smallDrawing(tags));
+  AcDbPolyline* polyline = nullptr;
+  EXPECT_EQ(acdbOpenObject(polyline, drawing.id(0x40), AcDb::kForWrite), Acad::eOk);
+  change(*polyline);
+  polyline->close();
+  return drawing.saved();
+}
+
+TEST(LightPolyline, ReadsItsVertices) {
+  const Drawing drawing(smallDrawing(lightTags(kCorner)));
+  const AcDbObjectPointer<AcDbPolyline> polyline(drawing.id(0x40));
+  ASSERT_EQ(polyline->numVerts(), 3U);
+  AcGePoint2d point;
+  double bulge = 0.0;
+  EXPECT_EQ(polyline->getPointAt(2, point), Acad::eOk);
+  EXPECT_EQ(point.y, 3.0);
+  EXPECT_EQ(polyline->getBulgeAt(1, bulge), Acad::eOk);
+  EXPECT_EQ(bulge, 0.5);
+  EXPECT_EQ(polyline->getPointAt(3, point), Acad::eInvalidIndex);
+  EXPECT_EQ(polyline->segType(0), AcDbPolyline::kLine);
+  EXPECT_EQ(polyline->segType(1), AcDbPolyline::kArc);
+  EXPECT_EQ(polyline->segType(2), AcDbPolyline::kEmpty);
+  EXPECT_FALSE(polyline->isClosed());
+  AcGePoint3d end;
+  EXPECT_EQ(polyline->getEndPoint(end), Acad::eOk);
+  EXPECT_EQ(end.x, 4.0);
+}
+
+TEST(LightPolyline, AVertexIsMovedInPlace) {
+  EXPECT_EQ(changedPolyline(lightTags(kCorner),
+                            [](AcDbPolyline& polyline) {
+                              EXPECT_EQ(polyline.setPointAt(1, AcGePoint2d(5.5, 0.0)), Acad::eOk);
+                            }),
+            smallDrawing(lightTags("10 0.0\n20 0.0\n10 5.5\n20 0.0\n42 0.5\n10 4.0\n20 3.0\n")));
+}
+
+TEST(LightPolyline, VerticesAreAddedInFrontBetweenAndBehind) {
+  EXPECT_EQ(
+      changedPolyline(lightTags(kCorner),
+                      [](AcDbPolyline& polyline) {
+                        EXPECT_EQ(polyline.addVertexAt(3, AcGePoint2d(9.0, 9.0)), Acad::eOk);
+                        EXPECT_EQ(polyline.addVertexAt(1, AcGePoint2d(2.0, 0.0), -1.0), Acad::eOk);
+                        EXPECT_EQ(polyline.addVertexAt(0, AcGePoint2d(-1.0, 0.0)), Acad::eOk);
+                        EXPECT_EQ(polyline.addVertexAt(9, AcGePoint2d()), Acad::eInvalidIndex);
+                      }),
+      smallDrawing(lightTags("10 -1.0\n20 0.0\n10 0.0\n20 0.0\n10 2.0\n20 0.0\n42 -1.0\n10 4.0\n"
+                             "20 0.0\n42 0.5\n10 4.0\n20 3.0\n10 9.0\n20 9.0\n",
+                             "6")));
+}
+
+TEST(LightPolyline, AVertexIsRemovedWithAllItHas) {
+  EXPECT_EQ(changedPolyline(lightTags(kCorner),
+                            [](AcDbPolyline& polyline) {
+                              EXPECT_EQ(polyline.removeVertexAt(1), Acad::eOk);
+                              EXPECT_EQ(polyline.removeVertexAt(0), Acad::eDegenerateGeometry);
+                              EXPECT_EQ(polyline.removeVertexAt(2), Acad::eInvalidIndex);
+                            }),
+            smallDrawing(lightTags("10 0.0\n20 0.0\n10 4.0\n20 3.0\n", "2")));
+}
+
+TEST(LightPolyline, ClosingAddsTheLastSegment) {
+  const Drawing drawing(smallDrawing(lightTags(kCorner)));
+  const AcDbObjectPointer<AcDbPolyline> polyline(drawing.id(0x40), AcDb::kForWrite);
+  polyline->setClosed(true);
+  EXPECT_TRUE(polyline->isClosed());
+  EXPECT_EQ(polyline->segType(2), AcDbPolyline::kLine);
+  AcGePoint3d end;
+  EXPECT_EQ(polyline->getEndPoint(end), Acad::eOk);
+  EXPECT_EQ(end.x, 0.0);
+}
+
+TEST(LightPolyline, WidthsAreOfOneVertexOrOfAll) {
+  AcDbPolyline polyline;
+  for (unsigned int i = 0; i < 3; ++i) {
+    EXPECT_EQ(polyline.addVertexAt(i, AcGePoint2d(i, 0.0), 0.0, 2.0, 2.0), Acad::eOk);
+  }
+  double start = 0.0;
+  double end = 0.0;
+  EXPECT_EQ(polyline.getConstantWidth(start), Acad::eOk);
+  EXPECT_EQ(start, 2.0);
+  EXPECT_EQ(polyline.setConstantWidth(3.0), Acad::eOk);
+  EXPECT_EQ(polyline.setWidthsAt(1, 0.5, 1.5), Acad::eOk);
+  EXPECT_EQ(polyline.getConstantWidth(start), Acad::eInvalidInput);
+  EXPECT_EQ(polyline.getWidthsAt(0, start, end), Acad::eOk);
+  EXPECT_EQ(start, 3.0);
+  EXPECT_EQ(polyline.getWidthsAt(1, start, end), Acad::eOk);
+  EXPECT_EQ(start, 0.5);
+  EXPECT_EQ(end, 1.5);
+  EXPECT_TRUE(polyline.hasWidth());
+}
+
+TEST(LightPolyline, LiesInThePlaneOfItsNormal) {
+  AcDbPolyline polyline;
+  polyline.addVertexAt(0, AcGePoint2d(1.0, 2.0));
+  polyline.addVertexAt(1, AcGePoint2d(3.0, 2.0));
+  EXPECT_EQ(polyline.setNormal(AcGeVector3d(0.0, 0.0, -2.0)), Acad::eOk);
+  EXPECT_EQ(polyline.setElevation(5.0), Acad::eOk);
+  EXPECT_EQ(polyline.setNormal(AcGeVector3d()), Acad::eInvalidNormal);
+  AcGePoint3d point;
+  EXPECT_EQ(polyline.getPointAt(0, point), Acad::eOk);
+  EXPECT_TRUE(point.isEqualTo(AcGePoint3d(-1.0, 2.0, -5.0)));
+}
+
+TEST(LightPolyline, AnEmptyOneHasNoEnds) {
+  const AcDbPolyline polyline;
+  AcGePoint3d point;
+  EXPECT_EQ(polyline.numVerts(), 0U);
+  EXPECT_EQ(polyline.getStartPoint(point), Acad::eDegenerateGeometry);
+  EXPECT_EQ(polyline.getEndPoint(point), Acad::eDegenerateGeometry);
+  EXPECT_EQ(polyline.segType(0), AcDbPolyline::kEmpty);
+}
+
+// --- vertices as entities -------------------------------------------------------------------
+
+constexpr std::string_view kHeavyR12 =
+    "0 POLYLINE\n8 A\n66 1\n10 0.0\n20 0.0\n30 0.0\n70 1\n"
+    "0 VERTEX\n8 A\n10 0.0\n20 0.0\n30 0.0\n"
+    "0 VERTEX\n8 A\n10 4.0\n20 0.0\n30 0.0\n42 1.0\n"
+    "0 VERTEX\n8 A\n10 4.0\n20 3.0\n30 0.0\n"
+    "0 SEQEND\n8 A\n";
+
+/// The x coordinates of a polyline's vertices.
+std::vector<double> xOf(const AcDb2dPolyline& polyline) {
+  std::vector<double> xs;
+  const std::unique_ptr<AcDbObjectIterator> walk(polyline.vertexIterator());
+  for (; !walk->done(); walk->step()) {
+    if (const AcDb2dVertex* const vertex = AcDb2dVertex::cast(walk->entity())) {
+      xs.push_back(vertex->position().x);
+    } else {
+      const AcDbObjectPointer<AcDb2dVertex> opened(walk->objectId());
+      EXPECT_EQ(opened.openStatus(), Acad::eOk);
+      EXPECT_EQ(opened->ownerId(), polyline.objectId());
+      xs.push_back(opened->position().x);
+    }
+  }
+  return xs;
+}
+
+TEST(HeavyPolyline, WalksItsVerticesWithoutTheEnd) {
+  const Drawing drawing(asciiDxf(entitiesOnly(kHeavyR12)));
+  const std::vector<AcDbObjectId> ids = entitiesOf(drawing.db());
+  ASSERT_EQ(ids.size(), 1U);
+  const AcDbObjectPointer<AcDb2dPolyline> polyline(ids[0]);
+  ASSERT_EQ(polyline.openStatus(), Acad::eOk);
+  EXPECT_EQ(xOf(*polyline), (std::vector<double>{0.0, 4.0, 4.0}));
+  EXPECT_TRUE(polyline->isClosed());
+  EXPECT_EQ(polyline->polyType(), AcDb::k2dSimplePoly);
+  AcGePoint3d end;
+  EXPECT_EQ(polyline->getEndPoint(end), Acad::eOk);
+  EXPECT_EQ(end.x, 0.0);
+}
+
+TEST(HeavyPolyline, AnErasedVertexLeavesTheFile) {
+  const Drawing drawing(asciiDxf(entitiesOnly(kHeavyR12)));
+  const AcDbObjectPointer<AcDb2dPolyline> polyline(entitiesOf(drawing.db())[0], AcDb::kForWrite);
+  const std::unique_ptr<AcDbObjectIterator> walk(polyline->vertexIterator());
+  walk->step();
+  {
+    const AcDbObjectPointer<AcDb2dVertex> vertex(walk->objectId(), AcDb::kForWrite);
+    EXPECT_EQ(vertex->bulge(), 1.0);
+    EXPECT_EQ(vertex->erase(), Acad::eOk);
+  }
+  EXPECT_EQ(xOf(*polyline), (std::vector<double>{0.0, 4.0}));
+  std::string expected(kHeavyR12);
+  const std::string middle = "0 VERTEX\n8 A\n10 4.0\n20 0.0\n30 0.0\n42 1.0\n";
+  expected.erase(expected.find(middle), middle.size());
+  EXPECT_EQ(drawing.saved(), asciiDxf(entitiesOnly(expected)));
+}
+
+TEST(HeavyPolyline, ErasingItTakesItsVerticesAlongAndBack) {
+  const Drawing drawing(asciiDxf(entitiesOnly(kHeavyR12)));
+  const AcDbObjectId id = entitiesOf(drawing.db())[0];
+  AcDbObjectId vertexId;
+  {
+    const AcDbObjectPointer<AcDb2dPolyline> polyline(id, AcDb::kForWrite);
+    const std::unique_ptr<AcDbObjectIterator> walk(polyline->vertexIterator());
+    vertexId = walk->objectId();
+    EXPECT_EQ(polyline->erase(), Acad::eOk);
+  }
+  EXPECT_FALSE(vertexId.isErased());
+  EXPECT_TRUE(vertexId.isEffectivelyErased());
+  EXPECT_EQ(drawing.saved(), asciiDxf(entitiesOnly({})));
+  const AcDbObjectPointer<AcDb2dPolyline> polyline(id, AcDb::kForWrite, true);
+  EXPECT_EQ(polyline->erase(false), Acad::eOk);
+  EXPECT_EQ(xOf(*polyline).size(), 3U);
+  EXPECT_EQ(drawing.saved("again.dxf"), asciiDxf(entitiesOnly(kHeavyR12)));
+}
+
+TEST(HeavyPolyline, SplitsIntoNewOnes) {
+  // As a client does that cuts a segment out: two polylines of the vertices on either side.
+  const Drawing drawing(asciiDxf(entitiesOnly(kHeavyR12)));
+  {
+    const AcDbObjectPointer<AcDb2dPolyline> polyline(entitiesOf(drawing.db())[0], AcDb::kForWrite);
+    AcGePoint3dArray first;
+    first.append(AcGePoint3d(0.0, 0.0, 0.0));
+    first.append(AcGePoint3d(4.0, 0.0, 0.0));
+    const double bulges[] = {0.25, 0.0};
+    auto* const half = new AcDb2dPolyline(first, 0.0, false, bulges);
+    half->setPropertiesFrom(polyline.object());
+    EXPECT_EQ(xOf(*half), (std::vector<double>{0.0, 4.0}));
+    append(drawing.db(), half);
+    EXPECT_EQ(polyline->erase(), Acad::eOk);
+  }
+  EXPECT_EQ(drawing.saved(),
+            asciiDxf(entitiesOnly("0 POLYLINE\n8 A\n66 1\n10 0.0\n20 0.0\n30 0.0\n70 0\n"
+                                  "0 VERTEX\n8 A\n10 0.0\n20 0.0\n30 0.0\n42 0.25\n"
+                                  "0 VERTEX\n8 A\n10 4.0\n20 0.0\n30 0.0\n"
+                                  "0 SEQEND\n8 A\n")));
+}
+
+TEST(HeavyPolyline, NewVerticesGoInFrontOfTheEnd) {
+  const Drawing drawing(asciiDxf(entitiesOnly(kHeavyR12)));
+  const AcDbObjectPointer<AcDb2dPolyline> polyline(entitiesOf(drawing.db())[0], AcDb::kForWrite);
+  auto* const vertex = new AcDb2dVertex(AcGePoint3d(0.0, 3.0, 0.0));
+  vertex->setLayer(L"A");
+  AcDbObjectId id;
+  EXPECT_EQ(polyline->appendVertex(id, vertex), Acad::eOk);
+  EXPECT_EQ(polyline->appendVertex(id, vertex), Acad::eAlreadyInDb);
+  EXPECT_EQ(vertex->close(), Acad::eOk);
+  EXPECT_EQ(xOf(*polyline), (std::vector<double>{0.0, 4.0, 4.0, 0.0}));
+  std::string expected(kHeavyR12);
+  expected.insert(expected.find("0 SEQEND"), "0 VERTEX\n8 A\n10 0.0\n20 3.0\n30 0.0\n");
+  EXPECT_EQ(drawing.saved(), asciiDxf(entitiesOnly(expected)));
+}
+
+TEST(HeavyPolyline, ANewOneIsValidInNewerFilesToo) {
+  const Drawing drawing(smallDrawing());
+  AcGePoint3dArray vertices;
+  vertices.append(AcGePoint3d(0.0, 0.0, 1.0));
+  vertices.append(AcGePoint3d(4.0, 0.0, 2.0));
+  append(drawing.db(), new AcDb3dPolyline(vertices, true));
+  EXPECT_EQ(drawing.saved(),
+            smallDrawing("0 POLYLINE\n5 100\n330 1F\n100 AcDbEntity\n8 0\n100 AcDb3dPolyline\n"
+                         "66 1\n10 0.0\n20 0.0\n30 0.0\n70 9\n"
+                         "0 VERTEX\n5 101\n330 100\n100 AcDbEntity\n8 0\n100 AcDbVertex\n"
+                         "100 AcDb3dPolylineVertex\n10 0.0\n20 0.0\n30 1.0\n70 32\n"
+                         "0 VERTEX\n5 102\n330 100\n100 AcDbEntity\n8 0\n100 AcDbVertex\n"
+                         "100 AcDb3dPolylineVertex\n10 4.0\n20 0.0\n30 2.0\n70 32\n"
+                         "0 SEQEND\n5 103\n330 100\n100 AcDbEntity\n8 0\n")
+                .replace(drawing.saved().find("$HANDSEED") + 16, 3, "104"));
+}
+
+TEST(HeavyPolyline, ALayerGoesToItsVertices) {
+  const Drawing drawing(
+      asciiDxf(entitiesOnly(std::string(kHeavyR12) + "0 POINT\n8 B\n10 0\n20 0\n")));
+  {
+    const AcDbObjectPointer<AcDb2dPolyline> polyline(entitiesOf(drawing.db())[0], AcDb::kForWrite);
+    EXPECT_EQ(polyline->setLayer(L"B"), Acad::eOk);
+    EXPECT_EQ(polyline->setColorIndex(4, false), Acad::eOk);
+  }
+  const std::string saved = drawing.saved();
+  EXPECT_EQ(saved.find("\r\nA\r\n"), std::string::npos);
+  EXPECT_EQ(saved.find(" 62"), saved.rfind(" 62"));
+}
+
+TEST(HeavyPolyline, VerticesDoNotStandAlone) {
+  const Drawing drawing(smallDrawing());
+  const AcDbObjectPointer<AcDbBlockTableRecord> space(
+      acdbSymUtil()->blockModelSpaceId(&drawing.db()), AcDb::kForWrite);
+  AcDb2dVertex vertex;
+  EXPECT_EQ(space->appendAcDbEntity(&vertex), Acad::eIllegalEntityType);
+  EXPECT_EQ(space->appendAcDbEntity(nullptr), Acad::eNullEntityPointer);
+}
+
+TEST(LightPolyline, IsRefusedWhereTheVersionHasNone) {
+  const Drawing drawing(asciiDxf(entitiesOnly(kHeavyR12)));
+  const AcDbObjectPointer<AcDbBlockTableRecord> space(
+      acdbSymUtil()->blockModelSpaceId(&drawing.db()), AcDb::kForWrite);
+  AcDbPolyline polyline;
+  polyline.addVertexAt(0, AcGePoint2d(0.0, 0.0));
+  EXPECT_EQ(space->appendAcDbEntity(&polyline), Acad::eIllegalEntityType);
+  EXPECT_TRUE(polyline.objectId().isNull());
+  EXPECT_FALSE(hostx::isModified(&drawing.db()));
+}
+
+}  // namespace
+}  // namespace quoin::test
