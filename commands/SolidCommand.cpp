@@ -107,10 +107,12 @@ class SolidCommand : public Command {
     };
     std::vector<SeenFace> seen;
     for (const WallPrism& prism : prisms) {
-      for (const WallPrism::Face& face : prism.faces()) {
-        if (areaOnSheet(face) > 0.0) {
-          const AcGeVector3d normal = (face[1] - face[0]).crossProduct(face[3] - face[0]);
-          seen.push_back({face, normal.x == 0.0 && normal.y == 0.0, depthOf(face)});
+      const std::vector<WallPrism::Face> faces = prism.faces();
+      for (std::size_t i = 0; i < faces.size(); ++i) {
+        if (!prism.isHiddenInJoint(i) && areaOnSheet(faces[i]) > 0.0) {
+          const AcGeVector3d normal =
+              (faces[i][1] - faces[i][0]).crossProduct(faces[i][3] - faces[i][0]);
+          seen.push_back({faces[i], normal.x == 0.0 && normal.y == 0.0, depthOf(faces[i])});
         }
       }
     }

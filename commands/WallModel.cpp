@@ -101,8 +101,12 @@ std::vector<WallPrism::Face> WallPrism::faces() const {
   return faces;
 }
 
-AcGePoint3d WallPrism::center() const {
-  return (startMid + endMid.asVector()) * 0.5;
+bool WallPrism::isHiddenInJoint(std::size_t face) const {
+  // Behind the four halves of floor and ceiling the sides follow in the outline's order.
+  constexpr std::size_t kFirstSide = 4;
+  const bool isAtStart = face == kFirstSide || face == kFirstSide + 1;
+  const bool isAtEnd = face == kFirstSide + 3 || face == kFirstSide + 4;
+  return (isAtStart && !isStartFree) || (isAtEnd && !isEndFree);
 }
 
 WallPrism makePrism(const BodyWall& wall, const PrepareFrom2dTo3dData& ends, double height) {
@@ -121,6 +125,8 @@ WallPrism makePrism(const BodyWall& wall, const PrepareFrom2dTo3dData& ends, dou
   prism.endMid = ends.ptEndMid;
   prism.endLeft = ends.ptEndLeft;
   prism.height = height;
+  prism.isStartFree = ends.bHasStartWall;
+  prism.isEndFree = ends.bHasEndWall;
   return prism;
 }
 

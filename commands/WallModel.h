@@ -24,11 +24,14 @@ struct WallPrism {
   std::string layer;  // UTF-8
   AcGePoint3d startLeft, startMid, startRight, endRight, endMid, endLeft;
   double height = 0.0;
+  bool isStartFree = true;  // no other wall meets the start
+  bool isEndFree = true;
 
   /// Ten quadrilaterals, outward sides counter-clockwise: floor and ceiling in two halves each
   /// along the middle line, two sides, two halves of each end. Together they are closed.
   std::vector<Face> faces() const;
-  AcGePoint3d center() const;
+  /// Whether a face, by its number in faces(), is hidden inside the joint with another wall.
+  bool isHiddenInJoint(std::size_t face) const;
 };
 
 WallPrism makePrism(const BodyWall& wall, const PrepareFrom2dTo3dData& ends, double height);
