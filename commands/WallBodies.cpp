@@ -74,10 +74,12 @@ std::optional<WallWidths> widthsOfEntity(const AcDbObjectId& id) {
 void forEachWall(const std::vector<BodyWall>& walls,
                  const std::function<void(CShowWallLikeAlgorithm&)>& compute) {
   std::vector<WallEntityLikeRect> records;
+  records.reserve(walls.size());
   for (const BodyWall& wall : walls) {
     records.push_back({wall.line.start, wall.line.end, wall.widths.left, wall.widths.right});
   }
   std::vector<WallEntityLikeRect*> all;
+  all.reserve(records.size());
   for (WallEntityLikeRect& record : records) {
     all.push_back(&record);
   }

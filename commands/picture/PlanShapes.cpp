@@ -68,8 +68,9 @@ class PlanPainter {
       if (label) {
         // Attachment points count from the top left one, row by row.
         const int place = static_cast<int>(paragraph->attachment()) - AcDbMText::kTopLeft;
+        const int row = place / 3;
         label->alongShare = 0.5 * (place % 3);
-        label->upShare = 1.0 - 0.5 * (place / 3);
+        label->upShare = 1.0 - 0.5 * row;
       }
     }
   }

@@ -125,8 +125,10 @@ Acad::ErrorStatus extentsOfMText(const Drawn& entity, const AcGeMatrix3d& toWorl
   const std::int64_t attachment = tags.integer(kAttachment, range, AcDbMText::kTopLeft);
   // The nine points run from the top left to the bottom right in rows of three.
   const std::int64_t place = attachment >= 1 && attachment <= 9 ? attachment - 1 : 0;
-  const double left = -0.5 * static_cast<double>(place % 3) * size.width;
-  const double top = 0.5 * static_cast<double>(place / 3) * size.height;
+  const std::int64_t column = place % 3;
+  const std::int64_t row = place / 3;
+  const double left = -0.5 * static_cast<double>(column) * size.width;
+  const double top = 0.5 * static_cast<double>(row) * size.height;
   const AcGeVector3d normal = normalOf(tags, range);
   const AcGeVector3d along = mtextDirectionOf(tags);
   AcGeMatrix3d frame;
