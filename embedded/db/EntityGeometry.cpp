@@ -13,6 +13,7 @@ namespace {
 constexpr std::array kKinds{
     KindGeometry{"POINT", extentsOfPoint, transformPoint},
     KindGeometry{"LINE", extentsOfLine, transformLine},
+    KindGeometry{"3DFACE", extentsOfFace, transformFace},
     KindGeometry{"CIRCLE", extentsOfCircle, transformCircle},
     KindGeometry{"ARC", extentsOfArc, transformArc},
     KindGeometry{"LWPOLYLINE", extentsOfPolyline, transformPolyline},

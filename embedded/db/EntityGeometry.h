@@ -63,6 +63,7 @@ const KindGeometry* geometryOf(std::string_view kind);
 // The rows' functions, by what they measure.
 Acad::ErrorStatus extentsOfPoint(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
 Acad::ErrorStatus extentsOfLine(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfFace(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
 Acad::ErrorStatus extentsOfCircle(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
 Acad::ErrorStatus extentsOfArc(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
 Acad::ErrorStatus extentsOfPolyline(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
@@ -76,6 +77,7 @@ Acad::ErrorStatus extentsOfReference(const Drawn&, const AcGeMatrix3d&, ExtentsW
 
 Acad::ErrorStatus transformPoint(RecordEdit& edit, const AcGeMatrix3d& matrix);
 Acad::ErrorStatus transformLine(RecordEdit& edit, const AcGeMatrix3d& matrix);
+Acad::ErrorStatus transformFace(RecordEdit& edit, const AcGeMatrix3d& matrix);
 Acad::ErrorStatus transformCircle(RecordEdit& edit, const AcGeMatrix3d& matrix);
 Acad::ErrorStatus transformArc(RecordEdit& edit, const AcGeMatrix3d& matrix);
 Acad::ErrorStatus transformPolyline(RecordEdit& edit, const AcGeMatrix3d& matrix);

@@ -205,6 +205,17 @@ Acad::ErrorStatus extentsOfLine(const Drawn& entity, const AcGeMatrix3d& toWorld
   return Acad::eOk;
 }
 
+Acad::ErrorStatus extentsOfFace(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
+                                AcDbExtents& box) {
+  const TagRange range = place::kFace.in(entity.tags);
+  for (const int corner : {10, 11, 12, 13}) {
+    if (entity.tags.find(corner, range) != TagList::kNone) {
+      box.addPoint(toWorld * entity.tags.point(corner, range));
+    }
+  }
+  return Acad::eOk;
+}
+
 Acad::ErrorStatus extentsOfArc(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
                                AcDbExtents& box) {
   const TagList& tags = entity.tags;

@@ -74,6 +74,17 @@ Acad::ErrorStatus transformLine(RecordEdit& edit, const AcGeMatrix3d& matrix) {
   return transformStraight(edit, place::kLine, true, matrix);
 }
 
+Acad::ErrorStatus transformFace(RecordEdit& edit, const AcGeMatrix3d& matrix) {
+  const TagList& tags = edit.tags();
+  const TagRange range = place::kFace.in(tags);
+  for (const int corner : {10, 11, 12, 13}) {
+    if (tags.find(corner, range) != TagList::kNone) {
+      edit.setPoint(place::kFace, corner, matrix * tags.point(corner, range));
+    }
+  }
+  return Acad::eOk;
+}
+
 Acad::ErrorStatus transformCircle(RecordEdit& edit, const AcGeMatrix3d& matrix) {
   const TagList& tags = edit.tags();
   const PlaneMap plane = planeOf(tags, place::kCircle, matrix);

@@ -308,6 +308,7 @@ std::vector<std::unique_ptr<AcDbEntity>> samples(std::mt19937& random) {
   std::vector<std::unique_ptr<AcDbEntity>> made;
   made.push_back(std::make_unique<AcDbLine>(point(), point()));
   made.push_back(std::make_unique<AcDbPoint>(point()));
+  made.push_back(std::make_unique<AcDbFace>(point(), point(), point(), point()));
   made.push_back(std::make_unique<AcDbCircle>(point(), direction(), 2.0));
   auto arc = std::make_unique<AcDbArc>(point(), direction(), 3.0, number(random), number(random));
   arc->setThickness(1.5);
