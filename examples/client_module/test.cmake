@@ -1,14 +1,7 @@
 # Builds the example against an installed Quoin and runs its command: BUILD is the build tree to
 # install, WORK a folder for it; CXX, FLAGS, BUILD_TYPE and
 # GENERATOR are those of the build tree.
-function(run)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE STATUS OUTPUT_VARIABLE OUTPUT
-    ERROR_VARIABLE OUTPUT)
-  if(NOT STATUS EQUAL 0)
-    message(FATAL_ERROR "${ARGN}\nended with ${STATUS}:\n${OUTPUT}")
-  endif()
-  set(OUTPUT "${OUTPUT}" PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/../../cmake/RunStep.cmake)
 
 file(REMOVE_RECURSE ${WORK})
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/prefix)

@@ -1,13 +1,6 @@
 # Installs the build tree BUILD into WORK/prefix, builds the consumer against it, runs it and
 # checks what it prints. CXX, FLAGS and BUILD_TYPE are those of the build tree.
-function(run)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE STATUS OUTPUT_VARIABLE OUTPUT
-    ERROR_VARIABLE OUTPUT)
-  if(NOT STATUS EQUAL 0)
-    message(FATAL_ERROR "${ARGN}\nended with ${STATUS}:\n${OUTPUT}")
-  endif()
-  set(OUTPUT "${OUTPUT}" PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/../../cmake/RunStep.cmake)
 
 file(REMOVE_RECURSE ${WORK})
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/prefix)
