@@ -2,8 +2,12 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <numeric>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "commands/Command.h"
 #include "commands/CommandError.h"
@@ -33,6 +37,41 @@ constexpr const char* kExitCodes =
 
 constexpr int kInternalError = 71;
 
+/// How many letters must be put in, taken out or changed to make one word of the other.
+std::size_t editDistance(std::string_view from, std::string_view to) {
+  std::vector<std::size_t> row(to.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 1; i <= from.size(); ++i) {
+    std::size_t diagonal = std::exchange(row[0], i);
+    for (std::size_t j = 1; j <= to.size(); ++j) {
+      const std::size_t changed = diagonal + (from[i - 1] == to[j - 1] ? 0 : 1);
+      diagonal = row[j];
+      row[j] = std::min({row[j] + 1, row[j - 1] + 1, changed});
+    }
+  }
+  return row.back();
+}
+
+/// Stops with the nearest command's name where the first word is none of the commands.
+void checkCommandName(const CLI::App& app, std::string_view word) {
+  std::string nearest;
+  std::size_t distance = 3;  // more letters apart is another word
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    const std::size_t found = editDistance(word, command->get_name());
+    if (found == 0) {
+      return;
+    }
+    if (found < distance) {
+      distance = found;
+      nearest = command->get_name();
+    }
+  }
+  throw CommandError(
+      ExitCode::Usage,
+      fmt::format("there is no command \"{}\"{}; quoin --help lists the commands", word,
+                  nearest.empty() ? "" : fmt::format(", did you mean \"{}\"?", nearest)));
+}
+
 int runChecked(int argc, const char* const* argv) {
   CLI::App app(kDescription, "quoin");
   app.set_version_flag("--version", std::string("quoin ") + QUOIN_VERSION);
@@ -46,6 +85,9 @@ int runChecked(int argc, const char* const* argv) {
     std::unique_ptr<Command> command = make();
     CLI::App* const declared = command->declare(app);
     commands.emplace_back(declared, std::move(command));
+  }
+  if (argc > 1 && argv[1][0] != '-') {
+    checkCommandName(app, argv[1]);
   }
   try {
     app.parse(argc, argv);

@@ -11,12 +11,14 @@ namespace quoin::commands {
 
 namespace {
 
+using KindCounts = std::map<std::wstring, std::size_t>;
+
 struct DrawingInfo {
   std::vector<LayerContent> layers;
   AcDbExtents extents;
   std::size_t entities = 0;
-  std::size_t withoutExtents = 0;
-  std::map<std::wstring, std::size_t> unknownKinds;
+  KindCounts withoutExtents;  // they show nothing, or the host cannot tell how far they reach
+  KindCounts fixed;           // the host cannot move, turn or scale them
 };
 
 class InfoCommand : public Command {
@@ -44,15 +46,15 @@ class InfoCommand : public Command {
     info.layers = drawing.layers();
     drawing.forEachEntity(drawing.modelSpaceId(), [&](const AcDbObjectId& id) {
       ++info.entities;
-      if (!hostx::hasTypedClass(id)) {
-        ++info.unknownKinds[hostx::kindName(id)];
+      if (!hostx::canTransform(id)) {
+        ++info.fixed[hostx::kindName(id)];
       }
       AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
       AcDbExtents extents;
       if (entity.openStatus() == Acad::eOk && entity->getGeomExtents(extents) == Acad::eOk) {
         info.extents.addExt(extents);
       } else {
-        ++info.withoutExtents;
+        ++info.withoutExtents[hostx::kindName(id)];
       }
     });
     return info;
@@ -71,6 +73,23 @@ class InfoCommand : public Command {
     return state.empty() ? state : state + ")";
   }
 
+  /// "3 ARC, 12 LINE".
+  static std::string kindsText(const KindCounts& counts) {
+    std::string text;
+    for (const auto& [kind, count] : counts) {
+      text += fmt::format("{}{} {}", text.empty() ? "" : ", ", count, os::toUtf8(kind));
+    }
+    return text;
+  }
+
+  static nlohmann::json kindsJson(const KindCounts& counts) {
+    nlohmann::json kinds = nlohmann::json::object();
+    for (const auto& [kind, count] : counts) {
+      kinds[os::toUtf8(kind)] = count;
+    }
+    return kinds;
+  }
+
   static void printText(Drawing& drawing, const DrawingInfo& info) {
     const hostx::FileInfo& file = drawing.info();
     fmt::print("{}\n", drawing.file().string());
@@ -86,9 +105,8 @@ class InfoCommand : public Command {
       fmt::print("  extents    {:g},{:g},{:g} to {:g},{:g},{:g}\n", low.x, low.y, low.z, high.x,
                  high.y, high.z);
     }
-    if (info.withoutExtents > 0) {
-      fmt::print("             {} entities whose extents are not known are left out\n",
-                 info.withoutExtents);
+    if (!info.withoutExtents.empty()) {
+      fmt::print("             left out, they have none: {}\n", kindsText(info.withoutExtents));
     }
     fmt::print("  layers with something in model space:\n");
     std::size_t emptyCount = 0;
@@ -97,16 +115,12 @@ class InfoCommand : public Command {
         ++emptyCount;
         continue;
       }
-      std::string kinds;
-      for (const auto& [kind, count] : layer.countOfKind) {
-        kinds += fmt::format("{}{} {}", kinds.empty() ? "" : ", ", count, os::toUtf8(kind));
-      }
       fmt::print("    {}{}{}: {}\n", os::toUtf8(layer.name), stateOf(layer),
-                 looksLikeWalls(layer.name) ? " [walls]" : "", kinds);
+                 looksLikeWalls(layer.name) ? " [walls]" : "", kindsText(layer.countOfKind));
     }
     fmt::print("    and {} with nothing on them\n", emptyCount);
-    for (const auto& [kind, count] : info.unknownKinds) {
-      fmt::print("  kept, but not known to the host: {} {}\n", count, os::toUtf8(kind));
+    if (!info.fixed.empty()) {
+      fmt::print("  kept as they are, not to be moved or scaled: {}\n", kindsText(info.fixed));
     }
     for (const std::wstring& warning : hostx::warnings(&drawing.database())) {
       fmt::print("  warning: {}\n", os::toUtf8(warning));
@@ -123,26 +137,19 @@ class InfoCommand : public Command {
                              {"records", file.recordCount},
                              {"entities", info.entities},
                              {"extents", nullptr},
-                             {"entitiesWithoutExtents", info.withoutExtents},
+                             {"kindsWithoutExtents", kindsJson(info.withoutExtents)},
+                             {"kindsWithoutTransform", kindsJson(info.fixed)},
                              {"layers", nlohmann::json::array()},
-                             {"unknownKinds", nlohmann::json::object()},
                              {"warnings", nlohmann::json::array()}};
     if (!info.extents.isFresh()) {
       report["extents"] = {pointJson(info.extents.minPoint()), pointJson(info.extents.maxPoint())};
     }
     for (const LayerContent& layer : info.layers) {
-      nlohmann::json kinds = nlohmann::json::object();
-      for (const auto& [kind, count] : layer.countOfKind) {
-        kinds[os::toUtf8(kind)] = count;
-      }
       report["layers"].push_back({{"name", os::toUtf8(layer.name)},
                                   {"off", layer.isOff},
                                   {"frozen", layer.isFrozen},
                                   {"locked", layer.isLocked},
-                                  {"kinds", std::move(kinds)}});
-    }
-    for (const auto& [kind, count] : info.unknownKinds) {
-      report["unknownKinds"][os::toUtf8(kind)] = count;
+                                  {"kinds", kindsJson(layer.countOfKind)}});
     }
     for (const std::wstring& warning : hostx::warnings(&drawing.database())) {
       report["warnings"].push_back(os::toUtf8(warning));

@@ -356,6 +356,11 @@ class ErrorTest(CliTest):
     def test_a_missing_file(self):
         self.assertIn("nowhere.dxf", self.fails(3, "info", self.path("nowhere.dxf")))
 
+    def test_an_unknown_command_names_the_nearest(self):
+        message = self.fails(2, "brek", "plan.dxf")
+        self.assertIn('no command "brek", did you mean "break"?', message)
+        self.assertNotIn("did you mean", self.fails(2, "frobnicate"))
+
     def test_an_empty_file(self):
         self.path("empty.dxf").write_bytes(b"")
         self.assertIn("empty", self.fails(3, "info", self.path("empty.dxf")))
@@ -639,6 +644,15 @@ class InfoTest(CliTest):
         for words in ("R2004", "AC1018", "ASCII", "A-WALL", "[walls]", "1 LINE", "1 CIRCLE",
                       "0,-2,0 to 22,5,0"):
             self.assertIn(words, text)
+
+    def test_it_names_what_cannot_be_measured_or_moved(self):
+        space = self.draw("kept.dxf", "R2010")
+        space.add_line((0, 0), (10, 5))
+        space.new_entity("ACAD_PROXY_ENTITY", {})
+        plan = self.save("kept.dxf")
+        text = self.run_ok("info", plan)
+        self.assertIn("left out, they have none: 1 ACAD_PROXY_ENTITY", text)
+        self.assertIn("not to be moved or scaled: 1 ACAD_PROXY_ENTITY", text)
 
     def test_chinese_names_of_a_gbk_drawing_come_out(self):
         plan = SOURCE / "examples" / "house-gbk" / "house.dxf"
