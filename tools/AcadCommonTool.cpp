@@ -4,12 +4,15 @@
 
 #include "acedads.h"
 #include "adscodes.h"
+#include "dbdict.h"
+#include "dbmstyle.h"
 
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
 constexpr double kLockStep = kPi / 12.0;      // 15 degrees
 constexpr double kHalfLockStep = kPi / 24.0;  // added before truncating: rounds half up
+constexpr double kHalfStyleWidth = 0.5;       // a style is one unit wide, scaled when drawn
 
 resbuf MakeCoordinateSystem(short code) {
   resbuf rb = {};
@@ -19,6 +22,9 @@ resbuf MakeCoordinateSystem(short code) {
 }
 
 }  // namespace
+
+bool CAcadCommonTool::s_bLoadStyle = false;
+AcGiTextStyle CAcadCommonTool::s_txtStyle(nullptr);
 
 CAcadCommonTool& CAcadCommonTool::operator=(const CAcadCommonTool&) = default;
 
@@ -57,4 +63,36 @@ AcGePoint3d CAcadCommonTool::GetAngleLockPnt(const AcGePoint3d& basePnt,
   vecLocked.rotateBy(steps * kLockStep, AcGeVector3d::kZAxis);
   vecLocked.normalize();
   return basePnt + vecLocked * vec.length();
+}
+
+AcDbObjectId CAcadCommonTool::GetMlineStyleId(AcDbDatabase* pDb, const CString& styleName,
+                                              bool bStartSquareCap, bool bEndSquareCap) {
+  AcDbObjectId styleId;
+  AcDbDictionary* pDictionary = nullptr;
+  if (!pDb || pDb->getMLStyleDictionary(pDictionary, AcDb::kForWrite) != Acad::eOk ||
+      !pDictionary) {
+    return styleId;
+  }
+  if (pDictionary->getAt(styleName, styleId) == Acad::eOk) {
+    pDictionary->close();
+    return styleId;
+  }
+  AcDbMlineStyle* const pStyle = new AcDbMlineStyle;
+  pStyle->initMlineStyle();
+  pStyle->setName(styleName);
+  pStyle->setStartSquareCap(bStartSquareCap);
+  pStyle->setEndSquareCap(bEndSquareCap);
+  AcCmColor color;
+  color.setColorMethod(AcCmEntityColor::kByLayer);
+  int nIndex = 0;
+  pStyle->addElement(nIndex, kHalfStyleWidth, color, AcDbObjectId::kNull);
+  pStyle->addElement(nIndex, -kHalfStyleWidth, color, AcDbObjectId::kNull);
+  pDictionary->setAt(styleName, pStyle, styleId);
+  pDictionary->close();
+  if (styleId.isNull()) {
+    delete pStyle;  // the dictionary did not take it
+  } else {
+    pStyle->close();
+  }
+  return styleId;
 }

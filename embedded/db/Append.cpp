@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "dbents.h"
+#include "embedded/db/DimStyleRecord.h"
 #include "embedded/db/Opening.h"
 #include "embedded/db/Registry.h"
 #include "embedded/db/Transfer.h"
@@ -49,6 +50,11 @@ std::string sequenceEnd(const DatabaseImpl& database, const TagList& owner,
   edit.setText(place::kEntity, code::kLayer, database.layerNameOf(owner));
   const std::string onLayer = edit.bytes();
   return transferred(TagList(onLayer, *neutralFormat()), database.format(), placement);
+}
+
+bool isBuiltInLinetype(std::wstring_view name) {
+  return os::sameName(name, L"ByLayer") || os::sameName(name, L"ByBlock") ||
+         os::sameName(name, L"Continuous");
 }
 
 struct NewRecord {
@@ -102,20 +108,23 @@ void ensureNames(DatabaseImpl& database, const TagList& tags) {
       database.ensureRecord(kind, *name);
     }
   };
+  const std::string_view kind = kindOf(tags);
   ensure(TableKind::Layer, place::kEntity, code::kLayer);
   const auto linetype = tags.text(code::kLinetype, place::kEntity.in(tags));
-  const bool isBuiltIn = !linetype || os::sameName(std::wstring_view(*linetype), L"ByLayer") ||
-                         os::sameName(std::wstring_view(*linetype), L"ByBlock") ||
-                         os::sameName(std::wstring_view(*linetype), L"Continuous");
-  if (!isBuiltIn) {
+  if (kind != "MLINESTYLE" && linetype && !isBuiltInLinetype(*linetype)) {
     database.ensureRecord(TableKind::Linetype, *linetype);
   }
   constexpr int kTextStyle = 7;
-  const std::string_view kind = kindOf(tags);
   if (kind == "TEXT" || kind == "ATTRIB" || kind == "ATTDEF") {
     ensure(TableKind::TextStyle, place::kText, kTextStyle);
   } else if (kind == "MTEXT") {
     ensure(TableKind::TextStyle, place::kMText, kTextStyle);
+  } else if (kind == "MLINESTYLE") {
+    for (std::size_t i = tags.body().first; i < tags.body().last; ++i) {
+      if (tags[i].code == code::kLinetype && !isBuiltInLinetype(tags.textAt(i))) {
+        database.ensureRecord(TableKind::Linetype, tags.textAt(i));
+      }
+    }
   }
   for (std::size_t i = tags.xData().first; i < tags.xData().last; ++i) {
     if (tags[i].code == kAppNameCode) {
@@ -197,7 +206,8 @@ void appendFreeRecord(DatabaseImpl& database, TableKind kind, AcDbObject& record
   Placement placement;
   placement.handle = database.store.newHandle();
   placement.owner = table.head->handle;
-  std::string bytes = transferred(tags, database.format(), placement);
+  std::string bytes = kind == TableKind::DimStyle ? placedDimStyle(tags, database, placement)
+                                                  : transferred(tags, database.format(), placement);
   const std::wstring name =
       tags.text(code::kName, place::kSymbol.in(tags)).value_or(std::wstring());
   if (kind == TableKind::Layer && database.format().version >= dxf::Version::R2000) {
@@ -239,11 +249,17 @@ void unbind(AcDbObject& object) {
 }
 
 std::unique_ptr<AcDbObject> copyOf(const AcDbStub& stub) {
-  const DatabaseImpl& database = DatabaseImpl::of(stub);
+  DatabaseImpl& database = DatabaseImpl::of(stub);
   std::unique_ptr<AcDbObject> copy = makeView(stub);
   ObjectImpl& impl = Access::of(*copy);
-  impl.ownBytes = headless(database.tagsOf(stub));
-  impl.ownFormat = std::make_shared<const dxf::Format>(database.format());
+  if (stub.role == dxf::Role::TableRecord && database.kindOf(stub) == "DIMSTYLE") {
+    impl.ownBytes = freeDimStyle(database.tagsOf(stub), database);
+    impl.ownFormat = neutralFormat();
+    impl.namesFrom = database.token;
+  } else {
+    impl.ownBytes = headless(database.tagsOf(stub));
+    impl.ownFormat = std::make_shared<const dxf::Format>(database.format());
+  }
   impl.copiedFromOwner = stub.owner;
   impl.parts = copiesOfParts(stub);
   return copy;

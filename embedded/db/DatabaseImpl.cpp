@@ -56,6 +56,7 @@ void DatabaseImpl::clear() {
   m_heads.fill(nullptr);
   m_unlisted = {};
   m_unlistedBytes.clear();
+  erasedEntries.clear();
   wasRead = false;
   changes = savedChanges = 0;
 }
@@ -345,58 +346,6 @@ Acad::ErrorStatus setRecordName(AcDbObject& object, const Place& place, int code
   } catch (...) {
     return statusOfException();
   }
-}
-
-// --- dictionaries -----------------------------------------------------------------------------
-
-namespace {
-
-constexpr int kEntryName = 3;
-
-bool isEntryHandle(int code) {
-  return code == 350 || code == 360 || code == 340 || code == 330;
-}
-
-}  // namespace
-
-AcDbStub* DatabaseImpl::rootDictionary() const {
-  for (AcDbStub* const stub : store.objects()) {
-    if (!stub->erased && store.kindName(*stub) == "DICTIONARY") {
-      return stub;
-    }
-  }
-  return nullptr;
-}
-
-AcDbStub* DatabaseImpl::dictionaryEntry(const AcDbStub& dictionary, std::wstring_view name) const {
-  const TagList tags = tagsOf(dictionary);
-  const TagRange range = tags.subclass("AcDbDictionary");
-  for (std::size_t i = range.first; i + 1 < range.last; ++i) {
-    if (tags[i].code == kEntryName && isEntryHandle(tags[i + 1].code) &&
-        os::sameName(tags.textAt(i), name)) {
-      AcDbStub* const entry = byHandle(tags.handleAt(i + 1));
-      return entry && !entry->erased ? entry : nullptr;
-    }
-  }
-  return nullptr;
-}
-
-std::wstring DatabaseImpl::dictionaryName(const AcDbStub& dictionary, const AcDbStub& entry) const {
-  const TagList tags = tagsOf(dictionary);
-  const TagRange range = tags.subclass("AcDbDictionary");
-  for (std::size_t i = range.first; i + 1 < range.last; ++i) {
-    if (tags[i].code == kEntryName && isEntryHandle(tags[i + 1].code) &&
-        byHandle(tags.handleAt(i + 1)) == &entry) {
-      return tags.textAt(i);
-    }
-  }
-  return {};
-}
-
-AcDbStub* DatabaseImpl::material(std::wstring_view name) const {
-  const AcDbStub* const root = rootDictionary();
-  const AcDbStub* const materials = root ? dictionaryEntry(*root, L"ACAD_MATERIAL") : nullptr;
-  return materials ? dictionaryEntry(*materials, name) : nullptr;
 }
 
 TagList DatabaseImpl::headerTags(std::string_view name) const {

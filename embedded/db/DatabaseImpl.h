@@ -53,6 +53,8 @@ struct DatabaseImpl {
   }
 
   AcDbDatabase* self;
+  /// Dies with the database: free objects that remember it ask this whether it still lives.
+  const std::shared_ptr<DatabaseImpl* const> token = std::make_shared<DatabaseImpl* const>(this);
   DatabaseStore store;
   const dxf::Format& format() const { return store.format(); }
 
@@ -132,6 +134,8 @@ struct DatabaseImpl {
   std::wstring dictionaryName(const AcDbStub& dictionary, const AcDbStub& entry) const;
   /// A material by name ("ByLayer"); null if there is none.
   AcDbStub* material(std::wstring_view name) const;
+  /// The names under which erased objects stood in the dictionaries that own them.
+  std::unordered_map<const AcDbStub*, std::wstring> erasedEntries;
 
   // --- header variables -------------------------------------------------------------------
   /// The value tags; an empty list when the file does not set the variable. The text of `name`

@@ -1,6 +1,6 @@
 // AcDbObject: identity, opening and closing, erasing.
 #include "dbmain.h"
-#include "embedded/db/DatabaseImpl.h"
+#include "embedded/db/Dictionaries.h"
 #include "embedded/db/Misuse.h"
 #include "embedded/db/Opening.h"
 #include "embedded/db/Transfer.h"
@@ -17,6 +17,9 @@ namespace {
 class PlainObject : public AcDbObject {};
 class PlainEntity : public AcDbEntity {};
 
+constexpr int kSoftOwnerCode = 350;
+constexpr int kHardOwnerCode = 360;
+
 /// What a drawing cannot be without.
 bool isIndispensable(DatabaseImpl& database, const AcDbStub& stub) {
   switch (stub.role) {
@@ -24,8 +27,19 @@ bool isIndispensable(DatabaseImpl& database, const AcDbStub& stub) {
     case dxf::Role::BlockBegin:
     case dxf::Role::BlockEnd:
     case dxf::Role::Other:
-    case dxf::Role::Object:  // its dictionary would go on naming it
       return true;
+    case dxf::Role::Object: {
+      // An object that its owner does not list would go on being named by somebody.
+      const AcDbStub* const owner = stub.owner;
+      const std::wstring name = owner ? database.dictionaryName(*owner, stub) : std::wstring();
+      const bool isListed = !name.empty() || database.erasedEntries.contains(&stub);
+      const bool isNamedDictionary =
+          owner == database.rootDictionary() && name.starts_with(L"ACAD_");
+      const bool isStandard = database.kindOf(stub) == "MLINESTYLE" &&
+                              quoin::os::sameName(std::wstring_view(name), L"Standard");
+      return !isListed || isNamedDictionary || isStandard || database.kindOf(stub) == "LAYOUT" ||
+             isPointedTo(database, stub);
+    }
     case dxf::Role::TableRecord: {
       if (database.store.blockOf(stub) || &stub == database.layer(L"0")) {
         return true;
@@ -44,10 +58,9 @@ bool isIndispensable(DatabaseImpl& database, const AcDbStub& stub) {
 
 /// Erases what an object owns besides its parts: the extension dictionary with its entries.
 void eraseOwned(DatabaseImpl& database, const AcDbStub& stub, bool erasing) {
-  constexpr int kHardOwner = 360;
   const auto eraseEach = [&](const TagList& tags, TagRange range) {
     for (std::size_t i = range.first; i < range.last; ++i) {
-      if (tags[i].code != kHardOwner) {
+      if (tags[i].code != kHardOwnerCode && tags[i].code != kSoftOwnerCode) {
         continue;
       }
       AcDbStub* const owned = database.byHandle(tags.handleAt(i));
@@ -118,6 +131,43 @@ AcDbObjectId AcDbObject::extensionDictionary() const {
     }
   }
   return AcDbObjectId::kNull;
+}
+
+Acad::ErrorStatus AcDbObject::createExtensionDictionary() {
+  const Acad::ErrorStatus status = checkWritable(*this);
+  if (status != Acad::eOk) {
+    return status;
+  }
+  if (!m_impl->stub) {
+    return Acad::eNotInDatabase;
+  }
+  try {
+    DatabaseImpl& database = *m_impl->database;
+    AcDbStub* const former = extensionDictionary();
+    if (former && !former->erased) {
+      return Acad::eAlreadyInDb;
+    }
+    const std::size_t handleTag = tagsOf(*this).handleTag();
+    if (!database.format().hasSubclassMarkers() || handleTag == TagList::kNone) {
+      return Acad::eNotApplicable;
+    }
+    const AcDbStub* const made = appendDictionary(database, m_impl->stub, true);
+    return change(*this, [&](RecordEdit& edit) {
+      const TagRange group = edit.tags().group("{ACAD_XDICTIONARY");
+      const dxf::Format& format = database.format();
+      std::string bytes;
+      dxf::putAscii(bytes, kGroupCode, "{ACAD_XDICTIONARY", format);
+      dxf::putHandle(bytes, kHardOwnerCode, made->handle, format);
+      dxf::putAscii(bytes, kGroupCode, "}", format);
+      if (group.isEmpty()) {
+        edit.insertBefore(handleTag + 1, std::move(bytes));
+      } else {
+        edit.replace(group, std::move(bytes));
+      }
+    });
+  } catch (...) {
+    return statusOfException();
+  }
 }
 
 // --- opening and closing --------------------------------------------------------------------
@@ -192,6 +242,10 @@ Acad::ErrorStatus AcDbObject::erase(Adesk::Boolean erasing) {
     }
     if (stub->erased == erasing) {
       return erasing ? Acad::eWasErased : Acad::eNotApplicable;
+    }
+    const Acad::ErrorStatus left = eraseEntry(database, *stub, erasing);
+    if (left != Acad::eOk) {
+      return left;
     }
     database.store.setErased(*stub, erasing);
     ++database.changes;

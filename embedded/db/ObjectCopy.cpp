@@ -24,6 +24,7 @@ std::unique_ptr<AcDbObject> copyOfFree(const AcDbObject& object) {
   made.ownBytes = std::string(tagsOf(object).bytes());
   made.ownFormat = impl.ownFormat;
   made.copiedFromOwner = impl.copiedFromOwner;
+  made.namesFrom = impl.namesFrom;
   for (const auto& part : impl.parts) {
     made.parts.push_back(copyOfFree(*part));
     Access::of(*made.parts.back()).partOf = copy.get();
@@ -63,20 +64,6 @@ std::string missingXData(const TagList& from, const TagList& to) {
   return bytes;
 }
 
-Placement placementOf(const AcDbObject& object) {
-  const ObjectImpl& impl = Access::of(object);
-  const TagList& tags = tagsOf(object);
-  Placement placement;
-  placement.groups = groupsOf(tags);
-  placement.handle = tags.handleTag() == TagList::kNone ? 0 : tags.handleAt(tags.handleTag());
-  placement.owner = tags.ownerTag() == TagList::kNone ? 0 : tags.handleAt(tags.ownerTag());
-  if (impl.stub && impl.database->isEntity(*impl.stub)) {
-    const bool isPaper = tags.integer(code::kPaperSpace, place::kEntity.in(tags), 0) != 0;
-    placement.space = isPaper ? Placement::Space::Paper : Placement::Space::Model;
-  }
-  return placement;
-}
-
 /// Makes the parts of a resident owner those of a free object.
 void replaceParts(AcDbStub& owner, ObjectImpl& parts) {
   DatabaseImpl& database = DatabaseImpl::of(owner);
@@ -90,6 +77,20 @@ void replaceParts(AcDbStub& owner, ObjectImpl& parts) {
 }
 
 }  // namespace
+
+Placement quoin::db::placementOf(const AcDbObject& object) {
+  const ObjectImpl& impl = Access::of(object);
+  const TagList& tags = tagsOf(object);
+  Placement placement;
+  placement.groups = groupsOf(tags);
+  placement.handle = tags.handleTag() == TagList::kNone ? 0 : tags.handleAt(tags.handleTag());
+  placement.owner = tags.ownerTag() == TagList::kNone ? 0 : tags.handleAt(tags.ownerTag());
+  if (impl.stub && impl.database->isEntity(*impl.stub)) {
+    const bool isPaper = tags.integer(code::kPaperSpace, place::kEntity.in(tags), 0) != 0;
+    placement.space = isPaper ? Placement::Space::Paper : Placement::Space::Model;
+  }
+  return placement;
+}
 
 AcRxObject* AcDbObject::clone() const {
   try {

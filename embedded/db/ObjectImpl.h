@@ -45,6 +45,8 @@ struct ObjectImpl {
   AcDbObject* partOf = nullptr;
   /// Where the object that this is a copy of stood; decides what is kept of the copy's space.
   const AcDbStub* copiedFromOwner = nullptr;
+  /// The drawing in which names are looked up while the object is in none.
+  std::weak_ptr<DatabaseImpl* const> namesFrom;
 
   // --- decoded, until the record changes --------------------------------------------------
   std::optional<TagList> tags;

@@ -3,7 +3,10 @@
 #include <array>
 #include <unordered_map>
 
+#include "dbdict.h"
 #include "dbents.h"
+#include "dbmaterial.h"
+#include "dbmstyle.h"
 #include "dbmtext.h"
 #include "dbpl.h"
 #include "dbsymtb.h"
@@ -52,6 +55,10 @@ constexpr std::array kVertex3dParts{kEntitySubclass, Subclass{"AcDbVertex", kNoC
 constexpr std::array kPolyline2dParts{kEntitySubclass, Subclass{"AcDb2dPolyline", kNoCodes}};
 constexpr std::array kPolyline3dParts{kEntitySubclass, Subclass{"AcDb3dPolyline", kNoCodes}};
 constexpr std::array kEndParts{kEntitySubclass};
+// Nothing but the handle comes in front of a style's own tags.
+constexpr std::array kDimStyleHandleCodes{code::kDimStyleHandle};
+constexpr std::array kDimStyleParts{Subclass{"AcDbSymbolTableRecord", kDimStyleHandleCodes},
+                                    Subclass{"AcDbDimStyleTableRecord", kNoCodes}};
 
 // --- the classes ------------------------------------------------------------------------------
 
@@ -128,7 +135,8 @@ const std::array kEntries{
         "0 STYLE 100 AcDbSymbolTableRecord 100 AcDbTextStyleTableRecord 2 ~ 70 0 40 0.0 41 1.0 "
         "50 0.0 71 0 42 2.5 3 txt 4 ~"),
     entry<AcDbDimStyleTableRecord>(
-        "DIMSTYLE", "0 DIMSTYLE 100 AcDbSymbolTableRecord 100 AcDbDimStyleTableRecord 2 ~ 70 0"),
+        "DIMSTYLE", "0 DIMSTYLE 100 AcDbSymbolTableRecord 100 AcDbDimStyleTableRecord 2 ~ 70 0",
+        Version::R10, kDimStyleParts),
     entry<AcDbRegAppTableRecord>(
         "APPID", "0 APPID 100 AcDbSymbolTableRecord 100 AcDbRegAppTableRecord 2 ~ 70 0"),
     entry<AcDbUCSTableRecord>("UCS",
@@ -142,6 +150,29 @@ const std::array kEntries{
         "BLOCK_RECORD",
         "0 BLOCK_RECORD 100 AcDbSymbolTableRecord 100 AcDbBlockTableRecord 2 ~ 70 0 280 1 281 0"),
 };
+
+// Objects of dictionaries: records of the OBJECTS section and none other.
+const std::array kObjectEntries{
+    entry<AcDbDictionary>("DICTIONARY", "0 DICTIONARY 100 AcDbDictionary 281 1", Version::R13),
+    entry<AcDbDictionaryWithDefault>("ACDBDICTIONARYWDFLT",
+                                     "0 ACDBDICTIONARYWDFLT 100 AcDbDictionary 281 1 "
+                                     "100 AcDbDictionaryWithDefault",
+                                     Version::R2000),
+    entry<AcDbMlineStyle>("MLINESTYLE",
+                          "0 MLINESTYLE 100 AcDbMlineStyle 2 ~ 70 0 3 ~ 62 256 51 90.0 52 90.0 "
+                          "71 0",
+                          Version::R13),
+    entry<AcDbMaterial>("MATERIAL", "0 MATERIAL 100 AcDbMaterial 1 ~ 2 ~", Version::R2007),
+};
+
+const ClassEntry* objectEntry(std::string_view kind) {
+  for (const ClassEntry& entry : kObjectEntries) {
+    if (entry.kind == kind) {
+      return &entry;
+    }
+  }
+  return nullptr;
+}
 
 const std::array kTableEntries{
     entry<AcDbBlockTable>("BLOCK_RECORD", ""),
@@ -205,6 +236,9 @@ const ClassEntry* entryOf(const AcRxClass* descriptor) {
     for (const ClassEntry& entry : kEntries) {
       map.emplace(entry.descriptor(), &entry);
     }
+    for (const ClassEntry& entry : kObjectEntries) {
+      map.emplace(entry.descriptor(), &entry);
+    }
     return map;
   }();
   const auto found = byClass.find(descriptor);
@@ -237,9 +271,10 @@ const ClassEntry* entryOf(const AcDbStub& stub) {
       const bool needsTags = kind == "POLYLINE" || kind == "VERTEX" || kind == "INSERT";
       return needsTags ? entryOf(kind, database.tagsOf(stub)) : firstEntry(kind);
     }
+    case dxf::Role::Object:
+      return objectEntry(database.kindOf(stub));
     case dxf::Role::BlockBegin:
     case dxf::Role::BlockEnd:
-    case dxf::Role::Object:
     case dxf::Role::Other:
       break;
   }
@@ -263,6 +298,8 @@ dxf::Version firstVersionOf(std::string_view kind) {
       {"LIGHT", Version::R2007},         {"SECTION", Version::R2007},
       {"SURFACE", Version::R2007},       {"EXTRUDEDSURFACE", Version::R2007},
       {"LOFTEDSURFACE", Version::R2007}, {"REVOLVEDSURFACE", Version::R2007},
+      {"DICTIONARY", Version::R13},      {"MLINESTYLE", Version::R13},
+      {"MATERIAL", Version::R2007},      {"ACDBDICTIONARYWDFLT", Version::R2000},
       {"SWEPTSURFACE", Version::R2007},  {"PLANESURFACE", Version::R2007},
       {"MULTILEADER", Version::R2007},   {"MESH", Version::R2010}};
   const auto found = versions.find(kind);

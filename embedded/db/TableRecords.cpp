@@ -1,11 +1,10 @@
-// Records of symbol tables: layers, linetypes, styles, applications, coordinate systems.
+// Records of symbol tables: layers, linetypes, text styles, applications, coordinate systems.
 #include "dbsymtb.h"
 #include "embedded/db/EntityFields.h"
 
 ACRX_CONS_DEFINE_MEMBERS(AcDbLayerTableRecord, AcDbSymbolTableRecord)
 ACRX_CONS_DEFINE_MEMBERS(AcDbLinetypeTableRecord, AcDbSymbolTableRecord)
 ACRX_CONS_DEFINE_MEMBERS(AcDbTextStyleTableRecord, AcDbSymbolTableRecord)
-ACRX_CONS_DEFINE_MEMBERS(AcDbDimStyleTableRecord, AcDbSymbolTableRecord)
 ACRX_CONS_DEFINE_MEMBERS(AcDbRegAppTableRecord, AcDbSymbolTableRecord)
 ACRX_CONS_DEFINE_MEMBERS(AcDbViewTableRecord, AcDbSymbolTableRecord)
 ACRX_CONS_DEFINE_MEMBERS(AcDbUCSTableRecord, AcDbSymbolTableRecord)
@@ -211,30 +210,11 @@ bool AcDbTextStyleTableRecord::isVertical() const {
   return (integerOf(*this, place::kTextStyle, code::kFlags) & kIsVertical) != 0;
 }
 
-// --- dimension styles, applications, views, coordinate systems ------------------------------
+// --- applications, views, coordinate systems ------------------------------------------------
 
 namespace {
-constexpr Place kDimStyle{"AcDbDimStyleTableRecord", order::kRecordName};
 constexpr Place kUcs{"AcDbUCSTableRecord", order::kRecordName};
-constexpr int kDimScale = 40;
-constexpr int kDimArrowSize = 41;
-constexpr int kDimTextHeight = 140;
-constexpr double kFirstDimSize = 0.18;  // of arrows and text in a drawing that does not say
 }  // namespace
-
-AcDbDimStyleTableRecord::AcDbDimStyleTableRecord() = default;
-
-double AcDbDimStyleTableRecord::dimscale() const {
-  return numberOf(*this, kDimStyle, kDimScale, 1.0);
-}
-
-double AcDbDimStyleTableRecord::dimtxt() const {
-  return numberOf(*this, kDimStyle, kDimTextHeight, kFirstDimSize);
-}
-
-double AcDbDimStyleTableRecord::dimasz() const {
-  return numberOf(*this, kDimStyle, kDimArrowSize, kFirstDimSize);
-}
 
 AcDbRegAppTableRecord::AcDbRegAppTableRecord() = default;
 AcDbViewTableRecord::AcDbViewTableRecord() = default;

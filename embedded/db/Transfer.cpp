@@ -1,6 +1,7 @@
 #include "embedded/db/Transfer.h"
 
 #include <algorithm>
+#include <array>
 
 #include "dbents.h"
 #include "embedded/db/Registry.h"
@@ -39,6 +40,32 @@ Version firstVersionOfCommon(int code) {
   }
 }
 
+/// The same for tags of records that are no entities.
+Version firstVersionOfRecord(std::string_view kind, int code) {
+  struct Entry {
+    std::string_view kind;
+    int code;
+    Version since;
+  };
+  constexpr std::array kEntries{Entry{"LAYER", 290, Version::R2000},
+                                Entry{"LAYER", code::kLineWeight, Version::R2000},
+                                Entry{"LAYER", code::kPlotStyle, Version::R2000},
+                                Entry{"LAYER", code::kTrueColor, Version::R2004},
+                                Entry{"LAYER", code::kColorName, Version::R2004},
+                                Entry{"LAYER", code::kMaterial, Version::R2007},
+                                Entry{"LAYER", code::kVisualStyle, Version::R2007},
+                                Entry{"MLINESTYLE", code::kTrueColor, Version::R2004},
+                                Entry{"MLINESTYLE", code::kColorName, Version::R2004},
+                                Entry{"DICTIONARY", 280, Version::R2000},
+                                Entry{"DICTIONARY", 281, Version::R2000}};
+  for (const Entry& entry : kEntries) {
+    if (entry.code == code && entry.kind == kind) {
+      return entry.since;
+    }
+  }
+  return Version::R10;
+}
+
 [[noreturn]] void refuse(const TagList& source, const std::string& cause) {
   throw dxf::FileError(Acad::eIllegalEntityType,
                        std::string(dxf::trimmedValue(source[0])) + ": " + cause);
@@ -69,7 +96,7 @@ class Transferrer {
     if (m_target.hasSubclassMarkers() && !m_source.hasMarkers()) {
       putBodyWithNewMarkers(kind);
     } else {
-      putBody(isEntity);
+      putBody(kind, isEntity);
     }
     for (std::size_t i = m_source.body().last; i < m_source.size(); ++i) {
       put(i);
@@ -120,7 +147,7 @@ class Transferrer {
     }
   }
 
-  void putBody(bool isEntity) {
+  void putBody(std::string_view kind, bool isEntity) {
     const TagRange common = isEntity ? m_source.subclass(place::kEntity.marker) : TagRange{0, 0};
     bool isSpacePut = !isEntity;
     for (std::size_t i = m_source.body().first; i < m_source.body().last; ++i) {
@@ -138,6 +165,9 @@ class Transferrer {
         isSpacePut = true;
       }
       if (isCommon && (isSpaceTag(code) || firstVersionOfCommon(code) > m_target.version)) {
+        continue;
+      }
+      if (!isEntity && m_source.isOwn(i) && firstVersionOfRecord(kind, code) > m_target.version) {
         continue;
       }
       put(i);

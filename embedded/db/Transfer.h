@@ -21,6 +21,9 @@ struct Placement {
   Space space = Space::Keep;
 };
 
+/// What stands at the head of an object's record.
+Placement placementOf(const AcDbObject& object);
+
 /// Whether tags of the one format are tags of the other, byte for byte.
 bool isSameSpelling(const dxf::Format& a, const dxf::Format& b);
 

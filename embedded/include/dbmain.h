@@ -21,6 +21,7 @@
 
 class AcDbBlockTable;
 class AcDbBlockTableRecord;
+class AcDbDictionary;
 class AcDbDimStyleTable;
 class AcDbEntity;
 class AcDbLayerTable;
@@ -85,6 +86,10 @@ class HOST_API AcDbObject : public AcRxObject {
   AcDbDatabase* database() const;
   /// Null where it has none.
   AcDbObjectId extensionDictionary() const;
+  /// Gives the object an empty dictionary of its own.
+  /// Fails: eNotOpenForWrite, eNotInDatabase, eAlreadyInDb (it has one), eNotApplicable (files
+  /// before R13 have no dictionaries).
+  Acad::ErrorStatus createExtensionDictionary();
 
   // --- opening and closing ------------------------------------------------------------
   /// Ends one opening. After the last one the pointer must not be used any more.
@@ -96,8 +101,11 @@ class HOST_API AcDbObject : public AcRxObject {
   /// Fails: eNotOpenForWrite, eNotInDatabase.
   Acad::ErrorStatus downgradeOpen();
   /// Erases the object, with its vertices and attributes, or takes that back.
+  /// An object of a dictionary leaves it, and comes back under its name.
   /// Fails: eNotOpenForWrite, eWasErased (already so), eNotApplicable (a table, a block's
-  /// model space, layer "0": what a drawing cannot be without; taking back what is there).
+  /// model space, layer "0", a named dictionary: what a drawing cannot be without; an object
+  /// that another record points to; taking back what is there), eDuplicateKey (taking back
+  /// what another object has the name of by now).
   Acad::ErrorStatus erase(Adesk::Boolean erasing = Adesk::kTrue);
   /// Gives this object's id, handle and place to a new object of no database; both must be
   /// open for write. The new object is open for write then, this one belongs to the caller
@@ -352,6 +360,30 @@ class HOST_API AcDbDatabase : public AcRxObject {
   AcDbObjectId textStyleTableId() const;
   AcDbObjectId dimStyleTableId() const;
   AcDbObjectId regAppTableId() const;
+
+  // --- dictionaries -----------------------------------------------------------------------
+  // Each opens a dictionary in this mode. Opened for write, one that a drawing of R13 or later
+  // lacks is made.
+  // Fails: eNotApplicable (files before R13 have no dictionaries), eKeyNotFound (not there, to
+  // be read), and as acdbOpenObject; the pointer is null then.
+  Acad::ErrorStatus getNamedObjectsDictionary(AcDbDictionary*& dictionary,
+                                              AcDb::OpenMode mode = AcDb::kForRead);
+  Acad::ErrorStatus getMLStyleDictionary(AcDbDictionary*& dictionary,
+                                         AcDb::OpenMode mode = AcDb::kForRead);
+  Acad::ErrorStatus getMaterialDictionary(AcDbDictionary*& dictionary,
+                                          AcDb::OpenMode mode = AcDb::kForRead);
+  Acad::ErrorStatus getGroupDictionary(AcDbDictionary*& dictionary,
+                                       AcDb::OpenMode mode = AcDb::kForRead);
+  Acad::ErrorStatus getLayoutDictionary(AcDbDictionary*& dictionary,
+                                        AcDb::OpenMode mode = AcDb::kForRead);
+  Acad::ErrorStatus getPlotStyleNameDictionary(AcDbDictionary*& dictionary,
+                                               AcDb::OpenMode mode = AcDb::kForRead);
+  // Null where the drawing has none.
+  AcDbObjectId mLStyleDictionaryId() const;
+  AcDbObjectId materialDictionaryId() const;
+  AcDbObjectId groupDictionaryId() const;
+  AcDbObjectId layoutDictionaryId() const;
+  AcDbObjectId plotStyleNameDictionaryId() const;
 
   // --- well-known objects -----------------------------------------------------------------
   AcDbObjectId layerZero() const;

@@ -4,6 +4,7 @@
 // the file does not list are there too.
 #pragma once
 
+#include "dbdimvar.h"
 #include "dbmain.h"
 
 // --- the common part ------------------------------------------------------------------------
@@ -166,14 +167,80 @@ class HOST_API AcDbTextStyleTableRecord : public AcDbSymbolTableRecord {
 };
 ACDB_SYMBOL_TABLE(AcDbTextStyleTable, AcDbTextStyleTableRecord, AcDbTextStyleTableIterator);
 
+/// The settings of a dimension style, dimension variables by their names (dbdimvar.h).
+///
+/// Setters answer eNotOpenForWrite, eInvalidInput for a number that is not finite and for a
+/// value out of the variable's range; the setting stays as it was then. What the file's
+/// release does not know is taken and not written.
 class HOST_API AcDbDimStyleTableRecord : public AcDbSymbolTableRecord {
  public:
   ACRX_DECLARE_MEMBERS(AcDbDimStyleTableRecord);
   AcDbDimStyleTableRecord();
 
-  double dimscale() const;
-  double dimtxt() const;
-  double dimasz() const;
+#define ACDB_DECLARE_NUMBER(GET, SET, CODE, SINCE, MISSING) \
+  double GET() const;                                       \
+  Acad::ErrorStatus SET(double value);
+  ACDB_DIMENSION_NUMBERS(ACDB_DECLARE_NUMBER)
+#undef ACDB_DECLARE_NUMBER
+
+#define ACDB_DECLARE_INTEGER(GET, SET, CODE, SINCE, MISSING, LEAST, MOST) \
+  int GET() const;                                                        \
+  Acad::ErrorStatus SET(int value);
+  ACDB_DIMENSION_INTEGERS(ACDB_DECLARE_INTEGER)
+#undef ACDB_DECLARE_INTEGER
+
+#define ACDB_DECLARE_FLAG(GET, SET, CODE, SINCE, MISSING) \
+  bool GET() const;                                       \
+  Acad::ErrorStatus SET(bool value);
+  ACDB_DIMENSION_FLAGS(ACDB_DECLARE_FLAG)
+#undef ACDB_DECLARE_FLAG
+
+#define ACDB_DECLARE_COLOR(GET, SET, CODE) \
+  AcCmColor GET() const;                   \
+  Acad::ErrorStatus SET(const AcCmColor& value);
+  ACDB_DIMENSION_COLORS(ACDB_DECLARE_COLOR)
+#undef ACDB_DECLARE_COLOR
+
+#define ACDB_DECLARE_WEIGHT(GET, SET, CODE) \
+  AcDb::LineWeight GET() const;             \
+  Acad::ErrorStatus SET(AcDb::LineWeight value);
+  ACDB_DIMENSION_WEIGHTS(ACDB_DECLARE_WEIGHT)
+#undef ACDB_DECLARE_WEIGHT
+
+  // Texts are valid until the object changes or closes.
+#define ACDB_DECLARE_TEXT(GET, SET, CODE) \
+  const ACHAR* GET() const;               \
+  Acad::ErrorStatus SET(const ACHAR* value);
+  ACDB_DIMENSION_TEXTS(ACDB_DECLARE_TEXT)
+#undef ACDB_DECLARE_TEXT
+
+  /// 1 scientific, 2 decimal, 3 engineering, 4 architectural, 5 fractional (4 and 5 stacked),
+  /// 6 and 7 the same not stacked, 8 as the desktop has it. Files before R2000 have this
+  /// variable, later ones DIMLUNIT and DIMFRAC, which it stands for there.
+  int dimunit() const;
+  Acad::ErrorStatus setDimunit(int value);
+
+  // Arrow blocks; null is the host's own arrow, closed and filled. By name the block is looked
+  // up: in the record's drawing, for a record in no database in the drawing of the record it
+  // was copied from, else in the working database. A name of one of the host's own arrows
+  // ("ArchTick") finds its block under either spelling ("_ArchTick"); an empty name is null.
+  // Fails: eKeyNotFound (no block of this name), eNoDatabase (no drawing to look in), and for
+  // ids eNotThatKindOfClass, eWasErased, eWrongDatabase.
+#define ACDB_DECLARE_BLOCK(GET, SET, CODE, LEGACY) \
+  AcDbObjectId GET() const;                        \
+  Acad::ErrorStatus SET(AcDbObjectId block);       \
+  Acad::ErrorStatus SET(const ACHAR* name);
+  ACDB_DIMENSION_BLOCKS(ACDB_DECLARE_BLOCK)
+#undef ACDB_DECLARE_BLOCK
+
+  /// Null where the record names none. Files before R13 have no such setting.
+  AcDbObjectId dimtxsty() const;
+  Acad::ErrorStatus setDimtxsty(AcDbObjectId textStyle);
+
+  /// Takes over every setting of another style but its name. Blocks, text styles and linetypes
+  /// go along by name; what this record's drawing lacks of them is left out.
+  /// Fails: as AcDbObject::copyFrom.
+  Acad::ErrorStatus copyFrom(const AcRxObject* other) override;
 };
 ACDB_SYMBOL_TABLE(AcDbDimStyleTable, AcDbDimStyleTableRecord, AcDbDimStyleTableIterator);
 

@@ -8,6 +8,7 @@
 #include "adscodes.h"
 #include "support/GeometryText.h"
 #include "support/RunningHost.h"
+#include "support/Styles.h"
 
 namespace {
 
@@ -84,6 +85,74 @@ TEST(View, APlainTopViewIsOneOnlyInStandardDisplay) {
   EXPECT_TRUE(CAcadCommonTool::IsZAxisViewPort(kAcGiStandardDisplay));
   EXPECT_FALSE(CAcadCommonTool::IsZAxisViewPort(kAcGiHideOrShadeCommand));
   EXPECT_FALSE(CAcadCommonTool::IsZAxisViewPort(kAcGiShadedDisplay));
+}
+
+TEST(TextStyle, IsSharedAndNotLoadedAtTheBeginning) {
+  EXPECT_FALSE(CAcadCommonTool::s_bLoadStyle);
+  EXPECT_STREQ(CAcadCommonTool::s_txtStyle.fileName(), L"");
+  EXPECT_EQ(CAcadCommonTool::s_txtStyle.xScale(), 1.0);
+  EXPECT_FALSE(CAcadCommonTool::s_txtStyle.isVertical());
+}
+
+TEST(TextStyle, ComesFromADrawing) {
+  const quoin::test::Drawing drawing;
+  AcDbObjectId id;
+  acdbSymUtil()->getTextStyleId(id, L"Standard", &drawing.db());
+  AcGiTextStyle style;
+  EXPECT_EQ(fromAcDbTextStyle(style, id), Acad::eOk);
+  EXPECT_STREQ(style.styleName(), L"Standard");
+  EXPECT_STREQ(style.fileName(), L"txt");
+  EXPECT_EQ(fromAcDbTextStyle(style, drawing.db().layerZero()), Acad::eNotThatKindOfClass);
+  EXPECT_STREQ(style.fileName(), L"txt");
+}
+
+TEST(MlineStyle, IsMadeOneUnitWideAroundTheLine) {
+  const quoin::test::NoMisuse guard;
+  const quoin::test::Drawing drawing;
+  const AcDbObjectId id = CAcadCommonTool::GetMlineStyleId(&drawing.db(), L"Wall", true, false);
+  ASSERT_FALSE(id.isNull());
+  const AcDbObjectPointer<AcDbMlineStyle> style(id);
+  ASSERT_EQ(style.openStatus(), Acad::eOk);
+  EXPECT_STREQ(style->name(), L"Wall");
+  EXPECT_TRUE(style->startSquareCap());
+  EXPECT_FALSE(style->endSquareCap());
+  ASSERT_EQ(style->numElements(), 2);
+  for (int i = 0; i < 2; ++i) {
+    double offset = 0.0;
+    AcCmColor color;
+    AcDbObjectId linetype;
+    EXPECT_EQ(style->getElementAt(i, offset, color, linetype), Acad::eOk);
+    EXPECT_EQ(offset, i == 0 ? 0.5 : -0.5);
+    EXPECT_TRUE(color.isByLayer());
+  }
+  EXPECT_TRUE(hostx::openObjects(&drawing.db()).size() == 1);  // the style that is open here
+}
+
+TEST(MlineStyle, AnExistingOneStaysAsItIs) {
+  const quoin::test::NoMisuse guard;
+  const quoin::test::Drawing drawing;
+  const AcDbObjectId first = CAcadCommonTool::GetMlineStyleId(&drawing.db(), L"Wall", true, false);
+  const std::string before = drawing.saved();
+  EXPECT_EQ(CAcadCommonTool::GetMlineStyleId(&drawing.db(), L"Wall", false, true), first);
+  EXPECT_EQ(CAcadCommonTool::GetMlineStyleId(&drawing.db(), L"WALL", false, true), first);
+  EXPECT_EQ(drawing.saved(), before);
+}
+
+TEST(MlineStyle, IsNullWhereItCannotBeMade) {
+  const quoin::test::NoMisuse guard;
+  EXPECT_TRUE(CAcadCommonTool::GetMlineStyleId(nullptr, L"Wall", true, true).isNull());
+  const std::string r12 = quoin::test::asciiDxf(
+      quoin::test::entitiesOnly("0 LINE\n8 0\n10 1.0\n20 2.0\n11 3.0\n21 4.0\n"));
+  const quoin::test::Drawing old(r12);
+  EXPECT_TRUE(CAcadCommonTool::GetMlineStyleId(&old.db(), L"Wall", true, true).isNull());
+  EXPECT_EQ(old.saved(), r12);
+  const quoin::test::Drawing drawing;
+  EXPECT_TRUE(CAcadCommonTool::GetMlineStyleId(&drawing.db(), L"", true, true).isNull());
+  EXPECT_TRUE(CAcadCommonTool::GetMlineStyleId(&drawing.db(), L"a|b", true, true).isNull());
+  const AcDbObjectPointer<AcDbDictionary> held(drawing.db().mLStyleDictionaryId());
+  EXPECT_TRUE(CAcadCommonTool::GetMlineStyleId(&drawing.db(), L"Wall", true, true).isNull());
+  EXPECT_EQ(quoin::test::namesIn(drawing.db().mLStyleDictionaryId()),
+            (std::vector<std::wstring>{L"Standard"}));
 }
 
 }  // namespace
