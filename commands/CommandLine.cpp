@@ -81,7 +81,8 @@ int runChecked(int argc, const char* const* argv) {
   std::vector<std::pair<CLI::App*, std::unique_ptr<Command>>> commands;
   for (std::unique_ptr<Command> (*make)() :
        {&makeBreakCommand, &makeDrawCommand, &makeMergeCommand, &makeTrimAxesCommand,
-        &makeOutlineCommand, &makeSolidCommand, &makeRunCommand, &makeInfoCommand}) {
+        &makeOutlineCommand, &makeSolidCommand, &makeStyleCommand, &makePaintCommand,
+        &makeMatchPropertiesCommand, &makeRunCommand, &makeInfoCommand}) {
     std::unique_ptr<Command> command = make();
     CLI::App* const declared = command->declare(app);
     commands.emplace_back(declared, std::move(command));

@@ -36,13 +36,20 @@ class PlanPainter {
 
   void paintBlock(const AcDbObjectId& block, const AcGeMatrix3d& toWorld, int depth) {
     m_drawing.forEachEntity(block, [&](const AcDbObjectId& id) {
-      if (!m_except.count(id) && !m_hidden.count(hostx::layerName(id))) {
-        AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-        if (entity.openStatus() == Acad::eOk && entity->visibility() == AcDb::kVisible) {
-          paint(*entity.object(), toWorld, depth);
-        }
+      if (!m_except.count(id)) {
+        paintEntity(id, toWorld, depth);
       }
     });
+  }
+
+  void paintEntity(const AcDbObjectId& id, const AcGeMatrix3d& toWorld, int depth) {
+    if (m_hidden.count(hostx::layerName(id))) {
+      return;
+    }
+    const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+    if (entity.openStatus() == Acad::eOk && entity->visibility() == AcDb::kVisible) {
+      paint(*entity.object(), toWorld, depth);
+    }
   }
 
  private:
@@ -205,6 +212,27 @@ class PlanPainter {
 void addPlanShapes(Picture& picture, Drawing& drawing, const std::set<AcDbObjectId>& except) {
   PlanPainter(picture, drawing, except)
       .paintBlock(drawing.modelSpaceId(), AcGeMatrix3d::kIdentity, 0);
+}
+
+void addEntityShapes(Picture& picture, Drawing& drawing, const std::vector<AcDbObjectId>& entities,
+                     const Color& color, double width) {
+  const std::size_t firstPath = picture.paths.size();
+  const std::size_t firstLabel = picture.labels.size();
+  const std::set<AcDbObjectId> none;
+  PlanPainter painter(picture, drawing, none);
+  for (const AcDbObjectId& id : entities) {
+    painter.paintEntity(id, AcGeMatrix3d::kIdentity, 0);
+  }
+  for (std::size_t i = firstPath; i < picture.paths.size(); ++i) {
+    Path& path = picture.paths[i];
+    path.color = color;
+    path.width = width;
+    picture.focus.insert(picture.focus.end(), path.points.begin(), path.points.end());
+  }
+  for (std::size_t i = firstLabel; i < picture.labels.size(); ++i) {
+    picture.labels[i].color = color;
+    picture.focus.push_back(picture.labels[i].position);
+  }
 }
 
 void appendBulge(std::vector<AcGePoint2d>& points, const AcGePoint2d& from, const AcGePoint2d& to,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <set>
+#include <vector>
 
 #include "commands/Drawing.h"
 #include "commands/picture/Picture.h"
@@ -12,6 +13,10 @@ namespace quoin::commands {
 /// references with what is in them) to the picture, except for the named entities. Layers
 /// that are off or frozen do not show. Kinds that the host does not know are left out.
 void addPlanShapes(Picture& picture, Drawing& drawing, const std::set<AcDbObjectId>& except);
+
+/// Adds these entities in one colour, and says that the view must hold them; labels count.
+void addEntityShapes(Picture& picture, Drawing& drawing, const std::vector<AcDbObjectId>& entities,
+                     const Color& color, double width);
 
 /// The points of an arc from one point to another with a bulge (the tangent of a quarter of
 /// its angle, positive counter-clockwise), the first point left out.

@@ -16,13 +16,7 @@ namespace os = quoin::os;
 
 namespace {
 
-constexpr std::array kDimOrder{2,   70,  3,   4,   5,   6,   7,   40,  41,  42,  43,  44,  45,  46,
-                               47,  48,  49,  50,  140, 141, 142, 143, 144, 145, 146, 147, 148, 69,
-                               71,  72,  73,  74,  75,  76,  77,  78,  79,  90,  170, 171, 172, 173,
-                               174, 175, 176, 177, 178, 179, 270, 271, 272, 273, 274, 275, 276, 277,
-                               278, 279, 280, 281, 282, 283, 284, 285, 286, 287, 288, 289, 290, 294,
-                               340, 341, 342, 343, 344, 371, 372, 345, 346, 347};
-constexpr Place kDimStyle{"AcDbDimStyleTableRecord", kDimOrder};
+constexpr const Place& kDimStyle = place::kDimStyle;
 constexpr int kTextStyleCode = 340;
 
 dxf::Version versionOf(const AcDbDimStyleTableRecord& style) {

@@ -120,7 +120,9 @@ std::string freeDimStyle(const TagList& style, DatabaseImpl& database) {
     std::string bytes;
     if (const DimReference* const legacy = legacyReferenceOf(code);
         legacy && version < Version::R2000) {
-      if (const std::wstring name = tags.textAt(i); !name.empty()) {
+      // Read where it stood: under the code of handles texts are not transcoded.
+      const std::wstring name = style.text(code, place::kDimStyle.in(style)).value_or(L"");
+      if (!name.empty()) {
         dxf::putText(bytes, legacy->code, name, neutral);
       }
     } else if (const DimReference* const reference = dimReferenceOf(code)) {
@@ -147,6 +149,7 @@ std::string placedDimStyle(const TagList& freeStyle, DatabaseImpl& database,
   const dxf::Format& neutral = freeStyle.format();
   const Version version = database.format().version;
   const TagRange body = freeStyle.body();
+  std::vector<std::pair<int, std::wstring>> legacyNames;
   RecordEdit edit(freeStyle);
   for (std::size_t i = body.first; i < body.last; ++i) {
     if (!freeStyle.isOwn(i)) {
@@ -159,7 +162,7 @@ std::string placedDimStyle(const TagList& freeStyle, DatabaseImpl& database,
       if (found && version >= reference->since && found->handle != 0) {
         dxf::putHandle(bytes, code, found->handle, neutral);
       } else if (found && version < reference->since && reference->legacyCode != 0) {
-        dxf::putText(bytes, reference->legacyCode, database.recordName(*found), neutral);
+        legacyNames.emplace_back(reference->legacyCode, database.recordName(*found));
       }
     } else if (code == dim::kLinearUnit && version < Version::R2000 && version >= Version::R13) {
       const auto fraction = freeStyle.integer(dim::kFraction, body, 0);
@@ -172,7 +175,13 @@ std::string placedDimStyle(const TagList& freeStyle, DatabaseImpl& database,
     edit.replace({i, i + 1}, std::move(bytes));
   }
   const std::string adapted = edit.bytes();
-  return transferred(TagList(adapted, neutral), database.format(), placement);
+  const std::string placed = transferred(TagList(adapted, neutral), database.format(), placement);
+  const TagList placedTags(placed, database.format());
+  RecordEdit naming(placedTags);
+  for (const auto& [code, name] : legacyNames) {
+    naming.setText(place::kDimStyle, code, name);
+  }
+  return naming.bytes();
 }
 
 }  // namespace quoin::db

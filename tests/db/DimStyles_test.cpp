@@ -271,6 +271,27 @@ TEST(DimStyles, StylesOfR12GoIntoNewDrawingsAndBack) {
   EXPECT_EQ(placed->dimtxt(), 0.25);
 }
 
+TEST(DimStyles, ArrowNamesOfOldReleasesKeepTheirCodePage) {
+  std::string text = smallR12();
+  text.insert(text.find("0 ENDSEC"), "9 $DWGCODEPAGE\n3 ANSI_936\n");
+  const std::string mark = "\xBD\xA8\xD6\xFE\xB1\xEA\xBC\xC7";  // 建筑标记 in GBK
+  for (std::size_t at = text.find("TICK"); at != std::string::npos; at = text.find("TICK")) {
+    text.replace(at, 4, mark);
+  }
+  const Drawing drawing(asciiDxf(text));
+  auto* const style = new AcDbDimStyleTableRecord;
+  {
+    const AcDbObjectPointer<AcDbDimStyleTableRecord> standard(standardOf(drawing));
+    EXPECT_EQ(standard->dimblk(), blockOf(drawing, L"建筑标记"));
+    EXPECT_EQ(style->copyFrom(standard.object()), Acad::eOk);
+  }
+  EXPECT_EQ(style->dimblk(), blockOf(drawing, L"建筑标记"));
+  style->setName(L"PLAN");
+  addStyle(drawing, style);
+  EXPECT_NE(drawing.saved().find(asciiDxf("2 PLAN\n70 0\n3\n4\n5 " + mark + "\n40 2.0\n")),
+            std::string::npos);
+}
+
 TEST(DimStyles, R14HasTheUnitInOneVariable) {
   std::string text = smallR2000();
   text.replace(text.find("AC1015"), 6, "AC1014");

@@ -1,0 +1,72 @@
+#include "commands/ChosenEntities.h"
+
+#include <fmt/format.h>
+
+#include "commands/CommandError.h"
+#include "commands/CommonOptions.h"
+#include "commands/Progress.h"
+#include "dbobjptr.h"
+#include "embedded/os/Utf8.h"
+
+namespace quoin::commands {
+
+ChosenEntities chooseEntities(Drawing& drawing, const std::set<std::wstring>& layers,
+                              const AcDbObjectId& except) {
+  std::set<std::wstring> locked;
+  for (const LayerContent& layer : drawing.layers()) {
+    if (layer.isLocked) {
+      locked.insert(layer.name);
+    }
+  }
+  ChosenEntities chosen;
+  drawing.forEachEntity(drawing.modelSpaceId(), [&](const AcDbObjectId& id) {
+    const std::wstring layer = hostx::layerName(id);
+    if (id == except || !layers.count(layer)) {
+      return;
+    }
+    if (locked.count(layer)) {
+      ++chosen.onLockedLayers;
+      return;
+    }
+    chosen.entities.push_back(id);
+    ++chosen.countOfKind[hostx::kindName(id)];
+  });
+  if (chosen.entities.empty() && chosen.onLockedLayers == 0) {
+    throw CommandError(ExitCode::NothingToDo,
+                       fmt::format("{}: nothing to change on {} in model space",
+                                   drawing.file().string(), namesText(layers)));
+  }
+  return chosen;
+}
+
+void changeEach(const Drawing& drawing, const ChosenEntities& chosen,
+                const std::function<void(AcDbEntity&)>& change) {
+  constexpr std::size_t kBetweenLooks = 1024;  // entities between two looks at Ctrl-C
+  std::size_t count = 0;
+  for (const AcDbObjectId& id : chosen.entities) {
+    if (++count % kBetweenLooks == 0) {
+      Progress::checkInterrupt();
+    }
+    const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
+    check(entity.openStatus(), drawing, id, "open");
+    change(*entity.object());
+  }
+}
+
+std::string kindsText(const ChosenEntities& chosen) {
+  std::string text;
+  for (const auto& [kind, count] : chosen.countOfKind) {
+    text += fmt::format("{}{} {}", text.empty() ? "" : ", ", count, os::toUtf8(kind));
+  }
+  return text;
+}
+
+nlohmann::json kindsJson(const ChosenEntities& chosen) {
+  nlohmann::json kinds = nlohmann::json::object();
+  for (const auto& [kind, count] : chosen.countOfKind) {
+    kinds[os::toUtf8(kind)] = count;
+  }
+  return kinds;
+}
+
+}  // namespace quoin::commands
