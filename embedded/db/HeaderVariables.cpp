@@ -1,4 +1,7 @@
 // Header variables that the database answers by name.
+#include <cmath>
+#include <limits>
+
 #include "dbsymtb.h"
 #include "embedded/db/EntityFields.h"
 
@@ -70,6 +73,58 @@ Acad::ErrorStatus setVariable(DatabaseImpl& database, std::string_view name, Put
     return statusOfException();
   }
 }
+
+/// Writes a number unless the drawing has it already.
+Acad::ErrorStatus setNumberVariable(DatabaseImpl& database, std::string_view name, int code,
+                                    double before, double value, double least,
+                                    dxf::Version since = dxf::Version::R10) {
+  if (!std::isfinite(value) || value < least) {
+    return Acad::eInvalidInput;
+  }
+  if (database.format().version < since) {
+    return Acad::eNotApplicable;
+  }
+  return value == before ? Acad::eOk : setVariable(database, name, [&](std::string& tags) {
+    dxf::putDouble(tags, code, value, database.format());
+  });
+}
+
+Acad::ErrorStatus setIntegerVariable(DatabaseImpl& database, std::string_view name, int code,
+                                     std::int64_t before, std::int64_t value,
+                                     dxf::Version since = dxf::Version::R10) {
+  if (database.format().version < since) {
+    return Acad::eNotApplicable;
+  }
+  return value == before ? Acad::eOk : setVariable(database, name, [&](std::string& tags) {
+    dxf::putInteger(tags, code, value, database.format());
+  });
+}
+
+/// Writes the name of a table's record.
+Acad::ErrorStatus setRecordVariable(DatabaseImpl& database, std::string_view name, int code,
+                                    TableKind kind, AcDbObjectId before, AcDbObjectId value) {
+  const AcDbStub* const stub = value;
+  if (!stub) {
+    return Acad::eNullObjectId;
+  }
+  if (stub->store != &database.store) {
+    return Acad::eWrongDatabase;
+  }
+  if (stub->role != dxf::Role::TableRecord || database.kindOf(*stub) != fileName(kind)) {
+    return Acad::eNotThatKindOfClass;
+  }
+  if (database.isErased(*stub)) {
+    return Acad::eWasErased;
+  }
+  return value == before ? Acad::eOk : setVariable(database, name, [&](std::string& tags) {
+    dxf::putText(tags, code, database.recordName(*stub), database.format());
+  });
+}
+
+constexpr double kAnyNumber = std::numeric_limits<double>::lowest();
+constexpr double kAboveZero = std::numeric_limits<double>::denorm_min();
+constexpr int kNumberCode = 40;
+constexpr int kTextStyleCode = 7;
 
 }  // namespace
 
@@ -171,4 +226,83 @@ AcGePoint3d AcDbDatabase::extmax() const {
 
 AcGePoint3d AcDbDatabase::insbase() const {
   return pointVariable(*m_impl, "$INSBASE", AcGePoint3d::kOrigin);
+}
+
+// --- setters --------------------------------------------------------------------------------
+
+Acad::ErrorStatus AcDbDatabase::setCecolor(const AcCmColor& color) {
+  if (color.isNone()) {
+    return Acad::eInvalidInput;
+  }
+  return setIntegerVariable(*m_impl, "$CECOLOR", code::kColor, cecolor().colorIndex(),
+                            color.colorIndex());
+}
+
+Acad::ErrorStatus AcDbDatabase::setCeltype(AcDbObjectId linetype) {
+  return setRecordVariable(*m_impl, "$CELTYPE", code::kLinetype, TableKind::Linetype, celtype(),
+                           linetype);
+}
+
+Acad::ErrorStatus AcDbDatabase::setCeltscale(double scale) {
+  return setNumberVariable(*m_impl, "$CELTSCALE", kNumberCode, celtscale(), scale, kAboveZero,
+                           dxf::Version::R13);
+}
+
+Acad::ErrorStatus AcDbDatabase::setCelweight(AcDb::LineWeight weight) {
+  if (weight < AcDb::kLnWtByLwDefault || weight > AcDb::kLnWt211) {
+    return Acad::eInvalidInput;
+  }
+  return setIntegerVariable(*m_impl, "$CELWEIGHT", code::kLineWeight, celweight(), weight,
+                            dxf::Version::R2000);
+}
+
+Acad::ErrorStatus AcDbDatabase::setLtscale(double scale) {
+  return setNumberVariable(*m_impl, "$LTSCALE", kNumberCode, ltscale(), scale, kAboveZero);
+}
+
+Acad::ErrorStatus AcDbDatabase::setTextsize(double size) {
+  return setNumberVariable(*m_impl, "$TEXTSIZE", kNumberCode, textsize(), size, kAboveZero);
+}
+
+Acad::ErrorStatus AcDbDatabase::setTextstyle(AcDbObjectId style) {
+  return setRecordVariable(*m_impl, "$TEXTSTYLE", kTextStyleCode, TableKind::TextStyle, textstyle(),
+                           style);
+}
+
+Acad::ErrorStatus AcDbDatabase::setDimscale(double scale) {
+  return setNumberVariable(*m_impl, "$DIMSCALE", kNumberCode, dimscale(), scale, 0.0);
+}
+
+Acad::ErrorStatus AcDbDatabase::setPdmode(Adesk::Int16 mode) {
+  return setIntegerVariable(*m_impl, "$PDMODE", code::kFlags, pdmode(), mode);
+}
+
+Acad::ErrorStatus AcDbDatabase::setPdsize(double size) {
+  return setNumberVariable(*m_impl, "$PDSIZE", kNumberCode, pdsize(), size, kAnyNumber);
+}
+
+Acad::ErrorStatus AcDbDatabase::setInsbase(const AcGePoint3d& base) {
+  if (!std::isfinite(base.x) || !std::isfinite(base.y) || !std::isfinite(base.z)) {
+    return Acad::eInvalidInput;
+  }
+  const AcGePoint3d before = insbase();
+  if (before.x == base.x && before.y == base.y && before.z == base.z) {
+    return Acad::eOk;
+  }
+  return setVariable(*m_impl, "$INSBASE", [&](std::string& tags) {
+    constexpr int kFirstAxis = 10;
+    constexpr int kAxisStep = 10;
+    for (unsigned int axis = 0; axis < 3; ++axis) {
+      dxf::putDouble(tags, kFirstAxis + kAxisStep * static_cast<int>(axis), base[axis],
+                     m_impl->format());
+    }
+  });
+}
+
+Acad::ErrorStatus AcDbDatabase::setMeasurement(Adesk::Int16 system) {
+  if (system != 0 && system != 1) {
+    return Acad::eInvalidInput;
+  }
+  return setIntegerVariable(*m_impl, "$MEASUREMENT", code::kFlags, measurement(), system,
+                            dxf::Version::R14);
 }

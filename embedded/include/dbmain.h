@@ -426,6 +426,22 @@ class HOST_API AcDbDatabase : public AcRxObject {
   AcGePoint3d extmin() const;
   AcGePoint3d extmax() const;
   AcGePoint3d insbase() const;
+  // Setters leave a file alone that has the value already, said or by default.
+  // Fails: eInvalidInput (not finite, or out of the variable's range), eNotApplicable (the
+  // file's release has no such variable), and for ids what they are not.
+  /// Of a true colour the palette's nearest is written.
+  Acad::ErrorStatus setCecolor(const AcCmColor& color);
+  Acad::ErrorStatus setCeltype(AcDbObjectId linetype);
+  Acad::ErrorStatus setCeltscale(double scale);
+  Acad::ErrorStatus setCelweight(AcDb::LineWeight weight);
+  Acad::ErrorStatus setLtscale(double scale);
+  Acad::ErrorStatus setTextsize(double size);
+  Acad::ErrorStatus setTextstyle(AcDbObjectId style);
+  Acad::ErrorStatus setDimscale(double scale);
+  Acad::ErrorStatus setPdmode(Adesk::Int16 mode);
+  Acad::ErrorStatus setPdsize(double size);
+  Acad::ErrorStatus setInsbase(const AcGePoint3d& base);
+  Acad::ErrorStatus setMeasurement(Adesk::Int16 system);
 
  private:
   friend struct quoin::db::Access;

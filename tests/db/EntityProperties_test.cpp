@@ -217,6 +217,44 @@ TEST(EntityProperties, R12KnowsFewerProperties) {
             asciiDxf(entitiesOnly("0 LINE\n8 A\n62 2\n10 1.0\n20 2.0\n11 3.0\n21 4.0\n")));
 }
 
+TEST(EntityProperties, PartsGoAlongWhereAsked) {
+  const NoMisuse guard;
+  const std::string polyline =
+      "0 POLYLINE\n8 A\n66 1\n0 VERTEX\n8 A\n10 0.0\n20 0.0\n0 VERTEX\n8 A\n10 1.0\n20 0.0\n"
+      "0 SEQEND\n8 A\n0 LINE\n8 B\n10 1.0\n20 2.0\n11 3.0\n21 4.0\n";
+  const Drawing drawing(asciiDxf(entitiesOnly(polyline)));
+  const AcDbObjectPointer<AcDbEntity> entity(entitiesOf(drawing.db()).at(0), AcDb::kForWrite);
+  EXPECT_EQ(entity->setColorIndex(2, false), Acad::eOk);
+  EXPECT_EQ(entity->setLayer(L"B", true), Acad::eOk);
+  EXPECT_EQ(entity->setLinetype(L"Continuous", true), Acad::eOk);
+  EXPECT_EQ(entity->setLineWeight(AcDb::kLnWt050, true), Acad::eOk);
+  EXPECT_EQ(entity->setMaterial(AcDbObjectId::kNull, true), Acad::eOk);
+  EXPECT_EQ(drawing.saved(),
+            asciiDxf(entitiesOnly(
+                "0 POLYLINE\n8 B\n6 Continuous\n62 2\n66 1\n0 VERTEX\n8 B\n6 Continuous\n"
+                "10 0.0\n20 0.0\n0 VERTEX\n8 B\n6 Continuous\n10 1.0\n20 0.0\n0 SEQEND\n8 B\n"
+                "6 Continuous\n0 LINE\n8 B\n10 1.0\n20 2.0\n11 3.0\n21 4.0\n")));
+}
+
+TEST(EntityProperties, PartsOfAFreePolylineGoAlongToo) {
+  AcGePoint3dArray points;
+  points.append(AcGePoint3d());
+  points.append(AcGePoint3d(1, 0, 0));
+  AcDb2dPolyline polyline(points);
+  AcCmColor color;
+  color.setRGB(1, 2, 3);
+  EXPECT_EQ(polyline.setColor(color, true), Acad::eOk);
+  EXPECT_EQ(polyline.setLineWeight(AcDb::kLnWt050, true), Acad::eOk);
+  const std::unique_ptr<AcDbObjectIterator> walk(polyline.vertexIterator());
+  int count = 0;
+  for (; !walk->done(); walk->step()) {
+    EXPECT_EQ(walk->entity()->color(), color);
+    EXPECT_EQ(walk->entity()->lineWeight(), AcDb::kLnWt050);
+    ++count;
+  }
+  EXPECT_EQ(count, 2);
+}
+
 TEST(Colours, ThePaletteHasItsKnownColours) {
   EXPECT_EQ(AcCmEntityColor::lookUpRGB(1), 0xFF0000U);
   EXPECT_EQ(AcCmEntityColor::lookUpRGB(7), 0xFFFFFFU);

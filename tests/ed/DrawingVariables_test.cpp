@@ -78,12 +78,40 @@ TEST_F(DrawingVariablesTest, OnlyALayerThatTheDrawingHasAndThatIsNotFrozenBecome
   EXPECT_EQ(getText(L"CLAYER"), L"WALLS");
 }
 
-TEST_F(DrawingVariablesTest, AValueThatTheDrawingCannotBeToldStaysWithTheDocument) {
-  EXPECT_EQ(get(L"LTSCALE").resval.rreal, drawing->ltscale());
-  const double before = drawing->ltscale();
-  EXPECT_EQ(setReal(L"LTSCALE", before + 4.0), RTNORM);
-  EXPECT_EQ(get(L"LTSCALE").resval.rreal, before + 4.0);
-  EXPECT_EQ(drawing->ltscale(), before);
+TEST_F(DrawingVariablesTest, NumbersReachTheDrawing) {
+  EXPECT_EQ(setReal(L"LTSCALE", 25.0), RTNORM);
+  EXPECT_EQ(drawing->ltscale(), 25.0);
+  EXPECT_EQ(setReal(L"CELTSCALE", 2.0), RTNORM);
+  EXPECT_EQ(drawing->celtscale(), 2.0);
+  EXPECT_EQ(setReal(L"TEXTSIZE", 3.5), RTNORM);
+  EXPECT_EQ(drawing->textsize(), 3.5);
+  EXPECT_EQ(setReal(L"DIMSCALE", 100.0), RTNORM);
+  EXPECT_EQ(drawing->dimscale(), 100.0);
+  EXPECT_EQ(setReal(L"PDSIZE", -5.0), RTNORM);
+  EXPECT_EQ(drawing->pdsize(), -5.0);
+  EXPECT_EQ(setShort(L"PDMODE", 34), RTNORM);
+  EXPECT_EQ(drawing->pdmode(), 34);
+  EXPECT_EQ(setShort(L"MEASUREMENT", 0), RTNORM);
+  EXPECT_EQ(drawing->measurement(), 0);
+  EXPECT_EQ(setShort(L"CELWEIGHT", 50), RTNORM);
+  EXPECT_EQ(drawing->celweight(), AcDb::kLnWt050);
+  EXPECT_EQ(setReal(L"LTSCALE", 0.0), RTERROR);
+  EXPECT_EQ(drawing->ltscale(), 25.0);
+  resbuf base = {};
+  base.restype = RT3DPOINT;
+  base.resval.rpoint[1] = 7.0;
+  EXPECT_EQ(acedSetVar(L"INSBASE", &base), RTNORM);
+  EXPECT_EQ(drawing->insbase().y, 7.0);
+}
+
+TEST_F(DrawingVariablesTest, NamesMustBeThoseOfTheDrawing) {
+  EXPECT_EQ(setText(L"CELTYPE", L"continuous"), RTNORM);
+  EXPECT_EQ(drawing->celtype(), drawing->continuousLinetype());
+  EXPECT_EQ(setText(L"CELTYPE", L"Missing"), RTERROR);
+  EXPECT_EQ(getText(L"CELTYPE"), L"Continuous");
+  EXPECT_EQ(setText(L"TEXTSTYLE", L"STANDARD"), RTNORM);
+  EXPECT_EQ(setText(L"TEXTSTYLE", L"Missing"), RTERROR);
+  EXPECT_EQ(getText(L"TEXTSTYLE"), L"Standard");
 }
 
 TEST_F(DrawingVariablesTest, EveryOneReadsAsTheDrawingSays) {
