@@ -4,8 +4,11 @@
 #include <cmath>
 
 #include "commands/Polylines.h"
+#include "dbdim.h"
+#include "dbelipse.h"
 #include "dbmtext.h"
 #include "dbobjptr.h"
+#include "dbspline.h"
 #include "dbsymtb.h"
 #include "embedded/os/Utf8.h"
 
@@ -16,6 +19,10 @@ namespace {
 constexpr double kPi = 3.14159265358979323846;
 /// Arcs are drawn as chords of at most this angle, in radians (6 degrees).
 constexpr double kChordAngle = kPi / 30.0;
+constexpr int kEllipseChords = 60;
+/// Chords of one span of a spline, and of a whole one.
+constexpr int kChordsOfSpan = 24;
+constexpr int kMostChords = 2000;
 /// Deeper nesting of blocks is a block inside itself.
 constexpr int kDeepestBlock = 16;
 
@@ -61,6 +68,12 @@ class PlanPainter {
                toWorld);
     } else if (const AcDbCircle* circle = AcDbCircle::cast(&entity)) {
       paintArc(circle->center(), circle->normal(), circle->radius(), 0.0, 2.0 * kPi, toWorld);
+    } else if (const AcDbEllipse* ellipse = AcDbEllipse::cast(&entity)) {
+      paintCurve(*ellipse, kEllipseChords, toWorld);
+    } else if (const AcDbSpline* spline = AcDbSpline::cast(&entity)) {
+      paintSpline(*spline, toWorld);
+    } else if (const AcDbDimension* dimension = AcDbDimension::cast(&entity)) {
+      paintDimension(*dimension, toWorld, depth);
     } else if (isPolyline(entity)) {
       paintPolyline(readPolyline(entity), toWorld);
     } else if (const AcDbBlockReference* reference = AcDbBlockReference::cast(&entity)) {
@@ -110,6 +123,47 @@ class PlanPainter {
           center + plane * AcGeVector3d(radius * std::cos(angle), radius * std::sin(angle), 0.0));
     }
     addPath(points, false, toWorld);
+  }
+
+  /// A curve between its parameters as chords.
+  template <class Curve>
+  void paintCurve(const Curve& curve, int chords, const AcGeMatrix3d& toWorld) {
+    double start = 0.0;
+    double end = 0.0;
+    if (curve.getStartParam(start) != Acad::eOk || curve.getEndParam(end) != Acad::eOk) {
+      return;
+    }
+    std::vector<AcGePoint3d> points(static_cast<std::size_t>(chords) + 1);
+    for (int i = 0; i <= chords; ++i) {
+      curve.getPointAtParam(start + (end - start) * i / chords,
+                            points[static_cast<std::size_t>(i)]);
+    }
+    addPath(points, false, toWorld);
+  }
+
+  void paintSpline(const AcDbSpline& spline, const AcGeMatrix3d& toWorld) {
+    if (spline.numControlPoints() > 0) {
+      const int chords = kChordsOfSpan * std::max(1, spline.numControlPoints() - spline.degree());
+      paintCurve(spline, std::min(chords, kMostChords), toWorld);
+      return;
+    }
+    // Fit points alone: the course between them is not in the drawing.
+    std::vector<AcGePoint3d> points(static_cast<std::size_t>(spline.numFitPoints()));
+    for (std::size_t i = 0; i < points.size(); ++i) {
+      spline.getFitPointAt(static_cast<int>(i), points[i]);
+    }
+    if (points.size() > 1) {
+      addPath(points, spline.isClosed(), toWorld);
+    }
+  }
+
+  /// What the dimension's own block holds, in world coordinates but for its moving.
+  void paintDimension(const AcDbDimension& dimension, const AcGeMatrix3d& toWorld, int depth) {
+    const AcDbObjectId block = dimension.dimBlockId();
+    if (depth < kDeepestBlock && !block.isNull()) {
+      const AcGeVector3d move = dimension.dimBlockPosition() - AcGePoint3d::kOrigin;
+      paintBlock(block, toWorld * AcGeMatrix3d().setToTranslation(move), depth + 1);
+    }
   }
 
   void paintPolyline(const PolylineShape& shape, const AcGeMatrix3d& toWorld) {
@@ -171,7 +225,7 @@ class PlanPainter {
     // Aligned and fitted texts run between two points, so the first one is their left end.
     const bool isBetween = along == AcDb::kTextAlign || along == AcDb::kTextFit;
     const bool isByPosition = text.isDefaultAlignment() || isBetween;
-    Label* const label = addLabel(takeText(text.textString()),
+    Label* const label = addLabel(withoutCodes(takeText(text.textString())),
                                   isByPosition ? text.position() : text.alignmentPoint(),
                                   text.height(), text.rotation(), toWorld);
     if (!label || isByPosition) {
@@ -208,6 +262,45 @@ class PlanPainter {
 };
 
 }  // namespace
+
+std::wstring withoutCodes(std::wstring_view text) {
+  std::wstring plain;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool isCode = text[i] == L'%' && i + 2 < text.size() && text[i + 1] == L'%';
+    if (!isCode) {
+      plain += text[i];
+      continue;
+    }
+    i += 2;
+    switch (text[i]) {
+      case L'd':
+      case L'D':
+        plain += L'\u00B0';  // degrees
+        break;
+      case L'p':
+      case L'P':
+        plain += L'\u00B1';  // plus or minus
+        break;
+      case L'c':
+      case L'C':
+        plain += L'\u2300';  // diameter
+        break;
+      case L'%':
+        plain += L'%';
+        break;
+      case L'u':
+      case L'U':
+      case L'o':
+      case L'O':
+      case L'k':
+      case L'K':
+        break;  // lines under, over and through what follows
+      default:
+        plain += text.substr(i - 2, 3);
+    }
+  }
+  return plain;
+}
 
 void addPlanShapes(Picture& picture, Drawing& drawing, const std::set<AcDbObjectId>& except) {
   PlanPainter(picture, drawing, except)

@@ -4,11 +4,14 @@
 #include <unordered_map>
 
 #include "dbdict.h"
+#include "dbdim.h"
+#include "dbelipse.h"
 #include "dbents.h"
 #include "dbmaterial.h"
 #include "dbmstyle.h"
 #include "dbmtext.h"
 #include "dbpl.h"
+#include "dbspline.h"
 #include "dbsymtb.h"
 
 namespace quoin::db {
@@ -121,6 +124,13 @@ const std::array kEntries{
                      "0 MTEXT 100 AcDbEntity 8 0 100 AcDbMText 10 0.0 20 0.0 30 0.0 40 0.2 41 0.0 "
                      "71 1 72 5 1 ~",
                      Version::R13),
+    entry<AcDbEllipse>("ELLIPSE",
+                       "0 ELLIPSE 100 AcDbEntity 8 0 100 AcDbEllipse 10 0.0 20 0.0 30 0.0 11 1.0 "
+                       "21 0.0 31 0.0 40 1.0 41 0.0 42 6.283185307179586",
+                       Version::R13),
+    // Read, copied and changed, but not made: a new one has no record.
+    entry<AcDbDimension>("DIMENSION", ""),
+    entry<AcDbSpline>("SPLINE", "", Version::R13),
     // Records of symbol tables.
     entry<AcDbLayerTableRecord>(
         "LAYER",
