@@ -95,7 +95,8 @@ TEST(AutoSetVar, SharesTheTextOfATextVariable) {
   ASSERT_EQ(layer.restype, RTSTR);
   {
     const CAutoSetVar guard("CLAYER");
-    const CAutoSetVar copy(guard);
+    CAutoSetVar copy(guard);
+    copy.SetVar(&layer);
   }
   resbuf after = {};
   ASSERT_EQ(acedGetVar(L"CLAYER", &after), RTNORM);
