@@ -8,6 +8,8 @@ namespace AcDb {
 
 enum OpenMode { kForRead = 0, kForWrite = 1, kForNotify = 2 };
 
+enum BoolOperType { kBoolUnite = 0, kBoolIntersect = 1, kBoolSubtract = 2 };
+
 enum Visibility { kVisible = 0, kInvisible = 1 };
 
 /// Hundredths of a millimetre, or one of the three relative weights.

@@ -226,11 +226,11 @@ class HOST_API AcDbEntity : public AcDbObject {
   /// common font; block references with what they show, arrays and nesting included.
   /// Fails: eNotApplicable (this kind's extents are not known), eNullExtents (it shows
   /// nothing); the box is fresh then.
-  Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const;
+  virtual Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const;
   /// Fails: eNotOpenForWrite, eNotApplicable (this kind cannot be transformed),
   /// eCannotScaleNonUniformly, eSingularMatrix, eInvalidInput (not finite); the entity stays
   /// as it is then.
-  Acad::ErrorStatus transformBy(const AcGeMatrix3d& matrix);
+  virtual Acad::ErrorStatus transformBy(const AcGeMatrix3d& matrix);
   /// A transformed clone, owned by the caller; null when it fails.
   Acad::ErrorStatus getTransformedCopy(const AcGeMatrix3d& matrix, AcDbEntity*& copy) const;
 

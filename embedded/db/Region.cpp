@@ -1,0 +1,293 @@
+// AcDbRegion: curves to loops, set operations, and back to lines.
+#include "dbregion.h"
+
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <optional>
+
+#include "dbents.h"
+#include "embedded/db/ObjectImpl.h"
+#include "embedded/db/RegionShape.h"
+
+ACRX_NO_CONS_DEFINE_MEMBERS(AcDbRegion, AcDbEntity)
+
+using namespace quoin::db;
+
+namespace {
+
+/// Arcs are chords of this angle at most, in radians.
+constexpr double kChordAngle = 2.0 * std::numbers::pi / 256.0;
+
+/// A curve as points; closed ones come back to their first point.
+using Course = std::vector<AcGePoint3d>;
+
+void appendArc(Course& course, const AcGePoint3d& center, const AcGeVector3d& normal, double radius,
+               double startAngle, double sweep) {
+  const AcGeMatrix3d plane = AcGeMatrix3d().setToPlaneToWorld(normal);
+  const int chords = std::max(1, static_cast<int>(std::ceil(sweep / kChordAngle)));
+  for (int i = 0; i <= chords; ++i) {
+    const double angle = startAngle + sweep * i / chords;
+    course.push_back(center +
+                     plane * AcGeVector3d(radius * std::cos(angle), radius * std::sin(angle), 0.0));
+  }
+}
+
+bool isFinite(const AcGePoint3d& point) {
+  return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
+}
+
+/// The points of a curve; nothing for a class that regions are not made of.
+std::optional<Course> courseOf(const AcRxObject* object) {
+  Course course;
+  if (const AcDbLine* const line = AcDbLine::cast(object)) {
+    course = {line->startPoint(), line->endPoint()};
+  } else if (const AcDbArc* const arc = AcDbArc::cast(object)) {
+    double sweep = std::fmod(arc->endAngle() - arc->startAngle(), 2.0 * std::numbers::pi);
+    if (sweep <= 0.0) {
+      sweep += 2.0 * std::numbers::pi;
+    }
+    appendArc(course, arc->center(), arc->normal(), arc->radius(), arc->startAngle(), sweep);
+  } else if (const AcDbCircle* const circle = AcDbCircle::cast(object)) {
+    appendArc(course, circle->center(), circle->normal(), circle->radius(), 0.0,
+              2.0 * std::numbers::pi);
+    course.back() = course.front();
+  }
+  for (const AcGePoint3d& point : course) {
+    if (!isFinite(point)) {
+      return std::nullopt;
+    }
+  }
+  return course.empty() ? std::nullopt : std::optional(std::move(course));
+}
+
+/// The curves that are not in a loop yet, to be found by where they end.
+class LooseCurves {
+ public:
+  explicit LooseCurves(std::vector<Course> courses)
+      : m_courses(std::move(courses)), m_isTaken(m_courses.size(), false) {
+    for (std::size_t i = 0; i < m_courses.size(); ++i) {
+      m_ends.push_back({m_courses[i].front().x, i});
+      m_ends.push_back({m_courses[i].back().x, i});
+    }
+    std::sort(m_ends.begin(), m_ends.end());
+  }
+
+  /// The first curve that is left; nothing when none is.
+  std::optional<Course> takeFirst() {
+    while (m_first < m_courses.size() && m_isTaken[m_first]) {
+      ++m_first;
+    }
+    return m_first < m_courses.size() ? std::optional(take(m_first)) : std::nullopt;
+  }
+
+  /// The curve that begins or, turned round, ends at the point; the one behind the curve taken
+  /// last comes first, then the first in order.
+  std::optional<Course> takeFrom(const AcGePoint3d& point) {
+    if (m_last + 1 < m_courses.size() && !m_isTaken[m_last + 1] &&
+        m_courses[m_last + 1].front().isEqualTo(point)) {
+      return take(m_last + 1);
+    }
+    constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
+    std::size_t best = kNone;
+    const double tolerance = 2.0 * AcGeContext::gTol.equalPoint();
+    for (auto end = std::lower_bound(m_ends.begin(), m_ends.end(),
+                                     std::pair(point.x - tolerance, std::size_t{0}));
+         end != m_ends.end() && end->first <= point.x + tolerance; ++end) {
+      const Course& course = m_courses[end->second];
+      if (end->second < best && !m_isTaken[end->second] &&
+          (course.front().isEqualTo(point) || course.back().isEqualTo(point))) {
+        best = end->second;
+      }
+    }
+    if (best == kNone) {
+      return std::nullopt;
+    }
+    Course course = take(best);
+    if (!course.front().isEqualTo(point)) {
+      std::reverse(course.begin(), course.end());
+    }
+    return course;
+  }
+
+ private:
+  Course take(std::size_t index) {
+    m_isTaken[index] = true;
+    m_last = index;
+    return std::move(m_courses[index]);
+  }
+
+  std::vector<Course> m_courses;
+  std::vector<bool> m_isTaken;
+  std::vector<std::pair<double, std::size_t>> m_ends;  // x of an end, its curve; sorted
+  std::size_t m_first = 0;
+  std::size_t m_last = 0;
+};
+
+/// A loop from a first curve on; nothing when it does not close.
+std::optional<RegionLoop> closedLoop(Course loop, LooseCurves& curves) {
+  while (!loop.back().isEqualTo(loop.front()) || loop.size() < 3) {
+    const std::optional<Course> next = curves.takeFrom(loop.back());
+    if (!next) {
+      return std::nullopt;
+    }
+    loop.insert(loop.end(), next->begin() + 1, next->end());
+  }
+  loop.pop_back();
+  return loop;
+}
+
+}  // namespace
+
+AcDbRegion::AcDbRegion() = default;
+AcDbRegion::~AcDbRegion() = default;
+
+Acad::ErrorStatus AcDbRegion::createFromCurves(const AcDbVoidPtrArray& curves,
+                                               AcDbVoidPtrArray& regions) {
+  try {
+    std::vector<Course> courses;
+    for (int i = 0; i < curves.length(); ++i) {
+      std::optional<Course> course = courseOf(static_cast<const AcRxObject*>(curves[i]));
+      if (!course) {
+        return Acad::eInvalidInput;
+      }
+      if (course->size() > 2 || !course->front().isEqualTo(course->back())) {
+        courses.push_back(std::move(*course));
+      }
+    }
+    Acad::ErrorStatus status = courses.empty() ? Acad::eInvalidInput : Acad::eOk;
+    LooseCurves loose(std::move(courses));
+    while (std::optional<Course> first = loose.takeFirst()) {
+      const std::optional<RegionLoop> loop = closedLoop(std::move(*first), loose);
+      std::unique_ptr<RegionShape> shape;
+      const Acad::ErrorStatus made = loop ? RegionShape::make(*loop, shape) : Acad::eNotClosedCurve;
+      if (made == Acad::eOk) {
+        auto region = std::make_unique<AcDbRegion>();
+        region->m_shape = std::move(shape);
+        regions.append(region.release());
+      } else if (status == Acad::eOk) {
+        status = made;
+      }
+    }
+    return status;
+  } catch (...) {
+    return statusOfException();
+  }
+}
+
+Acad::ErrorStatus AcDbRegion::booleanOper(AcDb::BoolOperType operation, AcDbRegion* other) {
+  if (!other) {
+    return Acad::eNullObjectPointer;
+  }
+  if (other == this) {
+    return Acad::eInvalidInput;
+  }
+  try {
+    std::unique_ptr<RegionShape> result;
+    if (m_shape && other->m_shape) {
+      const Acad::ErrorStatus status = m_shape->combined(*other->m_shape, operation, result);
+      if (status != Acad::eOk) {
+        return status;
+      }
+    } else if (operation == AcDb::kBoolUnite) {
+      result = std::move(m_shape ? m_shape : other->m_shape);
+    } else if (operation == AcDb::kBoolSubtract) {
+      result = std::move(m_shape);
+    }
+    m_shape = std::move(result);
+    other->m_shape.reset();
+    return Acad::eOk;
+  } catch (...) {
+    return statusOfException();
+  }
+}
+
+Acad::ErrorStatus AcDbRegion::explode(AcDbVoidPtrArray& pieces) const {
+  try {
+    if (!m_shape) {
+      return Acad::eOk;
+    }
+    const std::vector<RegionFace> faces = m_shape->faces();
+    if (faces.size() > 1) {
+      for (std::size_t i = 0; i < faces.size(); ++i) {
+        auto region = std::make_unique<AcDbRegion>();
+        region->m_shape = m_shape->face(i);
+        pieces.append(region.release());
+      }
+      return Acad::eOk;
+    }
+    for (const RegionLoop& loop : faces.front()) {
+      for (std::size_t i = 0; i < loop.size(); ++i) {
+        pieces.append(new AcDbLine(loop[i], loop[(i + 1) % loop.size()]));
+      }
+    }
+    return Acad::eOk;
+  } catch (...) {
+    return statusOfException();
+  }
+}
+
+bool AcDbRegion::isNull() const {
+  return !m_shape;
+}
+
+Acad::ErrorStatus AcDbRegion::getArea(double& area) const {
+  area = m_shape ? m_shape->area() : 0.0;
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbRegion::getNormal(AcGeVector3d& normal) const {
+  if (!m_shape) {
+    return Acad::eInvalidInput;
+  }
+  normal = m_shape->normal();
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbRegion::getGeomExtents(AcDbExtents& extents) const {
+  extents = AcDbExtents();
+  try {
+    if (!m_shape) {
+      return Acad::eNullExtents;
+    }
+    for (const RegionFace& face : m_shape->faces()) {
+      for (const AcGePoint3d& corner : face.front()) {
+        extents.addPoint(corner);
+      }
+    }
+    return Acad::eOk;
+  } catch (...) {
+    return statusOfException();
+  }
+}
+
+Acad::ErrorStatus AcDbRegion::transformBy(const AcGeMatrix3d& matrix) {
+  for (const auto& row : matrix.entry) {
+    for (const double value : row) {
+      if (!std::isfinite(value)) {
+        return Acad::eInvalidInput;
+      }
+    }
+  }
+  if (matrix.isSingular()) {
+    return Acad::eSingularMatrix;
+  }
+  try {
+    return m_shape ? m_shape->transformBy(matrix) : Acad::eOk;
+  } catch (...) {
+    return statusOfException();
+  }
+}
+
+AcRxObject* AcDbRegion::clone() const {
+  try {
+    auto copy = std::make_unique<AcDbRegion>();
+    if (m_shape) {
+      copy->m_shape = m_shape->copy();
+    }
+    return copy.release();
+  } catch (...) {
+    statusOfException();
+    return nullptr;
+  }
+}
