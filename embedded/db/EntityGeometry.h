@@ -72,6 +72,25 @@ Acad::ErrorStatus extentsOfHeavyPolyline(const Drawn&, const AcGeMatrix3d&, Exte
 Acad::ErrorStatus extentsOfText(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
 Acad::ErrorStatus extentsOfMText(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
 Acad::ErrorStatus extentsOfReference(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfHatch(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfEllipse(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfSpline(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfSolid(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfMultiline(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfViewport(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfImage(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfUnderlay(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfOleFrame(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfLight(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfSection(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfMesh(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfProxy(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfDimension(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfLeader(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfMultiLeader(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&,
+                                       AcDbExtents&);
+Acad::ErrorStatus extentsOfTolerance(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
+Acad::ErrorStatus extentsOfTable(const Drawn&, const AcGeMatrix3d&, ExtentsWalk&, AcDbExtents&);
 
 // --- transforms -----------------------------------------------------------------------------
 

@@ -1,10 +1,9 @@
 // AcDbExtents, and the extents of lines, arcs and polylines. Curves in a plane are measured
 // under any affine map: the image of an arc is centre + u cos t + v sin t.
 #include <cmath>
-#include <numbers>
 
 #include "dbsymtb.h"
-#include "embedded/db/EntityGeometry.h"
+#include "embedded/db/ExtentsShapes.h"
 #include "embedded/db/LightVertices.h"
 #include "embedded/db/PlaneFields.h"
 
@@ -82,8 +81,6 @@ Acad::ErrorStatus AcDbExtents::addBlockExt(AcDbBlockTableRecord* block) {
 namespace quoin::db {
 namespace {
 
-constexpr double kTurn = 2.0 * std::numbers::pi;
-
 constexpr int kPoint = 10;
 constexpr int kEndPoint = 11;
 constexpr int kRadius = 40;
@@ -93,96 +90,6 @@ constexpr int kStartWidth = 40;
 constexpr int kEndWidth = 41;
 constexpr int kBulge = 42;
 constexpr int kElevation = 38;
-
-/// centre + u cos t + v sin t for t from `start` over `sweep` (0 to a full turn).
-struct ArcImage {
-  AcGePoint3d center;
-  AcGeVector3d u;
-  AcGeVector3d v;
-  double start = 0.0;
-  double sweep = kTurn;
-
-  AcGePoint3d at(double t) const { return center + u * std::cos(t) + v * std::sin(t); }
-};
-
-void addArc(const ArcImage& arc, AcDbExtents& box) {
-  if (arc.sweep >= kTurn) {
-    const AcGeVector3d reach(std::hypot(arc.u.x, arc.v.x), std::hypot(arc.u.y, arc.v.y),
-                             std::hypot(arc.u.z, arc.v.z));
-    box.addPoint(arc.center - reach);
-    box.addPoint(arc.center + reach);
-    return;
-  }
-  box.addPoint(arc.at(arc.start));
-  box.addPoint(arc.at(arc.start + arc.sweep));
-  for (unsigned int axis = 0; axis < 3; ++axis) {
-    const double extreme = std::atan2(arc.v[axis], arc.u[axis]);
-    for (const double t : {extreme, extreme + std::numbers::pi}) {
-      const double turn = std::fmod(t - arc.start, kTurn);
-      if ((turn < 0.0 ? turn + kTurn : turn) < arc.sweep) {
-        box.addPoint(arc.at(t));
-      }
-    }
-  }
-}
-
-/// Adds a flat shape, and its copy at the other end of the thickness.
-void addThick(const AcDbExtents& shape, const AcGeVector3d& thickness, AcDbExtents& box) {
-  box.addExt(shape);
-  if (!shape.isFresh() && (thickness.x != 0.0 || thickness.y != 0.0 || thickness.z != 0.0)) {
-    AcDbExtents other = shape;
-    other.expandBy(thickness);
-    box.addExt(other);
-  }
-}
-
-AcGeVector3d thicknessOf(const TagList& tags, TagRange range, const AcGeMatrix3d& toWorld) {
-  return toWorld * (normalOf(tags, range) * tags.number(code::kThickness, range, 0.0));
-}
-
-/// One segment of a polyline in its plane.
-struct Segment {
-  AcGePoint3d start;
-  AcGePoint3d end;
-  double bulge = 0.0;
-  double startWidth = 0.0;
-  double endWidth = 0.0;
-};
-
-void addStraight(const Segment& segment, const AcGeMatrix3d& toWorld, AcDbExtents& box) {
-  AcGeVector3d left(segment.start.y - segment.end.y, segment.end.x - segment.start.x, 0.0);
-  const double length = left.length();
-  left = length > 0.0 ? left / length : AcGeVector3d();
-  for (const double side : {-0.5, 0.5}) {
-    box.addPoint(toWorld * (segment.start + left * (side * segment.startWidth)));
-    box.addPoint(toWorld * (segment.end + left * (side * segment.endWidth)));
-  }
-}
-
-/// An arc of changing width counts with its greater width throughout.
-void addBulged(const Segment& segment, const AcGeMatrix3d& toWorld, AcDbExtents& box) {
-  const double bulge = segment.bulge;
-  const AcGeVector3d chord = segment.end - segment.start;
-  const AcGeVector3d left(-chord.y, chord.x, 0.0);
-  const AcGePoint3d center =
-      segment.start + chord * 0.5 + left * ((1.0 - bulge * bulge) / (4.0 * bulge));
-  const AcGeVector3d toStart = segment.start - center;
-  const double side = bulge > 0.0 ? 1.0 : -1.0;
-  const AcGeVector3d across(-toStart.y * side, toStart.x * side, 0.0);
-  const double radius = toStart.length();
-  const double width = std::fmax(segment.startWidth, segment.endWidth);
-  const double reach = radius > 0.0 ? 0.5 * width / radius : 0.0;
-  for (const double factor : {1.0 - reach, 1.0 + reach}) {
-    ArcImage arc{toWorld * center, toWorld * (toStart * factor), toWorld * (across * factor)};
-    arc.sweep = 4.0 * std::atan(std::fabs(bulge));
-    addArc(arc, box);
-  }
-}
-
-void addSegment(const Segment& segment, const AcGeMatrix3d& toWorld, AcDbExtents& box) {
-  const bool isStraight = segment.bulge == 0.0 || !std::isfinite(1.0 / segment.bulge);
-  (isStraight ? addStraight : addBulged)(segment, toWorld, box);
-}
 
 }  // namespace
 
@@ -225,10 +132,8 @@ Acad::ErrorStatus extentsOfArc(const Drawn& entity, const AcGeMatrix3d& toWorld,
   ArcImage arc{plane * tags.point(kPoint, range), plane * (AcGeVector3d::kXAxis * radius),
                plane * (AcGeVector3d::kYAxis * radius)};
   if (tags.find(kStartAngle, range) != TagList::kNone) {
-    arc.start = toRadians(tags.number(kStartAngle, range, 0.0));
-    const double sweep =
-        std::fmod(toRadians(tags.number(kEndAngle, range, 0.0)) - arc.start, kTurn);
-    arc.sweep = sweep > 0.0 ? sweep : sweep + kTurn;
+    arc.setRange(toRadians(tags.number(kStartAngle, range, 0.0)),
+                 toRadians(tags.number(kEndAngle, range, 0.0)));
   }
   AcDbExtents shape;
   addArc(arc, shape);

@@ -143,23 +143,25 @@ TextSize mtextSizeOf(const TagList& tags) {
   constexpr int kShownWidth = 42;
   constexpr int kShownHeight = 43;
   const TagRange range = place::kMText.in(tags);
-  TextSize size{tags.number(kShownWidth, range, 0.0), tags.number(kShownHeight, range, 0.0)};
+  const TextSize size{tags.number(kShownWidth, range, 0.0), tags.number(kShownHeight, range, 0.0)};
   if (size.width > 0.0 && size.height > 0.0) {
     return size;
   }
-  const double height = tags.number(kHeight, range, 0.0);
-  const double limit = height > 0.0 ? tags.number(kWidth, range, 0.0) / height : 0.0;
-  const std::wstring plain = plainMText(mtextContentsOf(tags));
+  return textSizeOf(mtextContentsOf(tags), tags.number(kHeight, range, 0.0),
+                    tags.number(kWidth, range, 0.0), tags.number(kSpacing, range, 1.0));
+}
+
+TextSize textSizeOf(std::wstring_view contents, double height, double limit, double spacing) {
+  const double lineLimit = height > 0.0 ? limit / height : 0.0;
+  const std::wstring plain = plainMText(contents);
   Lines lines;
   for (std::size_t at = 0; at <= plain.size();) {
     const std::size_t end = std::min(plain.find(L'\n', at), plain.size());
-    wrap(std::wstring_view(plain).substr(at, end - at), limit, lines);
+    wrap(std::wstring_view(plain).substr(at, end - at), lineLimit, lines);
     at = end + 1;
   }
-  const double distance = kLineDistance * tags.number(kSpacing, range, 1.0);
-  size.width = lines.longest * height;
-  size.height = height * (1.0 + distance * static_cast<double>(lines.count - 1));
-  return size;
+  const double distance = kLineDistance * spacing;
+  return {lines.longest * height, height * (1.0 + distance * static_cast<double>(lines.count - 1))};
 }
 
 }  // namespace quoin::db

@@ -22,6 +22,9 @@ struct TextSize {
 /// The size that the file tells; else the longest line, wrapped at the defined width, and the
 /// lines one above the other.
 TextSize mtextSizeOf(const TagList& tags);
+/// The size of contents with codes: `limit` is the width at which lines are wrapped (0: not at
+/// all), `spacing` the factor of the distance of lines.
+TextSize textSizeOf(std::wstring_view contents, double height, double limit, double spacing);
 
 /// The width of a line of text in units of its height, by the proportions of common fonts.
 /// %% codes count as the characters that they stand for.

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "dbspline.h"
-#include "embedded/db/DatabaseImpl.h"
+#include "embedded/db/ExtentsShapes.h"
 
 ACRX_DXF_CONS_DEFINE_MEMBERS(AcDbSpline, AcDbCurve, L"SPLINE", L"ObjectDBX Classes")
 
@@ -17,7 +17,6 @@ constexpr int kWeight = 41;
 constexpr int kControlPoint = 10;
 constexpr int kFitPoint = 11;
 constexpr int kDegree = 71;
-constexpr int kAxisStep = 10;
 constexpr std::int64_t kIsClosed = 1;
 constexpr std::int64_t kIsRational = 4;
 constexpr int kMostDegrees = 25;
@@ -25,28 +24,11 @@ constexpr int kMostDegrees = 25;
 constexpr Place kSpline{"AcDbSpline", {}};
 
 std::vector<double> numbersOf(const TagList& tags, int code) {
-  const TagRange range = kSpline.in(tags);
-  std::vector<double> numbers;
-  for (std::size_t at = tags.find(code, range); at != TagList::kNone;
-       at = tags.find(code, range, at + 1)) {
-    numbers.push_back(tags.doubleAt(at));
-  }
-  return numbers;
+  return quoin::db::numbersOf(tags, code, kSpline.in(tags));
 }
 
 std::vector<AcGePoint3d> pointsOf(const TagList& tags, int code) {
-  const TagRange range = kSpline.in(tags);
-  std::vector<AcGePoint3d> points;
-  for (std::size_t at = tags.find(code, range); at != TagList::kNone;
-       at = tags.find(code, range, at + 1)) {
-    AcGePoint3d& point = points.emplace_back(tags.doubleAt(at), 0.0, 0.0);
-    for (unsigned int axis = 1; axis < 3 && at + axis < range.last; ++axis) {
-      if (tags[at + axis].code == code + kAxisStep * static_cast<int>(axis)) {
-        point[axis] = tags.doubleAt(at + axis);
-      }
-    }
-  }
-  return points;
+  return quoin::db::pointsOf(tags, code, kSpline.in(tags));
 }
 
 Acad::ErrorStatus pointAt(const std::vector<AcGePoint3d>& points, int index, AcGePoint3d& point) {
