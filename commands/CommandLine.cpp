@@ -82,7 +82,8 @@ int runChecked(int argc, const char* const* argv) {
   for (std::unique_ptr<Command> (*make)() :
        {&makeBreakCommand, &makeDrawCommand, &makeMergeCommand, &makeTrimAxesCommand,
         &makeOutlineCommand, &makeSolidCommand, &makeStyleCommand, &makePaintCommand,
-        &makeMatchPropertiesCommand, &makeRunCommand, &makeInfoCommand}) {
+        &makeMatchPropertiesCommand, &makeExtentsCommand, &makeToOriginCommand, &makeRescaleCommand,
+        &makeRunCommand, &makeInfoCommand}) {
     std::unique_ptr<Command> command = make();
     CLI::App* const declared = command->declare(app);
     commands.emplace_back(declared, std::move(command));

@@ -15,17 +15,6 @@ namespace quoin::commands {
 
 namespace {
 
-/// The words for a file that could not be read or written.
-std::string fileMessage(const AcDbDatabase* database, Acad::ErrorStatus status,
-                        const std::filesystem::path& file, const char* action) {
-  const std::string words = os::toUtf8(hostx::lastFileError(database));
-  if (!words.empty()) {
-    return words;
-  }
-  return fmt::format("{}: cannot {}: {}", file.string(), action,
-                     os::toUtf8(acadErrorStatusText(status)));
-}
-
 /// Shows the progress of reading or saving for as long as it lives.
 class FileProgress {
  public:
@@ -105,19 +94,7 @@ AcDbObjectId Drawing::modelSpaceId() {
 
 void Drawing::forEachEntity(const AcDbObjectId& block,
                             const std::function<void(AcDbObjectId)>& visit) {
-  AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForRead);
-  AcDbBlockTableRecordIterator* made = nullptr;
-  if (record.openStatus() != Acad::eOk || record->newIterator(made) != Acad::eOk) {
-    return;
-  }
-  const std::unique_ptr<AcDbBlockTableRecordIterator> iterator(made);
-  record.close();
-  for (; !iterator->done(); iterator->step()) {
-    AcDbObjectId id;
-    if (iterator->getEntityId(id) == Acad::eOk) {
-      visit(id);
-    }
-  }
+  forEachEntityOf(block, visit);
 }
 
 std::vector<LayerContent> Drawing::layers() {
@@ -182,6 +159,32 @@ AcDbObjectId modelSpaceOf(AcDbDatabase& database) {
     table->close();
   }
   return id;
+}
+
+std::string fileMessage(const AcDbDatabase* database, Acad::ErrorStatus status,
+                        const std::filesystem::path& file, const char* action) {
+  const std::string words = os::toUtf8(hostx::lastFileError(database));
+  if (!words.empty()) {
+    return words;
+  }
+  return fmt::format("{}: cannot {}: {}", file.string(), action,
+                     os::toUtf8(acadErrorStatusText(status)));
+}
+
+void forEachEntityOf(const AcDbObjectId& block, const std::function<void(AcDbObjectId)>& visit) {
+  AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForRead);
+  AcDbBlockTableRecordIterator* made = nullptr;
+  if (record.openStatus() != Acad::eOk || record->newIterator(made) != Acad::eOk) {
+    return;
+  }
+  const std::unique_ptr<AcDbBlockTableRecordIterator> iterator(made);
+  record.close();
+  for (; !iterator->done(); iterator->step()) {
+    AcDbObjectId id;
+    if (iterator->getEntityId(id) == Acad::eOk) {
+      visit(id);
+    }
+  }
 }
 
 std::string describe(const Drawing& drawing, const AcDbObjectId& id) {

@@ -58,6 +58,11 @@ class Drawing {
 
 /// The model space of a database; null where it has none.
 AcDbObjectId modelSpaceOf(AcDbDatabase& database);
+/// Calls `visit` for every entity of a block that is not erased, in file order.
+void forEachEntityOf(const AcDbObjectId& block, const std::function<void(AcDbObjectId)>& visit);
+/// The words for a file that could not be read or written, with its name.
+std::string fileMessage(const AcDbDatabase* database, Acad::ErrorStatus status,
+                        const std::filesystem::path& file, const char* action);
 
 /// "LINE 2F at line 1742 of plan.dxf": how messages name an entity.
 std::string describe(const Drawing& drawing, const AcDbObjectId& id);

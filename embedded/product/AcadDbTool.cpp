@@ -1,8 +1,22 @@
 #include "host/AcadDbTool.h"
 
-#include "dbmain.h"
+#include <utility>
 
-Acad::ErrorStatus CAcadDbTool::SaveDb(AcDbDatabase* pDb, const wchar_t* path, bool keepBackup) {
+#include "dbmain.h"
+#include "embedded/product/SaveOutcomes.h"
+#include "hostextra.h"
+
+namespace {
+
+/// The last outcomes; older ones are forgotten, so that a host that nobody asks does not grow.
+constexpr std::size_t kMostOutcomes = 1000;
+
+std::vector<quoin::product::SaveOutcome>& outcomes() {
+  static std::vector<quoin::product::SaveOutcome> kept;
+  return kept;
+}
+
+Acad::ErrorStatus save(AcDbDatabase* pDb, const wchar_t* path, bool keepBackup) {
   if (!pDb) {
     return Acad::eNoDatabase;
   }
@@ -11,3 +25,23 @@ Acad::ErrorStatus CAcadDbTool::SaveDb(AcDbDatabase* pDb, const wchar_t* path, bo
   }
   return pDb->saveAs(path, keepBackup);
 }
+
+}  // namespace
+
+Acad::ErrorStatus CAcadDbTool::SaveDb(AcDbDatabase* pDb, const wchar_t* path, bool keepBackup) {
+  const Acad::ErrorStatus status = save(pDb, path, keepBackup);
+  if (outcomes().size() == kMostOutcomes) {
+    outcomes().erase(outcomes().begin());
+  }
+  outcomes().push_back({path ? path : L"", status,
+                        status == Acad::eOk ? std::wstring() : hostx::lastFileError(pDb)});
+  return status;
+}
+
+namespace quoin::product {
+
+std::vector<SaveOutcome> takeSaveOutcomes() {
+  return std::exchange(outcomes(), {});
+}
+
+}  // namespace quoin::product

@@ -1,0 +1,125 @@
+// quoin to-origin: moves a drawing so that a corner or the centre of its extents is at 0,0.
+#include <fmt/format.h>
+
+#include "EntityTool.h"
+#include "commands/Command.h"
+#include "commands/CommandError.h"
+#include "commands/CommonOptions.h"
+#include "commands/FixedEntities.h"
+#include "commands/picture/PictureParts.h"
+#include "commands/picture/PlanShapes.h"
+
+namespace quoin::commands {
+
+namespace {
+
+const std::map<std::string, EDwgPosition> kPositions{{"left-top", eLeftTop},
+                                                     {"left-bottom", eLeftBottom},
+                                                     {"right-top", eRightTop},
+                                                     {"right-bottom", eRightBottom},
+                                                     {"center", eCenter}};
+
+class ToOriginCommand : public Command {
+ public:
+  CLI::App* declare(CLI::App& app) override {
+    CLI::App* const command = app.add_subcommand(
+        "to-origin", "Move a drawing so that a corner or the centre of its extents is at 0,0");
+    m_options.declareFiles(*command);
+    command->add_option("--at", m_at, "Which point comes to the origin")
+        ->check(CLI::IsMember(kPositions))
+        ->type_name("left-top|left-bottom|right-top|right-bottom|center")
+        ->required();
+    command->add_flag("--leave-behind", m_isLeavingBehind,
+                      "Save even if entities that cannot be moved stay where they are");
+    command->footer(
+        "Everything in model space moves, what is invisible or on hidden layers too; the extents\n"
+        "are those of what shows (quoin extents). Heights stay as they are.\n\n"
+        "Example:\n  quoin to-origin plan.dxf --at left-bottom -o moved.dxf");
+    return command;
+  }
+
+  void run() override {
+    m_options.checkFiles();
+    Drawing drawing(m_options.plan);
+    std::size_t entityCount = 0;
+    const FixedEntities fixed = findFixedEntities(drawing.database(), entityCount);
+    if (!fixed.isEmpty() && !m_isLeavingBehind) {
+      throw CommandError(
+          ExitCode::EntityFailed,
+          fmt::format("{}: cannot move {} of {} ({}; the first is {}); nothing was written. "
+                      "--leave-behind moves the others",
+                      drawing.file().string(), sumOf(fixed), entityCount, fixed.text(),
+                      describe(drawing, fixed.first)));
+    }
+    AcDbExtents before;
+    CEntityTool::GetEntExtents(&drawing.database(), before, false);
+    if (before.isFresh()) {
+      throw CommandError(ExitCode::NothingToDo, drawing.file().string() +
+                                                    ": nothing shows in model space, so it has no "
+                                                    "extents");
+    }
+    const EDwgPosition position = kPositions.at(m_at);
+    const AcGePoint3d base = CEntityTool::GetBasePos(&drawing.database(), position);
+    CEntityTool::TranslationToOrigin(&drawing.database(), position);
+    m_options.save(drawing);
+    if (!m_options.picture.empty()) {
+      m_options.render(pictureOf(drawing, base));
+    }
+    m_options.isJson() ? printJson(jsonReport(drawing, base, entityCount, fixed))
+                       : printText(drawing, base, entityCount, fixed);
+  }
+
+ private:
+  static std::size_t sumOf(const FixedEntities& fixed) {
+    std::size_t sum = 0;
+    for (const auto& [kind, count] : fixed.countOfKind) {
+      sum += count;
+    }
+    return sum;
+  }
+
+  Picture pictureOf(Drawing& drawing, const AcGePoint3d& base) const {
+    Picture picture = newPicture(drawing, m_at + " at the origin",
+                                 fmt::format("moved by {:.6g}, {:.6g}", -base.x, -base.y));
+    addPlanShapes(picture, drawing, {});
+    addMark(picture, AcGePoint3d(0.0, 0.0, 0.0), MarkShape::Cross, palette::kMark, 9.0);
+    picture.legend = {{"the origin", palette::kMark, true, MarkShape::Cross}};
+    return picture;
+  }
+
+  void printText(Drawing& drawing, const AcGePoint3d& base, std::size_t entityCount,
+                 const FixedEntities& fixed) const {
+    fmt::print("{} of the extents was at {:.6g},{:.6g} {}\n", m_at, base.x, base.y,
+               drawing.unitName());
+    fmt::print("{} entities moved by {:.6g},{:.6g}\n", entityCount - sumOf(fixed), -base.x,
+               -base.y);
+    if (!fixed.isEmpty()) {
+      fmt::print("left where they are, the host cannot move them: {}\n", fixed.text());
+    }
+    m_options.printOutcome();
+  }
+
+  nlohmann::json jsonReport(Drawing& drawing, const AcGePoint3d& base, std::size_t entityCount,
+                            const FixedEntities& fixed) const {
+    nlohmann::json report = {{"command", "to-origin"},
+                             {"input", fileJson(drawing)},
+                             {"at", m_at},
+                             {"basePoint", pointJson(base)},
+                             {"moved", entityCount - sumOf(fixed)},
+                             {"leftBehind", sumOf(fixed)}};
+    m_options.addOutcome(report);
+    return report;
+  }
+
+  CommonOptions m_options;
+  std::string m_at;
+  bool m_isLeavingBehind = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeToOriginCommand() {
+  return std::make_unique<ToOriginCommand>();
+}
+
+}  // namespace quoin::commands
