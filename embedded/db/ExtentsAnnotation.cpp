@@ -2,6 +2,7 @@
 // have one, else by their definition.
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 #include "embedded/db/Blocks.h"
 #include "embedded/db/ExtentsShapes.h"
@@ -46,19 +47,74 @@ double scaledVariable(const Drawn& entity, TagRange range, int code, double othe
   return dimensionVariable(entity, range, code, otherwise) * (scale > 0.0 ? scale : 1.0);
 }
 
-/// The closed, filled arrow: three times as long as it is wide.
-void addArrow(const AcGePoint3d& tip, const AcGePoint3d& next, const AcGeVector3d& normal,
-              double size, const AcGeMatrix3d& toWorld, AcDbExtents& box) {
+/// A frame at a place with its X axis along a direction, in the plane of a normal.
+AcGeMatrix3d frameAt(const AcGePoint3d& origin, const AcGeVector3d& along,
+                     const AcGeVector3d& normal) {
+  const AcGeVector3d up = normal.length() > 0.0 ? normal.normal() : AcGeVector3d::kZAxis;
+  const AcGeVector3d x = along.length() > 0.0 ? along.normal() : AcGeVector3d::kXAxis;
+  AcGeMatrix3d frame;
+  frame.setCoordSystem(origin, x, up.crossProduct(x), up);
+  return frame;
+}
+
+/// The block record that a handle names; null if it is none.
+const dxf::Block* blockWithHandle(const Drawn& entity, std::uint64_t handle) {
+  const AcDbStub* const record = entity.database ? entity.database->byHandle(handle) : nullptr;
+  return record ? entity.database->store.blockOf(*record) : nullptr;
+}
+
+/// An arrow with its tip at the first of the points: a block of unit size that points along X, or
+/// without one the closed arrow, three times as long as it is wide.
+struct Arrow {
+  const dxf::Block* block = nullptr;
+  double size = 0.0;
+  AcGeVector3d normal;
+};
+
+void addArrow(const Drawn& entity, const Arrow& arrow, std::span<const AcGePoint3d> points,
+              const AcGeMatrix3d& toWorld, ExtentsWalk& walk, AcDbExtents& box) {
   constexpr double kHalfWidth = 1.0 / 6.0;
-  const AcGeVector3d course = next - tip;
-  // A piece that has no room for an arrow is drawn without one.
-  if (!(size > 0.0) || course.length() < 2.0 * size) {
+  if (points.size() < 2) {
     return;
   }
-  const AcGeVector3d along = course.normal() * size;
-  const AcGeVector3d across = normal.crossProduct(along) * kHalfWidth;
-  box.addPoint(toWorld * (tip + along + across));
-  box.addPoint(toWorld * (tip + along - across));
+  const AcGeVector3d course = points[1] - points[0];
+  // A piece that has no room for an arrow is drawn without one.
+  if (!(arrow.size > 0.0) || course.length() < 2.0 * arrow.size) {
+    return;
+  }
+  const AcGeMatrix3d frame = frameAt(points[0], -course, arrow.normal);
+  if (arrow.block) {
+    walk.addBlock(*entity.database, *arrow.block,
+                  toWorld * frame * AcGeMatrix3d().setToScaling(arrow.size), box);
+    return;
+  }
+  for (const double side : {-kHalfWidth, kHalfWidth}) {
+    box.addPoint(toWorld * (frame * AcGePoint3d(-arrow.size, side * arrow.size, 0.0)));
+  }
+}
+
+/// The block of a leader's arrow by its own or its style's variable; null for the closed arrow.
+const dxf::Block* arrowBlockOf(const Drawn& entity, TagRange range) {
+  constexpr int kArrowBlock = 341;
+  constexpr int kInteger = 1070;
+  constexpr int kReference = 1005;
+  const TagList& tags = entity.tags;
+  const TagRange overrides = tags.xData(L"ACAD");
+  for (std::size_t i = overrides.first; i + 1 < overrides.last; ++i) {
+    if (tags[i].code == kInteger && tags.integerAt(i) == kArrowBlock &&
+        tags[i + 1].code == kReference) {
+      return blockWithHandle(entity, tags.handleAt(i + 1));
+    }
+  }
+  const std::wstring name = tags.text(kStyleName, range).value_or(L"Standard");
+  const AcDbStub* const style =
+      entity.database ? entity.database->record(TableKind::DimStyle, name) : nullptr;
+  if (!style) {
+    return nullptr;
+  }
+  const TagList styleTags = entity.database->tagsOf(*style);
+  return blockWithHandle(
+      entity, styleTags.handle(kArrowBlock, styleTags.subclass("AcDbDimStyleTableRecord")));
 }
 
 void addCourse(const std::vector<AcGePoint3d>& points, bool isCurved, const AcGeMatrix3d& toWorld,
@@ -76,16 +132,6 @@ void addCourse(const std::vector<AcGePoint3d>& points, bool isCurved, const AcGe
 const dxf::Block* blockOf(const Drawn& entity, int code, TagRange range) {
   const std::wstring name = entity.tags.text(code, range).value_or(std::wstring());
   return entity.database && !name.empty() ? blockNamed(*entity.database, name) : nullptr;
-}
-
-/// A frame at a place with its X axis along a direction, in the plane of a normal.
-AcGeMatrix3d frameAt(const AcGePoint3d& origin, const AcGeVector3d& along,
-                     const AcGeVector3d& normal) {
-  const AcGeVector3d up = normal.length() > 0.0 ? normal.normal() : AcGeVector3d::kZAxis;
-  const AcGeVector3d x = along.length() > 0.0 ? along.normal() : AcGeVector3d::kXAxis;
-  AcGeMatrix3d frame;
-  frame.setCoordSystem(origin, x, up.crossProduct(x), up);
-  return frame;
 }
 
 }  // namespace
@@ -120,8 +166,8 @@ Acad::ErrorStatus extentsOfDimension(const Drawn& entity, const AcGeMatrix3d& to
   return Acad::eOk;
 }
 
-Acad::ErrorStatus extentsOfLeader(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
-                                  AcDbExtents& box) {
+Acad::ErrorStatus extentsOfLeader(const Drawn& entity, const AcGeMatrix3d& toWorld,
+                                  ExtentsWalk& walk, AcDbExtents& box) {
   constexpr int kHasArrow = 71;
   constexpr int kIsCurved = 72;
   constexpr int kAnnotation = 73;
@@ -152,9 +198,10 @@ Acad::ErrorStatus extentsOfLeader(const Drawn& entity, const AcGeMatrix3d& toWor
     points.push_back(points.back() + along * (side * (gap + textWidth)));
   }
   addCourse(points, tags.integer(kIsCurved, range, 0) == 1, toWorld, box);
-  if (tags.integer(kHasArrow, range, 1) != 0 && points.size() > 1) {
-    addArrow(points[0], points[1], normal, scaledVariable(entity, range, kArrowSize, kUsualArrow),
-             toWorld, box);
+  if (tags.integer(kHasArrow, range, 1) != 0) {
+    const Arrow arrow{arrowBlockOf(entity, range),
+                      scaledVariable(entity, range, kArrowSize, kUsualArrow), normal};
+    addArrow(entity, arrow, points, toWorld, walk, box);
   }
   return Acad::eOk;
 }
@@ -363,11 +410,15 @@ void LeaderContext::readContext(const TagList& tags, std::size_t i, TagRange res
 Acad::ErrorStatus extentsOfMultiLeader(const Drawn& entity, const AcGeMatrix3d& toWorld,
                                        ExtentsWalk& walk, AcDbExtents& box) {
   constexpr int kLineType = 170;
+  constexpr int kArrowBlock = 342;
   constexpr std::int64_t kNoLine = 0;
   constexpr std::int64_t kCurved = 2;
   const LeaderContext context(entity.tags);
   const std::int64_t lineType =
       entity.tags.integer(kLineType, entity.tags.subclass("AcDbMLeader"), 1);
+  const Arrow arrow{
+      blockWithHandle(entity, entity.tags.handle(kArrowBlock, entity.tags.subclass("AcDbMLeader"))),
+      context.arrowSize, context.textNormal};
   for (const LeaderContext::Leader& leader : context.leaders) {
     if (lineType == kNoLine) {
       break;
@@ -378,9 +429,7 @@ Acad::ErrorStatus extentsOfMultiLeader(const Drawn& entity, const AcGeMatrix3d& 
         points.push_back(leader.landing);
       }
       addCourse(points, lineType == kCurved, toWorld, box);
-      if (points.size() > 1) {
-        addArrow(points[0], points[1], context.textNormal, context.arrowSize, toWorld, box);
-      }
+      addArrow(entity, arrow, points, toWorld, walk, box);
     }
     if (leader.hasLanding) {
       box.addPoint(toWorld * leader.landing);
@@ -396,9 +445,8 @@ Acad::ErrorStatus extentsOfMultiLeader(const Drawn& entity, const AcGeMatrix3d& 
                  toWorld * frameAt(context.textPlace, context.textDirection, context.textNormal),
                  box);
   }
-  const AcDbStub* const record =
-      context.hasBlock && entity.database ? entity.database->byHandle(context.block) : nullptr;
-  const dxf::Block* const block = record ? entity.database->store.blockOf(*record) : nullptr;
+  const dxf::Block* const block =
+      context.hasBlock ? blockWithHandle(entity, context.block) : nullptr;
   if (block) {
     walk.addBlock(*entity.database, *block, toWorld * context.blockTransform, box);
   }
