@@ -39,7 +39,7 @@ constexpr std::array kKinds{
     KindGeometry{"DGNUNDERLAY", extentsOfUnderlay},
     KindGeometry{"OLE2FRAME", extentsOfOleFrame},
     KindGeometry{"LIGHT", extentsOfLight},
-    KindGeometry{"SECTION", extentsOfSection},
+    KindGeometry{"SECTIONOBJECT", extentsOfSection},
     KindGeometry{"MESH", extentsOfMesh},
     KindGeometry{"ACAD_PROXY_ENTITY", extentsOfProxy},
     KindGeometry{"DIMENSION", extentsOfDimension},

@@ -280,6 +280,7 @@ class LeaderContext {
     bool hasLanding = false;
     std::vector<Line> lines;
   };
+  TagRange behind;  // what the record says behind its context
   std::vector<Leader> leaders;
   double arrowSize = 0.0;
   bool hasText = false;
@@ -303,6 +304,7 @@ class LeaderContext {
 LeaderContext::LeaderContext(const TagList& tags) {
   enum class Level { kOutside, kContext, kLeader, kLine };
   const TagRange range = tags.body();
+  behind = range;
   Level level = Level::kOutside;
   for (std::size_t i = range.first; i < range.last; ++i) {
     if (!tags.isOwn(i)) {
@@ -317,6 +319,7 @@ LeaderContext::LeaderContext(const TagList& tags) {
         level = Level::kLeader;
         leaders.emplace_back();
       } else if (value == "}" && tags[i].code == 301) {
+        behind.first = i + 1;
         return;
       } else {
         readContext(tags, i, rest);
@@ -414,11 +417,9 @@ Acad::ErrorStatus extentsOfMultiLeader(const Drawn& entity, const AcGeMatrix3d& 
   constexpr std::int64_t kNoLine = 0;
   constexpr std::int64_t kCurved = 2;
   const LeaderContext context(entity.tags);
-  const std::int64_t lineType =
-      entity.tags.integer(kLineType, entity.tags.subclass("AcDbMLeader"), 1);
-  const Arrow arrow{
-      blockWithHandle(entity, entity.tags.handle(kArrowBlock, entity.tags.subclass("AcDbMLeader"))),
-      context.arrowSize, context.textNormal};
+  const std::int64_t lineType = entity.tags.integer(kLineType, context.behind, 1);
+  const Arrow arrow{blockWithHandle(entity, entity.tags.handle(kArrowBlock, context.behind)),
+                    context.arrowSize, context.textNormal};
   for (const LeaderContext::Leader& leader : context.leaders) {
     if (lineType == kNoLine) {
       break;

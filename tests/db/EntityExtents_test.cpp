@@ -268,6 +268,16 @@ TEST(EntityExtents, OfAMultileaderWithLinesAndDogleg) {
       {0, 0, 0}, {6, 3, 0});
 }
 
+TEST(EntityExtents, OfAMultileaderWithoutLinesIsNothing) {
+  // The 170 inside the context is another one.
+  EXPECT_EQ(Measured(entity("MULTILEADER", "AcDbMLeader",
+                            "300 CONTEXT_DATA{\n40 1\n170 1\n290 0\n296 0\n302 LEADER{\n"
+                            "304 LEADER_LINE{\n" +
+                                point(10, 0, 0) + point(10, 4, 0) + "305 }\n303 }\n301 }\n170 0\n"))
+                .status,
+            Acad::eNullExtents);
+}
+
 TEST(EntityExtents, OfADimensionWithoutABlockAreItsPoints) {
   expectBox(Measured(entity("DIMENSION", "AcDbDimension",
                             point(10, 4, 2) + point(11, 2, 2) +
@@ -275,6 +285,88 @@ TEST(EntityExtents, OfADimensionWithoutABlockAreItsPoints) {
                                 "100 AcDbAlignedDimension\n" +
                                 point(13, 0, 0) + point(14, 4, 0))),
             {0, 0, 0}, {4, 2, 0});
+}
+
+TEST(EntityExtents, OfAProxyWithAPictureThatIsCutShort) {
+  EXPECT_EQ(
+      Measured(entity("ACAD_PROXY_ENTITY", "AcDbProxyEntity",
+                      "90 498\n91 500\n92 20\n310 1400000001000000380000000100000000000000\n"))
+          .status,
+      Acad::eNotApplicable);
+}
+
+TEST(EntityExtents, OfAPolygonHatch) {
+  expectBox(Measured(entity("MPOLYGON", "AcDbMPolygon",
+                            "70 1\n10 0\n20 0\n30 0\n210 0\n220 0\n230 1\n2 SOLID\n71 0\n91 1\n"
+                            "92 2\n72 0\n73 1\n93 3\n10 0\n20 0\n10 5\n20 0\n10 5\n20 4\n"
+                            "76 1\n63 2\n11 0\n21 0\n99 0\n")),
+            {0, 0, 0}, {5, 4, 0});
+}
+
+TEST(EntityExtents, OfALightAreItsPlace) {
+  expectBox(Measured(entity("LIGHT", "AcDbLight",
+                            "1 Lamp\n70 1\n" + point(10, 1, 2, 3) + point(11, 9, 9, 9))),
+            {1, 2, 3}, {1, 2, 3});
+}
+
+TEST(EntityExtents, OfASectionPlaneReachFromBottomToTop) {
+  expectBox(Measured(entity("SECTIONOBJECT", "AcDbSection",
+                            point(10, 0, 0, 1) + "40 3\n41 1\n92 2\n" + point(11, 0, 0) +
+                                point(11, 4, 0) + "93 0\n")),
+            {0, 0, -1}, {4, 0, 3});
+}
+
+TEST(EntityExtents, OfAToleranceAreItsCells) {
+  // Two cells of one letter, 0.7 of the height 0.18 wide, with a half height at either side.
+  const double width = 2.0 * 1.7 * 0.18;
+  expectBox(Measured(entity("TOLERANCE", "AcDbFcf",
+                            "3 NOSTYLE\n" + point(10, 1, 1) + "1 A%%vB\n" + point(11, 1, 0))),
+            {1, 1 - 0.18, 0}, {1 + width, 1 + 0.18, 0});
+}
+
+/// What the block that most tests insert reaches.
+AcDbExtents boxOfDoor() {
+  const Drawing drawing(smallDrawing());
+  AcDbObjectId door;
+  acdbSymUtil()->getBlockId(door, L"Door", &drawing.db());
+  const AcDbObjectPointer<AcDbBlockTableRecord> record(door);
+  AcDbExtents box;
+  EXPECT_EQ(box.addBlockExt(record.object()), Acad::eOk);
+  return box;
+}
+
+TEST(EntityExtents, OfADimensionAreThoseOfItsBlockWhereItStands) {
+  const AcDbExtents door = boxOfDoor();
+  const AcGeVector3d move(10, 20, 0);
+  expectBox(Measured(entity("DIMENSION", "AcDbDimension",
+                            "2 Door\n" + point(10, 4, 2) + point(11, 2, 2) + point(12, 10, 20) +
+                                "70 32\n100 AcDbAlignedDimension\n" + point(13, 99, 0))),
+            door.minPoint() + move, door.maxPoint() + move);
+}
+
+TEST(EntityExtents, OfALeaderWhoseArrowIsABlock) {
+  // Its tip is at the origin and it looks along -X: the block lies turned and scaled by 0.18.
+  AcDbExtents arrow = boxOfDoor();
+  AcGeMatrix3d toTip;
+  toTip.setCoordSystem({0, 0, 0}, AcGeVector3d(-0.18, 0, 0), AcGeVector3d(0, -0.18, 0),
+                       AcGeVector3d(0, 0, 0.18));
+  arrow.transformBy(toTip);
+  arrow.addPoint({0, 0, 0});
+  arrow.addPoint({4, 0, 0});
+  expectBox(
+      Measured(entity("LEADER", "AcDbLeader",
+                      "3 NOSTYLE\n71 1\n72 0\n73 3\n76 2\n" + point(10, 0, 0) + point(10, 4, 0) +
+                          "1001 ACAD\n1000 DSTYLE\n1002 {\n1070 341\n1005 30\n1002 }\n")),
+      arrow.minPoint(), arrow.maxPoint());
+}
+
+TEST(EntityExtents, OfATableAreThoseOfItsBlockTurnedToItsDirection) {
+  AcDbExtents turned = boxOfDoor();
+  turned.transformBy(AcGeMatrix3d().setToRotation(kPi / 2.0, AcGeVector3d::kZAxis));
+  const AcGeVector3d move(7, 0, 0);
+  expectBox(Measured(entity("ACAD_TABLE", "AcDbBlockReference",
+                            "2 Door\n" + point(10, 7, 0) + "100 AcDbTable\n" + point(11, 0, 1))),
+            turned.minPoint() + move, turned.maxPoint() + move);
 }
 
 // --- laws -----------------------------------------------------------------------------------
@@ -371,7 +463,7 @@ TEST(EntityExtents, OddRecordsAnswerAndDoNoHarm) {
                                "VIEWPORT",    "IMAGE",
                                "WIPEOUT",     "MESH",
                                "OLE2FRAME",   "PDFUNDERLAY",
-                               "LIGHT",       "SECTION",
+                               "LIGHT",       "SECTIONOBJECT",
                                "LEADER",      "TOLERANCE",
                                "MULTILEADER", "DIMENSION",
                                "ACAD_TABLE",  "ACAD_PROXY_ENTITY"};
