@@ -48,7 +48,7 @@ AcGeVector3d thicknessOf(const TagList& tags, TagRange range, const AcGeMatrix3d
 /// A spline by knots and control points; `weights` has one for each point, or none.
 /// Shape: knots.size() == points.size() + degree + 1, in order. What has another shape, or a
 ///        weight that is not positive, counts with the box of its control points.
-/// Error: beyond the curve by at most 1e-15 of the size of its control points.
+/// Error: short of the curve by at most 1e-15 of the size of its control points.
 struct SplineImage {
   std::size_t degree = 3;
   std::vector<double> knots;
