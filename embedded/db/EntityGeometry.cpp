@@ -5,7 +5,9 @@
 #include <cmath>
 
 #include "dbents.h"
+#include "embedded/db/Blocks.h"
 #include "embedded/db/EntityFields.h"
+#include "embedded/db/TransformSchema.h"
 
 namespace quoin::db {
 namespace {
@@ -23,20 +25,21 @@ constexpr std::array kKinds{
     KindGeometry{"ATTDEF", extentsOfText, transformText},
     KindGeometry{"MTEXT", extentsOfMText, transformMText},
     KindGeometry{"INSERT", extentsOfReference, transformReference, transformAttribute},
+    KindGeometry{"SHAPE", nullptr, transformShape},
     KindGeometry{"SOLID", extentsOfSolid},
     KindGeometry{"TRACE", extentsOfSolid},
-    KindGeometry{"ELLIPSE", extentsOfEllipse},
+    KindGeometry{"ELLIPSE", extentsOfEllipse, transformEllipse},
     KindGeometry{"SPLINE", extentsOfSpline},
     KindGeometry{"HELIX", extentsOfSpline},
-    KindGeometry{"HATCH", extentsOfHatch},
-    KindGeometry{"MPOLYGON", extentsOfHatch},
+    KindGeometry{"HATCH", extentsOfHatch, transformHatch},
+    KindGeometry{"MPOLYGON", extentsOfHatch, transformHatch},
     KindGeometry{"MLINE", extentsOfMultiline},
     KindGeometry{"VIEWPORT", extentsOfViewport},
     KindGeometry{"IMAGE", extentsOfImage},
     KindGeometry{"WIPEOUT", extentsOfImage},
-    KindGeometry{"PDFUNDERLAY", extentsOfUnderlay},
-    KindGeometry{"DWFUNDERLAY", extentsOfUnderlay},
-    KindGeometry{"DGNUNDERLAY", extentsOfUnderlay},
+    KindGeometry{"PDFUNDERLAY", extentsOfUnderlay, transformUnderlay},
+    KindGeometry{"DWFUNDERLAY", extentsOfUnderlay, transformUnderlay},
+    KindGeometry{"DGNUNDERLAY", extentsOfUnderlay, transformUnderlay},
     KindGeometry{"OLE2FRAME", extentsOfOleFrame},
     KindGeometry{"LIGHT", extentsOfLight},
     KindGeometry{"SECTIONOBJECT", extentsOfSection},
@@ -46,8 +49,8 @@ constexpr std::array kKinds{
     KindGeometry{"ARC_DIMENSION", extentsOfDimension},
     KindGeometry{"LARGE_RADIAL_DIMENSION", extentsOfDimension},
     KindGeometry{"LEADER", extentsOfLeader},
-    KindGeometry{"MULTILEADER", extentsOfMultiLeader},
-    KindGeometry{"MLEADER", extentsOfMultiLeader},
+    KindGeometry{"MULTILEADER", extentsOfMultiLeader, transformMultileader},
+    KindGeometry{"MLEADER", extentsOfMultiLeader, transformMultileader},
     KindGeometry{"TOLERANCE", extentsOfTolerance},
     KindGeometry{"ACAD_TABLE", extentsOfTable},
 };
@@ -67,6 +70,17 @@ std::string_view kindOf(const TagList& tags) {
   return tags.size() > 0 ? dxf::trimmedValue(tags[0]) : std::string_view();
 }
 
+/// Takes away the stored picture of an entity, which shows it as it was.
+void dropStoredPicture(RecordEdit& edit) {
+  constexpr std::array kPictureCodes{92, 160, 310};  // its size, in old files and new, its bytes
+  const TagList& tags = edit.tags();
+  if (edit.isChanged() && tags.hasMarkers() && place::kEntity.in(tags).first > tags.body().first) {
+    for (const int code : kPictureCodes) {
+      edit.remove(place::kEntity, code);
+    }
+  }
+}
+
 /// The record with the edits of `edits`, which answers a status; nothing for a failure.
 template <class Edits>
 Acad::ErrorStatus editedBytes(const TagList& tags, const AcGeMatrix3d& matrix, std::string& bytes,
@@ -77,6 +91,7 @@ Acad::ErrorStatus editedBytes(const TagList& tags, const AcGeMatrix3d& matrix, s
     return status;
   }
   transformXData(edit, matrix);
+  dropStoredPicture(edit);
   if (!edit.isFinite()) {
     return Acad::eInvalidInput;
   }
@@ -84,7 +99,137 @@ Acad::ErrorStatus editedBytes(const TagList& tags, const AcGeMatrix3d& matrix, s
   return Acad::eOk;
 }
 
+/// The edits of an entity's own record.
+Acad::ErrorStatus transformRecord(RecordEdit& edit, const AcGeMatrix3d& matrix) {
+  const std::string_view kind = kindOf(edit.tags());
+  const KindGeometry* const row = geometryOf(kind);
+  if (row && row->transform) {
+    return row->transform(edit, matrix);
+  }
+  const TransformSchema* const schema = schemaOf(kind);
+  return schema ? transformBySchema(*schema, edit, matrix) : Acad::eNotApplicable;
+}
+
+/// The new bytes of an entity's record.
+Acad::ErrorStatus transformedBytes(const TagList& tags, const AcGeMatrix3d& matrix,
+                                   std::string& bytes) {
+  return editedBytes(tags, matrix, bytes,
+                     [&](RecordEdit& edit) { return transformRecord(edit, matrix); });
+}
+
+/// The new bytes of one of its parts; parts of most kinds stay as they are.
+Acad::ErrorStatus transformedPart(const TagList& owner, const TagList& part,
+                                  const AcGeMatrix3d& matrix, std::string& bytes) {
+  const KindGeometry* const row = geometryOf(kindOf(owner));
+  if (!row || !row->transformPart) {
+    bytes = part.bytes();
+    return Acad::eOk;
+  }
+  return editedBytes(part, matrix, bytes,
+                     [&](RecordEdit& edit) { return row->transformPart(edit, owner, matrix); });
+}
+
+/// The block that shows a dimension or table and belongs to it alone, and how it follows.
+struct OwnBlock {
+  const dxf::Block* block = nullptr;
+  AcGeMatrix3d matrix;
+};
+
+OwnBlock ownBlockOf(DatabaseImpl& database, const TagList& tags, const AcGeMatrix3d& matrix) {
+  const std::string_view kind = kindOf(tags);
+  const bool isTable = kind == "ACAD_TABLE";
+  const bool isDimension =
+      kind == "DIMENSION" || kind == "ARC_DIMENSION" || kind == "LARGE_RADIAL_DIMENSION";
+  if (!isTable && !isDimension) {
+    return {};
+  }
+  const TagRange range = tags.subclass(isTable ? "AcDbBlockReference" : "AcDbDimension");
+  const std::wstring name = tags.text(code::kName, range).value_or(L"");
+  // A block that a user has named shows elsewhere too and stays.
+  const bool isAnonymous = !name.empty() && name.front() == L'*';
+  const dxf::Block* const block = isAnonymous ? blockNamed(database, name) : nullptr;
+  if (!block) {
+    return {};
+  }
+  // A dimension's block is in world coordinates; a table places and turns its block by itself.
+  return {block,
+          isTable ? AcGeMatrix3d().setToScaling(matrix.scale(), baseOf(database, *block)) : matrix};
+}
+
+/// New records of entities in a drawing, computed before any of them changes.
+class ResidentChanges {
+ public:
+  Acad::ErrorStatus add(AcDbStub& stub, const AcGeMatrix3d& matrix) {
+    DatabaseImpl& database = DatabaseImpl::of(stub);
+    const TagList tags = database.tagsOf(stub);
+    std::string bytes;
+    Acad::ErrorStatus status = transformedBytes(tags, matrix, bytes);
+    m_changes.push_back({&stub, std::move(bytes)});
+    forEachPartStub(stub, [&](AcDbStub& part) {
+      std::string partBytes;
+      if (status == Acad::eOk) {
+        status = transformedPart(tags, database.tagsOf(part), matrix, partBytes);
+      }
+      m_changes.push_back({&part, std::move(partBytes)});
+    });
+    const OwnBlock own = status == Acad::eOk ? ownBlockOf(database, tags, matrix) : OwnBlock{};
+    if (own.block) {
+      // Dimensions inside such a block would be blocks within blocks: nothing makes them.
+      for (AcDbStub* const entity : own.block->entities) {
+        if (!entity->erased && status == Acad::eOk &&
+            kindOf(database.tagsOf(*entity)) != kindOf(tags)) {
+          status = add(*entity, own.matrix);
+        }
+      }
+    }
+    return status;
+  }
+
+  /// The entity that is open gets its record through itself.
+  void apply(AcDbObject& open) {
+    const AcDbStub* const openStub = Access::of(open).stub;
+    for (Change& change : m_changes) {
+      if (change.stub != openStub) {
+        DatabaseImpl::of(*change.stub).replace(*change.stub, std::move(change.bytes));
+      }
+    }
+    setBytes(open, std::move(m_changes.front().bytes));
+  }
+
+ private:
+  struct Change {
+    AcDbStub* stub;
+    std::string bytes;
+  };
+  std::vector<Change> m_changes;
+};
+
+Acad::ErrorStatus transformFree(AcDbObject& entity, const AcGeMatrix3d& matrix) {
+  const TagList& tags = tagsOf(entity);
+  std::string bytes;
+  Acad::ErrorStatus status = transformedBytes(tags, matrix, bytes);
+  std::vector<std::string> parts;
+  for (const auto& part : Access::of(entity).parts) {
+    std::string& partBytes = parts.emplace_back();
+    if (status == Acad::eOk) {
+      status = transformedPart(tags, tagsOf(*part), matrix, partBytes);
+    }
+  }
+  if (status == Acad::eOk) {
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+      setBytes(*Access::of(entity).parts[i], std::move(parts[i]));
+    }
+    setBytes(entity, std::move(bytes));
+  }
+  return status;
+}
+
 }  // namespace
+
+bool hasTransform(std::string_view kind) {
+  const KindGeometry* const row = geometryOf(kind);
+  return (row && row->transform) || schemaOf(kind);
+}
 
 const KindGeometry* geometryOf(std::string_view kind) {
   const auto found = std::find_if(kKinds.begin(), kKinds.end(),
@@ -175,7 +320,7 @@ Acad::ErrorStatus AcDbEntity::getGeomExtents(AcDbExtents& extents) const {
 }
 
 Acad::ErrorStatus AcDbEntity::transformBy(const AcGeMatrix3d& matrix) {
-  Acad::ErrorStatus status = checkWritable(*this);
+  const Acad::ErrorStatus status = checkWritable(*this);
   if (status != Acad::eOk) {
     return status;
   }
@@ -186,40 +331,17 @@ Acad::ErrorStatus AcDbEntity::transformBy(const AcGeMatrix3d& matrix) {
     return Acad::eSingularMatrix;
   }
   try {
-    const TagList& tags = tagsOf(*this);
-    const KindGeometry* const row = geometryOf(kindOf(tags));
-    if (!row || !row->transform) {
-      return Acad::eNotApplicable;
-    }
     // Everything is computed before the first record changes.
-    std::string bytes;
-    status = editedBytes(tags, matrix, bytes,
-                         [&](RecordEdit& edit) { return row->transform(edit, matrix); });
-    std::vector<std::string> parts;
-    const auto addPart = [&](const TagList& part) {
-      std::string partBytes(part.bytes());
-      if (status == Acad::eOk && row->transformPart) {
-        status = editedBytes(part, matrix, partBytes, [&](RecordEdit& edit) {
-          return row->transformPart(edit, tags, matrix);
-        });
-      }
-      parts.push_back(std::move(partBytes));
-    };
-    forEachPart(*this, addPart);
-    if (status != Acad::eOk) {
-      return status;
-    }
-    ObjectImpl& impl = Access::of(*this);
-    std::size_t next = 0;
+    const ObjectImpl& impl = Access::of(*this);
     if (impl.stub) {
-      forEachPartStub(*impl.stub,
-                      [&](AcDbStub& part) { impl.database->replace(part, parts[next++]); });
+      ResidentChanges changes;
+      const Acad::ErrorStatus made = changes.add(*impl.stub, matrix);
+      if (made == Acad::eOk) {
+        changes.apply(*this);
+      }
+      return made;
     }
-    for (const auto& part : impl.parts) {
-      setBytes(*part, parts[next++]);
-    }
-    setBytes(*this, std::move(bytes));
-    return Acad::eOk;
+    return transformFree(*this, matrix);
   } catch (...) {
     return statusOfException();
   }

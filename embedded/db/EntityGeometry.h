@@ -57,6 +57,8 @@ struct KindGeometry {
 
 /// The kind's row; null for a kind that the table does not have.
 const KindGeometry* geometryOf(std::string_view kind);
+/// Whether a kind can be transformed, by its row or by its schema (TransformSchema.h).
+bool hasTransform(std::string_view kind);
 
 // --- extents --------------------------------------------------------------------------------
 
@@ -108,6 +110,11 @@ Acad::ErrorStatus transformAttribute(RecordEdit& edit, const TagList& owner,
                                      const AcGeMatrix3d& matrix);
 Acad::ErrorStatus transformMText(RecordEdit& edit, const AcGeMatrix3d& matrix);
 Acad::ErrorStatus transformReference(RecordEdit& edit, const AcGeMatrix3d& matrix);
+Acad::ErrorStatus transformEllipse(RecordEdit& edit, const AcGeMatrix3d& matrix);
+Acad::ErrorStatus transformHatch(RecordEdit& edit, const AcGeMatrix3d& matrix);
+Acad::ErrorStatus transformMultileader(RecordEdit& edit, const AcGeMatrix3d& matrix);
+Acad::ErrorStatus transformUnderlay(RecordEdit& edit, const AcGeMatrix3d& matrix);
+Acad::ErrorStatus transformShape(RecordEdit& edit, const AcGeMatrix3d& matrix);
 
 /// Moves along what extended data calls world positions, displacements, directions, distances
 /// and factors.

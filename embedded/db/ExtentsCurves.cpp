@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "embedded/db/ExtentsShapes.h"
+#include "embedded/db/HatchBoundaries.h"
 #include "embedded/db/PlaneFields.h"
 
 namespace quoin::db {
@@ -105,41 +106,14 @@ void addLoop(const TagList& tags, TagRange loop, double elevation, const AcGeMat
 
 Acad::ErrorStatus extentsOfHatch(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
                                  AcDbExtents& box) {
-  constexpr int kBoundaries = 91;
-  constexpr int kBoundary = 92;
-  constexpr int kEdge = 72;
-  constexpr int kStyle = 75;
-  constexpr int kPattern = 76;
-  constexpr std::int64_t kIsPolyline = 2;
   const TagList& tags = entity.tags;
-  const bool isPolygon = dxf::trimmedValue(tags[0]) == "MPOLYGON";
-  const TagRange range = tags.subclass(isPolygon ? "AcDbMPolygon" : "AcDbHatch");
-  const std::size_t begin = tags.find(kBoundaries, range);
-  if (begin == TagList::kNone) {
-    return Acad::eOk;
-  }
+  const TagRange range = hatchRange(tags);
+  const TagRange boundaries = boundariesOf(tags, range);
   const AcGeMatrix3d plane = toWorld * planeToWorld(normalOf(tags, range));
-  const double elevation = tags.point(kPoint, {range.first, begin}).z;
-  std::size_t end = begin + 1;
-  while (end < range.last && tags[end].code != kStyle && tags[end].code != kPattern) {
-    ++end;
-  }
-  const TagRange boundaries{begin, end};
-  for (std::size_t at = tags.find(kBoundary, boundaries); at != TagList::kNone;) {
-    const std::size_t next = tags.find(kBoundary, boundaries, at + 1);
-    const TagRange boundary{at, next == TagList::kNone ? end : next};
-    if (tags.integerAt(at) & kIsPolyline) {
-      addLoop(tags, boundary, elevation, plane, box);
-    } else {
-      for (std::size_t edge = tags.find(kEdge, boundary); edge != TagList::kNone;) {
-        const std::size_t nextEdge = tags.find(kEdge, boundary, edge + 1);
-        addEdge(tags, {edge, nextEdge == TagList::kNone ? boundary.last : nextEdge}, elevation,
-                plane, box);
-        edge = nextEdge;
-      }
-    }
-    at = next;
-  }
+  const double elevation = tags.point(kPoint, {range.first, boundaries.first}).z;
+  forEachBoundary(
+      tags, boundaries, [&](TagRange loop) { addLoop(tags, loop, elevation, plane, box); },
+      [&](TagRange edge) { addEdge(tags, edge, elevation, plane, box); });
   return Acad::eOk;
 }
 

@@ -138,8 +138,8 @@ bool hasTypedClass(const AcDbObjectId& id) {
 }
 
 bool canTransform(const AcDbObjectId& id) {
-  const KindGeometry* const row = geometryOf(id);
-  return row && row->transform;
+  const AcDbStub* const stub = stubOf(id);
+  return stub && hasTransform(DatabaseImpl::of(*stub).kindOf(*stub));
 }
 
 bool hasExtents(const AcDbObjectId& id) {

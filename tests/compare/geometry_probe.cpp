@@ -1,6 +1,9 @@
 // Tells what the embedded host makes of a drawing's geometry, for comparison with other
-// programs: geometry_probe extents FILE prints a line for every entity of every layout.
+// programs. `geometry_probe extents FILE` prints a line for every entity of every layout;
+// `geometry_probe transform FILE OUT MATRIX` transforms every one, prints the status and saves.
+// MATRIX is twelve numbers: the rows of the linear part, each with its displacement.
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -16,7 +19,7 @@ using quoin::os::toUtf8;
 
 /// Calls `visit(AcDbEntity&)` for each entity of model space and of every paper space.
 template <class Visit>
-void forEachLayoutEntity(AcDbDatabase& database, Visit&& visit) {
+void forEachLayoutEntity(AcDbDatabase& database, AcDb::OpenMode mode, Visit&& visit) {
   AcDbBlockTable* table = nullptr;
   if (database.getBlockTable(table, AcDb::kForRead) != Acad::eOk) {
     return;
@@ -37,7 +40,7 @@ void forEachLayoutEntity(AcDbDatabase& database, Visit&& visit) {
     const std::unique_ptr<AcDbBlockTableRecordIterator> ownedEntities(entities);
     for (; entities && !entities->done(); entities->step()) {
       entities->getEntityId(id);
-      const AcDbObjectPointer<AcDbEntity> entity(id);
+      const AcDbObjectPointer<AcDbEntity> entity(id, mode);
       if (entity.openStatus() == Acad::eOk) {
         visit(*entity);
       }
@@ -45,15 +48,19 @@ void forEachLayoutEntity(AcDbDatabase& database, Visit&& visit) {
   }
 }
 
-/// Handle, kind, status, minimum and maximum; 17 digits tell doubles apart.
-void printExtents(const AcDbEntity& entity) {
-  AcDbExtents box;
-  const Acad::ErrorStatus status = entity.getGeomExtents(box);
+void printNames(const AcDbEntity& entity, Acad::ErrorStatus status) {
   AcDbHandle handle;
   entity.getAcDbHandle(handle);
   std::printf("%llX %s %s", static_cast<unsigned long long>(static_cast<Adesk::UInt64>(handle)),
               toUtf8(hostx::kindName(&entity)).c_str(),
               toUtf8(acadErrorStatusText(status)).c_str());
+}
+
+/// Handle, kind, status, minimum and maximum; 17 digits tell doubles apart.
+void printExtents(const AcDbEntity& entity) {
+  AcDbExtents box;
+  const Acad::ErrorStatus status = entity.getGeomExtents(box);
+  printNames(entity, status);
   if (status == Acad::eOk) {
     for (const AcGePoint3d& point : {box.minPoint(), box.maxPoint()}) {
       std::printf(" %.17g %.17g %.17g", point.x, point.y, point.z);
@@ -62,18 +69,39 @@ void printExtents(const AcDbEntity& entity) {
   std::printf("\n");
 }
 
+/// Prints why a file could not be read or written; the program's exit code.
+int fail(const AcDbDatabase& database) {
+  std::fprintf(stderr, "%s\n", toUtf8(hostx::lastFileError(&database)).c_str());
+  return 1;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3 || std::strcmp(argv[1], "extents") != 0) {
-    std::fprintf(stderr, "usage: geometry_probe extents FILE\n");
+  constexpr int kMatrixWords = 12;
+  const bool isExtents = argc == 3 && std::strcmp(argv[1], "extents") == 0;
+  const bool isTransform = argc == 4 + kMatrixWords && std::strcmp(argv[1], "transform") == 0;
+  if (!isExtents && !isTransform) {
+    std::fprintf(stderr,
+                 "usage: geometry_probe extents FILE\n"
+                 "       geometry_probe transform FILE OUT MATRIX\n");
     return 2;
   }
   AcDbDatabase database(false, true);
   if (database.readDwgFile(quoin::os::fromUtf8(argv[2]).c_str()) != Acad::eOk) {
-    std::fprintf(stderr, "%s\n", toUtf8(hostx::lastFileError(&database)).c_str());
-    return 1;
+    return fail(database);
   }
-  forEachLayoutEntity(database, printExtents);
-  return 0;
+  if (isExtents) {
+    forEachLayoutEntity(database, AcDb::kForRead, printExtents);
+    return 0;
+  }
+  AcGeMatrix3d matrix;
+  for (int i = 0; i < kMatrixWords; ++i) {
+    matrix.entry[i / 4][i % 4] = std::strtod(argv[4 + i], nullptr);
+  }
+  forEachLayoutEntity(database, AcDb::kForWrite, [&](AcDbEntity& entity) {
+    printNames(entity, entity.transformBy(matrix));
+    std::printf("\n");
+  });
+  return database.saveAs(quoin::os::fromUtf8(argv[3]).c_str()) == Acad::eOk ? 0 : fail(database);
 }

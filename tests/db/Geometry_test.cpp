@@ -271,16 +271,16 @@ TEST(Transform, AReferenceStretchesAlongItsAxesOnly) {
 }
 
 TEST(Transform, WhatCannotBeTransformedAnswersAndStays) {
-  const Drawing drawing(smallDrawing(
-      "0 RAY\n5 40\n330 1F\n100 AcDbEntity\n8 0\n100 AcDbRay\n10 1.0\n20 2.0\n30 0.0\n11 1.0\n"
-      "21 0.0\n31 0.0\n"));
-  const AcDbObjectPointer<AcDbEntity> ray(drawing.id(0x40), AcDb::kForWrite);
-  ASSERT_EQ(ray.openStatus(), Acad::eOk);
-  EXPECT_EQ(ray->isA(), AcDbEntity::desc());
-  EXPECT_EQ(ray->transformBy(AcGeMatrix3d().setToTranslation({1.0, 0.0, 0.0})),
+  const Drawing drawing(
+      smallDrawing("0 3DSOLID\n5 40\n330 1F\n100 AcDbEntity\n8 0\n100 AcDbModelerGeometry\n70 1\n"
+                   "100 AcDb3dSolid\n350 0\n"));
+  const AcDbObjectPointer<AcDbEntity> solid(drawing.id(0x40), AcDb::kForWrite);
+  ASSERT_EQ(solid.openStatus(), Acad::eOk);
+  EXPECT_EQ(solid->isA(), AcDbEntity::desc());
+  EXPECT_EQ(solid->transformBy(AcGeMatrix3d().setToTranslation({1.0, 0.0, 0.0})),
             Acad::eNotApplicable);
   AcDbExtents box;
-  EXPECT_EQ(ray->getGeomExtents(box), Acad::eNotApplicable);
+  EXPECT_EQ(solid->getGeomExtents(box), Acad::eNotApplicable);
   EXPECT_FALSE(hostx::canTransform(drawing.id(0x40)));
   EXPECT_FALSE(hostx::hasExtents(drawing.id(0x40)));
   EXPECT_FALSE(hostx::isModified(&drawing.db()));

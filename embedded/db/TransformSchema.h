@@ -1,0 +1,72 @@
+// What the group codes of an entity kind mean for a transform, as data, and the engine that
+// runs it. Kinds whose tags mean different things in different places of a record (hatches,
+// multileaders) have code of their own.
+#pragma once
+
+#include <array>
+#include <span>
+#include <string_view>
+
+#include "acadstrc.h"
+#include "embedded/db/PlaneMap.h"
+#include "embedded/db/RecordEdit.h"
+
+namespace quoin::db {
+
+/// What the numbers under a group code are (DXF reference, entity by entity).
+enum class Meaning {
+  Point,         // world point: codes c, c + 10, c + 20
+  Displacement,  // world vector that keeps its relative length
+  Direction,     // world vector of length one
+  Normal,        // as Direction, but turned round by maps that mirror
+  PlanePoint,    // point in the coordinates of the entity's plane (normal 210)
+  Length,        // grows with the drawing
+  Angle,         // degrees in the entity's plane, counter-clockwise
+  AngleRadians,  // the same in radians
+};
+
+struct Rule {
+  std::string_view marker;  // of the subclass that holds the tags
+  int code;
+  Meaning meaning;
+  /// What a missing tag stands for; it is written where it is that no longer.
+  const AcGeVector3d* absent = nullptr;
+};
+
+/// One kind: its rules and what limits its transforms.
+struct TransformSchema {
+  std::string_view kind;
+  std::string_view normalMarker;  // the subclass with 210; empty for kinds without a plane
+  /// Whether it keeps its nature under maps that change angles.
+  bool isAffine = false;
+  std::span<const Rule> rules;
+};
+
+/// The kind's schema; null for a kind that the table does not have.
+const TransformSchema* schemaOf(std::string_view kind);
+
+/// Runs a schema on a record.
+/// Fails: eCannotScaleNonUniformly; the edit is to be thrown away then.
+Acad::ErrorStatus transformBySchema(const TransformSchema& schema, RecordEdit& edit,
+                                    const AcGeMatrix3d& matrix);
+
+// --- single tags, for kinds with code of their own --------------------------------------------
+
+/// What a transform does to the parts of an entity.
+struct TransformParts {
+  TransformParts(const AcGeVector3d& normal, const AcGeMatrix3d& map);
+
+  AcGeMatrix3d matrix;
+  PlaneMap plane;
+  double length;  // factor of lengths
+  bool isSimilar;
+};
+
+/// Transforms what stands at a tag (and, for points, at the two behind it).
+void transformTag(RecordEdit& edit, std::size_t index, Meaning meaning,
+                  const TransformParts& parts);
+
+/// The normal (210) of a stretch with what it is in the image.
+void transformNormal(RecordEdit& edit, TagRange range, const PlaneMap& plane);
+
+}  // namespace quoin::db
