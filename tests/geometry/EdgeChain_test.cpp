@@ -101,7 +101,9 @@ TEST(EdgeChain, OfALargeShuffledLoopGivesTheSameBits) {
   std::mt19937_64 random(2);
   Edges edges;
   for (int i = 0; i < 3000; ++i) {
-    const auto corner = [](int at) { return AcGePoint3d(at % 3000 * 0.25, at % 3000 % 7 * 1.0, 0.0); };
+    const auto corner = [](int at) {
+      return AcGePoint3d(at % 3000 * 0.25, at % 3000 % 7 * 1.0, 0.0);
+    };
     edges.push_back({corner(i), corner(i + 1)});
   }
   std::shuffle(edges.begin(), edges.end(), random);
