@@ -41,6 +41,8 @@ LIBRARIES = {
     "nlohmann/": {"commands", "tests"},
     "cairo": {"commands", "tests"},
     "geos_c.h": {"embedded", "bench", "tests"},
+    "ft2build.h": {"embedded"},
+    "freetype/": {"embedded"},
     "gtest/": {"tests"},
     "gmock/": {"tests"},
     "benchmark/": {"bench"},

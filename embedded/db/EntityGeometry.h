@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "embedded/db/DatabaseImpl.h"
+#include "embedded/text/FontMetrics.h"
 
 namespace quoin::db {
 
@@ -59,6 +60,10 @@ struct KindGeometry {
 const KindGeometry* geometryOf(std::string_view kind);
 /// Whether a kind can be transformed, by its row or by its schema (TransformSchema.h).
 bool hasTransform(std::string_view kind);
+
+/// The font of a text whose record names its style (7); the usual one where the style is not
+/// there.
+const text::Font& fontOf(DatabaseImpl* database, const TagList& text, TagRange range);
 
 // --- extents --------------------------------------------------------------------------------
 

@@ -1,4 +1,4 @@
-// Extents of text, by the proportions of common fonts, and of block references with all that
+// Extents of text, by the fonts of its styles, and of block references with all that
 // they show.
 #include <cmath>
 
@@ -73,6 +73,28 @@ struct TextFields {
 
 }  // namespace
 
+const text::Font& fontOf(DatabaseImpl* database, const TagList& text, TagRange range) {
+  constexpr int kStyle = 7;
+  constexpr int kFontFile = 3;
+  const std::wstring name = text.text(kStyle, range).value_or(L"Standard");
+  const AcDbStub* const style = database ? database->record(TableKind::TextStyle, name) : nullptr;
+  if (!style) {
+    return text::usualFont();
+  }
+  const TagList tags = database->tagsOf(*style);
+  std::wstring file = tags.text(kFontFile, place::kTextStyle.in(tags)).value_or(L"");
+  if (file.empty()) {
+    // Styles of system fonts name the family in extended data.
+    const TagRange data = tags.xData(L"ACAD");
+    const std::size_t family = data.isEmpty() ? TagList::kNone : data.first + 1;
+    constexpr int kText = 1000;
+    if (family != TagList::kNone && family < data.last && tags[family].code == kText) {
+      file = tags.textAt(family);
+    }
+  }
+  return text::fontFor(file);
+}
+
 Acad::ErrorStatus extentsOfText(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
                                 AcDbExtents& box) {
   constexpr std::int64_t kBackwards = 2;
@@ -80,7 +102,9 @@ Acad::ErrorStatus extentsOfText(const Drawn& entity, const AcGeMatrix3d& toWorld
   enum { kLeft, kCenter, kRight, kAligned, kMiddle, kFit };
   enum { kBase, kBottom, kMid, kTop };
   const TextFields fields(entity.tags);
-  double width = lineAdvance(fields.text) * fields.height * fields.widthFactor;
+  double width =
+      lineAdvance(fields.text, fontOf(entity.database, entity.tags, place::kText.in(entity.tags))) *
+      fields.height * fields.widthFactor;
   AcGePoint3d origin = fields.position;
   double rotation = fields.rotation;
   double left = 0.0;
@@ -121,7 +145,7 @@ Acad::ErrorStatus extentsOfMText(const Drawn& entity, const AcGeMatrix3d& toWorl
   constexpr int kAttachment = 71;
   const TagList& tags = entity.tags;
   const TagRange range = place::kMText.in(tags);
-  const TextSize size = mtextSizeOf(tags);
+  const TextSize size = mtextSizeOf(tags, fontOf(entity.database, tags, range));
   const std::int64_t attachment = tags.integer(kAttachment, range, AcDbMText::kTopLeft);
   // The nine points run from the top left to the bottom right in rows of three.
   const std::int64_t place = attachment >= 1 && attachment <= 9 ? attachment - 1 : 0;

@@ -1,6 +1,7 @@
 // AcDbMText: its contents in chunks, its direction as a vector or an angle.
 #include "dbmtext.h"
 #include "embedded/db/DatabaseImpl.h"
+#include "embedded/db/EntityGeometry.h"
 #include "embedded/db/MTextCodes.h"
 #include "embedded/db/PlaneFields.h"
 
@@ -10,6 +11,11 @@ using namespace quoin::db;
 namespace dxf = quoin::dxf;
 
 namespace {
+
+TextSize shownSizeOf(const AcDbMText& text) {
+  const TagList& tags = tagsOf(text);
+  return mtextSizeOf(tags, fontOf(Access::of(text).database, tags, place::kMText.in(tags)));
+}
 
 constexpr int kLocation = 10;
 constexpr int kDirection = 11;
@@ -174,9 +180,9 @@ ACHAR* AcDbMText::text() const {
 }
 
 double AcDbMText::actualWidth() const {
-  return mtextSizeOf(tagsOf(*this)).width;
+  return shownSizeOf(*this).width;
 }
 
 double AcDbMText::actualHeight() const {
-  return mtextSizeOf(tagsOf(*this)).height;
+  return shownSizeOf(*this).height;
 }

@@ -8,20 +8,8 @@
 namespace quoin::db {
 namespace {
 
-/// Advance over height of the capitals: Latin letters average 0.5 em and capitals are 0.72 em
-/// high in the usual sans serif fonts.
-constexpr double kLetterAdvance = 0.7;
-/// Ideographs are squares of one em; drawing fonts make them as high as capitals.
-constexpr double kIdeographAdvance = 1.0;
 /// Distance of base lines over text height at single spacing.
 constexpr double kLineDistance = 5.0 / 3.0;
-
-bool isIdeograph(wchar_t c) {
-  const auto code = static_cast<unsigned long>(c);
-  return (code >= 0x1100 && code <= 0x11FF) || (code >= 0x2E80 && code <= 0xD7AF) ||
-         (code >= 0xF900 && code <= 0xFAFF) || (code >= 0xFF01 && code <= 0xFF60) ||
-         (code >= 0x20000 && code <= 0x3FFFF);
-}
 
 /// Codes that are followed by a value and a semicolon.
 constexpr std::wstring_view kWithValue = L"ACcFfHTQWp";
@@ -47,10 +35,10 @@ void appendStack(std::wstring& plain, std::wstring_view stack) {
   }
 }
 
-double wordAdvance(std::wstring_view word) {
+double wordAdvance(std::wstring_view word, const text::Font& font) {
   double advance = 0.0;
-  for (const wchar_t c : word) {
-    advance += isIdeograph(c) ? kIdeographAdvance : kLetterAdvance;
+  for (const wchar_t letter : word) {
+    advance += font.advance(letter);
   }
   return advance;
 }
@@ -62,18 +50,19 @@ struct Lines {
 
 /// Breaks one paragraph at blanks (and between ideographs) so that no line is longer than
 /// `limit`, as far as its words allow.
-void wrap(std::wstring_view paragraph, double limit, Lines& lines) {
+void wrap(std::wstring_view paragraph, double limit, const text::Font& font, Lines& lines) {
   double line = 0.0;
   std::size_t at = 0;
   ++lines.count;
   while (at < paragraph.size()) {
     std::size_t end = at + 1;
-    if (!isIdeograph(paragraph[at])) {
-      while (end < paragraph.size() && !isIdeograph(paragraph[end]) && paragraph[end - 1] != L' ') {
+    if (!text::isIdeograph(paragraph[at])) {
+      while (end < paragraph.size() && !text::isIdeograph(paragraph[end]) &&
+             paragraph[end - 1] != L' ') {
         ++end;
       }
     }
-    const double word = wordAdvance(paragraph.substr(at, end - at));
+    const double word = wordAdvance(paragraph.substr(at, end - at), font);
     if (limit > 0.0 && line > 0.0 && line + word > limit) {
       ++lines.count;
       line = 0.0;
@@ -115,7 +104,7 @@ std::wstring plainMText(std::wstring_view contents) {
   return plain;
 }
 
-double lineAdvance(std::wstring_view line) {
+double lineAdvance(std::wstring_view line, const text::Font& font) {
   std::wstring shown;
   for (std::size_t i = 0; i < line.size(); ++i) {
     const bool isCode = line.substr(i).starts_with(L"%%") && i + 2 < line.size();
@@ -133,10 +122,10 @@ double lineAdvance(std::wstring_view line) {
       i = std::min(i + 2, line.size() - 1);
     }
   }
-  return wordAdvance(shown);
+  return wordAdvance(shown, font);
 }
 
-TextSize mtextSizeOf(const TagList& tags) {
+TextSize mtextSizeOf(const TagList& tags, const text::Font& font) {
   constexpr int kHeight = 40;
   constexpr int kWidth = 41;
   constexpr int kSpacing = 44;
@@ -148,16 +137,17 @@ TextSize mtextSizeOf(const TagList& tags) {
     return size;
   }
   return textSizeOf(mtextContentsOf(tags), tags.number(kHeight, range, 0.0),
-                    tags.number(kWidth, range, 0.0), tags.number(kSpacing, range, 1.0));
+                    tags.number(kWidth, range, 0.0), tags.number(kSpacing, range, 1.0), font);
 }
 
-TextSize textSizeOf(std::wstring_view contents, double height, double limit, double spacing) {
+TextSize textSizeOf(std::wstring_view contents, double height, double limit, double spacing,
+                    const text::Font& font) {
   const double lineLimit = height > 0.0 ? limit / height : 0.0;
   const std::wstring plain = plainMText(contents);
   Lines lines;
   for (std::size_t at = 0; at <= plain.size();) {
     const std::size_t end = std::min(plain.find(L'\n', at), plain.size());
-    wrap(std::wstring_view(plain).substr(at, end - at), lineLimit, lines);
+    wrap(std::wstring_view(plain).substr(at, end - at), lineLimit, font, lines);
     at = end + 1;
   }
   const double distance = kLineDistance * spacing;

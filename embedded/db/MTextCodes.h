@@ -4,6 +4,7 @@
 #include <string>
 
 #include "embedded/db/TagList.h"
+#include "embedded/text/FontMetrics.h"
 #include "gevec3d.h"
 
 namespace quoin::db {
@@ -21,13 +22,14 @@ struct TextSize {
 };
 /// The size that the file tells; else the longest line, wrapped at the defined width, and the
 /// lines one above the other.
-TextSize mtextSizeOf(const TagList& tags);
+TextSize mtextSizeOf(const TagList& tags, const text::Font& font);
 /// The size of contents with codes: `limit` is the width at which lines are wrapped (0: not at
 /// all), `spacing` the factor of the distance of lines.
-TextSize textSizeOf(std::wstring_view contents, double height, double limit, double spacing);
+TextSize textSizeOf(std::wstring_view contents, double height, double limit, double spacing,
+                    const text::Font& font = text::usualFont());
 
-/// The width of a line of text in units of its height, by the proportions of common fonts.
+/// The width of a line of text in units of its height.
 /// %% codes count as the characters that they stand for.
-double lineAdvance(std::wstring_view line);
+double lineAdvance(std::wstring_view line, const text::Font& font = text::usualFont());
 
 }  // namespace quoin::db

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "dbspline.h"
+#include "embedded/text/FontMetrics.h"
 #include "support/Drawings.h"
 
 namespace quoin::test {
@@ -317,8 +318,9 @@ TEST(EntityExtents, OfASectionPlaneReachFromBottomToTop) {
 }
 
 TEST(EntityExtents, OfAToleranceAreItsCells) {
-  // Two cells of one letter, 0.7 of the height 0.18 wide, with a half height at either side.
-  const double width = 2.0 * 1.7 * 0.18;
+  // Two cells of one letter, 0.18 high, with half a height at either side.
+  const quoin::text::Font& font = quoin::text::usualFont();
+  const double width = (font.advance(L'A') + font.advance(L'B') + 2.0) * 0.18;
   expectBox(Measured(entity("TOLERANCE", "AcDbFcf",
                             "3 NOSTYLE\n" + point(10, 1, 1) + "1 A%%vB\n" + point(11, 1, 0))),
             {1, 1 - 0.18, 0}, {1 + width, 1 + 0.18, 0});
