@@ -14,7 +14,7 @@ import sys
 import tempfile
 
 MODULE_FOLDERS = ("module", "host", "geometry", "Algorithm", "tools")
-HOST_FOLDERS = ("ge", "rx", "db", "dxf", "ed", "product", "os")
+HOST_FOLDERS = ("ge", "rx", "db", "dxf", "ed", "product", "os", "text")
 # Folders whose headers are included by bare name, because they are include directories.
 INCLUDE_DIRECTORIES = ("embedded/include",) + MODULE_FOLDERS + ("tests",)
 SUFFIXES = (".h", ".hpp", ".cpp")
