@@ -43,6 +43,13 @@ class FilesTest(cli.CliTest):
         return tuple(line.dxf.start), tuple(line.dxf.end)
 
 
+    def shared(self):
+        drawings = sorted(cli.SHARED.glob("*.dxf")) if cli.SHARED.is_dir() else []
+        if not drawings:
+            self.skipTest("no shared drawings here")
+        return drawings
+
+
 class ExtentsTest(FilesTest):
     def test_what_shows_counts(self):
         report = self.report("extents", self.plan())
@@ -85,6 +92,18 @@ class ToOriginTest(FilesTest):
         text = self.run_ok("to-origin", plan, "--at", "center", "-o", out, "--leave-behind")
         self.assertIn("left where they are", text)
         self.assertEqual(self.first_line(out)[0], (-5, -2.5, 0))
+
+    def test_shared_drawings_come_to_the_origin(self):
+        for drawing in self.shared():
+            out = self.path(drawing.name)
+            report = self.report("to-origin", drawing, "--at", "right-top", "-o", out,
+                                 "--leave-behind")
+            self.assertGreater(report["moved"], 0)
+            # What cannot be moved cannot be measured either.
+            high = self.report("extents", out)["extents"][1]
+            size = max(1.0, *(abs(v) for v in report["basePoint"]))
+            self.assertLess(abs(high[0]) + abs(high[1]), 1e-9 * size, drawing.name)
+            self.assert_no_new_findings(drawing, out)
 
     def test_a_drawing_without_extents(self):
         self.draw("empty.dxf")
@@ -154,10 +173,7 @@ class RescaleTest(FilesTest):
         self.fails(2, "rescale", plan, "--factor", "1", "--drawing-factor", "2")
 
     def test_shared_drawings_keep_their_audit(self):
-        drawings = sorted(cli.SHARED.glob("*.dxf")) if cli.SHARED.is_dir() else []
-        if not drawings:
-            self.skipTest("no shared drawings here")
-        for drawing in drawings:
+        for drawing in self.shared():
             copy = self.path(drawing.name)
             copy.write_bytes(drawing.read_bytes())
             text = self.run_ok("rescale", copy, "--drawing-factor", "2.5", "--leave-behind")
