@@ -8,6 +8,7 @@
 #include <string>
 
 #include "dbmain.h"
+#include "embedded/product/SaveOutcomes.h"
 
 namespace {
 
@@ -62,6 +63,25 @@ TEST_F(SaveDbTest, AFolderThatDoesNotExistIsAnError) {
   const fs::path nowhere = folder / "missing" / "plan.dxf";
   EXPECT_NE(CAcadDbTool::SaveDb(&drawing, nowhere.wstring().c_str(), true), Acad::eOk);
   EXPECT_FALSE(fs::exists(nowhere));
+}
+
+TEST_F(SaveDbTest, WhatItDidCanBeAskedForOnce) {
+  quoin::product::takeSaveOutcomes();
+  AcDbDatabase drawing;
+  const fs::path good = folder / "good.dxf";
+  const fs::path bad = folder / "nowhere" / "bad.dxf";
+  CAcadDbTool::SaveDb(&drawing, good.wstring().c_str(), true);
+  CAcadDbTool::SaveDb(&drawing, bad.wstring().c_str(), true);
+  CAcadDbTool::SaveDb(nullptr, L"none.dxf", true);
+  const std::vector<quoin::product::SaveOutcome> outcomes = quoin::product::takeSaveOutcomes();
+  ASSERT_EQ(outcomes.size(), 3u);
+  EXPECT_EQ(outcomes[0].path, good.wstring());
+  EXPECT_EQ(outcomes[0].status, Acad::eOk);
+  EXPECT_TRUE(outcomes[0].cause.empty());
+  EXPECT_NE(outcomes[1].status, Acad::eOk);
+  EXPECT_NE(outcomes[1].cause.find(L"bad.dxf"), std::wstring::npos);
+  EXPECT_EQ(outcomes[2].status, Acad::eNoDatabase);
+  EXPECT_TRUE(quoin::product::takeSaveOutcomes().empty());
 }
 
 }  // namespace
