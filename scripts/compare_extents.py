@@ -104,13 +104,25 @@ def verdict(entity, ours, theirs):
     return "text" if shows_text(entity) else "differ"
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+def print_table(counts, columns):
+    """Counts by kind and verdict, as a table of a document."""
+    print("| kind | " + " | ".join(columns) + " |")
+    print("|---|" + "---:|" * len(columns))
+    for kind in sorted(counts):
+        print(f"| {kind} | " + " | ".join(str(counts[kind][column]) for column in columns) + " |")
+
+
+def arguments_of(description):
+    parser = argparse.ArgumentParser(description=description)
     parser.add_argument("--probe", required=True)
     parser.add_argument("--list", action="store_true")
     parser.add_argument("paths", nargs="+", type=pathlib.Path)
-    arguments = parser.parse_args()
     disassemble.Primitive.max_flattening_distance = FLATTENING
+    return parser.parse_args()
+
+
+def main():
+    arguments = arguments_of(__doc__.splitlines()[0])
     counts = collections.defaultdict(collections.Counter)
     unexplained = 0
     files = 0
@@ -136,10 +148,7 @@ def main():
     if not files:
         print("no drawings to compare")
         return 0
-    print("| kind | " + " | ".join(COLUMNS) + " |")
-    print("|---|" + "---:|" * len(COLUMNS))
-    for kind in sorted(counts):
-        print(f"| {kind} | " + " | ".join(str(counts[kind][column]) for column in COLUMNS) + " |")
+    print_table(counts, COLUMNS)
     return 1 if unexplained else 0
 
 

@@ -18,7 +18,6 @@ kind over all maps:
 that does not exist is left out.
 """
 
-import argparse
 import collections
 import math
 import pathlib
@@ -26,8 +25,6 @@ import subprocess
 import sys
 import tempfile
 
-import ezdxf
-from ezdxf import bbox, disassemble
 from ezdxf.math import Matrix44, Vec2, Vec3
 
 import compare_extents
@@ -141,12 +138,7 @@ def layout_entities(document):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--probe", required=True)
-    parser.add_argument("--list", action="store_true")
-    parser.add_argument("paths", nargs="+", type=pathlib.Path)
-    arguments = parser.parse_args()
-    disassemble.Primitive.max_flattening_distance = compare_extents.FLATTENING
+    arguments = compare_extents.arguments_of(__doc__.splitlines()[0])
     counts = collections.defaultdict(collections.Counter)
     unexplained = 0
     folder = pathlib.Path(tempfile.mkdtemp())
@@ -177,10 +169,7 @@ def main():
     if not counts:
         print("no drawings to compare")
         return 0
-    print("| kind | " + " | ".join(COLUMNS) + " |")
-    print("|---|" + "---:|" * len(COLUMNS))
-    for kind in sorted(counts):
-        print(f"| {kind} | " + " | ".join(str(counts[kind][column]) for column in COLUMNS) + " |")
+    compare_extents.print_table(counts, COLUMNS)
     return 1 if unexplained else 0
 
 

@@ -55,17 +55,6 @@ constexpr std::array kKinds{
     KindGeometry{"ACAD_TABLE", extentsOfTable},
 };
 
-bool isFinite(const AcGeMatrix3d& matrix) {
-  for (const auto& row : matrix.entry) {
-    for (const double value : row) {
-      if (!std::isfinite(value)) {
-        return false;
-      }
-    }
-  }
-  return true;
-}
-
 std::string_view kindOf(const TagList& tags) {
   return tags.size() > 0 ? dxf::trimmedValue(tags[0]) : std::string_view();
 }
@@ -225,6 +214,17 @@ Acad::ErrorStatus transformFree(AcDbObject& entity, const AcGeMatrix3d& matrix) 
 }
 
 }  // namespace
+
+bool isFinite(const AcGeMatrix3d& matrix) {
+  for (const auto& row : matrix.entry) {
+    for (const double value : row) {
+      if (!std::isfinite(value)) {
+        return false;
+      }
+    }
+  }
+  return true;
+}
 
 bool hasTransform(std::string_view kind) {
   const KindGeometry* const row = geometryOf(kind);

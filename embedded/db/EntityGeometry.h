@@ -121,6 +121,9 @@ Acad::ErrorStatus transformMultileader(RecordEdit& edit, const AcGeMatrix3d& mat
 Acad::ErrorStatus transformUnderlay(RecordEdit& edit, const AcGeMatrix3d& matrix);
 Acad::ErrorStatus transformShape(RecordEdit& edit, const AcGeMatrix3d& matrix);
 
+/// Whether a matrix can transform anything: no infinity, no NaN.
+bool isFinite(const AcGeMatrix3d& matrix);
+
 /// Moves along what extended data calls world positions, displacements, directions, distances
 /// and factors.
 void transformXData(RecordEdit& edit, const AcGeMatrix3d& matrix);

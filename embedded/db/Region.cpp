@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "dbents.h"
-#include "embedded/db/ObjectImpl.h"
+#include "embedded/db/EntityGeometry.h"
 #include "embedded/db/RegionShape.h"
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbRegion, AcDbEntity)
@@ -262,12 +262,8 @@ Acad::ErrorStatus AcDbRegion::getGeomExtents(AcDbExtents& extents) const {
 }
 
 Acad::ErrorStatus AcDbRegion::transformBy(const AcGeMatrix3d& matrix) {
-  for (const auto& row : matrix.entry) {
-    for (const double value : row) {
-      if (!std::isfinite(value)) {
-        return Acad::eInvalidInput;
-      }
-    }
+  if (!quoin::db::isFinite(matrix)) {
+    return Acad::eInvalidInput;
   }
   if (matrix.isSingular()) {
     return Acad::eSingularMatrix;
