@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "dbents.h"
+#include "dbpl.h"
 #include "embedded/db/EntityGeometry.h"
 #include "embedded/db/RegionShape.h"
 
@@ -33,6 +34,41 @@ void appendArc(Course& course, const AcGePoint3d& center, const AcGeVector3d& no
   }
 }
 
+void appendPolyline(Course& course, const AcDbPolyline& polyline) {
+  const AcGeMatrix3d plane = AcGeMatrix3d().setToPlaneToWorld(polyline.normal());
+  const auto place = [&](double x, double y) {
+    return AcGePoint3d() + plane * AcGeVector3d(x, y, polyline.elevation());
+  };
+  const unsigned int count = polyline.numVerts();
+  const unsigned int segments = polyline.isClosed() || count == 0 ? count : count - 1;
+  for (unsigned int i = 0; i < segments; ++i) {
+    AcGePoint2d start;
+    AcGePoint2d end;
+    double bulge = 0.0;
+    polyline.getPointAt(i, start);
+    polyline.getPointAt((i + 1) % count, end);
+    polyline.getBulgeAt(i, bulge);
+    course.push_back(place(start.x, start.y));
+    // The centre lies on the chord's perpendicular bisector; a bulge is the tangent of a quarter
+    // of the arc's angle.
+    const double sweep = 4.0 * std::atan(bulge);
+    const int chords = static_cast<int>(std::ceil(std::fabs(sweep) / kChordAngle));
+    if (chords > 1 && !start.isEqualTo(end)) {
+      const double offset = (1.0 - bulge * bulge) / (4.0 * bulge);
+      const AcGePoint2d center = start + (end - start) * 0.5 + (end - start).perpVector() * offset;
+      const AcGeVector2d spoke = start - center;
+      for (int chord = 1; chord < chords; ++chord) {
+        const double angle = sweep * chord / chords;
+        course.push_back(place(center.x + spoke.x * std::cos(angle) - spoke.y * std::sin(angle),
+                               center.y + spoke.x * std::sin(angle) + spoke.y * std::cos(angle)));
+      }
+    }
+    if (i + 1 == segments) {
+      course.push_back(place(end.x, end.y));
+    }
+  }
+}
+
 bool isFinite(const AcGePoint3d& point) {
   return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
 }
@@ -48,6 +84,8 @@ std::optional<Course> courseOf(const AcRxObject* object) {
       sweep += 2.0 * std::numbers::pi;
     }
     appendArc(course, arc->center(), arc->normal(), arc->radius(), arc->startAngle(), sweep);
+  } else if (const AcDbPolyline* const polyline = AcDbPolyline::cast(object)) {
+    appendPolyline(course, *polyline);
   } else if (const AcDbCircle* const circle = AcDbCircle::cast(object)) {
     appendArc(course, circle->center(), circle->normal(), circle->radius(), 0.0,
               2.0 * std::numbers::pi);

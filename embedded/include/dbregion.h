@@ -18,12 +18,12 @@ class HOST_API AcDbRegion : public AcDbEntity {
   AcDbRegion();
   ~AcDbRegion() override;
 
-  /// One region for every closed loop of the curves (AcDbLine, AcDbArc, AcDbCircle), loops in
-  /// the order of their first curves. Ends meet when they are equal within the global tolerance;
-  /// lines without length are passed over. Coordinates of ends stay as they are, bit for bit,
-  /// in horizontal planes.
-  /// Owns:  the curves stay the caller's; the regions are the caller's to delete.
-  /// Fails: eInvalidInput (nothing closes, a curve of another class, numbers that are not
+  /// One region for every closed loop of the curves (AcDbLine, AcDbArc, AcDbCircle, AcDbPolyline),
+  /// loops in the order of their first curves. Ends meet when they are equal within the global
+  /// tolerance; lines without length are passed over. Coordinates of ends stay as they are, bit for
+  /// bit, in horizontal planes. Owns:  the curves stay the caller's; the regions are the caller's
+  /// to delete. Fails: eInvalidInput (nothing closes, a curve of another class, numbers that are
+  /// not
   ///        finite), eNonCoplanarGeometry, eSelfIntersecting, eDegenerateGeometry (no area). A
   ///        loop that fails does not keep the others from becoming regions; the status is that
   ///        of the first that failed.

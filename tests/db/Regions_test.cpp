@@ -7,6 +7,7 @@
 #include <limits>
 #include <memory>
 
+#include "dbpl.h"
 #include "support/Drawings.h"
 #include "support/GeometryText.h"
 
@@ -137,6 +138,31 @@ TEST(Region, AnArcAndItsChordEncloseOne) {
   EXPECT_EQ(made.status, Acad::eOk);
   ASSERT_EQ(made.regions.size(), 1u);
   EXPECT_NEAR(areaOf(*made.regions[0]), 50.0 * std::acos(-1.0), 0.02);
+}
+
+TEST(Region, APolylineMayBeAWholeLoopOrAPartOfOne) {
+  auto* const square = new AcDbPolyline(4);
+  const double corners[][2] = {{0, 0}, {10, 0}, {10, 10}, {0, 10}};
+  for (unsigned int i = 0; i < 4; ++i) {
+    square->addVertexAt(i, AcGePoint2d(corners[i][0], corners[i][1]), i == 1 ? 1.0 : 0.0);
+  }
+  square->setClosed(true);
+  square->setElevation(3.0);
+  auto* const open = new AcDbPolyline(3);
+  open->addVertexAt(0, AcGePoint2d(50, 0));
+  open->addVertexAt(1, AcGePoint2d(60, 0));
+  open->addVertexAt(2, AcGePoint2d(60, 10));
+  const Made made =
+      fromCurves({square, open, new AcDbLine(AcGePoint3d(60, 10, 0), AcGePoint3d(50, 0, 0))});
+  EXPECT_EQ(made.status, Acad::eOk);
+  ASSERT_EQ(made.regions.size(), 2u);
+  // A half circle of radius 5 bulges out of the square's right side.
+  EXPECT_NEAR(areaOf(*made.regions[0]), 100.0 + 12.5 * std::acos(-1.0), 0.01);
+  AcDbExtents extents;
+  made.regions[0]->getGeomExtents(extents);
+  EXPECT_EQ(extents.minPoint().z, 3.0);
+  EXPECT_NEAR(extents.maxPoint().x, 15.0, 1e-2);
+  EXPECT_EQ(areaOf(*made.regions[1]), 50.0);
 }
 
 TEST(Region, OpenCurvesGiveNone) {
