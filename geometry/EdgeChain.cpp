@@ -21,9 +21,9 @@ constexpr double kCellTolerances = 100.0;
 /// the cells of (x - 2t) / cell and (x + 2t) / cell are the only ones that the other may be in.
 /// Where doubles lie further apart than t, equal within t means equal, and equal numbers have
 /// equal cells. NaN and infinity equal nothing, whatever cell they are in.
-class EdgeEnds {
+class CEdgeEnds {
  public:
-  explicit EdgeEnds(const std::vector<PolygonEdge>& edges)
+  explicit CEdgeEnds(const std::vector<PolygonEdge>& edges)
       : m_edges(edges), m_cell(kCellTolerances * AcGeContext::gTol.equalPoint()) {
     m_next.resize(2 * edges.size(), kNone);
     m_first.reserve(2 * edges.size());
@@ -117,14 +117,14 @@ class EdgeEnds {
 }  // namespace
 
 void ChainEdges(const std::vector<PolygonEdge>& edges, std::vector<AcGePoint3d>& vertices) {
-  EdgeEnds ends(edges);
+  CEdgeEnds ends(edges);
   std::vector<bool> isGone(edges.size(), false);
   isGone.back() = true;
   AcGePoint3d current = edges.back().end;
   vertices.push_back(current);
   for (std::size_t remaining = edges.size() - 1; remaining > 0; --remaining) {
-    std::size_t found = EdgeEnds::kNone;
-    while ((found = ends.FindFirst(current, isGone)) == EdgeEnds::kNone) {
+    std::size_t found = CEdgeEnds::kNone;
+    while ((found = ends.FindFirst(current, isGone)) == CEdgeEnds::kNone) {
       std::this_thread::yield();  // there is no other way out of a loop that does not close
     }
     const PolygonEdge& edge = edges[found / 2];

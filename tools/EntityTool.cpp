@@ -1,6 +1,7 @@
 #include "EntityTool.h"
 
 #include <memory>
+#include <utility>
 
 #include "AcadDbTool.h"
 #include "dbents.h"
@@ -134,6 +135,8 @@ void CEntityTool::TranslationToOrigin(AcDbDatabase* pDb, EDwgPosition pos) {
   TransformEntity(pDb, mat, kModelSpace);
 }
 
+// The exported signature passes the name by value.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void CEntityTool::TransformEntity(AcDbDatabase* pDb, const AcGeMatrix3d& mat, CString blockName) {
   AcDbBlockTableRecord* const pBlock = OpenBlockForWrite(pDb, blockName);
   if (!pBlock) {
@@ -153,7 +156,7 @@ void CEntityTool::TransformEntity(AcDbDatabase* pDb, const AcGeMatrix3d& mat, CS
 void CEntityTool::TransformEntityByScale(AcDbDatabase* pDb, double dScale, CString blockName) {
   AcGeMatrix3d mat;
   mat.setToScaling(dScale * kScaleFactor, AcGePoint3d::kOrigin);
-  TransformEntity(pDb, mat, blockName);
+  TransformEntity(pDb, mat, std::move(blockName));
 }
 
 void CEntityTool::AdjustDwgSize(std::vector<CString>& files, double dScale) {

@@ -87,6 +87,7 @@ Geometry geometryOf(const std::vector<RegionFace>& faces, const RegionPlane& pla
     return polygonOf(faces.front(), plane);
   }
   std::vector<GEOSGeometry*> polygons;
+  polygons.reserve(faces.size());
   for (const RegionFace& face : faces) {
     polygons.push_back(polygonOf(face, plane).release());
   }
@@ -303,6 +304,7 @@ Acad::ErrorStatus RegionShape::combined(const RegionShape& other, AcDb::BoolOper
     made->m_impl->geometry = std::move(combination);
   } else {
     std::vector<GEOSGeometry*> clones;
+    clones.reserve(polygons.size());
     for (const GEOSGeometry* const polygon : polygons) {
       clones.push_back(GEOSGeom_clone_r(geos(), polygon));
     }
@@ -317,6 +319,7 @@ std::vector<RegionFace> RegionShape::faces() const {
   std::vector<const GEOSGeometry*> polygons;
   collectPolygons(m_impl->geometry.get(), polygons);
   std::vector<std::vector<RingBuffer>> ordered;
+  ordered.reserve(polygons.size());
   for (const GEOSGeometry* const polygon : polygons) {
     ordered.push_back(orderedRings(polygon));
   }

@@ -133,6 +133,7 @@ std::vector<SideResult> runSideBySide(std::size_t count, std::size_t jobs,
       ++next;
     }
     std::vector<pollfd> waits;
+    waits.reserve(workers.size());
     for (const Worker& worker : workers) {
       waits.push_back({worker.answer, POLLIN, 0});
     }

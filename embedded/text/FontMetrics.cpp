@@ -59,11 +59,9 @@ constexpr std::array<std::string_view, 6> kFolders{"/usr/share/fonts/truetype/li
                                                    "/usr/share/fonts/TTF"};
 
 FT_Library library() {
-  static const FT_Library made = [] {
-    FT_Library opened = nullptr;
-    return FT_Init_FreeType(&opened) == 0 ? opened : nullptr;
-  }();
-  return made;
+  static FT_Library opened = nullptr;
+  static const bool isOpen = FT_Init_FreeType(&opened) == 0;
+  return isOpen ? opened : nullptr;
 }
 
 /// Letters without any font.
