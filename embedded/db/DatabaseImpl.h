@@ -13,6 +13,7 @@
 
 #include "dbmain.h"
 #include "embedded/db/ObjectImpl.h"
+#include "embedded/db/OwnBlockMoves.h"
 #include "embedded/db/TagList.h"
 #include "embedded/dxf/RecordStore.h"
 #include "hostextra.h"
@@ -64,6 +65,9 @@ struct DatabaseImpl {
   std::wstring lastError;
   hostx::Progress progress;
   bool wasRead = false;
+
+  /// Blocks of dimensions and tables that transforms took along.
+  OwnBlockMoves ownBlockMoves;
 
   /// Counts what was changed, appended and erased; differs from savedChanges while the drawing
   /// differs from its file.

@@ -162,7 +162,7 @@ class ResidentChanges {
       m_changes.push_back({&part, std::move(partBytes)});
     });
     const OwnBlock own = status == Acad::eOk ? ownBlockOf(database, tags, matrix) : OwnBlock{};
-    if (own.block) {
+    if (own.block && !database.ownBlockMoves.joins(*own.block, stub, own.matrix)) {
       // Dimensions inside such a block would be blocks within blocks: nothing makes them.
       for (AcDbStub* const entity : own.block->entities) {
         if (!entity->erased && status == Acad::eOk &&
@@ -170,6 +170,9 @@ class ResidentChanges {
           status = add(*entity, own.matrix);
         }
       }
+    }
+    if (m_changes.front().stub == &stub) {
+      m_own = own;
     }
     return status;
   }
@@ -183,6 +186,9 @@ class ResidentChanges {
       }
     }
     setBytes(open, std::move(m_changes.front().bytes));
+    if (m_own.block) {
+      DatabaseImpl::of(*openStub).ownBlockMoves.note(*m_own.block, *openStub, m_own.matrix);
+    }
   }
 
  private:
@@ -191,6 +197,7 @@ class ResidentChanges {
     std::string bytes;
   };
   std::vector<Change> m_changes;
+  OwnBlock m_own;
 };
 
 Acad::ErrorStatus transformFree(AcDbObject& entity, const AcGeMatrix3d& matrix) {

@@ -23,7 +23,7 @@ constexpr std::array kHelix{Rule{"AcDbSpline", 10, Point},     Rule{"AcDbSpline"
                             Rule{"AcDbSpline", 12, Direction}, Rule{"AcDbSpline", 13, Direction},
                             Rule{"AcDbHelix", 10, Point},      Rule{"AcDbHelix", 11, Point},
                             Rule{"AcDbHelix", 12, Direction},  Rule{"AcDbHelix", 40, Length},
-                            Rule{"AcDbHelix", 42, Length}};
+                            Rule{"AcDbHelix", 42, Length},     Rule{"AcDbHelix", 290, Handedness}};
 // The elements' parameters (41, 42) lie along the miters.
 constexpr std::array kMultiline{Rule{"AcDbMline", 40, Length},    Rule{"AcDbMline", 10, Point},
                                 Rule{"AcDbMline", 11, Point},     Rule{"AcDbMline", 12, Direction},
@@ -61,8 +61,9 @@ constexpr std::array kPositionMarker{Rule{"AcDbGeoPositionMarker", 10, Point},
 // The measured value (42) is computed anew by who draws the dimension.
 constexpr std::array kDimension{Rule{"AcDbDimension", 10, Point},
                                 Rule{"AcDbDimension", 11, PlanePoint},
-                                Rule{"AcDbDimension", 12, PlanePoint},
-                                Rule{"AcDbAlignedDimension", 12, PlanePoint},
+                                Rule{"AcDbDimension", 53, TurnedAngle},
+                                Rule{"AcDbDimension", 12, PlaneDisplacement},
+                                Rule{"AcDbAlignedDimension", 12, PlaneDisplacement},
                                 Rule{"AcDbAlignedDimension", 13, Point},
                                 Rule{"AcDbAlignedDimension", 14, Point},
                                 Rule{"AcDbAlignedDimension", 50, Angle},
@@ -153,6 +154,29 @@ AcGeVector3d turned(const AcGeVector3d& before, Meaning meaning, const AcGeMatri
   return share == 1.0 ? image : image * share;
 }
 
+/// The X axis by which a dimension calls directions horizontal (51, counted clockwise) turns
+/// along. A missing one is the plane's; ordinates say by it what they measure.
+void transformHorizontal(RecordEdit& edit, const TransformParts& parts) {
+  constexpr int kHorizontal = 51;
+  const TagList& tags = edit.tags();
+  const TagRange range = stretchOf(tags, "AcDbDimension");
+  const std::size_t index = tags.find(kHorizontal, range);
+  const bool isOrdinate = !stretchOf(tags, "AcDbOrdinateDimension").isEmpty() && tags.hasMarkers();
+  const double before = index == TagList::kNone ? 0.0 : tags.doubleAt(index);
+  const double turned = parts.plane.angle(-toRadians(before));
+  if ((index == TagList::kNone && !isOrdinate) || turned == -toRadians(before)) {
+    return;
+  }
+  if (index != TagList::kNone) {
+    edit.setDoubleAt(index, -toDegrees(turned));
+    return;
+  }
+  std::string bytes;
+  edit.noteNumber(turned);
+  dxf::putDouble(bytes, kHorizontal, -toDegrees(turned), tags.format());
+  edit.insertBefore(range.last, std::move(bytes));
+}
+
 /// Writes a direction that was missing, where it is no longer what that stands for.
 void insertTurned(RecordEdit& edit, const Rule& rule, TagRange range, const AcGeMatrix3d& matrix) {
   const AcGeVector3d after = turned(*rule.absent, rule.meaning, matrix);
@@ -189,7 +213,7 @@ void transformTag(RecordEdit& edit, std::size_t index, Meaning meaning,
   const auto hasTag = [&](std::size_t i, int wanted) {
     return i < tags.size() && tags[i].code == wanted;
   };
-  const double value = tags.doubleAt(index);
+  const double value = meaning == Handedness ? 0.0 : tags.doubleAt(index);
   switch (meaning) {
     case Length:
       edit.setDoubleAt(index, value * parts.length);
@@ -204,11 +228,22 @@ void transformTag(RecordEdit& edit, std::size_t index, Meaning meaning,
     case AngleRadians:
       edit.setDoubleAt(index, parts.plane.angle(value));
       return;
+    case TurnedAngle:
+      edit.setDoubleAt(index, parts.plane.isMirrored ? -value : value);
+      return;
+    case Handedness:
+      if (parts.matrix.det() < 0.0) {
+        std::string bytes;
+        dxf::putInteger(bytes, code, tags.integerAt(index) == 0 ? 1 : 0, tags.format());
+        edit.replace({index, index + 1}, std::move(bytes));
+      }
+      return;
     case Point:
     case Displacement:
     case Direction:
     case Normal:
     case PlanePoint:
+    case PlaneDisplacement:
       break;
   }
   const bool hasY = hasTag(index + 1, code + 10);
@@ -222,6 +257,9 @@ void transformTag(RecordEdit& edit, std::size_t index, Meaning meaning,
       break;
     case PlanePoint:
       after = parts.plane.map * before;
+      break;
+    case PlaneDisplacement:
+      after = AcGePoint3d() + parts.plane.map * before.asVector();
       break;
     case Direction:
     case Normal:
@@ -286,6 +324,9 @@ Acad::ErrorStatus transformBySchema(const TransformSchema& schema, RecordEdit& e
         transformTag(edit, i, rule.meaning, parts);
       }
     }
+  }
+  if (schema.normalMarker == "AcDbDimension") {
+    transformHorizontal(edit, parts);
   }
   if (isPlane) {
     transformNormal(edit, planeRange, parts.plane);

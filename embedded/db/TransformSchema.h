@@ -15,14 +15,17 @@ namespace quoin::db {
 
 /// What the numbers under a group code are (DXF reference, entity by entity).
 enum class Meaning {
-  Point,         // world point: codes c, c + 10, c + 20
-  Displacement,  // world vector that keeps its relative length
-  Direction,     // world vector of length one
-  Normal,        // as Direction, but turned round by maps that mirror
-  PlanePoint,    // point in the coordinates of the entity's plane (normal 210)
-  Length,        // grows with the drawing
-  Angle,         // degrees in the entity's plane, counter-clockwise
-  AngleRadians,  // the same in radians
+  Point,              // world point: codes c, c + 10, c + 20
+  Displacement,       // world vector that keeps its relative length
+  Direction,          // world vector of length one
+  Normal,             // as Direction, but turned round by maps that mirror
+  PlanePoint,         // point in the coordinates of the entity's plane (normal 210)
+  PlaneDisplacement,  // vector in the coordinates of the entity\'s plane
+  Length,             // grows with the drawing
+  Angle,              // degrees in the entity's plane, counter-clockwise
+  AngleRadians,       // the same in radians
+  TurnedAngle,  // degrees by which something leans against its usual angle: mirrored, the other way
+  Handedness,   // 1 or 0: changed by maps that mirror
 };
 
 struct Rule {

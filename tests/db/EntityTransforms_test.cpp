@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
+#include <iterator>
 #include <limits>
 #include <map>
 #include <random>
@@ -395,6 +397,77 @@ TEST(EntityTransforms, TheBlockOfADimensionComesAlong) {
     EXPECT_LT(actual.maxPoint().distanceTo(expected.maxPoint()), 1e-8);
   }
   EXPECT_GT(dimensions, 5);
+}
+
+TEST(EntityTransforms, ADimensionWhoseBlockIsDisplacedMovesOnce) {
+  One one("DIMENSION",
+          "100 AcDbDimension|2 *D1|10 5.0|20 9.0|30 0.0|11 2.5|21 9.5|31 0.0|"
+          "12 3.0|22 4.0|32 0.0|70 33|100 AcDbAlignedDimension|13 0.0|23 0.0|33 0.0|"
+          "14 5.0|24 0.0|34 0.0");
+  ASSERT_EQ(one.transform(AcGeMatrix3d().setToTranslation({100, 0, 0})), Acad::eOk);
+  EXPECT_EQ(one.numbers(12)[0], 3.0);  // the block has come along already
+  EXPECT_EQ(one.numbers(10)[0], 105.0);
+  ASSERT_EQ(one.transform(AcGeMatrix3d().setToScaling(2.0)), Acad::eOk);
+  EXPECT_EQ(one.numbers(12)[0], 6.0);
+}
+
+TEST(EntityTransforms, ABlockThatTwoDimensionsShareMovesOnceWithBoth) {
+  std::ifstream file(QUOIN_SOURCE_DIR "/examples/flat/flat.dxf", std::ios::binary);
+  std::string bytes{std::istreambuf_iterator<char>(file), {}};
+  // The second dimension gets the block of the first.
+  const auto nameAt = [&](std::size_t from) {
+    const std::size_t dimension = bytes.find("\nDIMENSION\r\n", from);
+    return bytes.find("\n*D", dimension) + 1;
+  };
+  const std::size_t first = nameAt(bytes.find("\nENTITIES\r\n"));
+  const std::string name = bytes.substr(first, bytes.find('\r', first) - first);
+  const std::size_t second = nameAt(first);
+  bytes.replace(second, bytes.find('\r', second) - second, name);
+  const Drawing drawing(bytes);
+  ASSERT_EQ(drawing.status, Acad::eOk);
+  std::vector<AcDbObjectId> dimensions;
+  for (const AcDbObjectId& id : quoin::test::entitiesOf(drawing.db())) {
+    if (hostx::kindName(id) == L"DIMENSION" && dimensions.size() < 2) {
+      dimensions.push_back(id);
+    }
+  }
+  ASSERT_EQ(dimensions.size(), 2u);
+  for (int times = 1; times <= 2; ++times) {
+    AcDbExtents before;
+    AcDbObjectPointer<AcDbEntity>(dimensions[0])->getGeomExtents(before);
+    for (const AcDbObjectId& id : dimensions) {
+      const AcDbObjectPointer<AcDbEntity> open(id, AcDb::kForWrite);
+      ASSERT_EQ(open->transformBy(AcGeMatrix3d().setToTranslation({100, 0, 0})), Acad::eOk);
+    }
+    for (const AcDbObjectId& id : dimensions) {
+      AcDbExtents after;
+      AcDbObjectPointer<AcDbEntity>(id)->getGeomExtents(after);
+      EXPECT_DOUBLE_EQ(after.minPoint().x, before.minPoint().x + 100.0);
+    }
+  }
+}
+
+TEST(EntityTransforms, AMirroredHelixTurnsTheOtherWay) {
+  One one("HELIX");
+  AcGeMatrix3d mirror;
+  mirror.setToMirroring(AcGePoint3d(), AcGeVector3d::kXAxis);
+  ASSERT_EQ(one.transform(mirror), Acad::eOk);
+  EXPECT_EQ(one.numbers(290)[0], 0.0);
+  ASSERT_EQ(one.transform(AcGeMatrix3d().setToScaling(2.0)), Acad::eOk);
+  EXPECT_EQ(one.numbers(290)[0], 0.0);
+}
+
+TEST(EntityTransforms, ATurnedOrdinateStillMeasuresAlongItsAxis) {
+  One one("DIMENSION",
+          "100 AcDbDimension|2 *D1|10 0.0|20 0.0|30 0.0|11 2.5|21 9.5|31 0.0|70 102|"
+          "100 AcDbOrdinateDimension|13 5.0|23 1.0|33 0.0|14 5.0|24 9.0|34 0.0");
+  AcGeMatrix3d turn;
+  turn.setToRotation(std::acos(-1.0) / 2.0, AcGeVector3d::kZAxis);
+  ASSERT_EQ(one.transform(turn), Acad::eOk);
+  ASSERT_EQ(one.numbers(51).size(), 1u);
+  EXPECT_NEAR(one.numbers(51)[0], -90.0, 1e-12);
+  ASSERT_EQ(one.transform(turn.inverse()), Acad::eOk);
+  EXPECT_NEAR(std::remainder(one.numbers(51)[0], 360.0), 0.0, 1e-9);
 }
 
 }  // namespace
