@@ -12,8 +12,10 @@ constexpr const wchar_t* kAccessorSourcePath = L"businessaccess\\PaperWrapper/Pa
 constexpr int kAccessorSourceLine = 33;
 
 IProjectManagerService* FindProjectManager() {
-  return static_cast<IProjectManagerService*>(
-      GetObjectFactory()->GetService(CString(ServiceName::kProjectManager), CString()));
+  // Made once: the scale is asked for once a wall line.
+  static const CString name(ServiceName::kProjectManager);
+  static const CString second;
+  return static_cast<IProjectManagerService*>(GetObjectFactory()->GetService(name, second));
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include "embedded/product/Platform.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace quoin::product {
@@ -25,12 +24,6 @@ void Platform::setOffered(const std::wstring& serviceName, bool offered) {
   } else {
     m_withdrawn.insert(serviceName);
   }
-}
-
-bool Platform::isOffered(const std::wstring& serviceName) const {
-  const auto names = serviceNames();
-  return std::find(names.begin(), names.end(), serviceName) != names.end() &&
-         !m_withdrawn.contains(serviceName);
 }
 
 LogSink Platform::setLogSink(LogSink sink) {

@@ -7,6 +7,7 @@
 #include <set>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "embedded/product/EntityMapping.h"
 #include "embedded/product/LogSink.h"
@@ -36,7 +37,9 @@ class HOST_API Platform {
   static std::span<const wchar_t* const> serviceNames();
   /// Withdraws a service, or offers it again: a withdrawn one is not found by look-ups.
   void setOffered(const std::wstring& serviceName, bool offered);
-  bool isOffered(const std::wstring& serviceName) const;
+  bool isWithdrawn(std::wstring_view serviceName) const {
+    return !m_withdrawn.empty() && m_withdrawn.contains(serviceName);
+  }
 
   /// Replaces where log lines go, and answers what was there. An empty sink stands for the
   /// default, the standard error stream.
@@ -51,7 +54,7 @@ class HOST_API Platform {
   ProjectManager m_projects;
   EntityMappings m_entityMappings;
   ServiceLookups m_lookups;
-  std::set<std::wstring> m_withdrawn;
+  std::set<std::wstring, std::less<>> m_withdrawn;
   LogSink m_sink;
   std::uint64_t m_loggedLines = 0;
 };

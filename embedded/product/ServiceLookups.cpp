@@ -2,11 +2,18 @@
 
 namespace quoin::product {
 
-void ServiceLookups::countLookup(const std::wstring& name, const std::wstring& second, bool found) {
+void ServiceLookups::countLookup(std::wstring_view name, std::wstring_view second, bool found) {
   ++m_lookups;
-  ++m_byName[name];
+  if (!m_last || m_last->first != name) {
+    auto place = m_byName.find(name);
+    if (place == m_byName.end()) {
+      place = m_byName.emplace(name, 0).first;
+    }
+    m_last = &*place;
+  }
+  ++m_last->second;
   if (m_isRecording) {
-    m_records.push_back({name, second, m_factoryCalls, found});
+    m_records.push_back({std::wstring(name), std::wstring(second), m_factoryCalls, found});
   }
 }
 
@@ -19,6 +26,7 @@ void ServiceLookups::reset() {
   m_factoryCalls = 0;
   m_lookups = 0;
   m_byName.clear();
+  m_last = nullptr;
   m_records.clear();
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "hostapi.h"
@@ -22,14 +23,16 @@ struct ServiceLookup {
 
 class HOST_API ServiceLookups {
  public:
+  using CountsByName = std::map<std::wstring, std::uint64_t, std::less<>>;
+
   void countFactoryCall() { ++m_factoryCalls; }
-  void countLookup(const std::wstring& name, const std::wstring& second, bool found);
+  void countLookup(std::wstring_view name, std::wstring_view second, bool found);
 
   /// GetObjectFactory() calls and look-ups since the host began (or since reset).
   std::uint64_t factoryCalls() const { return m_factoryCalls; }
   std::uint64_t lookups() const { return m_lookups; }
   /// Look-ups by service name, found or not.
-  const std::map<std::wstring, std::uint64_t>& byName() const { return m_byName; }
+  const CountsByName& byName() const { return m_byName; }
 
   /// From now on every look-up is recorded too, one record each.
   void startRecording();
@@ -40,7 +43,9 @@ class HOST_API ServiceLookups {
  private:
   std::uint64_t m_factoryCalls = 0;
   std::uint64_t m_lookups = 0;
-  std::map<std::wstring, std::uint64_t> m_byName;
+  CountsByName m_byName;
+  /// The name asked for last: algorithms ask for one and the same, once a wall line.
+  CountsByName::value_type* m_last = nullptr;
   bool m_isRecording = false;
   std::vector<ServiceLookup> m_records;
 };

@@ -29,8 +29,11 @@ class EntityModelMappingService : public IEntityModelMappingService {
 
 /// A service of which callers know nothing but the name: its address is all there is to it.
 struct NamedService {
-  const wchar_t* name = nullptr;
+  std::wstring_view name;
 };
+
+constexpr std::wstring_view kProjectManager = ServiceName::kProjectManager;
+constexpr std::wstring_view kEntityModelMapping = ServiceName::kEntityModelMapping;
 
 struct Services {
   ProjectManagerService projectManager;
@@ -50,10 +53,10 @@ struct Services {
 
   /// Pointers to the interfaces that callers cast to.
   void* find(std::wstring_view name) {
-    if (name == ServiceName::kProjectManager) {
+    if (name == kProjectManager) {
       return static_cast<IProjectManagerService*>(&projectManager);
     }
-    if (name == ServiceName::kEntityModelMapping) {
+    if (name == kEntityModelMapping) {
       return static_cast<IEntityModelMappingService*>(&entityModelMapping);
     }
     const auto found = std::find_if(others.begin(), others.end(),
@@ -69,11 +72,13 @@ class ObjectFactory : public IObjectFactory {
     if (!platform) {
       return nullptr;
     }
-    const std::wstring wanted = name.GetString();
+    const std::wstring_view wanted(name.GetString(), static_cast<std::size_t>(name.GetLength()));
     // Every service exists once, under an empty second string.
-    const bool found = second.IsEmpty() && platform->isOffered(wanted);
-    platform->lookups().countLookup(wanted, second.GetString(), found);
-    return found ? Services::instance().find(wanted) : nullptr;
+    void* const service = second.IsEmpty() && !platform->isWithdrawn(wanted)
+                              ? Services::instance().find(wanted)
+                              : nullptr;
+    platform->lookups().countLookup(wanted, second.GetString(), service != nullptr);
+    return service;
   }
 };
 

@@ -1,0 +1,252 @@
+// The one spatial index of the algorithms: the end points of a set of lines, arranged so that
+// those near a given line or point are found without looking at the others. What it hands out is
+// a superset of the ends that an exact test (a computed distance below the capture distance)
+// accepts; how it finds them never shows in a result. Not exported.
+//
+//      column 0    column 1   column 2      The plane is cut into columns of about equally many
+//     +----------+----------+---------+     ends, and each column into rows of equal height,
+//     |  .       |        . | .       |     about half as many as it has ends. A column keeps
+//     |      .   |  .       |     .   |     its ends in the order of y. A search goes through
+//     |----------| .        |---------|     the columns that the line's box meets; in each it
+//     |          |----------|  .  .   |     looks up the row where the line's surroundings begin
+//     |  .   .   |  .  . .  |         |     and reads on to where they end.
+//     +----------+----------+---------+
+//
+// Whatever the data, columns and rows adapt: crowds get narrow columns (but none narrower than
+// the capture distance, which every search crosses anyway) and equal places stay together in one
+// column, in order. A search costs a few steps for each column it meets and each end it reads.
+// There are about as many columns as a column has ends, so even a line as long as the whole set
+// is wide costs no more than the square root of the number of ends, beside what it finds.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <span>
+#include <vector>
+
+#include "CaptureBox.h"
+#include "gepnt3d.h"
+
+/// Every end that CCaptureBox::Holds() is handed out, and only such ends. Why none is missed:
+/// the columns part the ends by x, and a search visits all whose [minX, maxX] meets the box's.
+/// Of a column all ends are read whose y lies in the range that the box answers for the
+/// column's x, because they stand in the order of y, and reading begins in the row of the lower
+/// bound: RowOf() never falls as y rises (neither does any rounded operation in it), so an end
+/// above the bound stands in that row or a later one.
+class CEndPointIndex {
+ public:
+  /// One end of line number `Line()`.
+  struct End {
+    double x;
+    double y;
+    std::uint32_t number;  // twice the line's, and one more for the line's end than for its start
+
+    std::size_t Line() const { return LineOf(number); }
+    bool IsStart() const { return CEndPointIndex::IsStart(number); }
+  };
+  static std::size_t LineOf(std::uint32_t endNumber) { return endNumber / 2; }
+  static bool IsStart(std::uint32_t endNumber) { return endNumber % 2 == 0; }
+
+  /// Indexes the ends of all lines: pointers to records with ptStart and ptEnd, none null. An
+  /// end with a coordinate that is no finite number is near nothing and left out.
+  /// `captureDistance` is that of most searches to come.
+  /// Fails: std::length_error for more than 2^31 lines.
+  template <class Line>
+  CEndPointIndex(const std::vector<Line*>& lines, double captureDistance)
+      : m_minColumnWidth(captureDistance) {
+    CheckCount(lines.size());
+    const auto visitEnds = [&lines](auto visit) {
+      std::uint32_t number = 0;
+      for (const Line* pLine : lines) {
+        VisitFinite(pLine->ptStart, number++, visit);
+        VisitFinite(pLine->ptEnd, number++, visit);
+      }
+    };
+    CBins bins;
+    visitEnds([&bins](const End& end) { bins.Extend(end.x); });
+    bins.Divide();
+    visitEnds([&bins](const End& end) { bins.Count(end.x); });
+    m_ends.resize(bins.GetTotal());
+    if (CutBins(bins)) {
+      visitEnds([this, &bins](const End& end) { m_ends[bins.NextPlace(end.x)] = end; });
+    } else {
+      std::size_t place = 0;
+      visitEnds([this, &place](const End& end) { m_ends[place++] = end; });
+      SortAndCut();
+    }
+    SortColumns();
+  }
+
+  static bool IsIndexed(const AcGePoint3d& pt) {
+    return std::isfinite(pt.x) && std::isfinite(pt.y);
+  }
+
+  /// Columns with the ends in them, so that neighbours can be worked on one soon after another.
+  std::size_t ColumnCount() const { return m_columns.size() - 1; }
+  std::span<const End> EndsOfColumn(std::size_t column) const {
+    return {m_ends.data() + m_columns[column].first, m_ends.data() + m_columns[column + 1].first};
+  }
+
+  /// Calls visit(end number) for the ends that the box holds, in no order that means anything,
+  /// until it answers false. `column` is one that the box meets, if it meets any: that of an
+  /// end of the line itself.
+  template <class Visit>
+  void VisitNear(const CCaptureBox& box, std::size_t column, Visit visit) const {
+    VisitColumns(box, column, [&](std::size_t index) {
+      const auto [first, last] = EndsWithin(box, index);
+      for (const End* end = first; end != last; ++end) {
+        if (box.Holds(end->x, end->y) && !visit(end->number)) {
+          return false;
+        }
+      }
+      return true;
+    });
+  }
+
+  /// A list of end numbers that keeps its memory when it is cleared.
+  class Found {
+   public:
+    void Clear() { m_count = 0; }
+    std::span<const std::uint32_t> All() const { return {m_numbers.data(), m_count}; }
+
+   private:
+    friend class CEndPointIndex;
+    std::vector<std::uint32_t> m_numbers;
+    std::size_t m_count = 0;
+  };
+  /// Appends the numbers of the ends that the box holds, except those of the line itself, and
+  /// answers how many. `column` as above.
+  std::size_t CollectNear(const CCaptureBox& box, std::size_t column, std::size_t ownLine,
+                          Found& found) const {
+    const std::size_t before = found.m_count;
+    VisitColumns(box, column, [&](std::size_t index) {
+      const auto [first, last] = EndsWithin(box, index);
+      const std::size_t most = found.m_count + static_cast<std::size_t>(last - first);
+      if (most > found.m_numbers.size()) {
+        found.m_numbers.resize(2 * most);
+      }
+      // Every number is written, and the next one over it where it is not wanted: cheaper than
+      // a branch that is anyone's guess.
+      std::uint32_t* next = found.m_numbers.data() + found.m_count;
+      for (const End* end = first; end != last; ++end) {
+        *next = end->number;
+        next += static_cast<unsigned>(box.Holds(end->x, end->y)) &
+                static_cast<unsigned>(end->Line() != ownLine);
+      }
+      found.m_count = static_cast<std::size_t>(next - found.m_numbers.data());
+      return true;
+    });
+    return found.m_count - before;
+  }
+
+ private:
+  static constexpr std::size_t kEndsPerRow = 2;
+  /// Rows with more ends than this are searched by halving.
+  static constexpr std::uint32_t kCrowdedRow = 32;
+
+  struct Column {
+    double minX = 0.0;
+    double maxX = 0.0;
+    double minY = 0.0;
+    double rowsPerUnit = 0.0;
+    std::uint32_t first = 0;  // the place of its first end; the next column's is behind its last
+    std::uint32_t firstRow = 0;
+    std::uint32_t rows = 1;
+
+    std::size_t RowOf(double y) const {
+      const double row = (y - minY) * rowsPerUnit;
+      return firstRow + static_cast<std::uint32_t>(std::clamp(row, 0.0, rows - 1.0));
+    }
+  };
+
+  /// Equal strips of x, many to a column, in which the ends are counted to find the columns.
+  class CBins {
+   public:
+    void Extend(double x) {
+      m_minX = std::min(m_minX, x);
+      m_maxX = std::max(m_maxX, x);
+      ++m_total;
+    }
+    void Divide();
+    void Count(double x) { ++m_counts[BinOf(x)]; }
+    std::size_t GetTotal() const { return m_total; }
+    /// Once the columns are known: where the next end of this x goes.
+    std::size_t NextPlace(double x) { return m_nextPlaces[m_columnOfBin[BinOf(x)]]++; }
+
+   private:
+    friend class CEndPointIndex;
+    std::size_t BinOf(double x) const {
+      return static_cast<std::uint32_t>(std::clamp((x - m_minX) * m_binsPerUnit, 0.0, m_lastBin));
+    }
+
+    double m_minX = std::numeric_limits<double>::max();
+    double m_maxX = std::numeric_limits<double>::lowest();
+    double m_binsPerUnit = 0.0;
+    double m_lastBin = 0.0;
+    std::size_t m_total = 0;
+    std::vector<std::uint32_t> m_counts;
+    std::vector<std::uint32_t> m_columnOfBin;
+    std::vector<std::uint32_t> m_nextPlaces;
+  };
+
+  template <class Visit>
+  static void VisitFinite(const AcGePoint3d& pt, std::uint32_t number, Visit& visit) {
+    if (IsIndexed(pt)) {
+      visit(End{pt.x, pt.y, number});
+    }
+  }
+
+  /// Calls visit(index) for the columns that the box meets until it answers false.
+  template <class Visit>
+  void VisitColumns(const CCaptureBox& box, std::size_t column, Visit visit) const {
+    for (std::size_t i = column + 1; i-- > 0 && m_columns[i].maxX >= box.MinX();) {
+      if (!visit(i)) {
+        return;
+      }
+    }
+    for (std::size_t i = column + 1; i + 1 < m_columns.size() && m_columns[i].minX <= box.MaxX();
+         ++i) {
+      if (!visit(i)) {
+        return;
+      }
+    }
+  }
+
+  struct EndRange {
+    const End* first;
+    const End* last;
+  };
+  /// The ends of a column among which those are that the box holds.
+  EndRange EndsWithin(const CCaptureBox& box, std::size_t index) const {
+    const Column& column = m_columns[index];
+    const CCaptureBox::Range y = box.YRangeWithin(column.minX, column.maxX);
+    const std::size_t lowRow = column.RowOf(y.low);
+    const std::size_t highRow = column.RowOf(y.high);
+    const End* first = m_ends.data() + m_rowFirst[lowRow];
+    const End* last = m_ends.data() + m_rowFirst[highRow + 1];
+    if (m_rowFirst[lowRow + 1] - m_rowFirst[lowRow] > kCrowdedRow) {
+      first = std::lower_bound(first, last, y.low,
+                               [](const End& end, double low) { return end.y < low; });
+    }
+    if (m_rowFirst[highRow + 1] - m_rowFirst[highRow] > kCrowdedRow) {
+      last = std::upper_bound(first, last, y.high,
+                              [](double high, const End& end) { return high < end.y; });
+    }
+    return {first, last};
+  }
+
+  static void CheckCount(std::size_t lines);
+  std::size_t EndsPerColumn() const;
+  void BeginColumn(std::size_t first);
+  bool CutBins(CBins& bins);
+  void SortAndCut();
+  void SortColumns();
+
+  double m_minColumnWidth;
+  std::vector<End> m_ends;                // column by column, each in the order of y
+  std::vector<Column> m_columns;          // and one behind the last
+  std::vector<std::uint32_t> m_rowFirst;  // the place of each row's first end, and one more
+};
