@@ -6,6 +6,7 @@
 
 #include "EndPointIndex.h"
 #include "ProjectScale.h"
+#include "ReadAhead.h"
 #include "SortAlongDirection.h"
 #include "gelnsg3d.h"
 
@@ -145,14 +146,6 @@ struct FoundBreakPnt {
 /// How many ends are worked on together: enough reads to keep memory busy, few enough to stay
 /// in the innermost caches until they are needed.
 constexpr std::size_t kBatch = 64;
-
-/// Reads the line before it is needed. One after another, such reads would each wait for memory;
-/// many in a row, without anything that depends on them, are on the way at once.
-void ReadAhead(const WallLineLikeSeg& line) {
-  // Volatile: the values are not used yet.
-  *static_cast<const volatile double*>(&line.ptStart.x);
-  *static_cast<const volatile double*>(&line.ptEnd.z);
-}
 
 struct LineAtHand {
   LineAtHand(const WallLineLikeSeg& line, double captureDistance, std::size_t lineNumber)

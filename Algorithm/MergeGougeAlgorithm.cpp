@@ -38,21 +38,9 @@ void CMergeGougeAlgorithm::AppendBreakPnt(const AcGePoint3d& pt) {
 }
 
 void CMergeGougeAlgorithm::MergeGougeLines() {
-  struct Steps {
-    CMergeGougeAlgorithm* pThis;
-    void Collect(std::vector<MergeGougeSeg*>& startTouchList,
-                 std::vector<MergeGougeSeg*>& endTouchList,
-                 const std::vector<MergeGougeSeg*>& searchList, MergeGougeSeg* pSeg) {
-      pThis->ColStartEndPntGougeArray(startTouchList, endTouchList, searchList, pSeg);
-    }
-    bool MergeOnPnt(MergeGougeSeg* pSeg1, MergeGougeSeg* pSeg2, bool bAtStart) {
-      return pThis->Merge2GougeOnPnt(pSeg1, pSeg2, bAtStart);
-    }
-    void Bookkeep(MergeGougeSeg* pSeg1, MergeGougeSeg* pSeg2) {
-      pThis->Merge2GougeStruct(pSeg1, pSeg2);
-    }
-  };
-  MergeSegInternal::MergeLines<GougePolicy>(m_srcGougeLines, Steps{this});
+  MergeSegInternal::CMerger<GougePolicy, MergeGougeSeg>(m_srcGougeLines, m_breakPnts,
+                                                        m_mergeGougeLines)
+      .Merge();
 }
 
 void CMergeGougeAlgorithm::ColStartEndPntGougeArray(std::vector<MergeGougeSeg*>& startTouchList,

@@ -10,12 +10,19 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <optional>
 #include <set>
+#include <utility>
 #include <vector>
 
+#include "EndPointIndex.h"
 #include "GeomConst.h"
 #include "GeomDegree.h"
 #include "ProjectScale.h"
+#include "ReadAhead.h"
 #include "gepnt3d.h"
 
 namespace MergeSegInternal {
@@ -24,44 +31,64 @@ namespace MergeSegInternal {
 /// to within this many degrees.
 constexpr double kMaxBendDegrees = 1.0;
 
+/// Whether an end of the candidate is nearer to the point than the tolerance. A candidate whose
+/// start is no number touches nothing.
+template <class Seg>
+bool Touches(const AcGePoint3d& pt, const Seg& cand, double tolerance) {
+  return tolerance > std::min(pt.distanceTo(cand.ptStart), pt.distanceTo(cand.ptEnd));
+}
+
 template <class Seg>
 void CollectTouching(std::vector<Seg*>& startTouchList, std::vector<Seg*>& endTouchList,
                      const std::vector<Seg*>& searchList, const Seg& seg) {
   const double tolerance = GetCaptureDistance(GetProjectScale());
   for (Seg* pCand : searchList) {
-    const double distStart =
-        std::min(seg.ptStart.distanceTo(pCand->ptStart), seg.ptStart.distanceTo(pCand->ptEnd));
-    const double distEnd =
-        std::min(seg.ptEnd.distanceTo(pCand->ptStart), seg.ptEnd.distanceTo(pCand->ptEnd));
-    if (tolerance > distStart) {
+    if (Touches(seg.ptStart, *pCand, tolerance)) {
       startTouchList.push_back(pCand);
     }
-    if (tolerance > distEnd) {
+    if (Touches(seg.ptEnd, *pCand, tolerance)) {
       endTouchList.push_back(pCand);
     }
   }
 }
 
-template <class Policy, class Seg>
-bool MergeOnPnt(Seg& seg1, const Seg& seg2, bool bAtStart,
-                const std::vector<AcGePoint3d>& breakPnts) {
+/// Whether the end at ptMeet is the start of the segment; so it is when both ends are as near.
+template <class Seg>
+bool NearIsStart(const Seg& seg, const AcGePoint3d& ptMeet) {
+  return !(seg.ptStart.distanceTo(ptMeet) > seg.ptEnd.distanceTo(ptMeet));
+}
+
+/// Whether two segments that leave their meeting point in these directions continue each other.
+inline bool LeadOppositeWays(const AcGeVector3d& vec1, const AcGeVector3d& vec2) {
+  // Nearly all that do are far from the limit, and then need no arc tangent: the tangent of the
+  // bend is |cross| / -dot, and that of 0.9 degrees is above 0.0157. Vectors that are tiny, huge
+  // or no numbers are left to the angle.
+  constexpr double kSurelySmallTangent = 0.0157;
+  constexpr double kLeastProduct = 1.0e-200;
+  const double cross = vec1.x * vec2.y - vec1.y * vec2.x;
+  const double dot = vec1.x * vec2.x + vec1.y * vec2.y;
+  if (std::fabs(cross) < -dot * kSurelySmallTangent && -dot > kLeastProduct && std::isfinite(dot)) {
+    return true;
+  }
+  const double turn = vec1.angleTo(vec2, AcGeVector3d::kZAxis) - GeomConst::kPi;
+  return !(std::fabs(CGeomDegree(turn, CGeomDegree::eAngleRadian).GetAngleDegree()) >
+           kMaxBendDegrees);
+}
+
+/// Extends seg1 over seg2 at the end named, where seg2's start or its end is the nearer one,
+/// if it continues it there.
+template <class Policy, class Seg, class IsBreakPnt>
+bool MergeUnlessBroken(Seg& seg1, const Seg& seg2, bool bAtStart, bool nearIsStart,
+                       IsBreakPnt isBreakPnt) {
   const AcGePoint3d ptMeet = bAtStart ? seg1.ptStart : seg1.ptEnd;
   const AcGePoint3d ptFar1 = bAtStart ? seg1.ptEnd : seg1.ptStart;
-  for (const AcGePoint3d& ptBreak : breakPnts) {
-    if (ptBreak.isEqualTo(ptMeet)) {
-      return false;
-    }
-  }
-  const bool nearIsStart = !(seg2.ptStart.distanceTo(ptMeet) > seg2.ptEnd.distanceTo(ptMeet));
-  const AcGePoint3d ptNear2 = nearIsStart ? seg2.ptStart : seg2.ptEnd;
-  const AcGePoint3d ptFar2 = nearIsStart ? seg2.ptEnd : seg2.ptStart;
-
-  const double turn =
-      (ptFar1 - ptMeet).angleTo(ptFar2 - ptNear2, AcGeVector3d::kZAxis) - GeomConst::kPi;
-  if (std::fabs(CGeomDegree(turn, CGeomDegree::eAngleRadian).GetAngleDegree()) > kMaxBendDegrees) {
+  if (isBreakPnt(ptMeet)) {
     return false;
   }
-  if (!Policy::AgreeAt(seg1, bAtStart, seg2, nearIsStart)) {
+  const AcGePoint3d ptNear2 = nearIsStart ? seg2.ptStart : seg2.ptEnd;
+  const AcGePoint3d ptFar2 = nearIsStart ? seg2.ptEnd : seg2.ptStart;
+  if (!LeadOppositeWays(ptFar1 - ptMeet, ptFar2 - ptNear2) ||
+      !Policy::AgreeAt(seg1, bAtStart, seg2, nearIsStart)) {
     return false;
   }
   // From far end to far end: merging at the start turns the direction round.
@@ -71,52 +98,320 @@ bool MergeOnPnt(Seg& seg1, const Seg& seg2, bool bAtStart,
   return true;
 }
 
+template <class Policy, class Seg>
+bool MergeOnPnt(Seg& seg1, const Seg& seg2, bool bAtStart,
+                const std::vector<AcGePoint3d>& breakPnts) {
+  const bool nearIsStart = NearIsStart(seg2, bAtStart ? seg1.ptStart : seg1.ptEnd);
+  return MergeUnlessBroken<Policy>(seg1, seg2, bAtStart, nearIsStart, [&](const AcGePoint3d& pt) {
+    return std::any_of(breakPnts.begin(), breakPnts.end(),
+                       [&](const AcGePoint3d& ptBreak) { return ptBreak.isEqualTo(pt); });
+  });
+}
+
+template <class Seg>
+void AppendMerged(Seg* pSeg1, Seg* pSeg2) {
+  pSeg1->mergedSegs.push_back(pSeg2);
+  // By number: a record that stands in the source list twice may absorb itself.
+  const std::size_t count = pSeg2->mergedSegs.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    pSeg1->mergedSegs.push_back(pSeg2->mergedSegs[i]);
+  }
+}
+
 template <class Seg>
 void MergeBookkeeping(Seg* pSeg1, Seg* pSeg2, std::set<Seg*>& mergedLines) {
-  pSeg1->mergedSegs.push_back(pSeg2);
-  pSeg1->mergedSegs.insert(pSeg1->mergedSegs.end(), pSeg2->mergedSegs.begin(),
-                           pSeg2->mergedSegs.end());
+  AppendMerged(pSeg1, pSeg2);
   mergedLines.insert(pSeg1);
   mergedLines.erase(pSeg2);
 }
 
-/// The whole operation; `steps` gives the three protected steps of the class.
-template <class Policy, class Seg, class Steps>
-void MergeLines(const std::vector<Seg*>& srcLines, Steps steps) {
-  std::vector<Seg*> pendingList(srcLines);
-  std::vector<Seg*> doneList;
-  while (!pendingList.empty()) {
-    Seg* pSeg = pendingList.back();
-    pendingList.pop_back();
-    std::vector<Seg*> startTouchList;
-    std::vector<Seg*> endTouchList;
-    steps.Collect(startTouchList, endTouchList, pendingList, pSeg);
-    steps.Collect(startTouchList, endTouchList, doneList, pSeg);
-
-    const auto absorbAt = [&](const std::vector<Seg*>& touchList, bool bAtStart) {
-      if (touchList.size() != 1) {
-        return false;
-      }
-      // A finished record is never absorbed, only one that is still pending.
-      const auto found = std::find(pendingList.begin(), pendingList.end(), touchList.front());
-      if (found == pendingList.end() || !steps.MergeOnPnt(pSeg, *found, bAtStart)) {
-        return false;
-      }
-      Seg* pOther = *found;
-      pendingList.erase(found);
-      steps.Bookkeep(pSeg, pOther);
-      return true;
-    };
-    bool merged = false;
-    if (!Policy::IsFixed(*pSeg, true)) {
-      merged = absorbAt(startTouchList, true);
+/// The break points, arranged for finding those that equal a point.
+class CBreakPnts {
+ public:
+  explicit CBreakPnts(const std::vector<AcGePoint3d>& pnts) : m_equalPoint(TouchDistance()) {
+    m_points.reserve(pnts.size());
+    for (const AcGePoint3d& pt : pnts) {
+      m_points.push_back({pt, pt});
     }
-    if (!Policy::IsFixed(*pSeg, false)) {
-      merged = absorbAt(endTouchList, false) || merged;
+    std::vector<const PointAsLine*> lines;
+    lines.reserve(m_points.size());
+    for (const PointAsLine& point : m_points) {
+      lines.push_back(&point);
     }
-    (merged ? pendingList : doneList).push_back(pSeg);
+    m_index.emplace(lines, m_equalPoint);
   }
-}
+
+  bool Hold(const AcGePoint3d& pt) const {
+    bool isHeld = false;
+    if (!m_points.empty()) {
+      m_index->VisitNear(CCaptureBox(pt, m_equalPoint), m_index->ColumnNear(pt.x),
+                         [&](std::uint32_t near) {
+                           isHeld = m_points[CEndPointIndex::LineOf(near)].ptStart.isEqualTo(pt);
+                           return !isHeld;
+                         });
+    }
+    return isHeld;
+  }
+
+ private:
+  struct PointAsLine {
+    AcGePoint3d ptStart;
+    AcGePoint3d ptEnd;
+  };
+  /// Points are equal up to the tolerance itself, which is therefore below this.
+  static double TouchDistance() {
+    return std::nextafter(AcGeContext::gTol.equalPoint(), std::numeric_limits<double>::infinity());
+  }
+
+  double m_equalPoint;
+  std::vector<PointAsLine> m_points;
+  std::optional<CEndPointIndex> m_index;
+};
+
+/// The whole operation. In its plain form it keeps two lists, of pending and of finished records,
+/// takes the last pending one, looks through both lists for what touches its ends, merges with a
+/// pending record that alone touches an end, and puts it back to the end of the pending list if
+/// it merged, or into the finished one.
+///
+/// Here nothing is looked through. A merged record is taken again at once, so records are taken
+/// from the last to the first of the source array, those already absorbed left out. And a merge
+/// makes no new end points: the survivor gets one end of either record, the two that met are
+/// gone. So what touches what is found once, by an index of all ends, and ends only change hands.
+/// Records are numbered by where they start, in the order of the index, so that a chain's records
+/// are neighbours in memory; end 2 * n is the start of record n as it was, 2 * n + 1 its end.
+template <class Policy, class Seg>
+class CMerger {
+ public:
+  CMerger(const std::vector<Seg*>& srcLines, const std::vector<AcGePoint3d>& breakPnts,
+          std::set<Seg*>& mergedLines)
+      : m_srcLines(srcLines),
+        m_breakPnts(breakPnts),
+        m_mergedLines(mergedLines),
+        m_hadMergedLines(!mergedLines.empty()) {}
+
+  void Merge() {
+    for (std::size_t i = m_srcLines.size(); i-- > 0;) {
+      // The project is asked for the tolerance by the first pass, not before.
+      Tolerances tolerances{};
+      if (m_records.empty()) {
+        tolerances.pending = ReadTolerance();
+        Prepare(tolerances.pending);
+        tolerances.finished = ReadTolerance();
+      } else if (m_records[m_numbers[i]].state == State::Pending) {
+        tolerances = ReadTolerances();
+      } else {
+        continue;
+      }
+      std::size_t merges = 0;
+      do {
+        if (merges++ % (kChainAhead / 2) == 0) {
+          ReadChainAhead(m_numbers[i]);
+        }
+      } while (MergeOnce(m_numbers[i], merges == 1 ? tolerances : ReadTolerances()));
+      m_records[m_numbers[i]].state = State::Finished;
+    }
+  }
+
+ private:
+  static constexpr std::uint32_t kNobody = CEndPointIndex::kNone;
+
+  enum class State : std::uint8_t { Pending, AtHand, Finished, Absorbed };
+  struct Record {
+    Seg* pSeg = nullptr;
+    // By end, start first. Contacts and owners are those of the ends that the record began with.
+    std::uint32_t contacts[2] = {CEndPointIndex::kNone, CEndPointIndex::kNone};
+    std::uint32_t owners[2] = {};  // the record that has it now, or kNobody
+    std::uint32_t ends[2] = {};    // the ends that the record has now
+    State state = State::Pending;
+    bool isResult = false;
+  };
+  /// The touch tolerances of one pass, read in this order.
+  struct Tolerances {
+    double pending;
+    double finished;
+  };
+
+  /// How many records of a chain are read ahead, either way.
+  static constexpr int kChainAhead = 32;
+
+  /// Reads what the record is going to absorb, if each contact leads on to the next.
+  void ReadChainAhead(std::uint32_t number) {
+    for (const std::uint32_t from : m_records[number].ends) {
+      std::uint32_t end = from;
+      for (int step = 0; step < kChainAhead; ++step) {
+        const std::uint32_t contact = m_records[end / 2].contacts[end % 2];
+        if (contact == CEndPointIndex::kNone || contact == CEndPointIndex::kSeveral ||
+            m_records[contact / 2].state != State::Pending) {
+          break;
+        }
+        ReadAhead(*m_records[contact / 2].pSeg);
+        end = contact ^ 1;
+      }
+    }
+  }
+
+  static double ReadTolerance() { return GetCaptureDistance(GetProjectScale()); }
+  static Tolerances ReadTolerances() {
+    const double pending = ReadTolerance();
+    return {pending, ReadTolerance()};
+  }
+
+  void Prepare(double tolerance) {
+    // Contacts are those of the ends as they were, so they must not serve a record that moves
+    // while it stands elsewhere in the array too. One that does touches itself, and so nothing
+    // alone, unless a coordinate is no finite number: then every search is made anew.
+    m_tolerance = HasUnfiniteDuplicates() ? std::numeric_limits<double>::quiet_NaN() : tolerance;
+    m_index.emplace(m_srcLines, tolerance);
+    m_numbers.assign(m_srcLines.size(), kNobody);
+    std::uint32_t count = 0;
+    for (std::size_t column = 0; column < m_index->ColumnCount(); ++column) {
+      for (const CEndPointIndex::End& end : m_index->EndsOfColumn(column)) {
+        if (end.IsStart()) {
+          m_numbers[end.Line()] = count++;
+        }
+      }
+    }
+    m_records.resize(m_srcLines.size());
+    for (std::size_t i = 0; i < m_srcLines.size(); ++i) {
+      if (m_numbers[i] == kNobody) {
+        m_numbers[i] = count++;
+      }
+      const std::uint32_t number = m_numbers[i];
+      Record& record = m_records[number];
+      record.pSeg = m_srcLines[i];
+      record.owners[0] = record.owners[1] = number;
+      record.ends[0] = 2 * number;
+      record.ends[1] = 2 * number + 1;
+    }
+    m_index->VisitContacts(tolerance, [this](const CEndPointIndex::End& end, std::uint32_t near) {
+      const bool isOne = near != CEndPointIndex::kNone && near != CEndPointIndex::kSeveral;
+      m_records[m_numbers[end.Line()]].contacts[end.number % 2] = isOne ? EndOf(near) : near;
+    });
+  }
+
+  bool HasUnfiniteDuplicates() const {
+    std::vector<const Seg*> unfinite;
+    for (const Seg* pSeg : m_srcLines) {
+      if (!std::isfinite((pSeg->ptEnd - pSeg->ptStart).lengthSqrd())) {
+        unfinite.push_back(pSeg);
+      }
+    }
+    std::sort(unfinite.begin(), unfinite.end(), std::less<>());
+    return std::adjacent_find(unfinite.begin(), unfinite.end()) != unfinite.end();
+  }
+
+  /// The end that has this number in the index.
+  std::uint32_t EndOf(std::uint32_t indexed) const {
+    return 2 * m_numbers[CEndPointIndex::LineOf(indexed)] + indexed % 2;
+  }
+  std::uint32_t& Owner(std::uint32_t end) { return m_records[end / 2].owners[end % 2]; }
+
+  /// One pass over a record; whether it merged.
+  bool MergeOnce(std::uint32_t number, const Tolerances& tolerances) {
+    Record& record = m_records[number];
+    record.state = State::AtHand;
+    const std::uint32_t atStart =
+        FindOnlyTouching(record.ends[0], record.pSeg->ptStart, tolerances);
+    const std::uint32_t atEnd = FindOnlyTouching(record.ends[1], record.pSeg->ptEnd, tolerances);
+    bool merged = false;
+    if (!Policy::IsFixed(*record.pSeg, true)) {
+      merged = Absorb(number, atStart, true);
+    }
+    if (!Policy::IsFixed(*record.pSeg, false)) {
+      merged = Absorb(number, atEnd, false) || merged;
+    }
+    return merged;
+  }
+
+  bool TouchesNow(const AcGePoint3d& pt, const Record& record, const Tolerances& tolerances) const {
+    switch (record.state) {
+      case State::Pending:
+        return Touches(pt, *record.pSeg, tolerances.pending);
+      case State::Finished:
+        return Touches(pt, *record.pSeg, tolerances.finished);
+      default:
+        return false;
+    }
+  }
+
+  /// The one pending or finished record that touches the end, which is at `pt`; kNobody when
+  /// none does or several do.
+  std::uint32_t FindOnlyTouching(std::uint32_t end, const AcGePoint3d& pt,
+                                 const Tolerances& tolerances) {
+    const std::uint32_t contact = m_records[end / 2].contacts[end % 2];
+    // A project whose scale changes on the way is rare, but then contacts are not what they were.
+    if (!(tolerances.pending == m_tolerance && tolerances.finished == m_tolerance) ||
+        contact == CEndPointIndex::kSeveral) {
+      return SearchOnlyTouching(pt, tolerances);
+    }
+    if (contact == CEndPointIndex::kNone) {
+      return kNobody;
+    }
+    const std::uint32_t other = Owner(contact);
+    return other != kNobody && TouchesNow(pt, m_records[other], tolerances) ? other : kNobody;
+  }
+
+  std::uint32_t SearchOnlyTouching(const AcGePoint3d& pt, const Tolerances& tolerances) {
+    const CCaptureBox box(pt, std::fmax(tolerances.pending, tolerances.finished));
+    std::uint32_t only = kNobody;
+    m_index->VisitNear(box, m_index->ColumnNear(pt.x), [&](std::uint32_t near) {
+      const std::uint32_t other = Owner(EndOf(near));
+      if (other == kNobody || other == only || !TouchesNow(pt, m_records[other], tolerances)) {
+        return true;
+      }
+      const bool isSecond = only != kNobody;
+      only = isSecond ? kNobody : other;
+      return !isSecond;
+    });
+    return only;
+  }
+
+  bool Absorb(std::uint32_t number, std::uint32_t other, bool bAtStart) {
+    if (other == kNobody || m_records[other].state != State::Pending) {
+      return false;
+    }
+    Record& record = m_records[number];
+    Record& gone = m_records[other];
+    const bool nearIsStart =
+        NearIsStart(*gone.pSeg, bAtStart ? record.pSeg->ptStart : record.pSeg->ptEnd);
+    if (!MergeUnlessBroken<Policy>(
+            *record.pSeg, *gone.pSeg, bAtStart, nearIsStart,
+            [this](const AcGePoint3d& pt) { return m_breakPnts.Hold(pt); })) {
+      return false;
+    }
+    gone.state = State::Absorbed;
+    Owner(record.ends[bAtStart ? 0 : 1]) = kNobody;
+    Owner(gone.ends[nearIsStart ? 0 : 1]) = kNobody;
+    record.ends[0] = record.ends[bAtStart ? 1 : 0];
+    record.ends[1] = gone.ends[nearIsStart ? 1 : 0];
+    Owner(record.ends[1]) = number;
+    Note(record, gone);
+    return true;
+  }
+
+  /// The bookkeeping of a merge. The set is asked only for what may be new to it: this operation
+  /// absorbs nothing that has merged before.
+  void Note(Record& record, const Record& gone) {
+    if (m_hadMergedLines || record.pSeg == gone.pSeg) {
+      MergeBookkeeping(record.pSeg, gone.pSeg, m_mergedLines);
+      return;
+    }
+    AppendMerged(record.pSeg, gone.pSeg);
+    if (!record.isResult) {
+      m_mergedLines.insert(record.pSeg);
+      record.isResult = true;
+    }
+  }
+
+  const std::vector<Seg*>& m_srcLines;
+  CBreakPnts m_breakPnts;
+  std::set<Seg*>& m_mergedLines;
+  bool m_hadMergedLines;
+  double m_tolerance = 0.0;
+  std::optional<CEndPointIndex> m_index;
+  std::vector<std::uint32_t> m_numbers;  // the records' numbers by place in the source array
+  std::vector<Record> m_records;
+};
 
 template <class Seg>
 void DeleteLines(std::vector<Seg*>& srcLines) {

@@ -55,21 +55,8 @@ void CMergeWallAlgorithm::AppendBreakPnt(const AcGePoint3d& pt) {
 }
 
 void CMergeWallAlgorithm::MergeWallLines() {
-  struct Steps {
-    CMergeWallAlgorithm* pThis;
-    void Collect(std::vector<MergeWallSeg*>& startTouchList,
-                 std::vector<MergeWallSeg*>& endTouchList,
-                 const std::vector<MergeWallSeg*>& searchList, MergeWallSeg* pSeg) {
-      pThis->ColStartEndPntWallArray(startTouchList, endTouchList, searchList, pSeg);
-    }
-    bool MergeOnPnt(MergeWallSeg* pSeg1, MergeWallSeg* pSeg2, bool bAtStart) {
-      return pThis->Merge2WallOnPnt(pSeg1, pSeg2, bAtStart);
-    }
-    void Bookkeep(MergeWallSeg* pSeg1, MergeWallSeg* pSeg2) {
-      pThis->Merge2WallStruct(pSeg1, pSeg2);
-    }
-  };
-  MergeSegInternal::MergeLines<WallPolicy>(m_srcWallLines, Steps{this});
+  MergeSegInternal::CMerger<WallPolicy, MergeWallSeg>(m_srcWallLines, m_breakPnts, m_mergeWallLines)
+      .Merge();
 }
 
 void CMergeWallAlgorithm::ColStartEndPntWallArray(std::vector<MergeWallSeg*>& startTouchList,

@@ -40,9 +40,9 @@ class CCaptureBox {
     if (!(captureDistance > 0.0) || !std::isfinite(m_x1) || !std::isfinite(m_y1)) {
       return;
     }
-    const double size = std::max(std::max(std::fabs(m_x1), std::fabs(m_x2)),
-                                 std::max(std::fabs(m_y1), std::fabs(m_y2)));
-    m_reach = captureDistance * (1.0 + kRelativeSlack) + size * kRelativeSlack + kAbsoluteSlack;
+    m_reach = Reach(std::max(std::max(std::fabs(m_x1), std::fabs(m_x2)),
+                             std::max(std::fabs(m_y1), std::fabs(m_y2))),
+                    captureDistance);
     m_minX = std::min(m_x1, m_x2) - m_reach;
     m_maxX = std::max(m_x1, m_x2) + m_reach;
     m_minY = std::min(m_y1, m_y2) - m_reach;
@@ -61,6 +61,14 @@ class CCaptureBox {
   /// Around a point.
   CCaptureBox(const AcGePoint3d& pt, double captureDistance)
       : CCaptureBox(pt, pt, captureDistance) {}
+
+  /// How far the box reaches beyond its line on every side: `size` is the line's largest
+  /// coordinate. Below zero where nothing lies within the capture distance.
+  static double Reach(double size, double captureDistance) {
+    return captureDistance > 0.0
+               ? captureDistance * (1.0 + kRelativeSlack) + size * kRelativeSlack + kAbsoluteSlack
+               : -1.0;
+  }
 
   /// Whether nothing at all lies within the capture distance.
   bool IsEmpty() const { return !(m_minX <= m_maxX); }

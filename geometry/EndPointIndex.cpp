@@ -16,19 +16,19 @@ std::size_t SquareRoot(std::size_t count) {
   return static_cast<std::size_t>(std::sqrt(static_cast<double>(count)));
 }
 
-bool IsBelow(const CEndPointIndex::End& a, const CEndPointIndex::End& b) {
+constexpr auto kIsBelow = [](const CEndPointIndex::End& a, const CEndPointIndex::End& b) {
   return a.y < b.y;
-}
+};
 
 void SortRow(CEndPointIndex::End* first, CEndPointIndex::End* last) {
   if (last - first > kShortRow) {
-    std::sort(first, last, IsBelow);
+    std::sort(first, last, kIsBelow);
     return;
   }
   for (CEndPointIndex::End* end = first; end != last; ++end) {
     const CEndPointIndex::End moved = *end;
     CEndPointIndex::End* place = end;
-    for (; place != first && IsBelow(moved, place[-1]); --place) {
+    for (; place != first && kIsBelow(moved, place[-1]); --place) {
       *place = place[-1];
     }
     *place = moved;

@@ -106,6 +106,29 @@ class CEndPointIndex {
     });
   }
 
+  /// Where to begin a search at this x.
+  std::size_t ColumnNear(double x) const {
+    const auto behind =
+        std::upper_bound(m_columns.begin(), m_columns.end() - 1, x,
+                         [](double value, const Column& column) { return value < column.minX; });
+    return behind == m_columns.begin() ? 0
+                                       : static_cast<std::size_t>(behind - m_columns.begin()) - 1;
+  }
+
+  /// For every end, column by column, calls visit(end, contact): the number of the one end of
+  /// another line near it, or kNone, or kSeveral.
+  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+  static constexpr std::uint32_t kSeveral = 0xFFFFFFFE;
+  template <class Visit>
+  void VisitContacts(double captureDistance, Visit visit) const {
+    for (std::size_t column = 0; column < ColumnCount(); ++column) {
+      const std::span<const End> ends = EndsOfColumn(column);
+      for (std::size_t i = 0; i < ends.size(); ++i) {
+        visit(ends[i], FindContact(column, ends, i, captureDistance));
+      }
+    }
+  }
+
   /// A list of end numbers that keeps its memory when it is cleared.
   class Found {
    public:
@@ -202,7 +225,8 @@ class CEndPointIndex {
   /// Calls visit(index) for the columns that the box meets until it answers false.
   template <class Visit>
   void VisitColumns(const CCaptureBox& box, std::size_t column, Visit visit) const {
-    for (std::size_t i = column + 1; i-- > 0 && m_columns[i].maxX >= box.MinX();) {
+    for (std::size_t i = std::min(column + 1, ColumnCount());
+         i-- > 0 && m_columns[i].maxX >= box.MinX();) {
       if (!visit(i)) {
         return;
       }
@@ -213,6 +237,42 @@ class CEndPointIndex {
         return;
       }
     }
+  }
+
+  /// The contact of an end of a column. Nearly always all is said within the column, a few steps
+  /// up and down from the end itself.
+  std::uint32_t FindContact(std::size_t column, std::span<const End> ends, std::size_t own,
+                            double captureDistance) const {
+    const End& end = ends[own];
+    std::uint32_t contact = kNone;
+    const auto meet = [&](std::uint32_t number) {
+      if (LineOf(number) != end.Line()) {
+        contact = contact == kNone ? number : kSeveral;
+      }
+      return contact != kSeveral;
+    };
+    const double reach =
+        CCaptureBox::Reach(std::max(std::fabs(end.x), std::fabs(end.y)), captureDistance);
+    const double minX = end.x - reach;
+    const double maxX = end.x + reach;
+    if ((column > 0 && m_columns[column - 1].maxX >= minX) ||
+        (column + 1 < ColumnCount() && m_columns[column + 1].minX <= maxX)) {
+      VisitNear(CCaptureBox(AcGePoint3d(end.x, end.y, 0.0), captureDistance), column, meet);
+      return contact;
+    }
+    const double minY = end.y - reach;
+    for (std::size_t i = own; i-- > 0 && ends[i].y >= minY;) {
+      if (ends[i].x >= minX && ends[i].x <= maxX && !meet(ends[i].number)) {
+        return contact;
+      }
+    }
+    const double maxY = end.y + reach;
+    for (std::size_t i = own + 1; i < ends.size() && ends[i].y <= maxY; ++i) {
+      if (ends[i].x >= minX && ends[i].x <= maxX && !meet(ends[i].number)) {
+        return contact;
+      }
+    }
+    return contact;
   }
 
   struct EndRange {
