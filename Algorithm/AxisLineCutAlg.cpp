@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "AxisGridInternal.h"
 #include "SortAlongDirection.h"
 #include "gelnsg3d.h"
 
@@ -24,9 +25,23 @@ const std::vector<AxisLikeLineSeg*>& AxisLineCutAlg::GetDestAxisLines() {
 
 void AxisLineCutAlg::CutAxisLines() {
   ClearAxisLineArray(m_destAxisLines);
+  m_destAxisLines.reserve(m_srcAxisLines.size());
+  const CAxisGrid grid(m_srcAxisLines);
   for (AxisLikeLineSeg* pLine : m_srcAxisLines) {
-    if (pLine) {
-      CutAxisLine(pLine);
+    if (!pLine) {
+      continue;
+    }
+    CAxisGrid::Crossings crossings;
+    switch (grid.FindOutermost(*pLine, crossings)) {
+      case CAxisGrid::Outcome::Found:
+        m_destAxisLines.push_back(new AxisLikeLineSeg{crossings.ptFirst, crossings.ptLast});
+        break;
+      case CAxisGrid::Outcome::Nothing:
+        m_destAxisLines.push_back(new AxisLikeLineSeg(*pLine));
+        break;
+      case CAxisGrid::Outcome::Unclear:
+        CutAxisLine(pLine);
+        break;
     }
   }
 }

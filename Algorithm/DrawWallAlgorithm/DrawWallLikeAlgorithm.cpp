@@ -1,5 +1,6 @@
 #include "DrawWallLikeAlgorithm.h"
 
+#include "FarFilter.h"
 #include "ProjectScale.h"
 #include "SortAlongDirection.h"
 
@@ -44,7 +45,11 @@ AcArray<AcGePoint3d> CDrawWallLikeAlgorithm::CalcNewWallLine(const AcGePoint3d& 
 
 void CDrawWallLikeAlgorithm::BreakSrcWallLines(AcArray<AcGePoint3d>& pnts) {
   const double captureDistance = GetCaptureDistance(GetProjectScale());
+  const CFarLineFilter filter(m_newSeg.startPoint(), m_newSeg.endPoint(), captureDistance);
   for (WallLineLikeSeg* pSrc : m_srcWallLines) {
+    if (filter.IsFar(pSrc->ptStart, pSrc->ptEnd)) {
+      continue;
+    }
     const AcGeLineSeg3d segSrc(pSrc->ptStart, pSrc->ptEnd);
     if (!(captureDistance > m_newSeg.distanceTo(segSrc))) {
       continue;

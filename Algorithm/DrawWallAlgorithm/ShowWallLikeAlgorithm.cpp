@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "FarFilter.h"
 #include "ProjectScale.h"
 #include "WallTerminalInternal.h"
 
@@ -19,8 +20,11 @@ void CollectMeetWalls(const std::vector<WallEntityLikeRect*>& vecAllWallRect,
   const double captureDistance = GetCaptureDistance(GetProjectScale());
   const AcGePoint3d& ptStart = pShowWall->ptStart;
   const AcGePoint3d& ptEnd = pShowWall->ptEnd;
+  CFarPointFilter filter(captureDistance);
+  filter.Add(ptStart);
+  filter.Add(ptEnd);
   for (WallEntityLikeRect* pRect : vecAllWallRect) {
-    if (!pRect || pRect == pShowWall) {
+    if (!pRect || pRect == pShowWall || filter.AreFar(pRect->ptStart, pRect->ptEnd)) {
       continue;
     }
     const double distStart =

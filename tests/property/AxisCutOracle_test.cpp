@@ -53,6 +53,42 @@ TEST(AxisCutOracle, LargeSetsGiveTheSameBits) {
   }
 }
 
+/// Level and upright axes on a lattice: ends on other axes, short of them or past them by about the
+/// point tolerance, crossings as near to each other, the odd slanted line and other height.
+Axes latticeAxes(std::mt19937_64& random, int count) {
+  const double slops[] = {0.0,    0.0,  0.0,   1e-11, -1e-10, 1e-10,
+                          -2e-10, 1e-9, -5e-9, 1e-8,  0.3,    -0.3};
+  std::uniform_int_distribution<int> cell(-3, 3);
+  std::uniform_int_distribution<int> die(0, 19);
+  const double offset = die(random) == 0 ? 1e6 : 0.0;
+  const auto at = [&] { return offset + 10.0 * cell(random) + slops[random() % 12]; };
+  Axes axes;
+  for (int i = 0; i < count; ++i) {
+    AxisLikeLineSeg axis{{at(), at(), 0.0}, {at(), at(), 0.0}};
+    const int kind = die(random);
+    if (kind < 9) {
+      axis.ptEnd.y = axis.ptStart.y;
+    } else if (kind < 18) {
+      axis.ptEnd.x = axis.ptStart.x;
+    }
+    if (die(random) == 0) {
+      axis.ptStart.z = axis.ptEnd.z = 1e-10 * cell(random);
+    }
+    axes.push_back(axis);
+  }
+  return axes;
+}
+
+TEST(AxisCutOracle, GridsWithCrossingsAndEndsAboutTheToleranceApartGiveTheSameBits) {
+  std::mt19937_64 random(57);
+  for (int round = 0; round < 12000; ++round) {
+    ASSERT_NO_FATAL_FAILURE(expectSameBits(latticeAxes(random, 2 + round % 14))) << round;
+  }
+  for (int round = 0; round < 30; ++round) {
+    ASSERT_NO_FATAL_FAILURE(expectSameBits(latticeAxes(random, 200))) << round;
+  }
+}
+
 /// A grid of axes that run past each other, somewhat askew, each in either direction.
 Axes grid(std::mt19937_64& random) {
   std::uniform_real_distribution<double> slop(-300.0, 300.0);
