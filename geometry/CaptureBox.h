@@ -101,8 +101,9 @@ class CCaptureBox {
     return {std::min(y1, y2) - m_reach, std::max(y1, y2) + m_reach};
   }
 
+  static constexpr double kRelativeSlack = 1.0e-12;  // 9,000 times 2^-53
+
  private:
-  static constexpr double kRelativeSlack = 1.0e-12;   // 9,000 times 2^-53
   static constexpr double kAbsoluteSlack = 1.0e-150;  // far above where squares vanish
 
   /// The line's y where its x comes nearest to `x`.

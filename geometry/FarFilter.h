@@ -14,44 +14,44 @@
 ///
 /// The exact test accepts when the computed distance of two computed points is below t. A point
 /// computed on a segment is one of its ends or start + (end - start) * p with 0 < p < 1, which
-/// leaves the box of the ends by a few 2^-53 of their size; or it is no number, and so is its
-/// distance. The boxes of two accepted segments are therefore no further apart, in any
-/// coordinate, than t and a few 2^-53 of both sizes (see CCaptureBox for the rounding of the
-/// distance itself). The box here is grown by the reach for a size kFarOut times that of segment
-/// and t; lines with larger coordinates, or with some that are no numbers, are never ruled out.
+/// leaves the range of the ends, in any coordinate, by a few 2^-53 of their size in it; or it is no
+/// number, and so is its distance. So accepted segments are no further apart in a coordinate than
+/// t and a few 2^-53 of both sizes (see CCaptureBox for the rounding of the distance itself, and
+/// for the slacks). Comparisons with what is no number rule nothing out; a line whose end alone is
+/// none may be ruled out by its start, because its feet are there or are no numbers.
 class CFarLineFilter {
  public:
-  CFarLineFilter(const AcGePoint3d& ptStart, const AcGePoint3d& ptEnd, double captureDistance) {
-    m_maxSize = kFarOut * (SizeOf(ptStart, ptEnd) + captureDistance);
-    const double reach = CCaptureBox::Reach(m_maxSize, captureDistance);
-    m_minX = std::min(ptStart.x, ptEnd.x) - reach;
-    m_maxX = std::max(ptStart.x, ptEnd.x) + reach;
-    m_minY = std::min(ptStart.y, ptEnd.y) - reach;
-    m_maxY = std::max(ptStart.y, ptEnd.y) + reach;
-    if (!std::isfinite((ptEnd - ptStart).lengthSqrd())) {
-      m_maxSize = -1.0;  // nothing is certain
-    }
+  CFarLineFilter(const AcGePoint3d& ptStart, const AcGePoint3d& ptEnd, double captureDistance)
+      : m_minX(std::min(ptStart.x, ptEnd.x)),
+        m_maxX(std::max(ptStart.x, ptEnd.x)),
+        m_minY(std::min(ptStart.y, ptEnd.y)),
+        m_maxY(std::max(ptStart.y, ptEnd.y)) {
+    // Of a segment whose length overflows nothing is certain.
+    const double size = std::isfinite((ptEnd - ptStart).lengthSqrd())
+                            ? std::max(std::max(std::fabs(m_minX), std::fabs(m_maxX)),
+                                       std::max(std::fabs(m_minY), std::fabs(m_maxY)))
+                            : std::numeric_limits<double>::infinity();
+    const double reach = CCaptureBox::Reach(size, captureDistance);
+    m_minX -= reach;
+    m_maxX += reach;
+    m_minY -= reach;
+    m_maxY += reach;
   }
 
-  /// Whether the line is certainly not within the capture distance.
+  /// Whether the line is certainly not within the capture distance. Nearly all are told by x.
   bool IsFar(const AcGePoint3d& ptStart, const AcGePoint3d& ptEnd) const {
-    // All at once, without branches that are anyone's guess.
-    const unsigned beside = static_cast<unsigned>(std::max(ptStart.x, ptEnd.x) < m_minX) |
-                            static_cast<unsigned>(std::min(ptStart.x, ptEnd.x) > m_maxX) |
-                            static_cast<unsigned>(std::max(ptStart.y, ptEnd.y) < m_minY) |
-                            static_cast<unsigned>(std::min(ptStart.y, ptEnd.y) > m_maxY);
-    return (beside & static_cast<unsigned>(SizeOf(ptStart, ptEnd) <= m_maxSize)) != 0;
+    return Gap(ptStart.x, ptEnd.x, m_minX, m_maxX) > 0.0 ||
+           Gap(ptStart.y, ptEnd.y, m_minY, m_maxY) > 0.0;
   }
 
  private:
-  static constexpr double kFarOut = 1.0e6;
-
-  static double SizeOf(const AcGePoint3d& ptStart, const AcGePoint3d& ptEnd) {
-    return (std::fabs(ptStart.x) + std::fabs(ptEnd.x)) +
-           (std::fabs(ptStart.y) + std::fabs(ptEnd.y));
+  /// How far two values lie above or below a range, less their own rounding.
+  static double Gap(double start, double end, double min, double max) {
+    const double low = std::min(start, end);
+    const double high = std::max(start, end);
+    return std::max(min - high, low - max) - CCaptureBox::kRelativeSlack * std::max(high, -low);
   }
 
-  double m_maxSize;
   double m_minX;
   double m_maxX;
   double m_minY;
@@ -75,15 +75,20 @@ class CFarPointFilter {
       m_maxY = std::max(m_maxY, pt.y + reach);
     }
   }
-  /// Whether neither of two points is certainly near.
+  /// Whether neither of two points is near. Nearly all are told by x.
   bool AreFar(const AcGePoint3d& pt1, const AcGePoint3d& pt2) const {
-    return (Holds(pt1) | Holds(pt2)) == 0;
+    const unsigned first = IsWithin(pt1.x, m_minX, m_maxX);
+    const unsigned second = IsWithin(pt2.x, m_minX, m_maxX);
+    if ((first | second) == 0) {
+      return true;
+    }
+    return ((first & IsWithin(pt1.y, m_minY, m_maxY)) |
+            (second & IsWithin(pt2.y, m_minY, m_maxY))) == 0;
   }
 
  private:
-  unsigned Holds(const AcGePoint3d& pt) const {
-    return static_cast<unsigned>(pt.x >= m_minX) & static_cast<unsigned>(pt.x <= m_maxX) &
-           static_cast<unsigned>(pt.y >= m_minY) & static_cast<unsigned>(pt.y <= m_maxY);
+  static unsigned IsWithin(double value, double min, double max) {
+    return static_cast<unsigned>(value >= min) & static_cast<unsigned>(value <= max);
   }
 
   double m_captureDistance;

@@ -1,0 +1,146 @@
+// Drawing one new line among the walls of a city, and showing one wall among them: one pass over
+// records that lie about in memory. Peers: reading every record's coordinates once, and comparing
+// every record's box.
+#include <algorithm>
+#include <memory>
+
+#include "DrawWallAlgorithm/DrawWallLikeAlgorithm.h"
+#include "DrawWallAlgorithm/ShowWallLikeAlgorithm.h"
+#include "bench/Measure.h"
+#include "bench/Registration.h"
+#include "bench/Workloads.h"
+
+namespace quoin::bench {
+namespace {
+
+constexpr double kCapture = 10.0;
+
+/// The city's records, each allocated by itself, and pointers to them in another order if wanted.
+template <class Record>
+struct Records {
+  explicit Records(std::size_t size, bool shuffled) {
+    for (const Line& line : city(size, false)) {
+      auto* const record = new Record();
+      record->ptStart.set(line.x0, line.y0, 0.0);
+      record->ptEnd.set(line.x1, line.y1, 0.0);
+      pointers.push_back(record);
+    }
+    if (shuffled) {
+      Random random(2);
+      shuffle(pointers, random);
+    }
+  }
+  Records(const Records&) = delete;
+  Records& operator=(const Records&) = delete;
+  ~Records() {
+    for (Record* record : pointers) {
+      delete record;
+    }
+  }
+  std::vector<Record*> pointers;
+};
+
+template <class Record>
+std::size_t touchAll(const Records<Record>& records) {
+  double sum = 0.0;
+  for (const Record* record : records.pointers) {
+    sum += (record->ptStart.x + record->ptStart.y) + (record->ptEnd.x + record->ptEnd.y);
+  }
+  benchmark::DoNotOptimize(sum);
+  return records.pointers.size();
+}
+
+std::size_t compareBoxes(const Records<WallLineLikeSeg>& records) {
+  const Line line = dragged(records.pointers.size(), 0);
+  const double minX = std::min(line.x0, line.x1) - kCapture;
+  const double maxX = std::max(line.x0, line.x1) + kCapture;
+  const double minY = std::min(line.y0, line.y1) - kCapture;
+  const double maxY = std::max(line.y0, line.y1) + kCapture;
+  std::size_t meeting = 0;
+  for (const WallLineLikeSeg* record : records.pointers) {
+    meeting += static_cast<std::size_t>(std::min(record->ptStart.x, record->ptEnd.x) <= maxX &&
+                                        std::max(record->ptStart.x, record->ptEnd.x) >= minX &&
+                                        std::min(record->ptStart.y, record->ptEnd.y) <= maxY &&
+                                        std::max(record->ptStart.y, record->ptEnd.y) >= minY);
+  }
+  return meeting;
+}
+
+struct Drawing {
+  explicit Drawing(std::size_t size, bool shuffled)
+      : records(size, shuffled), line(dragged(size, 0)) {
+    algorithm.GetSrcWallLines() = records.pointers;
+  }
+  ~Drawing() {
+    // What the calculation took into account has passed to the algorithm.
+    auto modified = algorithm.GetSrcModifyiedWallLines();
+    std::sort(modified.begin(), modified.end());
+    std::erase_if(records.pointers, [&](WallLineLikeSeg* record) {
+      return std::binary_search(modified.begin(), modified.end(), record);
+    });
+  }
+  Drawing(const Drawing&) = delete;
+  Drawing& operator=(const Drawing&) = delete;
+
+  Records<WallLineLikeSeg> records;
+  Line line;
+  CDrawWallLikeAlgorithm algorithm;
+};
+
+std::size_t draw(Drawing& drawing) {
+  const Line& line = drawing.line;
+  drawing.algorithm.CalcNewWallLine(AcGePoint3d(line.x0, line.y0, 0.0),
+                                    AcGePoint3d(line.x1, line.y1, 0.0));
+  return drawing.algorithm.GetSrcModifyiedWallLines().size();
+}
+
+auto showFor(std::size_t size) {
+  auto algorithm = std::make_unique<CShowWallLikeAlgorithm>();
+  Records<WallEntityLikeRect> records(size, true);
+  for (WallEntityLikeRect* record : records.pointers) {
+    record->dLeftWidth = record->dRightWidth = 100.0;
+  }
+  *algorithm->GetShowWall() = *records.pointers[size / 2];
+  algorithm->GetAllWallRect().swap(records.pointers);
+  return algorithm;
+}
+std::size_t showInPlan(CShowWallLikeAlgorithm& algorithm) {
+  algorithm.CalcShowWall();
+  return algorithm.GetAllWallRect().size();
+}
+std::size_t showFor3d(CShowWallLikeAlgorithm& algorithm) {
+  benchmark::DoNotOptimize(algorithm.CalcShowWallPrepareFor3d());
+  return algorithm.GetAllWallRect().size();
+}
+
+}  // namespace
+
+void registerDraw() {
+  for (const bool shuffled : {false, true}) {
+    const std::string workload = shuffled ? "draw-shuffled" : "draw-ordered";
+    const auto drawing = [shuffled](std::size_t size) {
+      return std::make_unique<Drawing>(size, shuffled);
+    };
+    const auto records = [shuffled](std::size_t size) {
+      return std::make_unique<Records<WallLineLikeSeg>>(size, shuffled);
+    };
+    for (const std::size_t size : {10000u, 100000u, 1000000u}) {
+      measure(workload, "ours", size, drawing, draw);
+      measure(workload, "boxes", size, records, compareBoxes);
+      measure(workload, "touch", size, records, touchAll<WallLineLikeSeg>);
+    }
+  }
+}
+
+void registerShow() {
+  const auto records = [](std::size_t size) {
+    return std::make_unique<Records<WallEntityLikeRect>>(size, true);
+  };
+  for (const std::size_t size : {10000u, 100000u, 1000000u}) {
+    measure("show", "ours", size, showFor, showInPlan);
+    measure("show", "for-3d", size, showFor, showFor3d);
+    measure("show", "touch", size, records, touchAll<WallEntityLikeRect>);
+  }
+}
+
+}  // namespace quoin::bench
