@@ -12,8 +12,18 @@ constexpr std::size_t kCrowdedColumns = 4;
 /// Up to here an insertion sort is the quickest.
 constexpr std::ptrdiff_t kShortRow = 12;
 
-std::size_t SquareRoot(std::size_t count) {
-  return static_cast<std::size_t>(std::sqrt(static_cast<double>(count)));
+/// A column costs as much as a few ends.
+constexpr double kFewestEndsPerColumn = 16.0;
+
+/// How far the middle eight tenths of the points reach in a coordinate.
+double MiddleSpread(std::vector<AcGePoint3d>& points, double AcGePoint3d::*coordinate) {
+  if (points.empty()) {
+    return 0.0;
+  }
+  std::sort(points.begin(), points.end(), [&](const AcGePoint3d& a, const AcGePoint3d& b) {
+    return a.*coordinate < b.*coordinate;
+  });
+  return points[points.size() * 9 / 10].*coordinate - points[points.size() / 10].*coordinate;
 }
 
 constexpr auto kIsBelow = [](const CEndPointIndex::End& a, const CEndPointIndex::End& b) {
@@ -43,12 +53,19 @@ void CEndPointIndex::CheckCount(std::size_t lines) {
   }
 }
 
-std::size_t CEndPointIndex::EndsPerColumn() const {
-  return SquareRoot(m_ends.size()) + 1;
+/// So many that columns are about as wide as rows of kEndsPerRow are high, were the ends spread
+/// evenly, but no more than there are columns: what lies far off must not make columns of crowds.
+std::size_t CEndPointIndex::EndsPerColumn(std::size_t ends, std::vector<AcGePoint3d> sample) {
+  const double most = std::sqrt(static_cast<double>(ends)) + 1.0;
+  const double width = MiddleSpread(sample, &AcGePoint3d::x);
+  const double height = MiddleSpread(sample, &AcGePoint3d::y);
+  const double square = height < width ? most * std::sqrt(height / width) : most;
+  return static_cast<std::size_t>(std::max(square, std::min(most, kFewestEndsPerColumn)));
 }
 
-void CEndPointIndex::CBins::Divide() {
-  const std::size_t bins = kBinsPerColumn * (SquareRoot(m_total) + 1);
+void CEndPointIndex::CBins::Divide(std::size_t endsPerColumn) {
+  const std::size_t bins =
+      std::min(kBinsPerColumn * (m_total / endsPerColumn + 1), 2 * m_total + 1);
   m_counts.assign(bins, 0);
   m_lastBin = static_cast<double>(bins - 1);
   const double binsPerUnit = static_cast<double>(bins) / (m_maxX - m_minX);
@@ -63,7 +80,7 @@ void CEndPointIndex::BeginColumn(std::size_t first) {
 /// Columns of whole bins. Answers false where a bin alone has far more ends than a column should
 /// and is wide enough to be parted.
 bool CEndPointIndex::CutBins(CBins& bins) {
-  const std::size_t enough = EndsPerColumn();
+  const std::size_t enough = m_endsPerColumn;
   const double binWidth = (bins.m_maxX - bins.m_minX) / (bins.m_lastBin + 1);
   for (const std::uint32_t count : bins.m_counts) {
     if (count > kCrowdedColumns * enough && !(binWidth <= m_minColumnWidth)) {
@@ -93,7 +110,7 @@ bool CEndPointIndex::CutBins(CBins& bins) {
 /// Columns of ends in the order of x; equal x stay together.
 void CEndPointIndex::SortAndCut() {
   std::sort(m_ends.begin(), m_ends.end(), [](const End& a, const End& b) { return a.x < b.x; });
-  const std::size_t enough = EndsPerColumn();
+  const std::size_t enough = m_endsPerColumn;
   for (std::size_t i = 0; i < m_ends.size(); ++i) {
     if (i == 0 || (i - m_columns.back().first >= enough && m_ends[i].x > m_ends[i - 1].x &&
                    m_ends[i].x - m_ends[m_columns.back().first].x >= m_minColumnWidth)) {

@@ -12,11 +12,12 @@
 //     |  .   .   |  .  . .  |         |     and reads on to where they end.
 //     +----------+----------+---------+
 //
-// Whatever the data, columns and rows adapt: crowds get narrow columns (but none narrower than
-// the capture distance, which every search crosses anyway) and equal places stay together in one
-// column, in order. A search costs a few steps for each column it meets and each end it reads.
-// There are about as many columns as a column has ends, so even a line as long as the whole set
-// is wide costs no more than the square root of the number of ends, beside what it finds.
+// Whatever the data, columns and rows adapt: what is wider than high gets more columns, crowds get
+// narrow columns (but none narrower than the capture distance, which every search crosses anyway)
+// and equal places stay together in one column, in order. A search costs a few steps for each
+// column it meets and each end it reads. There are about as many columns as a column has ends, so
+// even a line as long as the whole set is wide costs no more than the square root of the number of
+// ends, beside what it finds.
 #pragma once
 
 #include <algorithm>
@@ -67,7 +68,8 @@ class CEndPointIndex {
     };
     CBins bins;
     visitEnds([&bins](const End& end) { bins.Extend(end.x); });
-    bins.Divide();
+    m_endsPerColumn = EndsPerColumn(bins.GetTotal(), SampleOf(lines));
+    bins.Divide(m_endsPerColumn);
     visitEnds([&bins](const End& end) { bins.Count(end.x); });
     m_ends.resize(bins.GetTotal());
     if (CutBins(bins)) {
@@ -193,7 +195,7 @@ class CEndPointIndex {
       m_maxX = std::max(m_maxX, x);
       ++m_total;
     }
-    void Divide();
+    void Divide(std::size_t endsPerColumn);
     void Count(double x) { ++m_counts[BinOf(x)]; }
     std::size_t GetTotal() const { return m_total; }
     /// Once the columns are known: where the next end of this x goes.
@@ -298,14 +300,29 @@ class CEndPointIndex {
     return {first, last};
   }
 
+  /// Some starts, evenly from the whole set.
+  template <class Line>
+  static std::vector<AcGePoint3d> SampleOf(const std::vector<Line*>& lines) {
+    constexpr std::size_t kSampleSize = 256;
+    std::vector<AcGePoint3d> sample;
+    const std::size_t step = lines.size() / kSampleSize + 1;
+    for (std::size_t i = 0; i < lines.size(); i += step) {
+      if (IsIndexed(lines[i]->ptStart)) {
+        sample.push_back(lines[i]->ptStart);
+      }
+    }
+    return sample;
+  }
+
   static void CheckCount(std::size_t lines);
-  std::size_t EndsPerColumn() const;
+  static std::size_t EndsPerColumn(std::size_t ends, std::vector<AcGePoint3d> sample);
   void BeginColumn(std::size_t first);
   bool CutBins(CBins& bins);
   void SortAndCut();
   void SortColumns();
 
   double m_minColumnWidth;
+  std::size_t m_endsPerColumn = 0;
   std::vector<End> m_ends;                // column by column, each in the order of y
   std::vector<Column> m_columns;          // and one behind the last
   std::vector<std::uint32_t> m_rowFirst;  // the place of each row's first end, and one more
