@@ -1,10 +1,10 @@
 #include "EdgeChain.h"
 
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <thread>
-#include <unordered_map>
 
 #include "gegbl.h"
 
@@ -26,16 +26,15 @@ class CEdgeEnds {
   explicit CEdgeEnds(const std::vector<PolygonEdge>& edges)
       : m_edges(edges), m_cell(kCellTolerances * AcGeContext::gTol.equalPoint()) {
     m_next.resize(2 * edges.size(), kNone);
-    m_first.reserve(2 * edges.size());
+    m_cells.resize(std::bit_ceil(kCellsPerEnd * m_next.size()));
     // From the back to the front, so that each cell lists its ends in edge order.
     for (std::size_t i = 2 * edges.size(); i-- > 0;) {
       const AcGePoint3d& point = PointOf(i);
-      const auto [place, isNew] =
-          m_first.try_emplace(KeyOf(CellOf(point.x), CellOf(point.y), CellOf(point.z)), i);
-      if (!isNew) {
-        m_next[i] = place->second;
-        place->second = i;
+      Cell& cell = FindCell(KeyOf(CellOf(point.x), CellOf(point.y), CellOf(point.z)));
+      if (cell.first != kUnused) {
+        m_next[i] = cell.first;
       }
+      cell.first = i;
     }
   }
 
@@ -52,16 +51,19 @@ class CEdgeEnds {
       if ((i & 1 && x.isOne) || (i & 2 && y.isOne) || (i & 4 && z.isOne)) {
         continue;
       }
-      const auto place = m_first.find(
-          KeyOf(i & 1 ? x.high : x.low, i & 2 ? y.high : y.low, i & 4 ? z.high : z.low));
-      if (place != m_first.end()) {
-        best = std::min(best, FirstInCell(place->second, pt, isGone));
+      Cell& cell =
+          FindCell(KeyOf(i & 1 ? x.high : x.low, i & 2 ? y.high : y.low, i & 4 ? z.high : z.low));
+      if (cell.first != kUnused) {
+        best = std::min(best, FirstInCell(cell.first, pt, isGone));
       }
     }
     return best;
   }
 
  private:
+  static constexpr std::size_t kUnused = static_cast<std::size_t>(-2);
+  static constexpr std::size_t kCellsPerEnd = 2;
+
   struct Span {
     double low;
     double high;
@@ -77,6 +79,22 @@ class CEdgeEnds {
     const double low = CellOf(x - reach);
     const double high = CellOf(x + reach);
     return {low, high, low == high};
+  }
+
+  /// A place in the table: free, or the cell with this key.
+  struct Cell {
+    std::uint64_t key = 0;
+    std::size_t first = kUnused;
+  };
+  /// The cell's place, or a free one, which then bears the key.
+  Cell& FindCell(std::uint64_t key) {
+    for (std::size_t i = key >> 20U;; ++i) {
+      Cell& cell = m_cells[i & (m_cells.size() - 1)];
+      if (cell.first == kUnused || cell.key == key) {
+        cell.key = key;
+        return cell;
+      }
+    }
   }
 
   static std::uint64_t KeyOf(double x, double y, double z) {
@@ -110,8 +128,8 @@ class CEdgeEnds {
 
   const std::vector<PolygonEdge>& m_edges;
   double m_cell;
-  std::vector<std::size_t> m_next;                         // by end: the next one of its cell
-  std::unordered_map<std::uint64_t, std::size_t> m_first;  // by cell
+  std::vector<std::size_t> m_next;  // by end: the next one of its cell
+  std::vector<Cell> m_cells;        // a hash table with open addressing, never full
 };
 
 }  // namespace

@@ -1,4 +1,6 @@
 // AcDbPoint and AcDbLine: their points are world coordinates.
+#include <cmath>
+
 #include "dbents.h"
 #include "embedded/db/ObjectImpl.h"
 
@@ -8,8 +10,27 @@ ACRX_DXF_CONS_DEFINE_MEMBERS(AcDbLine, AcDbCurve, L"LINE", L"ObjectDBX Classes")
 using namespace quoin::db;
 
 namespace {
-constexpr int kStart = 10;
-constexpr int kEnd = 11;
+
+constexpr int kStart = code::kLineStart;
+constexpr int kEnd = code::kLineEnd;
+
+/// The line as it was made, if that is still all there is to it.
+const ObjectImpl::MadeLine* madeLine(const AcDbLine& line) {
+  const ObjectImpl& impl = Access::of(line);
+  return impl.madeLine && impl.state == OpenState::Free ? &*impl.madeLine : nullptr;
+}
+
+/// Whether a record would give the point back as it is, and whether it would change for it.
+bool isPlain(const AcGePoint3d& point) {
+  const auto isPlain = [](double value) {
+    return std::isfinite(value) && (value != 0.0 || !std::signbit(value));
+  };
+  return isPlain(point.x) && isPlain(point.y) && isPlain(point.z);
+}
+bool isAtOrigin(const AcGePoint3d& point) {
+  return point.x == 0.0 && point.y == 0.0 && point.z == 0.0;
+}
+
 }  // namespace
 
 AcDbPoint::AcDbPoint() = default;
@@ -45,15 +66,27 @@ Acad::ErrorStatus AcDbPoint::setNormal(const AcGeVector3d& normal) {
 AcDbLine::AcDbLine() = default;
 
 AcDbLine::AcDbLine(const AcGePoint3d& start, const AcGePoint3d& end) {
+  if (isPlain(start) && isPlain(end)) {
+    ObjectImpl& impl = Access::of(*this);
+    impl.madeLine.emplace(ObjectImpl::MadeLine{start, end});
+    impl.isModified = !isAtOrigin(start) || !isAtOrigin(end);
+    return;
+  }
   setStartPoint(start);
   setEndPoint(end);
 }
 
 AcGePoint3d AcDbLine::startPoint() const {
+  if (const ObjectImpl::MadeLine* const made = madeLine(*this)) {
+    return made->start;
+  }
   return pointOf(*this, place::kLine, kStart);
 }
 
 AcGePoint3d AcDbLine::endPoint() const {
+  if (const ObjectImpl::MadeLine* const made = madeLine(*this)) {
+    return made->end;
+  }
   return pointOf(*this, place::kLine, kEnd);
 }
 

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <new>
 
+#include "dbents.h"
 #include "embedded/db/DatabaseImpl.h"
 #include "embedded/db/Misuse.h"
 #include "embedded/db/Registry.h"
@@ -14,6 +15,27 @@ namespace {
 const TagList& noTags() {
   static const TagList empty({}, *neutralFormat());
   return empty;
+}
+
+/// Writes the record of a free object that has none: its class's, with the points of a line.
+void makeOwnBytes(const AcDbObject& object, ObjectImpl& impl) {
+  const ClassEntry* const entry = entryOf(impl.madeLine ? AcDbLine::desc() : object.isA());
+  std::string bytes = entry ? newRecordOf(*entry) : std::string();
+  if (impl.madeLine) {
+    const auto put = [&bytes](int code, const AcGePoint3d& point) {
+      const TagList tags(bytes, *neutralFormat());
+      RecordEdit edit(tags);
+      edit.setPoint(place::kLine, code, point);
+      if (edit.isChanged()) {
+        bytes = edit.bytes();
+      }
+    };
+    put(code::kLineStart, impl.madeLine->start);
+    put(code::kLineEnd, impl.madeLine->end);
+    impl.madeLine.reset();
+  }
+  impl.ownBytes = std::move(bytes);
+  impl.ownFormat = neutralFormat();
 }
 
 }  // namespace
@@ -48,9 +70,7 @@ const TagList& tagsOf(const AcDbObject& object) noexcept {
       return impl.tags.emplace(impl.database->bytesOf(*impl.stub), impl.database->format());
     }
     if (impl.ownBytes.empty()) {
-      const ClassEntry* const entry = entryOf(object.isA());
-      impl.ownBytes = entry ? newRecordOf(*entry) : std::string();
-      impl.ownFormat = neutralFormat();
+      makeOwnBytes(object, impl);
     }
     return impl.tags.emplace(impl.ownBytes, *impl.ownFormat);
   } catch (...) {
@@ -82,6 +102,7 @@ void setBytes(AcDbObject& object, std::string bytes) {
     impl.database->replace(*impl.stub, std::move(bytes));
   } else {
     impl.ownBytes = std::move(bytes);
+    impl.madeLine.reset();
   }
   impl.isModified = true;
 }

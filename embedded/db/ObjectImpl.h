@@ -41,6 +41,13 @@ struct ObjectImpl {
   // --- free objects -----------------------------------------------------------------------
   std::string ownBytes;  // empty until first asked for: the class's default record
   std::shared_ptr<const dxf::Format> ownFormat;
+  /// A line as it was made, while it has no bytes: most lines that are made for a computation are
+  /// read and deleted without anybody asking for their record.
+  struct MadeLine {
+    AcGePoint3d start;
+    AcGePoint3d end;
+  };
+  std::optional<MadeLine> madeLine;
   std::vector<std::unique_ptr<AcDbObject>> parts;
   AcDbObject* partOf = nullptr;
   /// Where the object that this is a copy of stood; decides what is kept of the copy's space.

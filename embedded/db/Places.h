@@ -43,6 +43,8 @@ inline constexpr int kPlotStyle = 390;
 inline constexpr int kShadow = 284;
 inline constexpr int kVisualStyle = 348;
 // Codes that many kinds share.
+inline constexpr int kLineStart = 10;
+inline constexpr int kLineEnd = 11;
 inline constexpr int kThickness = 39;
 inline constexpr int kNormal = 210;
 inline constexpr int kName = 2;

@@ -103,13 +103,7 @@ std::optional<Course> courseOf(const AcRxObject* object) {
 class LooseCurves {
  public:
   explicit LooseCurves(std::vector<Course> courses)
-      : m_courses(std::move(courses)), m_isTaken(m_courses.size(), false) {
-    for (std::size_t i = 0; i < m_courses.size(); ++i) {
-      m_ends.push_back({m_courses[i].front().x, i});
-      m_ends.push_back({m_courses[i].back().x, i});
-    }
-    std::sort(m_ends.begin(), m_ends.end());
-  }
+      : m_courses(std::move(courses)), m_isTaken(m_courses.size(), false) {}
 
   /// The first curve that is left; nothing when none is.
   std::optional<Course> takeFirst() {
@@ -128,6 +122,7 @@ class LooseCurves {
     }
     constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
     std::size_t best = kNone;
+    sortEnds();
     const double tolerance = 2.0 * AcGeContext::gTol.equalPoint();
     for (auto end = std::lower_bound(m_ends.begin(), m_ends.end(),
                                      std::pair(point.x - tolerance, std::size_t{0}));
@@ -149,6 +144,22 @@ class LooseCurves {
   }
 
  private:
+  /// Once, and only for curves that do not come one behind the other. Curves already taken have
+  /// no points left; they are not wanted any more.
+  void sortEnds() {
+    if (!m_ends.empty()) {
+      return;
+    }
+    m_ends.reserve(2 * m_courses.size());
+    for (std::size_t i = 0; i < m_courses.size(); ++i) {
+      if (!m_isTaken[i]) {
+        m_ends.push_back({m_courses[i].front().x, i});
+        m_ends.push_back({m_courses[i].back().x, i});
+      }
+    }
+    std::sort(m_ends.begin(), m_ends.end());
+  }
+
   Course take(std::size_t index) {
     m_isTaken[index] = true;
     m_last = index;

@@ -168,17 +168,25 @@ Acad::ErrorStatus RegionPlane::set(const std::vector<AcGePoint3d>& loop) {
   m_origin = loop.front();
   // The corner farthest from the first, and the one farthest from the line through both.
   const auto farthest = [&](auto&& distance) {
-    return *std::max_element(
-        loop.begin(), loop.end(),
-        [&](const AcGePoint3d& a, const AcGePoint3d& b) { return distance(a) < distance(b); });
+    const AcGePoint3d* best = &loop.front();
+    double most = distance(*best);
+    for (const AcGePoint3d& corner : loop) {
+      const double own = distance(corner);
+      if (most < own) {
+        best = &corner;
+        most = own;
+      }
+    }
+    return *best;
   };
   const AcGeVector3d along =
       farthest([&](const AcGePoint3d& corner) { return (corner - m_origin).length(); }) - m_origin;
   if (along.length() <= tolerance) {
     return Acad::eDegenerateGeometry;
   }
+  const AcGeVector3d direction = along.normal();
   const auto across = [&](const AcGePoint3d& corner) {
-    return (corner - m_origin).crossProduct(along.normal());
+    return (corner - m_origin).crossProduct(direction);
   };
   const AcGeVector3d cross =
       across(farthest([&](const AcGePoint3d& corner) { return across(corner).length(); }));
