@@ -46,6 +46,8 @@ LIBRARIES = {
     "gtest/": {"tests"},
     "gmock/": {"tests"},
     "benchmark/": {"bench"},
+    "boost/": {"bench"},
+    "dime/": {"bench"},
 }
 
 # Which zones a zone may include. "api" is the host API, "platform" the part of the operating
@@ -58,7 +60,7 @@ ALLOWED = {
     "embedded/os": {"standard", "api", "embedded", "platform"},
     "app": {"standard", "api", "embedded"},
     "commands": {"standard", "api", "embedded", "module", "commands"},
-    "bench": {"standard", "api", "embedded", "module", "bench", "tests"},
+    "bench": {"standard", "api", "embedded", "module", "bench", "tests", "platform"},
     "tests": {"standard", "api", "embedded", "module", "commands", "app", "platform", "tests"},
     "examples": {"standard", "api", "module", "examples"},
 }
