@@ -154,49 +154,11 @@ TEST(EndPointIndex, RandomSetsMissNothingThatTheExactTestAccepts) {
   EXPECT_GT(accepted, 100000u);
 }
 
-/// Sets that lie unevenly: a crowd and stragglers far off, everything on one line or in one
-/// place, lines as long as the whole.
-std::vector<WallLineLikeSeg> unevenSet(std::mt19937_64& random, int kind) {
-  std::uniform_real_distribution<double> inCrowd(0.0, kind % 2 == 0 ? 1.0 : 3000.0);
-  std::vector<WallLineLikeSeg> lines;
-  for (int i = 0; i < 400; ++i) {
-    WallLineLikeSeg line({inCrowd(random), inCrowd(random), 0},
-                         {inCrowd(random), inCrowd(random), 0});
-    switch (kind / 2) {
-      case 0:  // stragglers
-        if (i % 40 == 0) {
-          line.ptEnd = line.ptEnd + AcGeVector3d(1e12, -1e9, 0);
-        }
-        break;
-      case 1:  // all on an upright line
-        line.ptStart.x = line.ptEnd.x = 5.0;
-        break;
-      case 2:  // all on a level line
-        line.ptStart.y = line.ptEnd.y = 5.0;
-        break;
-      case 3:  // a few places
-        line.ptStart.set(i % 3, 0, 0);
-        line.ptEnd.set(0, i % 5, 0);
-        break;
-      case 4:  // side by side at an angle
-        line.ptStart.set(i, 0, 0);
-        line.ptEnd.set(i + 1e4, 1e4, 0);
-        break;
-      default:  // a billion units out
-        line.ptStart = line.ptStart + AcGeVector3d(1e9, 1e9, 0);
-        line.ptEnd = line.ptEnd + AcGeVector3d(1e9, 1e9, 0);
-        break;
-    }
-    lines.push_back(line);
-  }
-  return lines;
-}
-
 TEST(EndPointIndex, UnevenSetsMissNothingThatTheExactTestAccepts) {
   std::mt19937_64 random(83);
   std::size_t accepted = 0;
-  for (int kind = 0; kind < 12; ++kind) {
-    std::vector<WallLineLikeSeg> lines = unevenSet(random, kind);
+  for (int kind = 0; kind < quoin::test::kUnevenKinds; ++kind) {
+    std::vector<WallLineLikeSeg> lines = quoin::test::unevenWallLines(random, kind, 400);
     for (const double captureDistance : {1e-3, 10.0, kInfinity}) {
       ASSERT_NO_FATAL_FAILURE(expectNoneMissing(lines, captureDistance, accepted)) << kind;
     }

@@ -79,6 +79,22 @@ TEST(BreakWallOracle, LargeSetsGiveTheSameBits) {
   }
 }
 
+TEST(BreakWallOracle, UnevenSetsGiveTheSameBits) {
+  RunningHost host;
+  std::mt19937_64 random(28);
+  std::size_t pieces = 0;
+  for (int kind = 0; kind < quoin::test::kUnevenKinds; ++kind) {
+    const std::vector<WallLineLikeSeg> lines = quoin::test::unevenWallLines(random, kind, 300);
+    for (const double scale : {1.0, 1000.0, 0.01}) {
+      host.setScale(scale);
+      const std::vector<Piece> expected = quoin::oracle::breakWallLines(lines, {}, scale);
+      ASSERT_NO_FATAL_FAILURE(expectSameBits(breakWithModule(lines), expected, lines)) << kind;
+      pieces += expected.size();
+    }
+  }
+  EXPECT_GT(pieces, 1000u);
+}
+
 TEST(BreakWallLaws, PiecesCoverTheirLineWithoutGapInItsDirection) {
   RunningHost host;
   std::mt19937_64 random(23);

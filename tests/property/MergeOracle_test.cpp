@@ -177,6 +177,107 @@ TEST(MergeOracle, LargeSetsGiveTheSameBits) {
   }
 }
 
+/// Many long chains at all angles, some of whose links do not quite meet or agree, in random order
+/// and sense.
+MergeSet longChains(std::mt19937_64& random) {
+  std::uniform_real_distribution<double> anywhere(-1e4, 1e4);
+  std::uniform_real_distribution<double> length(20.0, 90.0);
+  std::vector<std::pair<AcGePoint3d, AcGePoint3d>> links;
+  for (int chain = 0; chain < 12; ++chain) {
+    const double angle = chain % 3 == 0 ? anywhere(random) : 1.5707963267948966 * (chain % 2);
+    const AcGeVector3d along(std::cos(angle), std::sin(angle), 0.0);
+    AcGePoint3d pt(anywhere(random), anywhere(random), 0.0);
+    for (int link = 0; link < 30; ++link) {
+      const AcGePoint3d ptNext = pt + along * length(random);
+      links.emplace_back(pt, ptNext);
+      pt = random() % 5 == 0 ? ptNext + along * 0.9 : ptNext;
+      if (random() % 12 == 0) {
+        pt = ptNext + along * 1.1;  // beyond the tolerance
+      }
+    }
+  }
+  std::shuffle(links.begin(), links.end(), random);
+  MergeSet set;
+  for (auto& [ptStart, ptEnd] : links) {
+    if (random() & 1) {
+      std::swap(ptStart, ptEnd);
+    }
+    set.add(ptStart, ptEnd);
+    set.gouges.back().attr2 = random() % 15 == 0 ? 1.0 : 0.0;
+    set.walls.back().endFixed = random() % 15 == 0;
+    if (random() % 20 == 0) {
+      set.breakPoints.push_back(ptStart);
+    }
+  }
+  return set;
+}
+
+TEST(MergeOracle, LongChainsGiveTheSameBits) {
+  RunningHost host{10.0};
+  std::mt19937_64 random(66);
+  std::size_t merges = 0;
+  for (int round = 0; round < 20; ++round) {
+    ASSERT_NO_FATAL_FAILURE(expectSameBits(longChains(random), 10.0, merges)) << round;
+  }
+  EXPECT_GT(merges, 1000u);
+}
+
+TEST(MergeOracle, UnevenSetsGiveTheSameBits) {
+  RunningHost host;
+  std::mt19937_64 random(67);
+  std::size_t merges = 0;
+  for (int kind = 0; kind < quoin::test::kUnevenKinds; ++kind) {
+    MergeSet set;
+    for (const auto& line : quoin::test::unevenWallLines(random, kind, 200)) {
+      set.add(line.ptStart, line.ptEnd);
+    }
+    for (const double scale : {1.0, 1000.0}) {
+      host.setScale(scale);
+      ASSERT_NO_FATAL_FAILURE(expectSameBits(set, scale, merges)) << kind;
+    }
+  }
+}
+
+TEST(MergeLaws, ARecordWithoutNumbersThatStandsTwiceChangesNothingForTheOthers) {
+  // With it every search is made anew instead of once for all.
+  RunningHost host{10.0};
+  std::mt19937_64 random(68);
+  std::size_t results = 0;
+  for (int round = 0; round < 500; ++round) {
+    const MergeSet set = randomChains(random, 2 + round % 14);
+    std::vector<GougeLine> plain = set.gouges;
+    const std::set<std::size_t> expected = mergeGougesWithModule(plain, set.breakPoints);
+
+    CMergeGougeAlgorithm algorithm;
+    std::vector<MergeGougeSeg*>& records = algorithm.GetSrcGougeLines();
+    for (const GougeLine& line : set.gouges) {
+      records.push_back(
+          new MergeGougeSeg{line.ptStart, line.ptEnd, line.attr1, line.attr2, line.attr3, {}});
+    }
+    for (const AcGePoint3d& pt : set.breakPoints) {
+      algorithm.AppendBreakPnt(pt);
+    }
+    MergeGougeSeg noNumbers;
+    noNumbers.ptStart.set(std::nan(""), 0.0, 0.0);
+    noNumbers.ptEnd.set(std::nan(""), 0.0, 0.0);
+    records.insert(records.end(), {&noNumbers, &noNumbers});
+    algorithm.MergeGougeLines();
+    records.resize(set.gouges.size());  // what is taken out is not deleted
+
+    std::set<std::size_t> actual;
+    for (std::size_t i = 0; i < records.size(); ++i) {
+      ASSERT_TRUE(sameBits(records[i]->ptStart, plain[i].ptStart)) << set.text();
+      ASSERT_TRUE(sameBits(records[i]->ptEnd, plain[i].ptEnd)) << set.text();
+      if (algorithm.GetMergeGougeLines().count(records[i]) > 0) {
+        actual.insert(i);
+      }
+    }
+    ASSERT_EQ(actual, expected) << set.text();
+    results += expected.size();
+  }
+  EXPECT_GT(results, 100u);
+}
+
 /// Chains on far rows, each link touching the next exactly, links in random order and sense.
 std::vector<WallLine> cleanChains(std::mt19937_64& random) {
   std::uniform_int_distribution<int> length(1, 6);

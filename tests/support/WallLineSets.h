@@ -88,6 +88,47 @@ inline std::vector<WallLineLikeSeg> randomWallLines(std::mt19937_64& random, int
   return lines;
 }
 
+/// How many kinds of uneven sets there are.
+inline constexpr int kUnevenKinds = 12;
+
+/// Sets that lie unevenly: a crowd and stragglers far off, everything on one line or in a few
+/// places, lines side by side at an angle, all far out; each of them dense and wide.
+inline std::vector<WallLineLikeSeg> unevenWallLines(std::mt19937_64& random, int kind, int count) {
+  std::uniform_real_distribution<double> inCrowd(0.0, kind % 2 == 0 ? 1.0 : 3000.0);
+  const auto any = [&] { return AcGePoint3d(inCrowd(random), inCrowd(random), 0.0); };
+  std::vector<WallLineLikeSeg> lines;
+  for (int i = 0; i < count; ++i) {
+    WallLineLikeSeg line(any(), any());
+    switch (kind / 2) {
+      case 0:  // stragglers
+        if (i % 40 == 0) {
+          line.ptEnd = line.ptEnd + AcGeVector3d(1e12, -1e9, 0);
+        }
+        break;
+      case 1:  // all on an upright line
+        line.ptStart.x = line.ptEnd.x = 5.0;
+        break;
+      case 2:  // all on a level line
+        line.ptStart.y = line.ptEnd.y = 5.0;
+        break;
+      case 3:  // a few places
+        line.ptStart.set(i % 3, 0, 0);
+        line.ptEnd.set(0, i % 5, 0);
+        break;
+      case 4:  // side by side at an angle
+        line.ptStart.set(i, 0, 0);
+        line.ptEnd.set(i + 1e4, 1e4, 0);
+        break;
+      default:  // a billion units out
+        line.ptStart = line.ptStart + AcGeVector3d(1e9, 1e9, 0);
+        line.ptEnd = line.ptEnd + AcGeVector3d(1e9, 1e9, 0);
+        break;
+    }
+    lines.push_back(line);
+  }
+  return lines;
+}
+
 /// A block of rooms: a frame, verticals, and horizontals between neighbouring verticals whose
 /// ends fall short of them or run over by less than the capture distance of scale 1.
 inline std::vector<WallLineLikeSeg> cityBlock(std::mt19937_64& random) {
