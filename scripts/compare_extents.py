@@ -27,6 +27,10 @@ import sys
 import ezdxf
 from ezdxf import bbox, disassemble, recover
 
+# Where the plotting library is installed, ezdxf measures text with whatever fonts that finds;
+# without, by a rule of its own, the same on every machine.
+ezdxf.options.use_matplotlib = False
+
 FLATTENING = 1e-3
 ROUNDING = 1e-9
 COLUMNS = ["same", "flattened", "text", "differ", "ours", "theirs", "neither"]
