@@ -33,7 +33,7 @@ class CAxisGrid {
     Sort(m_uprights);
   }
 
-  enum class Outcome : std::uint8_t {
+  enum class EOutcome : std::uint8_t {
     Nothing,  // fewer than two crossings
     Found,    // the two outermost
     Unclear   // some are so near to each other that all must be looked at
@@ -42,14 +42,14 @@ class CAxisGrid {
     AcGePoint3d ptFirst;  // in the line's direction
     AcGePoint3d ptLast;
   };
-  Outcome FindOutermost(const AxisLikeLineSeg& line, Crossings& crossings) const {
+  EOutcome FindOutermost(const AxisLikeLineSeg& line, Crossings& crossings) const {
     switch (KindOf(line)) {
-      case Kind::Level:
+      case EKind::Level:
         return FindOutermost(line, m_uprights, &AcGePoint3d::x, &AcGePoint3d::y, crossings);
-      case Kind::Upright:
+      case EKind::Upright:
         return FindOutermost(line, m_levels, &AcGePoint3d::y, &AcGePoint3d::x, crossings);
       default:
-        return Outcome::Unclear;
+        return EOutcome::Unclear;
     }
   }
 
@@ -60,7 +60,7 @@ class CAxisGrid {
   static constexpr double kLargestSize = 1.0e30;       // products stay far from overflow
   static constexpr double kLargestTolerance = 1.0e-4;  // far below the least length
 
-  enum class Kind : std::uint8_t { Level, Upright, Odd };
+  enum class EKind : std::uint8_t { Level, Upright, Odd };
   struct GridLine {
     double at;   // y of a level line, x of an upright one
     double low;  // from here to there in the other coordinate
@@ -68,18 +68,18 @@ class CAxisGrid {
     const AxisLikeLineSeg* pLine;
   };
 
-  Kind KindOf(const AxisLikeLineSeg& line) const {
+  EKind KindOf(const AxisLikeLineSeg& line) const {
     const AcGePoint3d& pt1 = line.ptStart;
     const AcGePoint3d& pt2 = line.ptEnd;
     const AcGeTol& tol = AcGeContext::gTol;
     if (!(pt1.z == m_z && pt2.z == m_z) || !(SizeOf(line) < kLargestSize) ||
         !(tol.equalPoint() <= kLargestTolerance && tol.equalVector() <= kLargestTolerance)) {
-      return Kind::Odd;
+      return EKind::Odd;
     }
     if (pt1.y == pt2.y && std::fabs(pt2.x - pt1.x) > kLeastLength) {
-      return Kind::Level;
+      return EKind::Level;
     }
-    return pt1.x == pt2.x && std::fabs(pt2.y - pt1.y) > kLeastLength ? Kind::Upright : Kind::Odd;
+    return pt1.x == pt2.x && std::fabs(pt2.y - pt1.y) > kLeastLength ? EKind::Upright : EKind::Odd;
   }
   static double SizeOf(const AxisLikeLineSeg& line) {
     return (std::fabs(line.ptStart.x) + std::fabs(line.ptEnd.x)) +
@@ -89,13 +89,13 @@ class CAxisGrid {
   void Add(const AxisLikeLineSeg* pLine, double& size) {
     const AcGePoint3d& pt1 = pLine->ptStart;
     const AcGePoint3d& pt2 = pLine->ptEnd;
-    const Kind kind = KindOf(*pLine);
-    if (kind == Kind::Odd) {
+    const EKind kind = KindOf(*pLine);
+    if (kind == EKind::Odd) {
       m_odd.push_back(pLine);
       return;
     }
     size = std::max(size, SizeOf(*pLine));
-    if (kind == Kind::Level) {
+    if (kind == EKind::Level) {
       m_levels.push_back({pt1.y, std::min(pt1.x, pt2.x), std::max(pt1.x, pt2.x), pLine});
     } else {
       m_uprights.push_back({pt1.x, std::min(pt1.y, pt2.y), std::max(pt1.y, pt2.y), pLine});
@@ -125,28 +125,28 @@ class CAxisGrid {
   }
 
   /// `along` is the coordinate that changes along the line, `across` the one that it holds.
-  Outcome FindOutermost(const AxisLikeLineSeg& axis, const std::vector<GridLine>& others,
-                        double AcGePoint3d::*along, double AcGePoint3d::*across,
-                        Crossings& crossings) const {
+  EOutcome FindOutermost(const AxisLikeLineSeg& axis, const std::vector<GridLine>& others,
+                         double AcGePoint3d::*along, double AcGePoint3d::*across,
+                         Crossings& crossings) const {
     const GridLine line{axis.ptStart.*across, std::min(axis.ptStart.*along, axis.ptEnd.*along),
                         std::max(axis.ptStart.*along, axis.ptEnd.*along), &axis};
     double first = std::numeric_limits<double>::infinity();
     double last = -std::numeric_limits<double>::infinity();
     if (!FindFirst(line, others, first) || !FindLast(line, others, last) ||
         !CompareWithOdd(line, along, first, last)) {
-      return Outcome::Unclear;
+      return EOutcome::Unclear;
     }
     if (!(first < last)) {
-      return Outcome::Nothing;
+      return EOutcome::Nothing;
     }
     if (last - first <= m_margin) {
-      return Outcome::Unclear;
+      return EOutcome::Unclear;
     }
     const bool runsUp = axis.ptEnd.*along > axis.ptStart.*along;
     crossings.ptFirst = crossings.ptLast = axis.ptStart;
     crossings.ptFirst.*along = runsUp ? first : last;
     crossings.ptLast.*along = runsUp ? last : first;
-    return Outcome::Found;
+    return EOutcome::Found;
   }
 
   /// Answers false when another crossing is too near to the first to tell them apart.

@@ -33,13 +33,13 @@ void AxisLineCutAlg::CutAxisLines() {
     }
     CAxisGrid::Crossings crossings;
     switch (grid.FindOutermost(*pLine, crossings)) {
-      case CAxisGrid::Outcome::Found:
+      case CAxisGrid::EOutcome::Found:
         m_destAxisLines.push_back(new AxisLikeLineSeg{crossings.ptFirst, crossings.ptLast});
         break;
-      case CAxisGrid::Outcome::Nothing:
+      case CAxisGrid::EOutcome::Nothing:
         m_destAxisLines.push_back(new AxisLikeLineSeg(*pLine));
         break;
-      case CAxisGrid::Outcome::Unclear:
+      case CAxisGrid::EOutcome::Unclear:
         CutAxisLine(pLine);
         break;
     }

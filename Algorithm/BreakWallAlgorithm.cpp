@@ -253,7 +253,7 @@ void CBreakWallAlgorithm::SplitWallLines() {
   // Column by column, so that lines that meet are at hand together, and a few lines at a time:
   // what they need is read before it is used.
   std::vector<LineAtHand> atHand;
-  CEndPointIndex::Found near;
+  CEndPointIndex::CFound near;
   for (std::size_t column = 0; column < index.ColumnCount(); ++column) {
     std::span<const CEndPointIndex::End> ends = index.EndsOfColumn(column);
     while (!ends.empty()) {

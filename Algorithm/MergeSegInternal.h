@@ -197,7 +197,7 @@ class CMerger {
         tolerances.pending = ReadTolerance();
         Prepare(tolerances.pending);
         tolerances.finished = ReadTolerance();
-      } else if (m_records[m_numbers[i]].state == State::Pending) {
+      } else if (m_records[m_numbers[i]].state == EState::Pending) {
         tolerances = ReadTolerances();
       } else {
         continue;
@@ -208,21 +208,21 @@ class CMerger {
           ReadChainAhead(m_numbers[i]);
         }
       } while (MergeOnce(m_numbers[i], merges == 1 ? tolerances : ReadTolerances()));
-      m_records[m_numbers[i]].state = State::Finished;
+      m_records[m_numbers[i]].state = EState::Finished;
     }
   }
 
  private:
   static constexpr std::uint32_t kNobody = CEndPointIndex::kNone;
 
-  enum class State : std::uint8_t { Pending, AtHand, Finished, Absorbed };
+  enum class EState : std::uint8_t { Pending, AtHand, Finished, Absorbed };
   struct Record {
     Seg* pSeg = nullptr;
     // By end, start first. Contacts and owners are those of the ends that the record began with.
     std::uint32_t contacts[2] = {CEndPointIndex::kNone, CEndPointIndex::kNone};
     std::uint32_t owners[2] = {};  // the record that has it now, or kNobody
     std::uint32_t ends[2] = {};    // the ends that the record has now
-    State state = State::Pending;
+    EState state = EState::Pending;
     bool isResult = false;
   };
   /// The touch tolerances of one pass, read in this order.
@@ -241,7 +241,7 @@ class CMerger {
       for (int step = 0; step < kChainAhead; ++step) {
         const std::uint32_t contact = m_records[end / 2].contacts[end % 2];
         if (contact == CEndPointIndex::kNone || contact == CEndPointIndex::kSeveral ||
-            m_records[contact / 2].state != State::Pending) {
+            m_records[contact / 2].state != EState::Pending) {
           break;
         }
         ReadAhead(*m_records[contact / 2].pSeg);
@@ -309,7 +309,7 @@ class CMerger {
   /// One pass over a record; whether it merged.
   bool MergeOnce(std::uint32_t number, const Tolerances& tolerances) {
     Record& record = m_records[number];
-    record.state = State::AtHand;
+    record.state = EState::AtHand;
     const std::uint32_t atStart =
         FindOnlyTouching(record.ends[0], record.pSeg->ptStart, tolerances);
     const std::uint32_t atEnd = FindOnlyTouching(record.ends[1], record.pSeg->ptEnd, tolerances);
@@ -325,9 +325,9 @@ class CMerger {
 
   bool TouchesNow(const AcGePoint3d& pt, const Record& record, const Tolerances& tolerances) const {
     switch (record.state) {
-      case State::Pending:
+      case EState::Pending:
         return Touches(pt, *record.pSeg, tolerances.pending);
-      case State::Finished:
+      case EState::Finished:
         return Touches(pt, *record.pSeg, tolerances.finished);
       default:
         return false;
@@ -367,7 +367,7 @@ class CMerger {
   }
 
   bool Absorb(std::uint32_t number, std::uint32_t other, bool bAtStart) {
-    if (other == kNobody || m_records[other].state != State::Pending) {
+    if (other == kNobody || m_records[other].state != EState::Pending) {
       return false;
     }
     Record& record = m_records[number];
@@ -379,7 +379,7 @@ class CMerger {
             [this](const AcGePoint3d& pt) { return m_breakPnts.Hold(pt); })) {
       return false;
     }
-    gone.state = State::Absorbed;
+    gone.state = EState::Absorbed;
     Owner(record.ends[bAtStart ? 0 : 1]) = kNobody;
     Owner(gone.ends[nearIsStart ? 0 : 1]) = kNobody;
     record.ends[0] = record.ends[bAtStart ? 1 : 0];

@@ -132,7 +132,7 @@ class CEndPointIndex {
   }
 
   /// A list of end numbers that keeps its memory when it is cleared.
-  class Found {
+  class CFound {
    public:
     void Clear() { m_count = 0; }
     std::span<const std::uint32_t> All() const { return {m_numbers.data(), m_count}; }
@@ -145,7 +145,7 @@ class CEndPointIndex {
   /// Appends the numbers of the ends that the box holds, except those of the line itself, and
   /// answers how many. `column` as above.
   std::size_t CollectNear(const CCaptureBox& box, std::size_t column, std::size_t ownLine,
-                          Found& found) const {
+                          CFound& found) const {
     const std::size_t before = found.m_count;
     VisitColumns(box, column, [&](std::size_t index) {
       const auto [first, last] = EndsWithin(box, index);

@@ -44,7 +44,7 @@ std::vector<std::uint32_t> found(std::vector<WallLineLikeSeg>& lines, std::size_
         return true;
       });
       // The other form of the search finds the same, but for the line itself.
-      CEndPointIndex::Found list;
+      CEndPointIndex::CFound list;
       const std::size_t count = index.CollectNear(box, column, number, list);
       EXPECT_EQ(count, list.All().size());
       std::vector<std::uint32_t> others;
