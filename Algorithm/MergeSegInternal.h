@@ -138,7 +138,7 @@ class CBreakPnts {
     for (const PointAsLine& point : m_points) {
       lines.push_back(&point);
     }
-    m_index.emplace(lines, m_equalPoint);
+    m_index.emplace(lines, m_equalPoint, CEndPointIndex::eForPoints);
   }
 
   bool Hold(const AcGePoint3d& pt) const {
@@ -261,7 +261,7 @@ class CMerger {
     // while it stands elsewhere in the array too. One that does touches itself, and so nothing
     // alone, unless a coordinate is no finite number: then every search is made anew.
     m_tolerance = HasUnfiniteDuplicates() ? std::numeric_limits<double>::quiet_NaN() : tolerance;
-    m_index.emplace(m_srcLines, tolerance);
+    m_index.emplace(m_srcLines, tolerance, CEndPointIndex::eForPoints);
     m_numbers.assign(m_srcLines.size(), kNobody);
     std::uint32_t count = 0;
     for (std::size_t column = 0; column < m_index->ColumnCount(); ++column) {

@@ -12,6 +12,8 @@ constexpr std::size_t kCrowdedColumns = 4;
 /// Up to here an insertion sort is the quickest.
 constexpr std::ptrdiff_t kShortRow = 12;
 
+/// Measured on the walls of a city: between a half and twice this makes no difference.
+constexpr double kWiderForLines = 4.0;
 /// A column costs as much as a few ends.
 constexpr double kFewestEndsPerColumn = 16.0;
 
@@ -53,10 +55,12 @@ void CEndPointIndex::CheckCount(std::size_t lines) {
   }
 }
 
-/// So many that columns are about as wide as rows of kEndsPerRow are high, were the ends spread
-/// evenly, but no more than there are columns: what lies far off must not make columns of crowds.
-std::size_t CEndPointIndex::EndsPerColumn(std::size_t ends, std::vector<AcGePoint3d> sample) {
-  const double most = std::sqrt(static_cast<double>(ends)) + 1.0;
+/// So many that columns of an evenly spread set are about as wide as it is high by their number,
+/// but never more than that of a square one: what lies far off must not make columns of crowds.
+std::size_t CEndPointIndex::EndsPerColumn(std::size_t ends, std::vector<AcGePoint3d> sample,
+                                          ESearch search) {
+  const double most =
+      std::sqrt(static_cast<double>(ends)) * (search == eForLines ? kWiderForLines : 1.0) + 1.0;
   const double width = MiddleSpread(sample, &AcGePoint3d::x);
   const double height = MiddleSpread(sample, &AcGePoint3d::y);
   const double square = height < width ? most * std::sqrt(height / width) : most;

@@ -48,15 +48,19 @@ class CEndPointIndex {
     std::size_t Line() const { return LineOf(number); }
     bool IsStart() const { return CEndPointIndex::IsStart(number); }
   };
+  enum ESearch { eForLines, eForPoints };
+
   static std::size_t LineOf(std::uint32_t endNumber) { return endNumber / 2; }
   static bool IsStart(std::uint32_t endNumber) { return endNumber % 2 == 0; }
 
   /// Indexes the ends of all lines: pointers to records with ptStart and ptEnd, none null. An
   /// end with a coordinate that is no finite number is near nothing and left out.
-  /// `captureDistance` is that of most searches to come.
+  /// `captureDistance` is that of most searches to come, `search` what they are for: lines meet
+  /// several columns, so those are made wider for them.
   /// Fails: std::length_error for more than 2^31 lines.
   template <class Line>
-  CEndPointIndex(const std::vector<Line*>& lines, double captureDistance)
+  CEndPointIndex(const std::vector<Line*>& lines, double captureDistance,
+                 ESearch search = eForLines)
       : m_minColumnWidth(captureDistance) {
     CheckCount(lines.size());
     const auto visitEnds = [&lines](auto visit) {
@@ -68,7 +72,7 @@ class CEndPointIndex {
     };
     CBins bins;
     visitEnds([&bins](const End& end) { bins.Extend(end.x); });
-    m_endsPerColumn = EndsPerColumn(bins.GetTotal(), SampleOf(lines));
+    m_endsPerColumn = EndsPerColumn(bins.GetTotal(), SampleOf(lines), search);
     bins.Divide(m_endsPerColumn);
     visitEnds([&bins](const End& end) { bins.Count(end.x); });
     m_ends.resize(bins.GetTotal());
@@ -315,7 +319,8 @@ class CEndPointIndex {
   }
 
   static void CheckCount(std::size_t lines);
-  static std::size_t EndsPerColumn(std::size_t ends, std::vector<AcGePoint3d> sample);
+  static std::size_t EndsPerColumn(std::size_t ends, std::vector<AcGePoint3d> sample,
+                                   ESearch search);
   void BeginColumn(std::size_t first);
   bool CutBins(CBins& bins);
   void SortAndCut();
