@@ -209,6 +209,7 @@ void CBreakWallAlgorithm::CalcBreakPnts(std::vector<AcGePoint3d>& pnts, WallLine
 void CBreakWallAlgorithm::SplitWallLines() {
   const CCaptureDistances captureDistances(m_srcWallLines.size());
   const CEndPointIndex index(m_srcWallLines, captureDistances.Of(0));
+  m_newWallLines.reserve(m_newWallLines.size() + 2 * m_srcWallLines.size());
   CPieceOrder order(m_newWallLines, m_srcWallLines.size());
   std::vector<FoundBreakPnt> found;
   std::vector<AcGePoint3d> pnts;

@@ -43,18 +43,20 @@ bool SortFewAlongDirection(Iterator first, Iterator last, const AcGeVector3d& ve
     return first[static_cast<std::ptrdiff_t>(i)];
   };
   std::uint8_t order[kMaxCount];
-  double along[kMaxCount];
+  double along[kMaxCount];  // in order
   double largest = 0.0;
   for (std::size_t i = 0; i < count; ++i) {
     const AcGeVector3d vec = pointAt(i) - pointAt(0);
-    along[i] = vec.dotProduct(vecDirection);
+    const double own = vec.dotProduct(vecDirection);
     largest =
         std::max(largest, std::fabs(vec.x * vecDirection.x) + std::fabs(vec.y * vecDirection.y) +
                               std::fabs(vec.z * vecDirection.z));
     std::size_t place = i;
-    for (; place > 0 && along[order[place - 1]] > along[i]; --place) {
+    for (; place > 0 && along[place - 1] > own; --place) {
+      along[place] = along[place - 1];
       order[place] = order[place - 1];
     }
+    along[place] = own;
     order[place] = static_cast<std::uint8_t>(i);
   }
   const double margin = kMargin * largest + kLeastMargin;
@@ -62,7 +64,7 @@ bool SortFewAlongDirection(Iterator first, Iterator last, const AcGeVector3d& ve
     const AcGePoint3d& pt1 = pointAt(order[i - 1]);
     const AcGePoint3d& pt2 = pointAt(order[i]);
     const bool isSame = pt1.x == pt2.x && pt1.y == pt2.y && pt1.z == pt2.z;
-    if (!(along[order[i]] - along[order[i - 1]] > margin) && !isSame) {
+    if (!(along[i] - along[i - 1] > margin) && !isSame) {
       return false;
     }
   }

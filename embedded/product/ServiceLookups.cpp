@@ -2,18 +2,21 @@
 
 namespace quoin::product {
 
-void ServiceLookups::countLookup(std::wstring_view name, std::wstring_view second, bool found) {
+void ServiceLookups::countLookup(std::wstring_view name, std::wstring_view second,
+                                 const void* service) {
   ++m_lookups;
-  if (!m_last || m_last->first != name) {
+  if (!service || service != m_lastService) {
     auto place = m_byName.find(name);
     if (place == m_byName.end()) {
       place = m_byName.emplace(name, 0).first;
     }
-    m_last = &*place;
+    m_lastService = service;
+    m_lastCount = &place->second;
   }
-  ++m_last->second;
+  ++*m_lastCount;
   if (m_isRecording) {
-    m_records.push_back({std::wstring(name), std::wstring(second), m_factoryCalls, found});
+    m_records.push_back(
+        {std::wstring(name), std::wstring(second), m_factoryCalls, service != nullptr});
   }
 }
 
@@ -26,7 +29,7 @@ void ServiceLookups::reset() {
   m_factoryCalls = 0;
   m_lookups = 0;
   m_byName.clear();
-  m_last = nullptr;
+  m_lastService = nullptr;
   m_records.clear();
 }
 

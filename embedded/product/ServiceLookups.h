@@ -26,7 +26,8 @@ class HOST_API ServiceLookups {
   using CountsByName = std::map<std::wstring, std::uint64_t, std::less<>>;
 
   void countFactoryCall() { ++m_factoryCalls; }
-  void countLookup(std::wstring_view name, std::wstring_view second, bool found);
+  /// `service` is what the look-up found, null for nothing; each name has a service of its own.
+  void countLookup(std::wstring_view name, std::wstring_view second, const void* service);
 
   /// GetObjectFactory() calls and look-ups since the host began (or since reset).
   std::uint64_t factoryCalls() const { return m_factoryCalls; }
@@ -44,8 +45,9 @@ class HOST_API ServiceLookups {
   std::uint64_t m_factoryCalls = 0;
   std::uint64_t m_lookups = 0;
   CountsByName m_byName;
-  /// The name asked for last: algorithms ask for one and the same, once a wall line.
-  CountsByName::value_type* m_last = nullptr;
+  /// The service found last and its count: algorithms ask for one and the same, once a wall line.
+  const void* m_lastService = nullptr;
+  std::uint64_t* m_lastCount = nullptr;
   bool m_isRecording = false;
   std::vector<ServiceLookup> m_records;
 };

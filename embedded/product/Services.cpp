@@ -77,7 +77,9 @@ class ObjectFactory : public IObjectFactory {
     void* const service = second.IsEmpty() && !platform->isWithdrawn(wanted)
                               ? Services::instance().find(wanted)
                               : nullptr;
-    platform->lookups().countLookup(wanted, second.GetString(), service != nullptr);
+    const std::wstring_view secondName(second.GetString(),
+                                       static_cast<std::size_t>(second.GetLength()));
+    platform->lookups().countLookup(wanted, secondName, service);
     return service;
   }
 };
