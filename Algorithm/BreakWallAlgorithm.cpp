@@ -23,6 +23,18 @@ class CLineToBreak {
 
   const CCaptureBox& GetBox() const { return m_box; }
 
+  /// Whether any point of the line keeps the capture distance from both of its ends: none does of a
+  /// line that is shorter than twice that, nor of one whose length is no finite number (every
+  /// foot is its start). The slack covers the rounding of feet and distances many times over.
+  bool IsLongEnough() const {
+    constexpr double kRelativeSlack = 1.0e-12;
+    const AcGePoint3d& pt1 = m_line.ptStart;
+    const AcGePoint3d& pt2 = m_line.ptEnd;
+    const double length = (pt2 - pt1).length();
+    const double size = std::fabs(pt1.x) + std::fabs(pt1.y) + std::fabs(pt1.z) + length;
+    return std::isfinite(length) && length + kRelativeSlack * size >= 2.0 * m_captureDistance;
+  }
+
   /// Whether the other line breaks this one, and where.
   bool FindBreakPnt(const WallLineLikeSeg& other, AcGePoint3d& ptBreak) const {
     if (m_box.Holds(other.ptStart)) {
@@ -270,7 +282,9 @@ void CBreakWallAlgorithm::SplitWallLines() {
           const std::size_t number = start.Line();
           LineAtHand& line =
               atHand.emplace_back(*m_srcWallLines[number], captureDistances.Of(number), number);
-          line.nearCount = index.CollectNear(line.toBreak.GetBox(), column, number, near);
+          if (line.toBreak.IsLongEnough()) {
+            line.nearCount = index.CollectNear(line.toBreak.GetBox(), column, number, near);
+          }
         }
       }
       for (const std::uint32_t end : near.All()) {

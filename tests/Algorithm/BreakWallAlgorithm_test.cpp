@@ -106,6 +106,14 @@ TEST_F(BreakWall, ACutJustInsideTheCaptureDistanceFromAnEndIsDropped) {
   EXPECT_EQ(split("0,0 1000,0; 990.001,0 990.001,800"), "");
 }
 
+TEST_F(BreakWall, ALineOfTwiceTheCaptureDistanceIsCutInItsMiddle) {
+  EXPECT_EQ(split("0,0 20,0; 10,0 10,800"), "0,0 10,0; 10,0 20,0");
+}
+
+TEST_F(BreakWall, AShorterLineIsNotCutAnywhere) {
+  EXPECT_EQ(split("0,0 19.999,0; 10,0 10,800; 9.999,0 9.999,-800"), "");
+}
+
 TEST_F(BreakWall, ThreeStemsAtOnePointMakeOneCut) {
   EXPECT_EQ(split("0,0 1000,0; 400,0 400,800; 400,0 700,800; 400,0 100,800"),
             "0,0 400,0; 400,0 1000,0");
