@@ -55,8 +55,9 @@ void CEndPointIndex::CheckCount(std::size_t lines) {
   }
 }
 
-/// So many that columns of an evenly spread set are about as wide as it is high by their number,
-/// but never more than that of a square one: what lies far off must not make columns of crowds.
+/// So many that, were the ends spread evenly, a column would be about as wide as its rows are high,
+/// or kWiderForLines times as wide; in a set that is higher than wide as in a square one, since
+/// what lies far off must not make columns of crowds.
 std::size_t CEndPointIndex::EndsPerColumn(std::size_t ends, std::vector<AcGePoint3d> sample,
                                           ESearch search) {
   const double most =
