@@ -20,10 +20,29 @@ namespace {
 /// Arcs are chords of this angle at most, in radians.
 constexpr double kChordAngle = 2.0 * std::numbers::pi / 256.0;
 
-/// A curve as points; closed ones come back to their first point.
-using Course = std::vector<AcGePoint3d>;
+/// A curve as points; closed ones come back to their first point. Most are lines, which have no
+/// points between.
+struct Course {
+  AcGePoint3d front;
+  std::vector<AcGePoint3d> between;
+  AcGePoint3d back;
 
-void appendArc(Course& course, const AcGePoint3d& center, const AcGeVector3d& normal, double radius,
+  Course() = default;
+  Course(const AcGePoint3d& start, const AcGePoint3d& end) : front(start), back(end) {}
+  /// Of at least two points.
+  explicit Course(std::vector<AcGePoint3d> points)
+      : front(points.front()), between(std::move(points)), back(between.back()) {
+    between.erase(between.begin());
+    between.pop_back();
+  }
+  void turnRound() {
+    std::swap(front, back);
+    std::reverse(between.begin(), between.end());
+  }
+};
+using Points = std::vector<AcGePoint3d>;
+
+void appendArc(Points& course, const AcGePoint3d& center, const AcGeVector3d& normal, double radius,
                double startAngle, double sweep) {
   const AcGeMatrix3d plane = AcGeMatrix3d().setToPlaneToWorld(normal);
   const int chords = std::max(1, static_cast<int>(std::ceil(sweep / kChordAngle)));
@@ -34,7 +53,7 @@ void appendArc(Course& course, const AcGePoint3d& center, const AcGeVector3d& no
   }
 }
 
-void appendPolyline(Course& course, const AcDbPolyline& polyline) {
+void appendPolyline(Points& course, const AcDbPolyline& polyline) {
   const AcGeMatrix3d plane = AcGeMatrix3d().setToPlaneToWorld(polyline.normal());
   const auto place = [&](double x, double y) {
     return AcGePoint3d() + plane * AcGeVector3d(x, y, polyline.elevation());
@@ -75,10 +94,12 @@ bool isFinite(const AcGePoint3d& point) {
 
 /// The points of a curve; nothing for a class that regions are not made of.
 std::optional<Course> courseOf(const AcRxObject* object) {
-  Course course;
   if (const AcDbLine* const line = AcDbLine::cast(object)) {
-    course = {line->startPoint(), line->endPoint()};
-  } else if (const AcDbArc* const arc = AcDbArc::cast(object)) {
+    const Course course(line->startPoint(), line->endPoint());
+    return isFinite(course.front) && isFinite(course.back) ? std::optional(course) : std::nullopt;
+  }
+  Points course;
+  if (const AcDbArc* const arc = AcDbArc::cast(object)) {
     double sweep = std::fmod(arc->endAngle() - arc->startAngle(), 2.0 * std::numbers::pi);
     if (sweep <= 0.0) {
       sweep += 2.0 * std::numbers::pi;
@@ -96,7 +117,7 @@ std::optional<Course> courseOf(const AcRxObject* object) {
       return std::nullopt;
     }
   }
-  return course.empty() ? std::nullopt : std::optional(std::move(course));
+  return course.empty() ? std::nullopt : std::optional<Course>(std::move(course));
 }
 
 /// The curves that are not in a loop yet, to be found by where they end.
@@ -117,7 +138,7 @@ class LooseCurves {
   /// last comes first, then the first in order.
   std::optional<Course> takeFrom(const AcGePoint3d& point) {
     if (m_last + 1 < m_courses.size() && !m_isTaken[m_last + 1] &&
-        m_courses[m_last + 1].front().isEqualTo(point)) {
+        m_courses[m_last + 1].front.isEqualTo(point)) {
       return take(m_last + 1);
     }
     constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
@@ -129,7 +150,7 @@ class LooseCurves {
          end != m_ends.end() && end->first <= point.x + tolerance; ++end) {
       const Course& course = m_courses[end->second];
       if (end->second < best && !m_isTaken[end->second] &&
-          (course.front().isEqualTo(point) || course.back().isEqualTo(point))) {
+          (course.front.isEqualTo(point) || course.back.isEqualTo(point))) {
         best = end->second;
       }
     }
@@ -137,8 +158,8 @@ class LooseCurves {
       return std::nullopt;
     }
     Course course = take(best);
-    if (!course.front().isEqualTo(point)) {
-      std::reverse(course.begin(), course.end());
+    if (!course.front.isEqualTo(point)) {
+      course.turnRound();
     }
     return course;
   }
@@ -153,8 +174,8 @@ class LooseCurves {
     m_ends.reserve(2 * m_courses.size());
     for (std::size_t i = 0; i < m_courses.size(); ++i) {
       if (!m_isTaken[i]) {
-        m_ends.push_back({m_courses[i].front().x, i});
-        m_ends.push_back({m_courses[i].back().x, i});
+        m_ends.push_back({m_courses[i].front.x, i});
+        m_ends.push_back({m_courses[i].back.x, i});
       }
     }
     std::sort(m_ends.begin(), m_ends.end());
@@ -174,13 +195,19 @@ class LooseCurves {
 };
 
 /// A loop from a first curve on; nothing when it does not close.
-std::optional<RegionLoop> closedLoop(Course loop, LooseCurves& curves) {
+std::optional<RegionLoop> closedLoop(const Course& first, LooseCurves& curves) {
+  RegionLoop loop{first.front};
+  const auto append = [&loop](const Course& course) {
+    loop.insert(loop.end(), course.between.begin(), course.between.end());
+    loop.push_back(course.back);
+  };
+  append(first);
   while (!loop.back().isEqualTo(loop.front()) || loop.size() < 3) {
     const std::optional<Course> next = curves.takeFrom(loop.back());
     if (!next) {
       return std::nullopt;
     }
-    loop.insert(loop.end(), next->begin() + 1, next->end());
+    append(*next);
   }
   loop.pop_back();
   return loop;
@@ -195,19 +222,20 @@ Acad::ErrorStatus AcDbRegion::createFromCurves(const AcDbVoidPtrArray& curves,
                                                AcDbVoidPtrArray& regions) {
   try {
     std::vector<Course> courses;
+    courses.reserve(static_cast<std::size_t>(curves.length()));
     for (int i = 0; i < curves.length(); ++i) {
       std::optional<Course> course = courseOf(static_cast<const AcRxObject*>(curves[i]));
       if (!course) {
         return Acad::eInvalidInput;
       }
-      if (course->size() > 2 || !course->front().isEqualTo(course->back())) {
+      if (!course->between.empty() || !course->front.isEqualTo(course->back)) {
         courses.push_back(std::move(*course));
       }
     }
     Acad::ErrorStatus status = courses.empty() ? Acad::eInvalidInput : Acad::eOk;
     LooseCurves loose(std::move(courses));
     while (std::optional<Course> first = loose.takeFirst()) {
-      const std::optional<RegionLoop> loop = closedLoop(std::move(*first), loose);
+      const std::optional<RegionLoop> loop = closedLoop(*first, loose);
       std::unique_ptr<RegionShape> shape;
       const Acad::ErrorStatus made = loop ? RegionShape::make(*loop, shape) : Acad::eNotClosedCurve;
       if (made == Acad::eOk) {

@@ -159,6 +159,22 @@ double reachOf(const RegionLoop& loop) {
   return reach;
 }
 
+/// The outer boundary as it stands.
+RegionLoop outerLoop(const GEOSGeometry* polygon, const RegionPlane& plane) {
+  const GEOSCoordSequence* const points =
+      GEOSGeom_getCoordSeq_r(geos(), GEOSGetExteriorRing_r(geos(), polygon));
+  unsigned int count = 0;
+  GEOSCoordSeq_getSize_r(geos(), points, &count);
+  RingBuffer buffer(2 * static_cast<std::size_t>(count));
+  GEOSCoordSeq_copyToBuffer_r(geos(), points, buffer.data(), 0, 0);
+  RegionLoop loop;
+  loop.reserve(count);
+  for (std::size_t i = 0; i < buffer.size(); i += 2) {
+    loop.push_back(plane.toWorld(buffer[i], buffer[i + 1]));
+  }
+  return loop;
+}
+
 }  // namespace
 
 // --- the plane --------------------------------------------------------------------------------
@@ -276,8 +292,10 @@ Acad::ErrorStatus RegionShape::combined(const RegionShape& other, AcDb::BoolOper
   for (const RegionFace& face : otherFaces) {
     reach = std::max(reach, reachOf(face.front()));
   }
-  for (const RegionFace& face : faces()) {
-    reach = std::max(reach, reachOf(face.front()));
+  std::vector<const GEOSGeometry*> own;
+  collectPolygons(m_impl->geometry.get(), own);
+  for (const GEOSGeometry* const polygon : own) {
+    reach = std::max(reach, reachOf(outerLoop(polygon, m_plane)));
   }
   if (!m_plane.isSame(other.m_plane, reach)) {
     return Acad::eNonCoplanarGeometry;
