@@ -70,8 +70,6 @@ class CCaptureBox {
                : -1.0;
   }
 
-  /// Whether nothing at all lies within the capture distance.
-  bool IsEmpty() const { return !(m_minX <= m_maxX); }
   bool Holds(double x, double y) const {
     // All at once: which of the comparisons fails is anyone's guess, and a branch that is guessed
     // wrong takes longer than all of them.

@@ -101,17 +101,23 @@ Geometry geometryOf(const std::vector<RegionFace>& faces, const RegionPlane& pla
                                               static_cast<unsigned int>(polygons.size())));
 }
 
-/// A ring in the plane from its smallest point (x, then y), in the sense asked for.
-RingBuffer orderedRing(const GEOSGeometry* ring, bool counterClockwise) {
+/// The corners of a ring, the first of which comes again at the end.
+std::vector<std::pair<double, double>> cornersOf(const GEOSGeometry* ring) {
   const GEOSCoordSequence* const points = GEOSGeom_getCoordSeq_r(geos(), ring);
   unsigned int count = 0;
   GEOSCoordSeq_getSize_r(geos(), points, &count);
   std::vector<std::pair<double, double>> corners(count);
   static_assert(sizeof(corners[0]) == 2 * sizeof(double));
   GEOSCoordSeq_copyToBuffer_r(geos(), points, &corners[0].first, 0, 0);
+  return corners;
+}
+
+/// A ring in the plane from its smallest point (x, then y), in the sense asked for.
+RingBuffer orderedRing(const GEOSGeometry* ring, bool counterClockwise) {
+  std::vector<std::pair<double, double>> corners = cornersOf(ring);
   corners.pop_back();
   char isCounterClockwise = 0;
-  GEOSCoordSeq_isCCW_r(geos(), points, &isCounterClockwise);
+  GEOSCoordSeq_isCCW_r(geos(), GEOSGeom_getCoordSeq_r(geos(), ring), &isCounterClockwise);
   if ((isCounterClockwise == 1) != counterClockwise) {
     std::reverse(corners.begin(), corners.end());
   }
@@ -161,16 +167,9 @@ double reachOf(const RegionLoop& loop) {
 
 /// The outer boundary as it stands.
 RegionLoop outerLoop(const GEOSGeometry* polygon, const RegionPlane& plane) {
-  const GEOSCoordSequence* const points =
-      GEOSGeom_getCoordSeq_r(geos(), GEOSGetExteriorRing_r(geos(), polygon));
-  unsigned int count = 0;
-  GEOSCoordSeq_getSize_r(geos(), points, &count);
-  RingBuffer buffer(2 * static_cast<std::size_t>(count));
-  GEOSCoordSeq_copyToBuffer_r(geos(), points, buffer.data(), 0, 0);
   RegionLoop loop;
-  loop.reserve(count);
-  for (std::size_t i = 0; i < buffer.size(); i += 2) {
-    loop.push_back(plane.toWorld(buffer[i], buffer[i + 1]));
+  for (const auto& [x, y] : cornersOf(GEOSGetExteriorRing_r(geos(), polygon))) {
+    loop.push_back(plane.toWorld(x, y));
   }
   return loop;
 }
