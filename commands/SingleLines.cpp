@@ -40,6 +40,8 @@ SingleLines collectSingleLines(Drawing& drawing, const std::set<std::wstring>& l
     const AcGePoint3d end = line->endPoint();
     if (locked.count(layer)) {
       found.skipped.push_back({id, "is on a locked layer"});
+    } else if (hostx::hasUnreadableNumber(line.object())) {
+      found.skipped.push_back({id, kUnreadableNumber});
     } else if (start == end) {
       found.skipped.push_back({id, "has no length"});
     } else if (onlyLevel && start.z != end.z) {

@@ -20,6 +20,11 @@ class Collector {
       return;
     }
     const bool isLocked = m_lockedLayers.count(layer) != 0;
+    if ((AcDbLine::cast(entity.object()) || isPolyline(*entity.object())) &&
+        hostx::hasUnreadableNumber(entity.object())) {
+      result.skipped.push_back({id, kUnreadableNumber});
+      return;
+    }
     if (const AcDbLine* line = AcDbLine::cast(entity.object())) {
       addSegment({line->startPoint(), line->endPoint(), id, WallLine::kWholeEntity, isLocked});
     } else if (isPolyline(*entity.object())) {

@@ -31,6 +31,10 @@ struct SkippedEntity {
   std::string reason;
 };
 
+/// Why an entity is skipped of which the file gives a number that is none: it would be taken for 0,
+/// and the walls would meet where they do not.
+inline constexpr const char* kUnreadableNumber = "has a number that cannot be read";
+
 struct WallLines {
   std::vector<WallLine> lines;
   std::vector<SkippedEntity> skipped;

@@ -153,6 +153,19 @@ Adesk::UInt64 lineNumber(const AcDbObjectId& id) {
   return stub && !isOwnHead ? stub->store->lineOf(*stub) : 0;
 }
 
+bool hasUnreadableNumber(const AcDbObject* object) {
+  if (!object) {
+    return false;
+  }
+  const TagList& tags = tagsOf(*object);
+  for (std::size_t i = 0; i < tags.size(); ++i) {
+    if (dxf::isUnreadableDouble(tags[i], tags.format())) {
+      return true;
+    }
+  }
+  return false;
+}
+
 std::wstring layerName(const AcDbObjectId& id) {
   const AcDbStub* const stub = stubOf(id);
   if (!stub) {

@@ -145,6 +145,19 @@ double doubleOf(const TagView& tag, const Format& format) {
   return static_cast<double>(integerOf(tag, format));
 }
 
+bool isUnreadableDouble(const TagView& tag, const Format& format) {
+  if (tagType(tag.code) != TagType::Double) {
+    return false;
+  }
+  double value = 0;
+  if (isBinaryNumber(tag, format)) {
+    value = doubleFromBits(littleEndian(tag.value));
+  } else if (!parseWhole(tag.value, value)) {
+    return true;
+  }
+  return !std::isfinite(value);
+}
+
 std::int64_t integerOf(const TagView& tag, const Format& format) {
   if (!isBinaryNumber(tag, format)) {
     std::int64_t value = 0;

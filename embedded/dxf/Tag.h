@@ -50,6 +50,9 @@ class HOST_API TagCursor {
 /// Values of a tag. A value that is no number of that type reads as 0 (a drawing with one
 /// bad number stays readable; the audit of a file is not the reader's business).
 HOST_API double doubleOf(const TagView& tag, const Format& format);
+/// Whether the tag's value is meant to be a floating-point number and is none, or not a finite
+/// one, so that doubleOf() answers 0 or what it is in its place.
+HOST_API bool isUnreadableDouble(const TagView& tag, const Format& format);
 HOST_API std::int64_t integerOf(const TagView& tag, const Format& format);
 HOST_API std::uint64_t handleOf(const TagView& tag, const Format& format);
 /// Text decoded from the file's code page or UTF-8, with \U+XXXX, \M+nXXXX and caret

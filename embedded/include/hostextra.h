@@ -63,6 +63,9 @@ HOST_API bool hasExtents(const AcDbObjectId& id);
 /// Where the object stands in the file that was read: the line (from 1) of an ASCII file, the
 /// byte offset in a binary one; 0 for a new object.
 HOST_API Adesk::UInt64 lineNumber(const AcDbObjectId& id);
+/// Whether a number of the object, as the file has it, is none or is not finite. The object answers
+/// 0 for such a number.
+HOST_API bool hasUnreadableNumber(const AcDbObject* object);
 /// The name of an entity's layer without opening anything; empty for other objects.
 HOST_API std::wstring layerName(const AcDbObjectId& id);
 

@@ -143,6 +143,21 @@ class BreakTest(CliTest):
                          [((0, 0), (400, 0)), ((400, 5), (400, 800)), ((400, 0), (1000, 0))])
         self.assertEqual([line.dxf.color for line in after.modelspace()], [3, 256, 3])
 
+    def test_a_line_with_a_number_that_is_none_is_skipped_and_named(self):
+        # Taken for 0, its end would stand somewhere else and cut what it does not meet.
+        plan = self.t_junction()
+        whole = pathlib.Path(plan).read_bytes()
+        for number in (b"abc", b"1e999", b"nan"):
+            stem = whole.rindex(b"AcDbLine")
+            begin = whole.index(b" 10\n", stem) + len(b" 10\n")
+            end = whole.index(b"\n", begin)
+            bad = self.path("bad.dxf")
+            pathlib.Path(bad).write_bytes(whole[:begin] + number + whole[end:])
+            shown = self.run_ok("break", bad, "-o", self.path("o.dxf"))
+            self.assertIn("has a number that cannot be read", shown)
+            report = self.report("break", bad, "-o", self.path("o.dxf"))
+            self.assertEqual((report["wallLines"], report["linesCut"]), (1, 0))
+
     def test_every_version_is_written_as_it_was_read(self):
         for version in ("R12", "R2000", "R2004", "R2007", "R2010", "R2013", "R2018"):
             with self.subTest(version):

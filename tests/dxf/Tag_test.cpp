@@ -82,6 +82,18 @@ TEST(TagType, CodesOutsideTheReferenceAreText) {
 
 // --- walking ------------------------------------------------------------------------------
 
+TEST(UnreadableDouble, IsAFloatingPointNumberThatIsNoneOrNotFinite) {
+  for (const char* text : {"abc", "", "1,5", "1e999", "nan", "inf", "1 2"}) {
+    EXPECT_TRUE(isUnreadableDouble(only(" 10\n" + std::string(text) + "\n", ascii()), ascii()))
+        << text;
+  }
+  for (const char* text : {"0", " 1.5 ", "+2", "-1e308", "1e-310"}) {
+    EXPECT_FALSE(isUnreadableDouble(only(" 10\n" + std::string(text) + "\n", ascii()), ascii()))
+        << text;
+  }
+  EXPECT_FALSE(isUnreadableDouble(only("  8\nabc\n", ascii()), ascii())) << "a text";
+}
+
 TEST(TagCursor, WalksPairsOfLinesAndTellsWhereEachTagStands) {
   const std::string bytes = "  0\r\nLINE\r\n 10\r\n1.5\r\n";
   const Format format = ascii("\r\n");
