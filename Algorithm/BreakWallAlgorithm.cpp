@@ -4,6 +4,7 @@
 #include <span>
 #include <utility>
 
+#include "DistanceLimit.h"
 #include "EndPointIndex.h"
 #include "ProjectScale.h"
 #include "ReadAhead.h"
@@ -18,6 +19,7 @@ class CLineToBreak {
   CLineToBreak(const WallLineLikeSeg& line, double captureDistance)
       : m_line(line),
         m_captureDistance(captureDistance),
+        m_limit(captureDistance),
         m_seg(line.ptStart, line.ptEnd),
         m_box(line.ptStart, line.ptEnd, captureDistance) {}
 
@@ -56,7 +58,7 @@ class CLineToBreak {
     // no number, which decides for the line's end point; so the one in the box decides alone.
     if (!bothHeld && IsFinite(ptFar)) {
       ptBreak = m_seg.closestPointTo(ptHeld);
-      return m_captureDistance > ptHeld.distanceTo(ptBreak) && IsClearOfEnds(ptBreak);
+      return m_limit.IsAbove(ptHeld - ptBreak) && IsClearOfEnds(ptBreak);
     }
     const AcGePoint3d footOfStart = m_seg.closestPointTo(other.ptStart);
     const AcGePoint3d footOfEnd = m_seg.closestPointTo(other.ptEnd);
@@ -71,13 +73,12 @@ class CLineToBreak {
   static bool IsFinite(const AcGePoint3d& pt) { return std::isfinite(pt.x + pt.y + pt.z); }
 
   bool IsClearOfEnds(const AcGePoint3d& pt) const {
-    const double toStart = pt.distanceTo(m_line.ptStart);
-    const double toEnd = pt.distanceTo(m_line.ptEnd);
-    return (toEnd > toStart ? toStart : toEnd) >= m_captureDistance;
+    return m_limit.IsReachedBy(pt - m_line.ptStart) && m_limit.IsReachedBy(pt - m_line.ptEnd);
   }
 
   const WallLineLikeSeg& m_line;
   double m_captureDistance;
+  CDistanceLimit m_limit;
   AcGeLineSeg3d m_seg;
   CCaptureBox m_box;
 };
@@ -150,11 +151,6 @@ class CPieceOrder {
   std::vector<Run> m_runs;
 };
 
-struct FoundBreakPnt {
-  std::size_t otherLine;
-  AcGePoint3d ptBreak;
-};
-
 /// How many ends are worked on together: enough reads to keep memory busy, few enough to stay
 /// in the innermost caches until they are needed.
 constexpr std::size_t kBatch = 64;
@@ -168,21 +164,72 @@ struct LineAtHand {
   std::size_t nearCount = 0;  // how many of the ends found are near it
 };
 
-/// Cuts the line at the points, which come in any order, and appends the pieces.
-void MakePieces(std::vector<AcGePoint3d>& pnts, WallLineLikeSeg* pLine,
-                std::vector<WallLineLikeSeg*>& pieces) {
-  if (pnts.empty()) {
-    return;
-  }
-  pnts.push_back(pLine->ptStart);
-  pnts.push_back(pLine->ptEnd);
-  SortAlongDirection(pnts.begin(), pnts.end(), pLine->ptEnd - pLine->ptStart);
-  for (std::size_t i = 1; i < pnts.size(); ++i) {
-    if (!pnts[i].isEqualTo(pnts[i - 1])) {
-      pieces.push_back(new WallLineLikeSeg(pnts[i - 1], pnts[i], pLine));
+/// The break points of one line after another, each cut at its own.
+class CPieceMaker {
+ public:
+  CPieceMaker(const std::map<WallLineLikeSeg*, AcArray<AcGePoint3d>>& appended,
+              std::vector<WallLineLikeSeg*>& pieces)
+      : m_appended(appended), m_pieces(pieces) {}
+
+  void Begin(WallLineLikeSeg* pLine) {
+    m_pLine = pLine;
+    m_pnts.clear();
+    m_foundOn.clear();
+    if (!m_appended.empty()) {
+      const auto appended = m_appended.find(pLine);
+      if (appended != m_appended.end()) {
+        m_pnts.assign(appended->second.begin(), appended->second.end());
+      }
     }
   }
-}
+  /// A point that the line with this number breaks it at.
+  void Add(std::size_t otherLine, const AcGePoint3d& ptBreak) {
+    m_pnts.push_back(ptBreak);
+    m_foundOn.push_back(otherLine);
+  }
+  /// Cuts the line and appends the pieces; answers how many.
+  std::size_t End() {
+    if (m_pnts.empty()) {
+      return 0;
+    }
+    const std::size_t before = m_pieces.size();
+    m_pnts.push_back(m_pLine->ptStart);
+    m_pnts.push_back(m_pLine->ptEnd);
+    const AcGeVector3d direction = m_pLine->ptEnd - m_pLine->ptStart;
+    if (!SortFewAlongDirection(m_pnts.begin(), m_pnts.end(), direction)) {
+      // Now it shows in the result in which order they come.
+      OrderByOtherLine();
+      SortAlongDirection(m_pnts.begin(), m_pnts.end(), direction);
+    }
+    for (std::size_t i = 1; i < m_pnts.size(); ++i) {
+      if (!m_pnts[i].isEqualTo(m_pnts[i - 1])) {
+        m_pieces.push_back(new WallLineLikeSeg(m_pnts[i - 1], m_pnts[i], m_pLine));
+      }
+    }
+    return m_pieces.size() - before;
+  }
+
+ private:
+  void OrderByOtherLine() {
+    const std::size_t appended = m_pnts.size() - 2 - m_foundOn.size();
+    std::vector<std::pair<std::size_t, AcGePoint3d>> found;
+    found.reserve(m_foundOn.size());
+    for (std::size_t i = 0; i < m_foundOn.size(); ++i) {
+      found.emplace_back(m_foundOn[i], m_pnts[appended + i]);
+    }
+    std::sort(found.begin(), found.end(),
+              [](const auto& a, const auto& b) { return a.first < b.first; });
+    for (std::size_t i = 0; i < found.size(); ++i) {
+      m_pnts[appended + i] = found[i].second;
+    }
+  }
+
+  const std::map<WallLineLikeSeg*, AcArray<AcGePoint3d>>& m_appended;
+  std::vector<WallLineLikeSeg*>& m_pieces;
+  WallLineLikeSeg* m_pLine = nullptr;
+  std::vector<AcGePoint3d> m_pnts;     // those appended by the caller, those found, the line's ends
+  std::vector<std::size_t> m_foundOn;  // by point found: the other line
+};
 
 }  // namespace
 
@@ -223,44 +270,21 @@ void CBreakWallAlgorithm::SplitWallLines() {
   const CEndPointIndex index(m_srcWallLines, captureDistances.Of(0));
   m_newWallLines.reserve(m_newWallLines.size() + 2 * m_srcWallLines.size());
   CPieceOrder order(m_newWallLines, m_srcWallLines.size());
-  std::vector<FoundBreakPnt> found;
-  std::vector<AcGePoint3d> pnts;
-  const auto beginLine = [&](WallLineLikeSeg* pLine) {
-    pnts.clear();
-    if (!m_wallBreakPnts.empty()) {
-      const auto appended = m_wallBreakPnts.find(pLine);
-      if (appended != m_wallBreakPnts.end()) {
-        pnts.assign(appended->second.begin(), appended->second.end());
-      }
-    }
-  };
-  const auto endLine = [&](std::size_t number) {
-    const std::size_t first = m_newWallLines.size();
-    MakePieces(pnts, m_srcWallLines[number], m_newWallLines);
-    order.Note(number, m_newWallLines.size() - first);
-  };
+  CPieceMaker maker(m_wallBreakPnts, m_newWallLines);
 
   const auto breakLine = [&](const LineAtHand& line, std::span<const std::uint32_t> near) {
     WallLineLikeSeg* const pLine = m_srcWallLines[line.number];
-    beginLine(pLine);
-    found.clear();
+    maker.Begin(pLine);
     for (const std::uint32_t end : near) {
-      const WallLineLikeSeg* const pOther = m_srcWallLines[CEndPointIndex::LineOf(end)];
+      const std::size_t otherLine = CEndPointIndex::LineOf(end);
+      const WallLineLikeSeg* const pOther = m_srcWallLines[otherLine];
       AcGePoint3d ptBreak;
       if (pOther != pLine &&
           line.toBreak.FindBreakPntNearEnd(*pOther, CEndPointIndex::IsStart(end), ptBreak)) {
-        found.push_back({CEndPointIndex::LineOf(end), ptBreak});
+        maker.Add(otherLine, ptBreak);
       }
     }
-    if (found.size() > 1) {
-      std::sort(found.begin(), found.end(), [](const FoundBreakPnt& a, const FoundBreakPnt& b) {
-        return a.otherLine < b.otherLine;
-      });
-    }
-    for (const FoundBreakPnt& one : found) {
-      pnts.push_back(one.ptBreak);
-    }
-    endLine(line.number);
+    order.Note(line.number, maker.End());
   };
 
   // Column by column, so that lines that meet are at hand together, and a few lines at a time:
@@ -300,8 +324,8 @@ void CBreakWallAlgorithm::SplitWallLines() {
   // What is not in the index is near nothing, but may have points that the caller named.
   for (std::size_t i = 0; i < m_srcWallLines.size() && !m_wallBreakPnts.empty(); ++i) {
     if (!CEndPointIndex::IsIndexed(m_srcWallLines[i]->ptStart)) {
-      beginLine(m_srcWallLines[i]);
-      endLine(i);
+      maker.Begin(m_srcWallLines[i]);
+      order.Note(i, maker.End());
     }
   }
   order.OrderByLine();

@@ -1,6 +1,5 @@
 #include "MergeGougeAlgorithm.h"
 
-#include "DataConvert.h"
 #include "MergeSegInternal.h"
 
 namespace {
@@ -8,9 +7,9 @@ namespace {
 struct GougePolicy {
   static bool IsFixed(const MergeGougeSeg&, bool) { return false; }
   static bool AgreeAt(const MergeGougeSeg& seg1, bool, const MergeGougeSeg& seg2, bool) {
-    return DataConvert::FloatEqual(seg1.dAttr1, seg2.dAttr1, -1) &&
-           DataConvert::FloatEqual(seg1.dAttr3, seg2.dAttr3, -1) &&
-           DataConvert::FloatEqual(seg1.dAttr2, seg2.dAttr2, -1);
+    return MergeSegInternal::FloatEqual(seg1.dAttr1, seg2.dAttr1) &&
+           MergeSegInternal::FloatEqual(seg1.dAttr3, seg2.dAttr3) &&
+           MergeSegInternal::FloatEqual(seg1.dAttr2, seg2.dAttr2);
   }
   static void CarryOver(MergeGougeSeg&, bool) {}
 };

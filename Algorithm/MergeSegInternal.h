@@ -18,6 +18,8 @@
 #include <utility>
 #include <vector>
 
+#include "DataConvert.h"
+#include "DistanceLimit.h"
 #include "EndPointIndex.h"
 #include "GeomConst.h"
 #include "GeomDegree.h"
@@ -27,6 +29,11 @@
 
 namespace MergeSegInternal {
 
+/// DataConvert::FloatEqual at its own precision: what has no difference is equal at any.
+inline bool FloatEqual(double value1, double value2) {
+  return value1 - value2 == 0.0 || DataConvert::FloatEqual(value1, value2, -1);
+}
+
 /// Two segments continue each other when they leave the meeting point in opposite directions
 /// to within this many degrees.
 constexpr double kMaxBendDegrees = 1.0;
@@ -34,14 +41,16 @@ constexpr double kMaxBendDegrees = 1.0;
 /// Whether an end of the candidate is nearer to the point than the tolerance. A candidate whose
 /// start is no number touches nothing.
 template <class Seg>
-bool Touches(const AcGePoint3d& pt, const Seg& cand, double tolerance) {
-  return tolerance > std::min(pt.distanceTo(cand.ptStart), pt.distanceTo(cand.ptEnd));
+bool Touches(const AcGePoint3d& pt, const Seg& cand, const CDistanceLimit& tolerance) {
+  const AcGeVector3d toStart = pt - cand.ptStart;
+  return tolerance.IsAbove(toStart) ||
+         (tolerance.IsAbove(pt - cand.ptEnd) && !std::isnan(toStart.lengthSqrd()));
 }
 
 template <class Seg>
 void CollectTouching(std::vector<Seg*>& startTouchList, std::vector<Seg*>& endTouchList,
                      const std::vector<Seg*>& searchList, const Seg& seg) {
-  const double tolerance = GetCaptureDistance(GetProjectScale());
+  const CDistanceLimit tolerance(GetCaptureDistance(GetProjectScale()));
   for (Seg* pCand : searchList) {
     if (Touches(seg.ptStart, *pCand, tolerance)) {
       startTouchList.push_back(pCand);
@@ -55,7 +64,10 @@ void CollectTouching(std::vector<Seg*>& startTouchList, std::vector<Seg*>& endTo
 /// Whether the end at ptMeet is the start of the segment; so it is when both ends are as near.
 template <class Seg>
 bool NearIsStart(const Seg& seg, const AcGePoint3d& ptMeet) {
-  return !(seg.ptStart.distanceTo(ptMeet) > seg.ptEnd.distanceTo(ptMeet));
+  const AcGeVector3d fromStart = seg.ptStart - ptMeet;
+  const AcGeVector3d fromEnd = seg.ptEnd - ptMeet;
+  // Of two squares the smaller has no larger root; roots are asked where both may have the same.
+  return fromStart.lengthSqrd() <= fromEnd.lengthSqrd() || !(fromStart.length() > fromEnd.length());
 }
 
 /// Whether two segments that leave their meeting point in these directions continue each other.
@@ -67,8 +79,13 @@ inline bool LeadOppositeWays(const AcGeVector3d& vec1, const AcGeVector3d& vec2)
   constexpr double kLeastProduct = 1.0e-200;
   const double cross = vec1.x * vec2.y - vec1.y * vec2.x;
   const double dot = vec1.x * vec2.x + vec1.y * vec2.y;
-  if (std::fabs(cross) < -dot * kSurelySmallTangent && -dot > kLeastProduct && std::isfinite(dot)) {
-    return true;
+  if (std::fabs(dot) > kLeastProduct && std::isfinite(cross) && std::isfinite(dot)) {
+    if (dot > 0.0) {
+      return false;
+    }
+    if (std::fabs(cross) < -dot * kSurelySmallTangent) {
+      return true;
+    }
   }
   const double turn = vec1.angleTo(vec2, AcGeVector3d::kZAxis) - GeomConst::kPi;
   return !(std::fabs(CGeomDegree(turn, CGeomDegree::eAngleRadian).GetAngleDegree()) >
@@ -197,10 +214,10 @@ class CMerger {
         tolerances.pending = ReadTolerance();
         Prepare(tolerances.pending);
         tolerances.finished = ReadTolerance();
-      } else if (m_records[m_numbers[i]].state == EState::Pending) {
-        tolerances = ReadTolerances();
-      } else {
+      } else if (m_isAbsorbed[i]) {
         continue;
+      } else {
+        tolerances = ReadTolerances();
       }
       std::size_t merges = 0;
       do {
@@ -222,6 +239,7 @@ class CMerger {
     std::uint32_t contacts[2] = {CEndPointIndex::kNone, CEndPointIndex::kNone};
     std::uint32_t owners[2] = {};  // the record that has it now, or kNobody
     std::uint32_t ends[2] = {};    // the ends that the record has now
+    std::uint32_t source = 0;      // its place in the source array
     EState state = EState::Pending;
     bool isResult = false;
   };
@@ -272,6 +290,7 @@ class CMerger {
       }
     }
     m_records.resize(m_srcLines.size());
+    m_isAbsorbed.assign(m_srcLines.size(), 0);
     for (std::size_t i = 0; i < m_srcLines.size(); ++i) {
       if (m_numbers[i] == kNobody) {
         m_numbers[i] = count++;
@@ -279,6 +298,7 @@ class CMerger {
       const std::uint32_t number = m_numbers[i];
       Record& record = m_records[number];
       record.pSeg = m_srcLines[i];
+      record.source = static_cast<std::uint32_t>(i);
       record.owners[0] = record.owners[1] = number;
       record.ends[0] = 2 * number;
       record.ends[1] = 2 * number + 1;
@@ -326,9 +346,9 @@ class CMerger {
   bool TouchesNow(const AcGePoint3d& pt, const Record& record, const Tolerances& tolerances) const {
     switch (record.state) {
       case EState::Pending:
-        return Touches(pt, *record.pSeg, tolerances.pending);
+        return Touches(pt, *record.pSeg, CDistanceLimit(tolerances.pending));
       case EState::Finished:
-        return Touches(pt, *record.pSeg, tolerances.finished);
+        return Touches(pt, *record.pSeg, CDistanceLimit(tolerances.finished));
       default:
         return false;
     }
@@ -380,6 +400,7 @@ class CMerger {
       return false;
     }
     gone.state = EState::Absorbed;
+    m_isAbsorbed[gone.source] = 1;
     Owner(record.ends[bAtStart ? 0 : 1]) = kNobody;
     Owner(gone.ends[nearIsStart ? 0 : 1]) = kNobody;
     record.ends[0] = record.ends[bAtStart ? 1 : 0];
@@ -411,6 +432,7 @@ class CMerger {
   std::optional<CEndPointIndex> m_index;
   std::vector<std::uint32_t> m_numbers;  // the records' numbers by place in the source array
   std::vector<Record> m_records;
+  std::vector<char> m_isAbsorbed;  // by place in the source array
 };
 
 template <class Seg>

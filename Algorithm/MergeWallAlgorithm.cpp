@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "DataConvert.h"
 #include "MergeSegInternal.h"
 
 namespace {
@@ -19,10 +18,10 @@ struct WallPolicy {
     const double right1 = bAtStart ? seg1.dSide2 : seg1.dSide1;
     const double left2 = bNearIsStart ? seg2.dSide1 : seg2.dSide2;
     const double right2 = bNearIsStart ? seg2.dSide2 : seg2.dSide1;
-    return DataConvert::FloatEqual(left1, right2, -1) &&
-           DataConvert::FloatEqual(right1, left2, -1) &&
-           DataConvert::FloatEqual(seg1.dAttr2, seg2.dAttr2, -1) &&
-           DataConvert::FloatEqual(seg1.dAttr1, seg2.dAttr1, -1);
+    return MergeSegInternal::FloatEqual(left1, right2) &&
+           MergeSegInternal::FloatEqual(right1, left2) &&
+           MergeSegInternal::FloatEqual(seg1.dAttr2, seg2.dAttr2) &&
+           MergeSegInternal::FloatEqual(seg1.dAttr1, seg2.dAttr1);
   }
   /// A merge at the start turns the direction round, one at the end keeps it.
   static void CarryOver(MergeWallSeg& seg1, bool bAtStart) {

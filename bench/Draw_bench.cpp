@@ -1,6 +1,7 @@
 // Drawing one new line among the walls of a city, and showing one wall among them: one pass over
 // records that lie about in memory. Peers: reading every record's coordinates once, and comparing
-// every record's box.
+// every record's box. In the first frame no record is in the caches; in the next ones those are
+// that fit.
 #include <algorithm>
 #include <memory>
 
@@ -41,6 +42,15 @@ struct Records {
 };
 
 template <class Record>
+auto recordsFor(std::size_t size, bool shuffled, bool isFirst) {
+  auto records = std::make_unique<Records<Record>>(size, shuffled);
+  if (isFirst) {
+    dropFromCaches(records->pointers);
+  }
+  return records;
+}
+
+template <class Record>
 std::size_t touchAll(const Records<Record>& records) {
   double sum = 0.0;
   for (const Record* record : records.pointers) {
@@ -69,10 +79,11 @@ std::size_t compareBoxes(const Records<WallLineLikeSeg>& records) {
 struct Drawing {
   explicit Drawing(std::size_t size, bool shuffled)
       : records(size, shuffled), line(dragged(size, 0)) {
-    algorithm.GetSrcWallLines() = records.pointers;
+    algorithm.GetSrcWallLines().swap(records.pointers);
   }
   ~Drawing() {
     // What the calculation took into account has passed to the algorithm.
+    algorithm.GetSrcWallLines().swap(records.pointers);
     auto modified = algorithm.GetSrcModifyiedWallLines();
     std::sort(modified.begin(), modified.end());
     std::erase_if(records.pointers, [&](WallLineLikeSeg* record) {
@@ -86,6 +97,13 @@ struct Drawing {
   Line line;
   CDrawWallLikeAlgorithm algorithm;
 };
+auto drawingFor(std::size_t size, bool shuffled, bool isFirst) {
+  auto drawing = std::make_unique<Drawing>(size, shuffled);
+  if (isFirst) {
+    dropFromCaches(drawing->algorithm.GetSrcWallLines());
+  }
+  return drawing;
+}
 
 std::size_t draw(Drawing& drawing) {
   const Line& line = drawing.line;
@@ -94,7 +112,7 @@ std::size_t draw(Drawing& drawing) {
   return drawing.algorithm.GetSrcModifyiedWallLines().size();
 }
 
-auto showFor(std::size_t size) {
+auto showFor(std::size_t size, bool isFirst) {
   auto algorithm = std::make_unique<CShowWallLikeAlgorithm>();
   Records<WallEntityLikeRect> records(size, true);
   for (WallEntityLikeRect* record : records.pointers) {
@@ -102,6 +120,9 @@ auto showFor(std::size_t size) {
   }
   *algorithm->GetShowWall() = *records.pointers[size / 2];
   algorithm->GetAllWallRect().swap(records.pointers);
+  if (isFirst) {
+    dropFromCaches(algorithm->GetAllWallRect());
+  }
   return algorithm;
 }
 std::size_t showInPlan(CShowWallLikeAlgorithm& algorithm) {
@@ -117,29 +138,34 @@ std::size_t showFor3d(CShowWallLikeAlgorithm& algorithm) {
 
 void registerDraw() {
   for (const bool shuffled : {false, true}) {
-    const std::string workload = shuffled ? "draw-shuffled" : "draw-ordered";
-    const auto drawing = [shuffled](std::size_t size) {
-      return std::make_unique<Drawing>(size, shuffled);
-    };
-    const auto records = [shuffled](std::size_t size) {
-      return std::make_unique<Records<WallLineLikeSeg>>(size, shuffled);
-    };
-    for (const std::size_t size : {10000u, 100000u, 1000000u}) {
-      measure(workload, "ours", size, drawing, draw);
-      measure(workload, "boxes", size, records, compareBoxes);
-      measure(workload, "touch", size, records, touchAll<WallLineLikeSeg>);
+    for (const bool isFirst : {true, false}) {
+      const std::string workload =
+          std::string(shuffled ? "draw-shuffled" : "draw-ordered") + (isFirst ? "" : "-again");
+      const auto drawing = [=](std::size_t size) { return drawingFor(size, shuffled, isFirst); };
+      const auto records = [=](std::size_t size) {
+        return recordsFor<WallLineLikeSeg>(size, shuffled, isFirst);
+      };
+      for (const std::size_t size : {10000u, 100000u, 1000000u}) {
+        measure(workload, "ours", size, drawing, draw);
+        measure(workload, "boxes", size, records, compareBoxes);
+        measure(workload, "touch", size, records, touchAll<WallLineLikeSeg>);
+      }
     }
   }
 }
 
 void registerShow() {
-  const auto records = [](std::size_t size) {
-    return std::make_unique<Records<WallEntityLikeRect>>(size, true);
-  };
-  for (const std::size_t size : {10000u, 100000u, 1000000u}) {
-    measure("show", "ours", size, showFor, showInPlan);
-    measure("show", "for-3d", size, showFor, showFor3d);
-    measure("show", "touch", size, records, touchAll<WallEntityLikeRect>);
+  for (const bool isFirst : {true, false}) {
+    const std::string workload = isFirst ? "show" : "show-again";
+    const auto walls = [=](std::size_t size) { return showFor(size, isFirst); };
+    const auto records = [=](std::size_t size) {
+      return recordsFor<WallEntityLikeRect>(size, true, isFirst);
+    };
+    for (const std::size_t size : {10000u, 100000u, 1000000u}) {
+      measure(workload, "ours", size, walls, showInPlan);
+      measure(workload, "for-3d", size, walls, showFor3d);
+      measure(workload, "touch", size, records, touchAll<WallEntityLikeRect>);
+    }
   }
 }
 

@@ -9,6 +9,11 @@
 #include <cstddef>
 #include <limits>
 #include <string>
+#include <vector>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace quoin::bench {
 
@@ -20,6 +25,27 @@ std::size_t stopCountingMemory();
 /// How often a form of this size is measured.
 inline int iterationsFor(std::size_t size) {
   return size <= 1000 ? 200 : size <= 10000 ? 40 : size <= 100000 ? 8 : 3;
+}
+
+/// Takes the records and their pointers out of the processor's caches, as they are out of them when
+/// other work was done since they were made or last used. Does nothing where it cannot be done.
+template <class Record>
+void dropFromCaches([[maybe_unused]] const std::vector<Record*>& records) {
+#if defined(__SSE2__)
+  constexpr std::size_t kCacheLine = 64;
+  const auto drop = [](const void* first, std::size_t size) {
+    const auto* const bytes = static_cast<const char*>(first);
+    for (std::size_t i = 0; i < size; i += kCacheLine) {
+      _mm_clflush(bytes + i);
+    }
+    _mm_clflush(bytes + size - 1);
+  };
+  for (const Record* record : records) {
+    drop(record, sizeof(Record));
+  }
+  drop(records.data(), records.size() * sizeof(Record*));
+  _mm_mfence();
+#endif
 }
 
 /// Registers "workload/form/size". `prepare(size)` answers what `work` takes; `work` answers a

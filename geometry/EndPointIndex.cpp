@@ -4,20 +4,18 @@
 
 namespace {
 
-/// Bins a column: so many that a column's width comes out right to within this part.
-constexpr std::size_t kBinsPerColumn = 16;
-/// A bin with more ends than this many columns should have is a crowd that the bins cannot
-/// part.
-constexpr std::size_t kCrowdedColumns = 4;
-/// Up to here an insertion sort is the quickest.
-constexpr std::ptrdiff_t kShortRow = 12;
+/// So many that a column's width comes out right to within this part.
+constexpr std::size_t kStripsPerColumn = 16;
+/// A strip with more ends than this many columns should have is a crowd that strips cannot part.
+constexpr std::size_t kCrowdedColumns = 16;
 
 /// Measured on the walls of a city: between a half and twice this makes no difference.
 constexpr double kWiderForLines = 4.0;
 /// A column costs as much as a few ends.
 constexpr double kFewestEndsPerColumn = 16.0;
 
-/// How far the middle eight tenths of the points reach in a coordinate.
+/// How far the middle eight tenths of the points reach in a coordinate; the points are sorted by
+/// it afterwards.
 double MiddleSpread(std::vector<AcGePoint3d>& points, double AcGePoint3d::*coordinate) {
   if (points.empty()) {
     return 0.0;
@@ -28,23 +26,9 @@ double MiddleSpread(std::vector<AcGePoint3d>& points, double AcGePoint3d::*coord
   return points[points.size() * 9 / 10].*coordinate - points[points.size() / 10].*coordinate;
 }
 
-constexpr auto kIsBelow = [](const CEndPointIndex::End& a, const CEndPointIndex::End& b) {
-  return a.y < b.y;
-};
-
-void SortRow(CEndPointIndex::End* first, CEndPointIndex::End* last) {
-  if (last - first > kShortRow) {
-    std::sort(first, last, kIsBelow);
-    return;
-  }
-  for (CEndPointIndex::End* end = first; end != last; ++end) {
-    const CEndPointIndex::End moved = *end;
-    CEndPointIndex::End* place = end;
-    for (; place != first && kIsBelow(moved, place[-1]); --place) {
-      *place = place[-1];
-    }
-    *place = moved;
-  }
+/// By y; equal ones by x, so that what lies along x is in order too.
+bool IsBefore(const CEndPointIndex::End& a, const CEndPointIndex::End& b) {
+  return a.y < b.y || (a.y == b.y && a.x < b.x);
 }
 
 }  // namespace
@@ -55,120 +39,144 @@ void CEndPointIndex::CheckCount(std::size_t lines) {
   }
 }
 
-/// So many that, were the ends spread evenly, a column would be about as wide as its rows are high,
-/// or kWiderForLines times as wide; in a set that is higher than wide as in a square one, since
-/// what lies far off must not make columns of crowds.
-std::size_t CEndPointIndex::EndsPerColumn(std::size_t ends, std::vector<AcGePoint3d> sample,
-                                          ESearch search) {
+/// A column has so many ends that, were they spread evenly, it would be about as wide as its rows
+/// are high, or kWiderForLines times as wide; in a set that is higher than wide as in a square one,
+/// since what lies far off must not make columns of crowds.
+CEndPointIndex::CStrips::CStrips(std::vector<AcGePoint3d> sample, std::size_t mostEnds,
+                                 ESearch search) {
   const double most =
-      std::sqrt(static_cast<double>(ends)) * (search == eForLines ? kWiderForLines : 1.0) + 1.0;
-  const double width = MiddleSpread(sample, &AcGePoint3d::x);
+      std::sqrt(static_cast<double>(mostEnds)) * (search == eForLines ? kWiderForLines : 1.0) + 1.0;
   const double height = MiddleSpread(sample, &AcGePoint3d::y);
+  const double width = MiddleSpread(sample, &AcGePoint3d::x);
   const double square = height < width ? most * std::sqrt(height / width) : most;
-  return static_cast<std::size_t>(std::max(square, std::min(most, kFewestEndsPerColumn)));
+  m_endsPerColumn =
+      static_cast<std::size_t>(std::max(square, std::min(most, kFewestEndsPerColumn)));
+  m_counts.resize(std::min(kStripsPerColumn * (mostEnds / m_endsPerColumn + 1), 2 * mostEnds + 1));
+  const double strips = static_cast<double>(m_counts.size());
+  m_lastStrip = strips - 1.0;
+  if (!sample.empty()) {
+    m_minX = sample.front().x;
+    m_stripWidth = (sample.back().x - m_minX) / strips;
+    // Without a width, or with one beyond all numbers, one strip takes all.
+    const double perUnit = 1.0 / m_stripWidth;
+    m_stripsPerUnit = std::isfinite(perUnit) && perUnit > 0.0 ? perUnit : 0.0;
+  }
 }
 
-void CEndPointIndex::CBins::Divide(std::size_t endsPerColumn) {
-  const std::size_t bins =
-      std::min(kBinsPerColumn * (m_total / endsPerColumn + 1), 2 * m_total + 1);
-  m_counts.assign(bins, 0);
-  m_lastBin = static_cast<double>(bins - 1);
-  const double binsPerUnit = static_cast<double>(bins) / (m_maxX - m_minX);
-  // Without a width, or with one beyond all numbers, one bin takes all.
-  m_binsPerUnit = std::isfinite(binsPerUnit) && binsPerUnit > 0.0 ? binsPerUnit : 0.0;
+void CEndPointIndex::MakeRoom(std::size_t ends) {
+  m_ends.reset(new End[ends]);
+  m_endCount = ends;
 }
 
 void CEndPointIndex::BeginColumn(std::size_t first) {
   m_columns.emplace_back().first = static_cast<std::uint32_t>(first);
 }
 
-/// Columns of whole bins. Answers false where a bin alone has far more ends than a column should
-/// and is wide enough to be parted.
-bool CEndPointIndex::CutBins(CBins& bins) {
-  const std::size_t enough = m_endsPerColumn;
-  const double binWidth = (bins.m_maxX - bins.m_minX) / (bins.m_lastBin + 1);
-  for (const std::uint32_t count : bins.m_counts) {
-    if (count > kCrowdedColumns * enough && !(binWidth <= m_minColumnWidth)) {
-      return false;
-    }
+/// Columns of whole strips. Answers false where a strip alone has far more ends than a column
+/// should and may be parted.
+bool CEndPointIndex::CutStrips(CStrips& strips) {
+  const std::size_t enough = strips.m_endsPerColumn;
+  const double width = strips.m_stripWidth;
+  const std::vector<std::uint32_t>& counts = strips.m_counts;
+  const std::size_t mostInStrip = kCrowdedColumns * enough;
+  if (std::max({counts.front(), counts.back()}) > mostInStrip ||
+      (!(width <= m_minColumnWidth) &&
+       *std::max_element(counts.begin(), counts.end()) > mostInStrip)) {
+    return false;
   }
-  if (m_ends.empty()) {
+  if (m_endCount == 0) {
     return true;
   }
-  bins.m_columnOfBin.resize(bins.m_counts.size());
+  strips.m_nextPlaces.reserve(counts.size());
   std::size_t place = 0;
-  double width = 0.0;
-  for (std::size_t bin = 0; bin < bins.m_counts.size(); ++bin) {
+  double columnWidth = 0.0;
+  for (std::size_t strip = 0; strip < counts.size(); ++strip) {
     if (m_columns.empty() || (place - m_columns.back().first >= enough &&
-                              width >= m_minColumnWidth && place < m_ends.size())) {
+                              columnWidth >= m_minColumnWidth && place < m_endCount)) {
       BeginColumn(place);
-      bins.m_nextPlaces.push_back(static_cast<std::uint32_t>(place));
-      width = 0.0;
+      columnWidth = 0.0;
     }
-    bins.m_columnOfBin[bin] = static_cast<std::uint32_t>(m_columns.size() - 1);
-    place += bins.m_counts[bin];
-    width += binWidth;
+    strips.m_nextPlaces.push_back(static_cast<std::uint32_t>(place));
+    place += counts[strip];
+    columnWidth += width;
   }
   return true;
 }
 
 /// Columns of ends in the order of x; equal x stay together.
-void CEndPointIndex::SortAndCut() {
-  std::sort(m_ends.begin(), m_ends.end(), [](const End& a, const End& b) { return a.x < b.x; });
-  const std::size_t enough = m_endsPerColumn;
-  for (std::size_t i = 0; i < m_ends.size(); ++i) {
-    if (i == 0 || (i - m_columns.back().first >= enough && m_ends[i].x > m_ends[i - 1].x &&
-                   m_ends[i].x - m_ends[m_columns.back().first].x >= m_minColumnWidth)) {
+void CEndPointIndex::CutSorted(std::size_t endsPerColumn) {
+  End* const ends = m_ends.get();
+  std::sort(ends, ends + m_endCount, [](const End& a, const End& b) { return a.x < b.x; });
+  for (std::size_t i = 0; i < m_endCount; ++i) {
+    if (i == 0 || (i - m_columns.back().first >= endsPerColumn && ends[i].x > ends[i - 1].x &&
+                   ends[i].x - ends[m_columns.back().first].x >= m_minColumnWidth)) {
       BeginColumn(i);
     }
   }
 }
 
-/// Finds every column's bounds and rows and puts its ends into the order of y.
-void CEndPointIndex::SortColumns() {
+void CEndPointIndex::MakeRows(bool inOrder) {
   const std::size_t columns = m_columns.size();
-  BeginColumn(m_ends.size());
-  m_rowFirst.reserve(m_ends.size() / kEndsPerRow + columns + 1);
-  std::vector<End> sorted;
-  std::vector<std::uint32_t> nextPlaces;
+  BeginColumn(m_endCount);
+  m_rowFirst.reserve(m_endCount / kEndsPerRow + columns + 1);
+  m_rowFirst.push_back(0);
+  std::vector<End> moved;
   for (std::size_t c = 0; c < columns; ++c) {
-    Column& column = m_columns[c];
-    End* const first = m_ends.data() + column.first;
-    End* const last = m_ends.data() + m_columns[c + 1].first;
-    column.minX = column.minY = std::numeric_limits<double>::max();
-    column.maxX = std::numeric_limits<double>::lowest();
-    double maxY = std::numeric_limits<double>::lowest();
-    for (const End* end = first; end != last; ++end) {
-      column.minX = std::min(column.minX, end->x);
-      column.maxX = std::max(column.maxX, end->x);
-      column.minY = std::min(column.minY, end->y);
-      maxY = std::max(maxY, end->y);
-    }
-    const std::size_t count = static_cast<std::size_t>(last - first);
-    column.firstRow = static_cast<std::uint32_t>(m_rowFirst.size());
-    column.rows = static_cast<std::uint32_t>(count / kEndsPerRow + 1);
-    const double rowsPerUnit = column.rows / (maxY - column.minY);
-    column.rowsPerUnit = std::isfinite(rowsPerUnit) ? rowsPerUnit : 0.0;
-
-    // Counting sort into the rows, then each row by itself.
-    nextPlaces.assign(column.rows + 1, 0);
-    for (const End* end = first; end != last; ++end) {
-      ++nextPlaces[column.RowOf(end->y) - column.firstRow + 1];
-    }
-    for (std::size_t row = 0; row < column.rows; ++row) {
-      nextPlaces[row + 1] += nextPlaces[row];
-      m_rowFirst.push_back(column.first + nextPlaces[row]);
-    }
-    sorted.resize(count);
-    for (const End* end = first; end != last; ++end) {
-      sorted[nextPlaces[column.RowOf(end->y) - column.firstRow]++] = *end;
-    }
-    std::size_t rowFirst = 0;
-    for (std::size_t row = 0; row < column.rows; ++row) {
-      SortRow(sorted.data() + rowFirst, sorted.data() + nextPlaces[row]);
-      rowFirst = nextPlaces[row];
-    }
-    std::copy(sorted.begin(), sorted.end(), first);
+    const std::size_t first = m_columns[c].first;
+    MakeRowsOf(m_columns[c], {m_ends.get() + first, m_columns[c + 1].first - first}, inOrder,
+               moved);
   }
-  m_rowFirst.push_back(static_cast<std::uint32_t>(m_ends.size()));
+}
+
+/// Finds the column's bounds and rows and puts its ends into them; `inOrder`: each row in order.
+void CEndPointIndex::MakeRowsOf(Column& column, std::span<End> ends, bool inOrder,
+                                std::vector<End>& moved) {
+  column.minX = column.minY = std::numeric_limits<double>::max();
+  column.maxX = std::numeric_limits<double>::lowest();
+  double maxY = std::numeric_limits<double>::lowest();
+  for (const End& end : ends) {
+    column.minX = std::min(column.minX, end.x);
+    column.maxX = std::max(column.maxX, end.x);
+    column.minY = std::min(column.minY, end.y);
+    maxY = std::max(maxY, end.y);
+  }
+  column.firstRow = static_cast<std::uint32_t>(m_rowFirst.size() - 1);
+  column.rows = static_cast<std::uint32_t>(ends.size() / kEndsPerRow + 1);
+  const double rowsPerUnit = column.rows / (maxY - column.minY);
+  column.rowsPerUnit = std::isfinite(rowsPerUnit) ? rowsPerUnit : 0.0;
+
+  // Counting sort: m_rowFirst[row + 1] is the row's count first, then where its next end goes, and
+  // so at last where the next row begins.
+  m_rowFirst.resize(column.firstRow + column.rows + 1, 0);
+  moved.clear();
+  for (const End& end : ends) {
+    const auto part = static_cast<std::uint32_t>(column.RowOf(end.y)) + 1;
+    ++m_rowFirst[part];
+    moved.push_back({end.x, end.y, end.number, part});
+  }
+  std::uint32_t place = column.first;
+  bool isCrowded = false;
+  for (std::uint32_t part = column.firstRow + 1; part < m_rowFirst.size(); ++part) {
+    isCrowded = isCrowded || m_rowFirst[part] > kCrowdedRow;
+    place += std::exchange(m_rowFirst[part], place);
+  }
+  if (!isCrowded) {
+    for (const End& end : moved) {
+      // Into its row's order at once; a place that nothing has moved to has no part yet.
+      End* free = m_ends.get() + m_rowFirst[end.part]++;
+      for (;
+           free != m_ends.get() && free[-1].part == end.part && inOrder && IsBefore(end, free[-1]);
+           --free) {
+        *free = free[-1];
+      }
+      *free = end;
+    }
+    return;
+  }
+  for (const End& end : moved) {
+    m_ends[m_rowFirst[end.part]++] = end;
+  }
+  for (std::uint32_t row = column.firstRow; row + 1 < m_rowFirst.size(); ++row) {
+    std::sort(m_ends.get() + m_rowFirst[row], m_ends.get() + m_rowFirst[row + 1], IsBefore);
+  }
 }

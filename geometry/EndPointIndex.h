@@ -6,10 +6,10 @@
 //      column 0    column 1   column 2      The plane is cut into columns of about equally many
 //     +----------+----------+---------+     ends, and each column into rows of equal height,
 //     |  .       |        . | .       |     about half as many as it has ends. A column keeps
-//     |      .   |  .       |     .   |     its ends in the order of y. A search goes through
-//     |----------| .        |---------|     the columns that the line's box meets; in each it
-//     |          |----------|  .  .   |     looks up the row where the line's surroundings begin
-//     |  .   .   |  .  . .  |         |     and reads on to where they end.
+//     |      .   |  .       |     .   |     its ends row by row. A search goes through the
+//     |----------| .        |---------|     columns that the line's box meets; in each it looks
+//     |          |----------|  .  .   |     up the row where the line's surroundings begin and
+//     |  .   .   |  .  . .  |         |     reads on to where they end.
 //     +----------+----------+---------+
 //
 // Whatever the data, columns and rows adapt: what is wider than high gets more columns, crowds get
@@ -25,7 +25,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "CaptureBox.h"
@@ -34,9 +36,9 @@
 /// Every end that CCaptureBox::Holds() is handed out, and only such ends. Why none is missed:
 /// the columns part the ends by x, and a search visits all whose [minX, maxX] meets the box's.
 /// Of a column all ends are read whose y lies in the range that the box answers for the
-/// column's x, because they stand in the order of y, and reading begins in the row of the lower
-/// bound: RowOf() never falls as y rises (neither does any rounded operation in it), so an end
-/// above the bound stands in that row or a later one.
+/// column's x: RowOf() never falls as y rises (neither does any rounded operation in it), so they
+/// stand in the rows from that of the lower bound to that of the upper one. All ends of these
+/// rows are read; those of a crowded row, which stand in the order of y, only between the bounds.
 class CEndPointIndex {
  public:
   /// One end of line number `Line()`.
@@ -44,6 +46,7 @@ class CEndPointIndex {
     double x;
     double y;
     std::uint32_t number;  // twice the line's, and one more for the line's end than for its start
+    std::uint32_t part;    // while the index is made: the row that it belongs to
 
     std::size_t Line() const { return LineOf(number); }
     bool IsStart() const { return CEndPointIndex::IsStart(number); }
@@ -56,13 +59,15 @@ class CEndPointIndex {
   /// Indexes the ends of all lines: pointers to records with ptStart and ptEnd, none null. An
   /// end with a coordinate that is no finite number is near nothing and left out.
   /// `captureDistance` is that of most searches to come, `search` what they are for: lines meet
-  /// several columns, so those are made wider for them.
+  /// several columns, so those are made wider for them; for points, ends of a row are in order.
   /// Fails: std::length_error for more than 2^31 lines.
   template <class Line>
   CEndPointIndex(const std::vector<Line*>& lines, double captureDistance,
                  ESearch search = eForLines)
       : m_minColumnWidth(captureDistance) {
     CheckCount(lines.size());
+    // Records lie about in memory, and reading them is the most of the work: they are counted
+    // into strips, and then put into their columns.
     const auto visitEnds = [&lines](auto visit) {
       std::uint32_t number = 0;
       for (const Line* pLine : lines) {
@@ -70,20 +75,17 @@ class CEndPointIndex {
         VisitFinite(pLine->ptEnd, number++, visit);
       }
     };
-    CBins bins;
-    visitEnds([&bins](const End& end) { bins.Extend(end.x); });
-    m_endsPerColumn = EndsPerColumn(bins.GetTotal(), SampleOf(lines), search);
-    bins.Divide(m_endsPerColumn);
-    visitEnds([&bins](const End& end) { bins.Count(end.x); });
-    m_ends.resize(bins.GetTotal());
-    if (CutBins(bins)) {
-      visitEnds([this, &bins](const End& end) { m_ends[bins.NextPlace(end.x)] = end; });
+    CStrips strips(SampleOf(lines), 2 * lines.size(), search);
+    visitEnds([&strips](const End& end) { strips.Count(end.x); });
+    MakeRoom(strips.GetTotal());
+    if (CutStrips(strips)) {
+      visitEnds([this, &strips](const End& end) { m_ends[strips.NextPlace(end.x)] = end; });
     } else {
       std::size_t place = 0;
       visitEnds([this, &place](const End& end) { m_ends[place++] = end; });
-      SortAndCut();
+      CutSorted(strips.GetEndsPerColumn());
     }
-    SortColumns();
+    MakeRows(search == eForPoints);
   }
 
   static bool IsIndexed(const AcGePoint3d& pt) {
@@ -93,7 +95,7 @@ class CEndPointIndex {
   /// Columns with the ends in them, so that neighbours can be worked on one soon after another.
   std::size_t ColumnCount() const { return m_columns.size() - 1; }
   std::span<const End> EndsOfColumn(std::size_t column) const {
-    return {m_ends.data() + m_columns[column].first, m_ends.data() + m_columns[column + 1].first};
+    return {m_ends.get() + m_columns[column].first, m_ends.get() + m_columns[column + 1].first};
   }
 
   /// Calls visit(end number) for the ends that the box holds, in no order that means anything,
@@ -121,16 +123,35 @@ class CEndPointIndex {
                                        : static_cast<std::size_t>(behind - m_columns.begin()) - 1;
   }
 
-  /// For every end, column by column, calls visit(end, contact): the number of the one end of
-  /// another line near it, or kNone, or kSeveral.
+  /// For every end of an index for points, column by column, calls visit(end, contact): the number
+  /// of the one end of another line near it, or kNone, or kSeveral.
   static constexpr std::uint32_t kNone = 0xFFFFFFFF;
   static constexpr std::uint32_t kSeveral = 0xFFFFFFFE;
   template <class Visit>
   void VisitContacts(double captureDistance, Visit visit) const {
+    std::vector<End> byX;
     for (std::size_t column = 0; column < ColumnCount(); ++column) {
-      const std::span<const End> ends = EndsOfColumn(column);
-      for (std::size_t i = 0; i < ends.size(); ++i) {
-        visit(ends[i], FindContact(column, ends, i, captureDistance));
+      const double reach = ReachInColumn(column, captureDistance);
+      std::span<const End> left = EndsOfColumn(column);
+      while (!left.empty()) {
+        // What a gap parts in y has no contact across it.
+        std::size_t count = 1;
+        while (count < left.size() && left[count].y - left[count - 1].y <= reach) {
+          ++count;
+        }
+        const std::span<const End> group = left.first(count);
+        left = left.subspan(count);
+        if (IsAlongX(group)) {
+          byX.assign(group.begin(), group.end());
+          if (group.front().y < group.back().y) {
+            std::sort(byX.begin(), byX.end(), [](const End& a, const End& b) {
+              return a.x < b.x || (a.x == b.x && a.y < b.y);
+            });
+          }
+          VisitContactsInGroup(column, byX, &End::x, &End::y, reach, captureDistance, visit);
+        } else {
+          VisitContactsInGroup(column, group, &End::y, &End::x, reach, captureDistance, visit);
+        }
       }
     }
   }
@@ -173,7 +194,7 @@ class CEndPointIndex {
 
  private:
   static constexpr std::size_t kEndsPerRow = 2;
-  /// Rows with more ends than this are searched by halving.
+  /// Rows with more ends than this are sorted as a whole, and searched by halving.
   static constexpr std::uint32_t kCrowdedRow = 32;
 
   struct Column {
@@ -191,41 +212,56 @@ class CEndPointIndex {
     }
   };
 
-  /// Equal strips of x, many to a column, in which the ends are counted to find the columns.
-  class CBins {
+  /// Equal strips of x, many to a column, in which the ends are counted to find the columns. A
+  /// sample tells how far they reach; what lies beyond counts to the outermost.
+  class CStrips {
    public:
-    void Extend(double x) {
-      m_minX = std::min(m_minX, x);
-      m_maxX = std::max(m_maxX, x);
+    CStrips(std::vector<AcGePoint3d> sample, std::size_t mostEnds, ESearch search);
+    void Count(double x) {
+      ++m_counts[StripOf(x)];
       ++m_total;
     }
-    void Divide(std::size_t endsPerColumn);
-    void Count(double x) { ++m_counts[BinOf(x)]; }
     std::size_t GetTotal() const { return m_total; }
-    /// Once the columns are known: where the next end of this x goes.
-    std::size_t NextPlace(double x) { return m_nextPlaces[m_columnOfBin[BinOf(x)]]++; }
+    std::size_t GetEndsPerColumn() const { return m_endsPerColumn; }
+    /// Once the strips have been cut: where the next end of this x goes.
+    std::size_t NextPlace(double x) { return m_nextPlaces[StripOf(x)]++; }
 
    private:
     friend class CEndPointIndex;
-    std::size_t BinOf(double x) const {
-      return static_cast<std::uint32_t>(std::clamp((x - m_minX) * m_binsPerUnit, 0.0, m_lastBin));
+    std::size_t StripOf(double x) const {
+      return static_cast<std::uint32_t>(
+          std::clamp((x - m_minX) * m_stripsPerUnit, 0.0, m_lastStrip));
     }
 
-    double m_minX = std::numeric_limits<double>::max();
-    double m_maxX = std::numeric_limits<double>::lowest();
-    double m_binsPerUnit = 0.0;
-    double m_lastBin = 0.0;
+    std::size_t m_endsPerColumn = 0;
+    double m_minX = 0.0;
+    double m_stripWidth = 0.0;
+    double m_stripsPerUnit = 0.0;
+    double m_lastStrip = 0.0;
     std::size_t m_total = 0;
     std::vector<std::uint32_t> m_counts;
-    std::vector<std::uint32_t> m_columnOfBin;
     std::vector<std::uint32_t> m_nextPlaces;
   };
 
   template <class Visit>
   static void VisitFinite(const AcGePoint3d& pt, std::uint32_t number, Visit& visit) {
     if (IsIndexed(pt)) {
-      visit(End{pt.x, pt.y, number});
+      visit(End{pt.x, pt.y, number, 0});
     }
+  }
+
+  /// Some starts, evenly from the whole set.
+  template <class Line>
+  static std::vector<AcGePoint3d> SampleOf(const std::vector<Line*>& lines) {
+    constexpr std::size_t kSampleSize = 256;
+    std::vector<AcGePoint3d> sample;
+    const std::size_t step = lines.size() / kSampleSize + 1;
+    for (std::size_t i = 0; i < lines.size(); i += step) {
+      if (IsIndexed(lines[i]->ptStart)) {
+        sample.push_back(lines[i]->ptStart);
+      }
+    }
+    return sample;
   }
 
   /// Calls visit(index) for the columns that the box meets until it answers false.
@@ -245,40 +281,67 @@ class CEndPointIndex {
     }
   }
 
-  /// The contact of an end of a column. Nearly always all is said within the column, a few steps
-  /// up and down from the end itself.
-  std::uint32_t FindContact(std::size_t column, std::span<const End> ends, std::size_t own,
-                            double captureDistance) const {
-    const End& end = ends[own];
-    std::uint32_t contact = kNone;
-    const auto meet = [&](std::uint32_t number) {
-      if (LineOf(number) != end.Line()) {
-        contact = contact == kNone ? number : kSeveral;
-      }
-      return contact != kSeveral;
-    };
-    const double reach =
-        CCaptureBox::Reach(std::max(std::fabs(end.x), std::fabs(end.y)), captureDistance);
-    const double minX = end.x - reach;
-    const double maxX = end.x + reach;
-    if ((column > 0 && m_columns[column - 1].maxX >= minX) ||
-        (column + 1 < ColumnCount() && m_columns[column + 1].minX <= maxX)) {
-      VisitNear(CCaptureBox(AcGePoint3d(end.x, end.y, 0.0), captureDistance), column, meet);
-      return contact;
+  /// How far an end of the column may lie from what is near it, in x or y.
+  double ReachInColumn(std::size_t index, double captureDistance) const {
+    const Column& column = m_columns[index];
+    const std::span<const End> ends = EndsOfColumn(index);
+    return CCaptureBox::Reach(
+        std::max(std::max(std::fabs(column.minX), std::fabs(column.maxX)),
+                 std::max(std::fabs(ends.front().y), std::fabs(ends.back().y))),
+        captureDistance);
+  }
+
+  /// Whether neighbours are told apart by x rather than by y, in whose order the ends stand.
+  static bool IsAlongX(std::span<const End> group) {
+    constexpr std::size_t kFew = 4;
+    if (group.size() <= kFew) {
+      return false;
     }
-    const double minY = end.y - reach;
-    for (std::size_t i = own; i-- > 0 && ends[i].y >= minY;) {
-      if (ends[i].x >= minX && ends[i].x <= maxX && !meet(ends[i].number)) {
-        return contact;
-      }
+    double minX = group.front().x;
+    double maxX = minX;
+    for (const End& end : group) {
+      minX = std::min(minX, end.x);
+      maxX = std::max(maxX, end.x);
     }
-    const double maxY = end.y + reach;
-    for (std::size_t i = own + 1; i < ends.size() && ends[i].y <= maxY; ++i) {
-      if (ends[i].x >= minX && ends[i].x <= maxX && !meet(ends[i].number)) {
-        return contact;
+    return maxX - minX > group.back().y - group.front().y;
+  }
+
+  /// The contacts of ends in the order of one coordinate. Nearly always all is said within the
+  /// group, a few steps up and down from the end itself.
+  template <class Visit>
+  void VisitContactsInGroup(std::size_t column, std::span<const End> group, double End::*along,
+                            double End::*across, double reach, double captureDistance,
+                            Visit& visit) const {
+    const double beforeX = column > 0 ? m_columns[column - 1].maxX + reach : 0.0;
+    const double behindX = column + 1 < ColumnCount() ? m_columns[column + 1].minX - reach : 0.0;
+    for (std::size_t own = 0; own < group.size(); ++own) {
+      const End& end = group[own];
+      std::uint32_t contact = kNone;
+      const auto meet = [&](std::uint32_t number) {
+        if (LineOf(number) != end.Line()) {
+          contact = contact == kNone ? number : kSeveral;
+        }
+        return contact != kSeveral;
+      };
+      if ((column > 0 && end.x <= beforeX) || (column + 1 < ColumnCount() && end.x >= behindX)) {
+        VisitNear(CCaptureBox(AcGePoint3d(end.x, end.y, 0.0), captureDistance), column, meet);
+        visit(end, contact);
+        continue;
       }
+      bool more = true;
+      for (std::size_t i = own; more && i-- > 0 && end.*along - group[i].*along <= reach;) {
+        if (std::fabs(group[i].*across - end.*across) <= reach) {
+          more = meet(group[i].number);
+        }
+      }
+      for (std::size_t i = own + 1;
+           more && i < group.size() && group[i].*along - end.*along <= reach; ++i) {
+        if (std::fabs(group[i].*across - end.*across) <= reach) {
+          more = meet(group[i].number);
+        }
+      }
+      visit(end, contact);
     }
-    return contact;
   }
 
   struct EndRange {
@@ -291,8 +354,8 @@ class CEndPointIndex {
     const CCaptureBox::Range y = box.YRangeWithin(column.minX, column.maxX);
     const std::size_t lowRow = column.RowOf(y.low);
     const std::size_t highRow = column.RowOf(y.high);
-    const End* first = m_ends.data() + m_rowFirst[lowRow];
-    const End* last = m_ends.data() + m_rowFirst[highRow + 1];
+    const End* first = m_ends.get() + m_rowFirst[lowRow];
+    const End* last = m_ends.get() + m_rowFirst[highRow + 1];
     if (m_rowFirst[lowRow + 1] - m_rowFirst[lowRow] > kCrowdedRow) {
       first = std::lower_bound(first, last, y.low,
                                [](const End& end, double low) { return end.y < low; });
@@ -304,31 +367,17 @@ class CEndPointIndex {
     return {first, last};
   }
 
-  /// Some starts, evenly from the whole set.
-  template <class Line>
-  static std::vector<AcGePoint3d> SampleOf(const std::vector<Line*>& lines) {
-    constexpr std::size_t kSampleSize = 256;
-    std::vector<AcGePoint3d> sample;
-    const std::size_t step = lines.size() / kSampleSize + 1;
-    for (std::size_t i = 0; i < lines.size(); i += step) {
-      if (IsIndexed(lines[i]->ptStart)) {
-        sample.push_back(lines[i]->ptStart);
-      }
-    }
-    return sample;
-  }
-
   static void CheckCount(std::size_t lines);
-  static std::size_t EndsPerColumn(std::size_t ends, std::vector<AcGePoint3d> sample,
-                                   ESearch search);
+  void MakeRoom(std::size_t ends);
   void BeginColumn(std::size_t first);
-  bool CutBins(CBins& bins);
-  void SortAndCut();
-  void SortColumns();
+  bool CutStrips(CStrips& strips);
+  void CutSorted(std::size_t endsPerColumn);
+  void MakeRows(bool inOrder);
+  void MakeRowsOf(Column& column, std::span<End> ends, bool inOrder, std::vector<End>& moved);
 
   double m_minColumnWidth;
-  std::size_t m_endsPerColumn = 0;
-  std::vector<End> m_ends;                // column by column, each in the order of y
+  std::unique_ptr<End[]> m_ends;  // column by column, each in the order of y
+  std::size_t m_endCount = 0;
   std::vector<Column> m_columns;          // and one behind the last
   std::vector<std::uint32_t> m_rowFirst;  // the place of each row's first end, and one more
 };

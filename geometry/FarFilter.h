@@ -5,9 +5,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <limits>
+#include <span>
+#include <vector>
 
 #include "CaptureBox.h"
+#include "DoublePair.h"
 #include "gepnt3d.h"
 
 /// Rules out lines that are nowhere near a segment.
@@ -25,7 +29,8 @@ class CFarLineFilter {
       : m_minX(std::min(ptStart.x, ptEnd.x)),
         m_maxX(std::max(ptStart.x, ptEnd.x)),
         m_minY(std::min(ptStart.y, ptEnd.y)),
-        m_maxY(std::max(ptStart.y, ptEnd.y)) {
+        m_maxY(std::max(ptStart.y, ptEnd.y)),
+        m_spare(captureDistance * kSpareShare) {
     // Of a segment whose length overflows nothing is certain.
     const double size = std::isfinite((ptEnd - ptStart).lengthSqrd())
                             ? std::max(std::max(std::fabs(m_minX), std::fabs(m_maxX)),
@@ -38,7 +43,56 @@ class CFarLineFilter {
     m_maxY += reach;
   }
 
-  /// Whether the line is certainly not within the capture distance. Nearly all are told by x.
+  /// Calls visit(line) for the lines, in their order, that are not certainly far.
+  ///
+  /// Nearly all are far in x, and two lines at a time are compared there with a range that has some
+  /// room to spare: enough for the rounding of all lines up to a size, so that nothing is to be
+  /// worked out for each. The sizes of a chunk of lines are added up on the way; when the sum is
+  /// too large, or no number, the chunk is gone through again, each line by its own size.
+  template <class Line, class Visit>
+  void VisitNear(const std::vector<Line*>& lines, Visit visit) const {
+    const CDoublePair min(m_minX - m_spare, m_minX - m_spare);
+    const CDoublePair max(m_maxX + m_spare, m_maxX + m_spare);
+    const CDoublePair none(0.0, 0.0);
+    const double largest = m_spare / CCaptureBox::kRelativeSlack;
+    constexpr std::size_t kChunk = 256;
+    Line* near[kChunk];
+    for (std::size_t first = 0; first < lines.size(); first += kChunk) {
+      const std::span<Line* const> chunk(lines.data() + first,
+                                         std::min(kChunk, lines.size() - first));
+      std::size_t count = 0;
+      const auto noteUnlessFar = [&](Line* pLine) {
+        if (!IsFar(pLine->ptStart, pLine->ptEnd)) {
+          near[count++] = pLine;
+        }
+      };
+      CDoublePair sizes = none;
+      std::size_t i = 0;
+      for (; i + 1 < chunk.size(); i += 2) {
+        const CDoublePair start(chunk[i]->ptStart.x, chunk[i + 1]->ptStart.x);
+        const CDoublePair end(chunk[i]->ptEnd.x, chunk[i + 1]->ptEnd.x);
+        const CDoublePair low = Min(start, end);
+        const CDoublePair high = Max(start, end);
+        sizes = sizes + (high - low);
+        if (!AreOutside(low, high, min, max)) {
+          noteUnlessFar(chunk[i]);
+          noteUnlessFar(chunk[i + 1]);
+        }
+      }
+      if (!AreWithin(sizes, none, CDoublePair(largest, largest))) {
+        count = 0;
+        i = 0;
+      }
+      for (; i < chunk.size(); ++i) {
+        noteUnlessFar(chunk[i]);
+      }
+      for (i = 0; i < count; ++i) {
+        visit(near[i]);
+      }
+    }
+  }
+
+  /// Whether the line, whatever its size, is certainly not within the capture distance.
   bool IsFar(const AcGePoint3d& ptStart, const AcGePoint3d& ptEnd) const {
     return Gap(ptStart.x, ptEnd.x, m_minX, m_maxX) > 0.0 ||
            Gap(ptStart.y, ptEnd.y, m_minY, m_maxY) > 0.0;
@@ -52,10 +106,15 @@ class CFarLineFilter {
     return std::max(min - high, low - max) - CCaptureBox::kRelativeSlack * std::max(high, -low);
   }
 
+  /// The room to spare, of the capture distance: small, so that few lines more are looked at, and
+  /// with the usual sizes far more than their rounding.
+  static constexpr double kSpareShare = 1.0 / 16.0;
+
   double m_minX;
   double m_maxX;
   double m_minY;
   double m_maxY;
+  double m_spare;
 };
 
 /// Rules out points that are not near any of a few points: the box around them, each grown by
@@ -75,22 +134,21 @@ class CFarPointFilter {
       m_maxY = std::max(m_maxY, pt.y + reach);
     }
   }
-  /// Whether neither of two points is near. Nearly all are told by x.
-  bool AreFar(const AcGePoint3d& pt1, const AcGePoint3d& pt2) const {
-    const unsigned first = IsWithin(pt1.x, m_minX, m_maxX);
-    const unsigned second = IsWithin(pt2.x, m_minX, m_maxX);
-    if ((first | second) == 0) {
-      return true;
+  /// Calls visit(line) for the lines, in their order, one of whose ends may be near; null
+  /// pointers are left out.
+  template <class Line, class Visit>
+  void VisitNear(const std::vector<Line*>& lines, Visit visit) const {
+    const CDoublePair min(m_minX, m_minY);
+    const CDoublePair max(m_maxX, m_maxY);
+    for (Line* const pLine : lines) {
+      if (pLine && (AreWithin(CDoublePair(pLine->ptStart.x, pLine->ptStart.y), min, max) ||
+                    AreWithin(CDoublePair(pLine->ptEnd.x, pLine->ptEnd.y), min, max))) {
+        visit(pLine);
+      }
     }
-    return ((first & IsWithin(pt1.y, m_minY, m_maxY)) |
-            (second & IsWithin(pt2.y, m_minY, m_maxY))) == 0;
   }
 
  private:
-  static unsigned IsWithin(double value, double min, double max) {
-    return static_cast<unsigned>(value >= min) & static_cast<unsigned>(value <= max);
-  }
-
   double m_captureDistance;
   double m_minX = std::numeric_limits<double>::infinity();
   double m_maxX = -std::numeric_limits<double>::infinity();

@@ -46,13 +46,10 @@ AcArray<AcGePoint3d> CDrawWallLikeAlgorithm::CalcNewWallLine(const AcGePoint3d& 
 void CDrawWallLikeAlgorithm::BreakSrcWallLines(AcArray<AcGePoint3d>& pnts) {
   const double captureDistance = GetCaptureDistance(GetProjectScale());
   const CFarLineFilter filter(m_newSeg.startPoint(), m_newSeg.endPoint(), captureDistance);
-  for (WallLineLikeSeg* pSrc : m_srcWallLines) {
-    if (filter.IsFar(pSrc->ptStart, pSrc->ptEnd)) {
-      continue;
-    }
+  filter.VisitNear(m_srcWallLines, [&](WallLineLikeSeg* pSrc) {
     const AcGeLineSeg3d segSrc(pSrc->ptStart, pSrc->ptEnd);
     if (!(captureDistance > m_newSeg.distanceTo(segSrc))) {
-      continue;
+      return;
     }
     // Without a crossing the point stays at the origin, and the line is judged by it.
     AcGePoint3d ptCross;
@@ -65,7 +62,7 @@ void CDrawWallLikeAlgorithm::BreakSrcWallLines(AcArray<AcGePoint3d>& pnts) {
       pSrc->ptEnd = ptCross;
     }
     pnts.append(m_newSeg.closestPointTo(ptCross));
-  }
+  });
 }
 
 void CDrawWallLikeAlgorithm::CreateNewWallLines(const AcArray<AcGePoint3d>& pnts) {

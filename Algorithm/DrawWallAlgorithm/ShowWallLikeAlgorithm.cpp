@@ -23,9 +23,9 @@ void CollectMeetWalls(const std::vector<WallEntityLikeRect*>& vecAllWallRect,
   CFarPointFilter filter(captureDistance);
   filter.Add(ptStart);
   filter.Add(ptEnd);
-  for (WallEntityLikeRect* pRect : vecAllWallRect) {
-    if (!pRect || pRect == pShowWall || filter.AreFar(pRect->ptStart, pRect->ptEnd)) {
-      continue;
+  filter.VisitNear(vecAllWallRect, [&](WallEntityLikeRect* pRect) {
+    if (pRect == pShowWall) {
+      return;
     }
     const double distStart =
         std::min(pRect->ptStart.distanceTo(ptStart), pRect->ptEnd.distanceTo(ptStart));
@@ -39,7 +39,7 @@ void CollectMeetWalls(const std::vector<WallEntityLikeRect*>& vecAllWallRect,
     } else if (captureDistance > distEnd) {
       vecEndMeet.push_back(pRect);
     }
-  }
+  });
 }
 
 }  // namespace
