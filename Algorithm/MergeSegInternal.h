@@ -219,10 +219,11 @@ class CMerger {
       } else {
         tolerances = ReadTolerances();
       }
+      AskForLaterChain(i);
       std::size_t merges = 0;
       do {
         if (merges++ % (kChainAhead / 2) == 0) {
-          ReadChainAhead(m_numbers[i]);
+          VisitChain(m_numbers[i], [](const Seg& seg) { ReadAhead(seg); });
         }
       } while (MergeOnce(m_numbers[i], merges == 1 ? tolerances : ReadTolerances()));
       m_records[m_numbers[i]].state = EState::Finished;
@@ -252,8 +253,9 @@ class CMerger {
   /// How many records of a chain are read ahead, either way.
   static constexpr int kChainAhead = 32;
 
-  /// Reads what the record is going to absorb, if each contact leads on to the next.
-  void ReadChainAhead(std::uint32_t number) {
+  /// Calls visit(seg) for what the record is going to absorb, if each contact leads on to the next.
+  template <class Visit>
+  void VisitChain(std::uint32_t number, Visit visit) const {
     for (const std::uint32_t from : m_records[number].ends) {
       std::uint32_t end = from;
       for (int step = 0; step < kChainAhead; ++step) {
@@ -262,8 +264,22 @@ class CMerger {
             m_records[contact / 2].state != EState::Pending) {
           break;
         }
-        ReadAhead(*m_records[contact / 2].pSeg);
+        visit(*m_records[contact / 2].pSeg);
         end = contact ^ 1;
+      }
+    }
+  }
+
+  /// What comes after the record at hand is on the way while that is worked on: not the very next
+  /// chain, for which there would be too little time.
+  void AskForLaterChain(std::size_t source) const {
+    int chainsAhead = 2;
+    while (source-- > 0) {
+      if (!m_isAbsorbed[source] && --chainsAhead == 0) {
+        const std::uint32_t later = m_numbers[source];
+        AskFor(*m_records[later].pSeg);
+        VisitChain(later, [](const Seg& seg) { AskFor(seg); });
+        return;
       }
     }
   }
@@ -280,32 +296,19 @@ class CMerger {
     // alone, unless a coordinate is no finite number: then every search is made anew.
     m_tolerance = HasUnfiniteDuplicates() ? std::numeric_limits<double>::quiet_NaN() : tolerance;
     m_index.emplace(m_srcLines, tolerance, CEndPointIndex::eForPoints);
-    m_numbers.assign(m_srcLines.size(), kNobody);
-    std::uint32_t count = 0;
-    for (std::size_t column = 0; column < m_index->ColumnCount(); ++column) {
-      for (const CEndPointIndex::End& end : m_index->EndsOfColumn(column)) {
-        if (end.IsStart()) {
-          m_numbers[end.Line()] = count++;
-        }
-      }
-    }
-    m_records.resize(m_srcLines.size());
-    m_isAbsorbed.assign(m_srcLines.size(), 0);
-    for (std::size_t i = 0; i < m_srcLines.size(); ++i) {
-      if (m_numbers[i] == kNobody) {
-        m_numbers[i] = count++;
-      }
-      const std::uint32_t number = m_numbers[i];
-      Record& record = m_records[number];
-      record.pSeg = m_srcLines[i];
-      record.source = static_cast<std::uint32_t>(i);
+    m_records.reserve(m_srcLines.size());
+    m_index->NumberByPlace(m_numbers, m_srcLines.size(), [this](std::size_t line) {
+      const auto number = static_cast<std::uint32_t>(m_records.size());
+      Record& record = m_records.emplace_back();
+      record.pSeg = m_srcLines[line];
+      record.source = static_cast<std::uint32_t>(line);
       record.owners[0] = record.owners[1] = number;
       record.ends[0] = 2 * number;
       record.ends[1] = 2 * number + 1;
-    }
+    });
+    m_isAbsorbed.assign(m_srcLines.size(), 0);
     m_index->VisitContacts(tolerance, [this](const CEndPointIndex::End& end, std::uint32_t near) {
-      const bool isOne = near != CEndPointIndex::kNone && near != CEndPointIndex::kSeveral;
-      m_records[m_numbers[end.Line()]].contacts[end.number % 2] = isOne ? EndOf(near) : near;
+      m_records[end.Line()].contacts[end.number % 2] = near;
     });
   }
 
@@ -320,10 +323,6 @@ class CMerger {
     return std::adjacent_find(unfinite.begin(), unfinite.end()) != unfinite.end();
   }
 
-  /// The end that has this number in the index.
-  std::uint32_t EndOf(std::uint32_t indexed) const {
-    return 2 * m_numbers[CEndPointIndex::LineOf(indexed)] + indexed % 2;
-  }
   std::uint32_t& Owner(std::uint32_t end) { return m_records[end / 2].owners[end % 2]; }
 
   /// One pass over a record; whether it merged.
@@ -375,7 +374,7 @@ class CMerger {
     const CCaptureBox box(pt, std::fmax(tolerances.pending, tolerances.finished));
     std::uint32_t only = kNobody;
     m_index->VisitNear(box, m_index->ColumnNear(pt.x), [&](std::uint32_t near) {
-      const std::uint32_t other = Owner(EndOf(near));
+      const std::uint32_t other = Owner(near);
       if (other == kNobody || other == only || !TouchesNow(pt, m_records[other], tolerances)) {
         return true;
       }

@@ -52,6 +52,8 @@ class CEndPointIndex {
     bool IsStart() const { return CEndPointIndex::IsStart(number); }
   };
   enum ESearch { eForLines, eForPoints };
+  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+  static constexpr std::uint32_t kSeveral = 0xFFFFFFFE;
 
   static std::size_t LineOf(std::uint32_t endNumber) { return endNumber / 2; }
   static bool IsStart(std::uint32_t endNumber) { return endNumber % 2 == 0; }
@@ -98,6 +100,32 @@ class CEndPointIndex {
     return {m_ends.get() + m_columns[column].first, m_ends.get() + m_columns[column + 1].first};
   }
 
+  /// Numbers the lines anew, by the places of their starts, so that what is done for one after
+  /// another stays together; lines whose starts are not indexed come last. `numbers` has the new
+  /// number of each line then. Calls visit(line) in the order of the new numbers.
+  template <class Visit>
+  void NumberByPlace(std::vector<std::uint32_t>& numbers, std::size_t lines, Visit visit) {
+    numbers.assign(lines, kNone);
+    std::uint32_t count = 0;
+    for (std::size_t place = 0; place < m_endCount; ++place) {
+      if (m_ends[place].IsStart()) {
+        const std::size_t line = m_ends[place].Line();
+        numbers[line] = count++;
+        visit(line);
+      }
+    }
+    for (std::size_t line = 0; line < lines; ++line) {
+      if (numbers[line] == kNone) {
+        numbers[line] = count++;
+        visit(line);
+      }
+    }
+    for (std::size_t place = 0; place < m_endCount; ++place) {
+      End& end = m_ends[place];
+      end.number = 2 * numbers[end.Line()] + end.number % 2;
+    }
+  }
+
   /// Calls visit(end number) for the ends that the box holds, in no order that means anything,
   /// until it answers false. `column` is one that the box meets, if it meets any: that of an
   /// end of the line itself.
@@ -125,8 +153,6 @@ class CEndPointIndex {
 
   /// For every end of an index for points, column by column, calls visit(end, contact): the number
   /// of the one end of another line near it, or kNone, or kSeveral.
-  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
-  static constexpr std::uint32_t kSeveral = 0xFFFFFFFE;
   template <class Visit>
   void VisitContacts(double captureDistance, Visit visit) const {
     std::vector<End> byX;

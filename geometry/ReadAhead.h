@@ -1,4 +1,4 @@
-// Reading a record before it is needed. Not exported.
+// Having a record at hand before it is needed. Not exported.
 #pragma once
 
 /// One after another, reads of records that lie about would each wait for memory; many in a row,
@@ -9,4 +9,14 @@ void ReadAhead(const Record& record) {
   const auto* const bytes = reinterpret_cast<const volatile unsigned char*>(&record);
   static_cast<void>(bytes[0]);
   static_cast<void>(bytes[sizeof(Record) - 1]);
+}
+
+/// For what is needed later still: the processor may bring it or not, and goes on meanwhile.
+template <class Record>
+void AskFor([[maybe_unused]] const Record& record) {
+#if defined(__GNUC__)
+  const auto* const bytes = reinterpret_cast<const unsigned char*>(&record);
+  __builtin_prefetch(bytes);
+  __builtin_prefetch(bytes + sizeof(Record) - 1);
+#endif
 }

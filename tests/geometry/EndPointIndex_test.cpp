@@ -212,4 +212,116 @@ TEST(EndPointIndex, CoordinatesThatAreNoFiniteNumbersMissNothing) {
   EXPECT_GT(accepted, 1000u);
 }
 
+/// What VisitContacts() says of each end, by its number; every end once.
+std::vector<std::uint32_t> contactsOf(std::vector<WallLineLikeSeg>& lines, double captureDistance) {
+  const CEndPointIndex index(pointersTo(lines), captureDistance, CEndPointIndex::eForPoints);
+  constexpr std::uint32_t kNotVisited = 0xFFFFFFFD;
+  std::vector<std::uint32_t> contacts(2 * lines.size(), kNotVisited);
+  index.VisitContacts(captureDistance, [&](const CEndPointIndex::End& end, std::uint32_t contact) {
+    EXPECT_EQ(contacts[end.number], kNotVisited) << "visited twice";
+    contacts[end.number] = contact;
+  });
+  for (std::uint32_t number = 0; number < contacts.size(); ++number) {
+    const WallLineLikeSeg& line = lines[number / 2];
+    EXPECT_EQ(contacts[number] != kNotVisited,
+              CEndPointIndex::IsIndexed(number % 2 == 0 ? line.ptStart : line.ptEnd));
+  }
+  return contacts;
+}
+
+/// No end of another line that is near may be kept quiet; answers how many are named alone.
+int expectContactsNameAllThatIsNear(std::vector<WallLineLikeSeg>& lines, double captureDistance) {
+  const std::vector<std::uint32_t> contacts = contactsOf(lines, captureDistance);
+  const auto pointOf = [&](std::uint32_t number) {
+    return number % 2 == 0 ? lines[number / 2].ptStart : lines[number / 2].ptEnd;
+  };
+  int named = 0;
+  for (std::uint32_t own = 0; own < contacts.size(); ++own) {
+    std::vector<std::uint32_t> near;
+    for (std::uint32_t other = 0; other < contacts.size(); ++other) {
+      if (other / 2 != own / 2 && captureDistance > pointOf(own).distanceTo(pointOf(other))) {
+        near.push_back(other);
+      }
+    }
+    if (near.size() > 1) {
+      EXPECT_EQ(contacts[own], CEndPointIndex::kSeveral) << own;
+    } else if (near.size() == 1) {
+      EXPECT_TRUE(contacts[own] == near.front() || contacts[own] == CEndPointIndex::kSeveral);
+      named += contacts[own] == near.front() ? 1 : 0;
+    }
+  }
+  return named;
+}
+
+TEST(EndPointIndex, AContactIsTheOnlyEndOfAnotherLineThatIsNear) {
+  auto lines = linesOf("0,0 1000,0; 1005,0 2000,0; 2000,5 2000,900; 2000,-5 2000,-900; 5,5 6,6");
+  const auto contacts = contactsOf(lines, 10.0);
+  EXPECT_EQ(contacts[1], 2U);
+  EXPECT_EQ(contacts[2], 1U);
+  EXPECT_EQ(contacts[3], CEndPointIndex::kSeveral);
+  EXPECT_EQ(contacts[5], CEndPointIndex::kNone);
+  EXPECT_EQ(contacts[0], CEndPointIndex::kSeveral) << "both ends of the last line";
+}
+
+TEST(EndPointIndex, ChainsInEveryDirectionHaveAllTheirContacts) {
+  std::mt19937_64 random(92);
+  std::uniform_real_distribution<double> unit(0.0, 1.0);
+  for (int round = 0; round < 300; ++round) {
+    // Level, upright and slanted chains, and some dense enough to have no gap in x or y.
+    std::vector<WallLineLikeSeg> lines;
+    for (int chain = 0; chain < 8; ++chain) {
+      const double angle = chain % 4 == 3 ? 3.0 * unit(random) : chain % 2 * 1.5707963267948966;
+      const double step = chain < 4 ? 200.0 : 15.0;
+      AcGePoint3d at(1000.0 * std::floor(4.0 * unit(random)), 700.0 * chain, 0.0);
+      for (int i = 0; i < 30; ++i) {
+        const AcGePoint3d next(at.x + step * std::cos(angle), at.y + step * std::sin(angle), 0.0);
+        lines.push_back(unit(random) < 0.5 ? WallLineLikeSeg(at, next) : WallLineLikeSeg(next, at));
+        at = next;
+      }
+    }
+    std::shuffle(lines.begin(), lines.end(), random);
+    EXPECT_GT(expectContactsNameAllThatIsNear(lines, 10.0), 200);
+  }
+}
+
+TEST(EndPointIndex, RandomSetsHaveAllTheirContacts) {
+  std::mt19937_64 random(93);
+  int named = 0;
+  for (int round = 0; round < 2000; ++round) {
+    std::vector<WallLineLikeSeg> lines = quoin::test::randomWallLines(random, 12);
+    for (const double captureDistance : {10.0, 1e-10, 250.0, 1e300, kInfinity, 0.0, -1.0}) {
+      named += expectContactsNameAllThatIsNear(lines, captureDistance);
+    }
+  }
+  EXPECT_GT(named, 1000);
+}
+
+TEST(EndPointIndex, NumberedByPlaceEveryLineHasANumberAndEveryEndItsLines) {
+  auto lines = linesOf("500,0 0,0; 0,0 0,500; 100,100 900,900; 7,7 8,8");
+  lines[1].ptStart.x = kNoNumber;
+  lines[3].ptEnd.x = kNoNumber;
+  CEndPointIndex index(pointersTo(lines), 10.0, CEndPointIndex::eForPoints);
+  std::vector<std::uint32_t> numbers;
+  std::vector<std::size_t> inOrder;
+  index.NumberByPlace(numbers, lines.size(), [&](std::size_t line) { inOrder.push_back(line); });
+  ASSERT_EQ(inOrder.size(), 4U);
+  for (std::uint32_t number = 0; number < 4; ++number) {
+    EXPECT_EQ(numbers[inOrder[number]], number);
+  }
+  EXPECT_EQ(inOrder.back(), 1U) << "the line without a start comes last";
+  std::uint32_t next = 0;
+  std::size_t ends = 0;
+  for (std::size_t column = 0; column < index.ColumnCount(); ++column) {
+    for (const CEndPointIndex::End& end : index.EndsOfColumn(column)) {
+      const WallLineLikeSeg& line = lines[inOrder[end.Line()]];
+      EXPECT_EQ(end.x, end.IsStart() ? line.ptStart.x : line.ptEnd.x);
+      if (end.IsStart()) {
+        EXPECT_EQ(end.Line(), next++);
+      }
+      ++ends;
+    }
+  }
+  EXPECT_EQ(ends, 6U);
+}
+
 }  // namespace
