@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <thread>
 
 #include "gegbl.h"
@@ -135,15 +136,32 @@ class CEdgeEnds {
 }  // namespace
 
 void ChainEdges(const std::vector<PolygonEdge>& edges, std::vector<AcGePoint3d>& vertices) {
-  CEdgeEnds ends(edges);
+  // Only if there is something to look for: edges mostly come one behind the other.
+  std::optional<CEdgeEnds> ends;
   std::vector<bool> isGone(edges.size(), false);
   isGone.back() = true;
+  std::size_t firstLeft = 0;
   AcGePoint3d current = edges.back().end;
   vertices.push_back(current);
   for (std::size_t remaining = edges.size() - 1; remaining > 0; --remaining) {
+    while (isGone[firstLeft]) {
+      ++firstLeft;
+    }
+    // The first edge that is left comes before all others, if it touches.
     std::size_t found = CEdgeEnds::kNone;
-    while ((found = ends.FindFirst(current, isGone)) == CEdgeEnds::kNone) {
-      std::this_thread::yield();  // there is no other way out of a loop that does not close
+    if (edges[firstLeft].start.isEqualTo(current)) {
+      found = 2 * firstLeft;
+    } else if (edges[firstLeft].end.isEqualTo(current)) {
+      found = 2 * firstLeft + 1;
+    }
+    while (found == CEdgeEnds::kNone) {
+      if (!ends) {
+        ends.emplace(edges);
+      }
+      found = ends->FindFirst(current, isGone);
+      if (found == CEdgeEnds::kNone) {
+        std::this_thread::yield();  // there is no other way out of a loop that does not close
+      }
     }
     const PolygonEdge& edge = edges[found / 2];
     current = found % 2 == 0 ? edge.end : edge.start;

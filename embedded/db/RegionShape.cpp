@@ -65,6 +65,47 @@ Geometry ringOf(const RingBuffer& buffer) {
   return Geometry(points ? GEOSGeom_createLinearRing_r(geos(), points) : nullptr);
 }
 
+/// Whether all points of a ring can be seen from the mean of its corners, and in one turn: then it
+/// crosses and touches itself nowhere. Most outlines of rooms and houses are so, and this takes a
+/// tenth of the time of looking for crossings. False proves nothing.
+///
+/// The sense of each edge about the mean is the sign of a determinant that is further from zero
+/// than it may be off by rounding (J. R. Shewchuk, Adaptive Precision Floating-Point Arithmetic
+/// and Fast Robust Geometric Predicates, 1997: (3 + 16 e) e times the sum of its two products).
+/// Edges of one sense less than half a turn each go round as often as they pass the ray along x.
+bool isSeenFromMiddle(const RingBuffer& ring) {
+  constexpr double kRounding = 4.0 * 0x1p-53;
+  constexpr double kLeast = 1.0e-280;  // where products lose digits
+  const std::size_t corners = ring.size() / 2 - 1;
+  double x = 0.0;
+  double y = 0.0;
+  for (std::size_t i = 0; i < corners; ++i) {
+    x += ring[2 * i];
+    y += ring[2 * i + 1];
+  }
+  x /= static_cast<double>(corners);
+  y /= static_cast<double>(corners);
+  bool isLeft = true;
+  bool isRight = true;
+  std::size_t upwards = 0;
+  std::size_t downwards = 0;
+  for (std::size_t i = 0; i < corners; ++i) {
+    const double* const from = ring.data() + 2 * i;
+    const double* const to = from + 2;
+    const double left = (from[0] - x) * (to[1] - y);
+    const double right = (from[1] - y) * (to[0] - x);
+    const double margin = kRounding * (std::fabs(left) + std::fabs(right)) + kLeast;
+    isLeft = isLeft && left - right > margin;
+    isRight = isRight && right - left > margin;
+    if (!isLeft && !isRight) {
+      return false;
+    }
+    upwards += from[1] < y && to[1] >= y ? 1 : 0;
+    downwards += from[1] >= y && to[1] < y ? 1 : 0;
+  }
+  return upwards == 1 && downwards == 1;
+}
+
 /// A face as a polygon; null where the library refuses its rings.
 Geometry polygonOf(const RegionFace& face, const RegionPlane& plane) {
   Geometry outer = ringOf(ringBuffer(face.front(), plane));
@@ -265,11 +306,15 @@ Acad::ErrorStatus RegionShape::make(const RegionLoop& loop, std::unique_ptr<Regi
   if (status != Acad::eOk) {
     return status;
   }
-  made->m_impl->geometry = polygonOf({loop}, made->m_plane);
+  const RingBuffer ring = ringBuffer(loop, made->m_plane);
+  Geometry outer = ringOf(ring);
+  if (outer) {
+    made->m_impl->geometry.reset(GEOSGeom_createPolygon_r(geos(), outer.release(), nullptr, 0));
+  }
   if (!made->m_impl->geometry) {
     return Acad::eDegenerateGeometry;  // fewer than three corners
   }
-  if (GEOSisValid_r(geos(), made->m_impl->geometry.get()) != 1) {
+  if (!isSeenFromMiddle(ring) && GEOSisValid_r(geos(), made->m_impl->geometry.get()) != 1) {
     return Acad::eSelfIntersecting;
   }
   shape = std::move(made);

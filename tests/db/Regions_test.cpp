@@ -3,9 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <random>
 
 #include "dbpl.h"
 #include "support/Drawings.h"
@@ -181,6 +183,92 @@ TEST(Region, ABoundaryThatCrossesItselfGivesNone) {
   const Made made = polygon({{0, 0, 0}, {10, 10, 0}, {10, 0, 0}, {0, 10, 0}});
   EXPECT_EQ(made.status, Acad::eSelfIntersecting);
   EXPECT_TRUE(made.regions.empty());
+}
+
+TEST(Region, ABoundaryThatGoesRoundTwiceGivesNone) {
+  // A star drawn in one stroke: every edge turns the same way about the middle, but in two turns.
+  std::vector<AcGePoint3d> corners;
+  for (int i = 0; i < 5; ++i) {
+    const double angle = 4.0 * 3.14159265358979 * i / 5.0;
+    corners.emplace_back(100.0 * std::cos(angle), 100.0 * std::sin(angle), 0.0);
+  }
+  EXPECT_EQ(polygon(corners).status, Acad::eSelfIntersecting);
+  std::reverse(corners.begin(), corners.end());
+  EXPECT_EQ(polygon(corners).status, Acad::eSelfIntersecting);
+}
+
+/// Whether no two edges of a polygon with integer corners share a point but neighbours their
+/// corner: every pair of edges compared, in integers.
+bool isSimple(const std::vector<AcGePoint3d>& corners) {
+  const auto side = [](const AcGePoint3d& a, const AcGePoint3d& b, const AcGePoint3d& c) {
+    const double cross = (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+    return cross > 0.0 ? 1 : cross < 0.0 ? -1 : 0;
+  };
+  const auto isOn = [&](const AcGePoint3d& pt, const AcGePoint3d& a, const AcGePoint3d& b) {
+    return side(a, b, pt) == 0 && std::min(a.x, b.x) <= pt.x && pt.x <= std::max(a.x, b.x) &&
+           std::min(a.y, b.y) <= pt.y && pt.y <= std::max(a.y, b.y);
+  };
+  const std::size_t count = corners.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    const AcGePoint3d& a = corners[i];
+    const AcGePoint3d& b = corners[(i + 1) % count];
+    for (std::size_t j = 0; j < count; ++j) {
+      const AcGePoint3d& c = corners[j];
+      const AcGePoint3d& d = corners[(j + 1) % count];
+      if (j != i && j != (i + 1) % count && isOn(c, a, b)) {
+        return false;  // a corner on another edge
+      }
+      if (side(a, b, c) * side(a, b, d) < 0 && side(c, d, a) * side(c, d, b) < 0) {
+        return false;
+      }
+    }
+  }
+  return true;
+}
+
+std::string described(const std::vector<AcGePoint3d>& corners) {
+  std::string description;
+  for (const AcGePoint3d& corner : corners) {
+    description += text(corner) + "; ";
+  }
+  return description;
+}
+
+TEST(Region, IsMadeExactlyOfBoundariesThatMeetThemselvesNowhere) {
+  std::mt19937_64 random(94);
+  int simple = 0;
+  int others = 0;
+  for (int round = 0; round < 40000; ++round) {
+    const int reach = 3 + static_cast<int>(random() % 20);
+    std::vector<AcGePoint3d> corners;
+    for (std::size_t count = 4 + random() % 9; corners.size() < count;) {
+      const auto coordinate = [&] {
+        return static_cast<double>(static_cast<int>(random() % (2 * reach + 1)) - reach);
+      };
+      const AcGePoint3d corner(coordinate(), coordinate(), 0.0);
+      if (std::none_of(corners.begin(), corners.end(),
+                       [&](const AcGePoint3d& other) { return other.isEqualTo(corner); })) {
+        corners.push_back(corner);
+      }
+    }
+    if (round % 4 != 0) {
+      // Mostly round the middle, as outlines are; sometimes with two corners out of turn.
+      std::sort(corners.begin(), corners.end(), [](const AcGePoint3d& a, const AcGePoint3d& b) {
+        return std::atan2(a.y - 0.25, a.x - 0.25) < std::atan2(b.y - 0.25, b.x - 0.25);
+      });
+      if (round % 4 == 1) {
+        std::swap(corners[random() % corners.size()], corners[random() % corners.size()]);
+      }
+      if (random() % 2 == 0) {
+        std::reverse(corners.begin(), corners.end());
+      }
+    }
+    const bool isWanted = isSimple(corners);
+    (isWanted ? simple : others) += 1;
+    ASSERT_EQ(polygon(corners).status == Acad::eOk, isWanted) << described(corners);
+  }
+  EXPECT_GT(simple, 10000);
+  EXPECT_GT(others, 5000);
 }
 
 TEST(Region, ABoundaryWithoutAreaGivesNone) {
