@@ -8,11 +8,13 @@
 #include <deque>
 #include <vector>
 
+#include "hostapi.h"
+
 struct AcDbStub;
 
 namespace quoin::dxf {
 
-class HandleIndex {
+class HOST_API HandleIndex {
  public:
   explicit HandleIndex(const std::deque<AcDbStub>& stubs) : m_stubs(&stubs) {}
 
