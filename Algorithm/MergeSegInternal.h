@@ -66,8 +66,14 @@ template <class Seg>
 bool NearIsStart(const Seg& seg, const AcGePoint3d& ptMeet) {
   const AcGeVector3d fromStart = seg.ptStart - ptMeet;
   const AcGeVector3d fromEnd = seg.ptEnd - ptMeet;
-  // Of two squares the smaller has no larger root; roots are asked where both may have the same.
-  return fromStart.lengthSqrd() <= fromEnd.lengthSqrd() || !(fromStart.length() > fromEnd.length());
+  const double squareFromStart = fromStart.lengthSqrd();
+  const double squareFromEnd = fromEnd.lengthSqrd();
+  // Of two squares the smaller has no larger root, and one that is clearly larger has a larger one.
+  constexpr double kClearly = 1.0 + 1.0e-12;
+  if (squareFromStart <= squareFromEnd) {
+    return true;
+  }
+  return !(squareFromStart > kClearly * squareFromEnd) && !(fromStart.length() > fromEnd.length());
 }
 
 /// Whether two segments that leave their meeting point in these directions continue each other.
@@ -220,13 +226,7 @@ class CMerger {
         tolerances = ReadTolerances();
       }
       AskForLaterChain(i);
-      std::size_t merges = 0;
-      do {
-        if (merges++ % (kChainAhead / 2) == 0) {
-          VisitChain(m_numbers[i], [](const Seg& seg) { ReadAhead(seg); });
-        }
-      } while (MergeOnce(m_numbers[i], merges == 1 ? tolerances : ReadTolerances()));
-      m_records[m_numbers[i]].state = EState::Finished;
+      MergeChain(m_numbers[i], tolerances);
     }
   }
 
@@ -252,6 +252,32 @@ class CMerger {
 
   /// How many records of a chain are read ahead, either way.
   static constexpr int kChainAhead = 32;
+
+  /// All passes over a record, the first with these tolerances.
+  void MergeChain(std::uint32_t number, Tolerances tolerances) {
+    Seg& seg = *m_records[number].pSeg;
+    std::size_t ahead = 0;
+    const auto readAhead = [&] {
+      VisitChain(number, [&ahead](const Seg& next) {
+        ReadAhead(next);
+        ++ahead;
+      });
+    };
+    readAhead();
+    for (std::size_t merges = 1; MergeOnce(number, tolerances); ++merges) {
+      if (merges == 1) {
+        seg.mergedSegs.reserve(seg.mergedSegs.size() + ahead);
+      }
+      if (merges % (kChainAhead / 2) == 0) {
+        readAhead();
+      }
+      tolerances = ReadTolerances();
+    }
+    if (seg.mergedSegs.capacity() > 2 * seg.mergedSegs.size()) {
+      seg.mergedSegs.shrink_to_fit();  // less came than room was made for
+    }
+    m_records[number].state = EState::Finished;
+  }
 
   /// Calls visit(seg) for what the record is going to absorb, if each contact leads on to the next.
   template <class Visit>
@@ -296,15 +322,16 @@ class CMerger {
     // alone, unless a coordinate is no finite number: then every search is made anew.
     m_tolerance = HasUnfiniteDuplicates() ? std::numeric_limits<double>::quiet_NaN() : tolerance;
     m_index.emplace(m_srcLines, tolerance, CEndPointIndex::eForPoints);
-    m_records.reserve(m_srcLines.size());
-    m_index->NumberByPlace(m_numbers, m_srcLines.size(), [this](std::size_t line) {
-      const auto number = static_cast<std::uint32_t>(m_records.size());
-      Record& record = m_records.emplace_back();
+    m_records.resize(m_srcLines.size());
+    std::uint32_t number = 0;
+    m_index->NumberByPlace(m_numbers, m_srcLines.size(), [&](std::size_t line) {
+      Record& record = m_records[number];
       record.pSeg = m_srcLines[line];
       record.source = static_cast<std::uint32_t>(line);
       record.owners[0] = record.owners[1] = number;
       record.ends[0] = 2 * number;
       record.ends[1] = 2 * number + 1;
+      ++number;
     });
     m_isAbsorbed.assign(m_srcLines.size(), 0);
     m_index->VisitContacts(tolerance, [this](const CEndPointIndex::End& end, std::uint32_t near) {

@@ -15,6 +15,8 @@
 class CDoublePair {
  public:
   CDoublePair(double first, double second) : m_pair(_mm_set_pd(second, first)) {}
+  double First() const { return _mm_cvtsd_f64(m_pair); }
+  double Second() const { return _mm_cvtsd_f64(_mm_unpackhi_pd(m_pair, m_pair)); }
 
   friend CDoublePair Min(CDoublePair a, CDoublePair b) {
     return CDoublePair(_mm_min_pd(b.m_pair, a.m_pair));
@@ -52,6 +54,8 @@ class CDoublePair {
 class CDoublePair {
  public:
   CDoublePair(double first, double second) : m_first(first), m_second(second) {}
+  double First() const { return m_first; }
+  double Second() const { return m_second; }
 
   friend CDoublePair Min(CDoublePair a, CDoublePair b) {
     return {std::min(a.m_first, b.m_first), std::min(a.m_second, b.m_second)};

@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "DoublePair.h"
+
 namespace {
 
 /// So many that a column's width comes out right to within this part.
@@ -131,15 +133,17 @@ void CEndPointIndex::MakeRows(bool inOrder) {
 /// Finds the column's bounds and rows and puts its ends into them; `inOrder`: each row in order.
 void CEndPointIndex::MakeRowsOf(Column& column, std::span<End> ends, bool inOrder,
                                 std::vector<End>& moved) {
-  column.minX = column.minY = std::numeric_limits<double>::max();
-  column.maxX = std::numeric_limits<double>::lowest();
-  double maxY = std::numeric_limits<double>::lowest();
+  CDoublePair min(ends.front().x, ends.front().y);
+  CDoublePair max = min;
   for (const End& end : ends) {
-    column.minX = std::min(column.minX, end.x);
-    column.maxX = std::max(column.maxX, end.x);
-    column.minY = std::min(column.minY, end.y);
-    maxY = std::max(maxY, end.y);
+    const CDoublePair xy(end.x, end.y);
+    min = Min(min, xy);
+    max = Max(max, xy);
   }
+  column.minX = min.First();
+  column.maxX = max.First();
+  column.minY = min.Second();
+  const double maxY = max.Second();
   column.firstRow = static_cast<std::uint32_t>(m_rowFirst.size() - 1);
   column.rows = static_cast<std::uint32_t>(ends.size() / kEndsPerRow + 1);
   const double rowsPerUnit = column.rows / (maxY - column.minY);
@@ -148,11 +152,10 @@ void CEndPointIndex::MakeRowsOf(Column& column, std::span<End> ends, bool inOrde
   // Counting sort: m_rowFirst[row + 1] is the row's count first, then where its next end goes, and
   // so at last where the next row begins.
   m_rowFirst.resize(column.firstRow + column.rows + 1, 0);
-  moved.clear();
-  for (const End& end : ends) {
-    const auto part = static_cast<std::uint32_t>(column.RowOf(end.y)) + 1;
-    ++m_rowFirst[part];
-    moved.push_back({end.x, end.y, end.number, part});
+  moved.assign(ends.begin(), ends.end());
+  for (End& end : moved) {
+    end.part = static_cast<std::uint32_t>(column.RowOf(end.y)) + 1;
+    ++m_rowFirst[end.part];
   }
   std::uint32_t place = column.first;
   bool isCrowded = false;
