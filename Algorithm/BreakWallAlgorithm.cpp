@@ -196,20 +196,28 @@ class CPieceMaker {
     m_pnts.push_back(m_pLine->ptStart);
     m_pnts.push_back(m_pLine->ptEnd);
     const AcGeVector3d direction = m_pLine->ptEnd - m_pLine->ptStart;
-    if (!SortFewAlongDirection(m_pnts.begin(), m_pnts.end(), direction)) {
+    if (m_order.Order(m_pnts.begin(), m_pnts.end(), direction)) {
+      MakePieces(
+          [this](std::size_t place) -> const AcGePoint3d& { return m_pnts[m_order.At(place)]; });
+    } else {
       // Now it shows in the result in which order they come.
       OrderByOtherLine();
       SortAlongDirection(m_pnts.begin(), m_pnts.end(), direction);
-    }
-    for (std::size_t i = 1; i < m_pnts.size(); ++i) {
-      if (!m_pnts[i].isEqualTo(m_pnts[i - 1])) {
-        m_pieces.push_back(new WallLineLikeSeg(m_pnts[i - 1], m_pnts[i], m_pLine));
-      }
+      MakePieces([this](std::size_t place) -> const AcGePoint3d& { return m_pnts[place]; });
     }
     return m_pieces.size() - before;
   }
 
  private:
+  template <class PointAt>
+  void MakePieces(PointAt pointAt) {
+    for (std::size_t i = 1; i < m_pnts.size(); ++i) {
+      if (!pointAt(i).isEqualTo(pointAt(i - 1))) {
+        m_pieces.push_back(new WallLineLikeSeg(pointAt(i - 1), pointAt(i), m_pLine));
+      }
+    }
+  }
+
   void OrderByOtherLine() {
     const std::size_t appended = m_pnts.size() - 2 - m_foundOn.size();
     std::vector<std::pair<std::size_t, AcGePoint3d>> found;
@@ -229,6 +237,7 @@ class CPieceMaker {
   WallLineLikeSeg* m_pLine = nullptr;
   std::vector<AcGePoint3d> m_pnts;     // those appended by the caller, those found, the line's ends
   std::vector<std::size_t> m_foundOn;  // by point found: the other line
+  CFewAlongDirection m_order;
 };
 
 }  // namespace

@@ -228,6 +228,7 @@ class CMerger {
       AskForLaterChain(i);
       MergeChain(m_numbers[i], tolerances);
     }
+    InsertResults();
   }
 
  private:
@@ -436,18 +437,27 @@ class CMerger {
     return true;
   }
 
-  /// The bookkeeping of a merge. The set is asked only for what may be new to it: this operation
-  /// absorbs nothing that has merged before.
+  /// The bookkeeping of a merge. What is surely new to the set, since this operation absorbs
+  /// nothing that has merged before, is put into it all at once.
   void Note(Record& record, const Record& gone) {
     if (m_hadMergedLines || record.pSeg == gone.pSeg) {
+      InsertResults();
       MergeBookkeeping(record.pSeg, gone.pSeg, m_mergedLines);
       return;
     }
     AppendMerged(record.pSeg, gone.pSeg);
     if (!record.isResult) {
-      m_mergedLines.insert(record.pSeg);
+      m_results.push_back(record.pSeg);
       record.isResult = true;
     }
+  }
+  /// In their order, so that none has to look for its place.
+  void InsertResults() {
+    std::sort(m_results.begin(), m_results.end(), std::less<>());
+    for (Seg* pSeg : m_results) {
+      m_mergedLines.insert(m_mergedLines.end(), pSeg);
+    }
+    m_results.clear();
   }
 
   const std::vector<Seg*>& m_srcLines;
@@ -459,6 +469,7 @@ class CMerger {
   std::vector<std::uint32_t> m_numbers;  // the records' numbers by place in the source array
   std::vector<Record> m_records;
   std::vector<char> m_isAbsorbed;  // by place in the source array
+  std::vector<Seg*> m_results;     // that are still to go into the set
 };
 
 template <class Seg>

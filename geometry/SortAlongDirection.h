@@ -20,9 +20,8 @@ class CPointAlongDirection {
   AcGeVector3d m_vecDirection;
 };
 
-/// Sorts few points by how far along the direction they lie, each measured once from the first.
-/// Answers false, with nothing changed, where that may order them differently from the pairwise
-/// rule, or where they are too many.
+/// The order of few points by how far along the direction they lie, each measured once from the
+/// first.
 ///
 /// The rule's product for a and b and each of the two measures are off by less than 4 roundings
 /// (each of 2^-53) of a sum of |difference| * |direction| that is at most twice `largest`. So
@@ -30,59 +29,78 @@ class CPointAlongDirection {
 /// sees the same order; points that are the same in every bit it holds for equal, and an
 /// insertion sort keeps their order, as the rule wants it. All else is left to the rule itself:
 /// measures that are no numbers differ by nothing.
-template <class Iterator>
-bool SortFewAlongDirection(Iterator first, Iterator last, const AcGeVector3d& vecDirection) {
-  constexpr std::size_t kMaxCount = 32;
-  constexpr double kMargin = 1.0e-14;
-  constexpr double kLeastMargin = 1.0e-300;  // where products vanish
-  const std::size_t count = static_cast<std::size_t>(last - first);
-  if (count > kMaxCount) {
-    return false;
-  }
-  const auto pointAt = [first](std::size_t i) -> decltype(*first) {
-    return first[static_cast<std::ptrdiff_t>(i)];
-  };
-  std::uint8_t order[kMaxCount];
-  double along[kMaxCount];  // in order
-  double largest = 0.0;
-  for (std::size_t i = 0; i < count; ++i) {
-    const AcGeVector3d vec = pointAt(i) - pointAt(0);
-    const double own = vec.dotProduct(vecDirection);
-    largest =
-        std::max(largest, std::fabs(vec.x * vecDirection.x) + std::fabs(vec.y * vecDirection.y) +
-                              std::fabs(vec.z * vecDirection.z));
-    std::size_t place = i;
-    for (; place > 0 && along[place - 1] > own; --place) {
-      along[place] = along[place - 1];
-      order[place] = order[place - 1];
-    }
-    along[place] = own;
-    order[place] = static_cast<std::uint8_t>(i);
-  }
-  const double margin = kMargin * largest + kLeastMargin;
-  for (std::size_t i = 1; i < count; ++i) {
-    const AcGePoint3d& pt1 = pointAt(order[i - 1]);
-    const AcGePoint3d& pt2 = pointAt(order[i]);
-    const bool isSame = pt1.x == pt2.x && pt1.y == pt2.y && pt1.z == pt2.z;
-    if (!(along[i] - along[i - 1] > margin) && !isSame) {
+class CFewAlongDirection {
+ public:
+  /// Answers false where the measures may order the points differently from the rule, or where they
+  /// are too many.
+  template <class Iterator>
+  bool Order(Iterator first, Iterator last, const AcGeVector3d& vecDirection) {
+    constexpr double kMargin = 1.0e-14;
+    constexpr double kLeastMargin = 1.0e-300;  // where products vanish
+    const std::size_t count = static_cast<std::size_t>(last - first);
+    if (count > kMaxCount) {
       return false;
     }
-  }
-  // Each place gets its point; a place that has its own already is marked so.
-  for (std::size_t i = 0; i < count; ++i) {
-    const AcGePoint3d pt = pointAt(i);
-    std::size_t place = i;
-    while (order[place] != i) {
-      const std::size_t from = order[place];
-      pointAt(place) = pointAt(from);
-      order[place] = static_cast<std::uint8_t>(place);
-      place = from;
+    const auto pointAt = [first](std::size_t i) -> const AcGePoint3d& {
+      return first[static_cast<std::ptrdiff_t>(i)];
+    };
+    double along[kMaxCount];  // in order
+    double largest = 0.0;
+    for (std::size_t i = 0; i < count; ++i) {
+      const AcGeVector3d vec = pointAt(i) - pointAt(0);
+      const double own = vec.dotProduct(vecDirection);
+      largest =
+          std::max(largest, std::fabs(vec.x * vecDirection.x) + std::fabs(vec.y * vecDirection.y) +
+                                std::fabs(vec.z * vecDirection.z));
+      std::size_t place = i;
+      for (; place > 0 && along[place - 1] > own; --place) {
+        along[place] = along[place - 1];
+        m_places[place] = m_places[place - 1];
+      }
+      along[place] = own;
+      m_places[place] = static_cast<std::uint8_t>(i);
     }
-    pointAt(place) = pt;
-    order[place] = static_cast<std::uint8_t>(place);
+    const double margin = kMargin * largest + kLeastMargin;
+    for (std::size_t i = 1; i < count; ++i) {
+      const AcGePoint3d& pt1 = pointAt(m_places[i - 1]);
+      const AcGePoint3d& pt2 = pointAt(m_places[i]);
+      const bool isSame = pt1.x == pt2.x && pt1.y == pt2.y && pt1.z == pt2.z;
+      if (!(along[i] - along[i - 1] > margin) && !isSame) {
+        return false;
+      }
+    }
+    return true;
   }
-  return true;
-}
+
+  /// Which of the points ordered last comes at this place.
+  std::size_t At(std::size_t place) const { return m_places[place]; }
+
+  /// Brings the points ordered last into their order, once.
+  template <class Iterator>
+  void Apply(Iterator first, Iterator last) {
+    const std::size_t count = static_cast<std::size_t>(last - first);
+    const auto pointAt = [first](std::size_t i) -> AcGePoint3d& {
+      return first[static_cast<std::ptrdiff_t>(i)];
+    };
+    // Each place gets its point; a place that has its own already is marked so.
+    for (std::size_t i = 0; i < count; ++i) {
+      const AcGePoint3d pt = pointAt(i);
+      std::size_t place = i;
+      while (m_places[place] != i) {
+        const std::size_t from = m_places[place];
+        pointAt(place) = pointAt(from);
+        m_places[place] = static_cast<std::uint8_t>(place);
+        place = from;
+      }
+      pointAt(place) = pt;
+      m_places[place] = static_cast<std::uint8_t>(place);
+    }
+  }
+
+ private:
+  static constexpr std::size_t kMaxCount = 32;
+  std::uint8_t m_places[kMaxCount];
+};
 
 /// Sorts points in ascending order along the direction. Points with equal projection keep
 /// their order, so that results do not depend on the library. Rounding and NaN can make the
@@ -90,7 +108,10 @@ bool SortFewAlongDirection(Iterator first, Iterator last, const AcGeVector3d& ve
 /// quick sort may run past the ends.
 template <class Iterator>
 void SortAlongDirection(Iterator first, Iterator last, const AcGeVector3d& vecDirection) {
-  if (!SortFewAlongDirection(first, last, vecDirection)) {
+  CFewAlongDirection order;
+  if (!order.Order(first, last, vecDirection)) {
     std::stable_sort(first, last, CPointAlongDirection(vecDirection));
+    return;
   }
+  order.Apply(first, last);
 }
