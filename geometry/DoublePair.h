@@ -1,16 +1,20 @@
 // Two doubles worked on together, for the few loops that do nothing but compare the coordinates of
-// all records. Not exported.
+// all records. Not exported. Where the compiler has no names for it, or QUOIN_PLAIN_PAIRS is set,
+// one comes after the other, with the same results.
 #pragma once
 
 #include <algorithm>
 
-#if defined(__SSE2__) || defined(_M_X64)
+#if !defined(QUOIN_PLAIN_PAIRS) && (defined(__SSE2__) || defined(_M_X64))
+#define QUOIN_PAIRS_BY_COMPILER 1
 #include <emmintrin.h>
+#else
+#define QUOIN_PAIRS_BY_COMPILER 0
 #endif
 
 /// Every operation works on either by itself. Min and Max are std::min and std::max, also of what
 /// is no number.
-#if defined(__SSE2__) || defined(_M_X64)
+#if QUOIN_PAIRS_BY_COMPILER
 
 class CDoublePair {
  public:
@@ -84,3 +88,5 @@ class CDoublePair {
 };
 
 #endif
+
+#undef QUOIN_PAIRS_BY_COMPILER
