@@ -85,7 +85,8 @@ inline bool LeadOppositeWays(const AcGeVector3d& vec1, const AcGeVector3d& vec2)
   constexpr double kLeastProduct = 1.0e-200;
   const double cross = vec1.x * vec2.y - vec1.y * vec2.x;
   const double dot = vec1.x * vec2.x + vec1.y * vec2.y;
-  if (std::fabs(dot) > kLeastProduct && std::isfinite(cross) && std::isfinite(dot)) {
+  // Heights do not count, but as numbers.
+  if (std::fabs(dot) > kLeastProduct && std::isfinite(cross + dot + (vec1.z + vec2.z))) {
     if (dot > 0.0) {
       return false;
     }

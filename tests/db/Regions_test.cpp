@@ -239,13 +239,10 @@ TEST(Region, IsMadeExactlyOfBoundariesThatMeetThemselvesNowhere) {
   int simple = 0;
   int others = 0;
   for (int round = 0; round < 40000; ++round) {
-    const int reach = 3 + static_cast<int>(random() % 20);
+    std::uniform_int_distribution<int> lattice(-3 - round % 20, 3 + round % 20);
     std::vector<AcGePoint3d> corners;
     for (std::size_t count = 4 + random() % 9; corners.size() < count;) {
-      const auto coordinate = [&] {
-        return static_cast<double>(static_cast<int>(random() % (2 * reach + 1)) - reach);
-      };
-      const AcGePoint3d corner(coordinate(), coordinate(), 0.0);
+      const AcGePoint3d corner(lattice(random), lattice(random), 0.0);
       if (std::none_of(corners.begin(), corners.end(),
                        [&](const AcGePoint3d& other) { return other.isEqualTo(corner); })) {
         corners.push_back(corner);

@@ -48,6 +48,34 @@ TEST(BreakWallOracle, SmallSetsOfEveryKindAtEveryScaleGiveTheSameBits) {
   EXPECT_GT(pieces, 10000u);  // the sets do put something to the test
 }
 
+TEST(BreakWallOracle, CutsARoundingApartGiveTheSameBits) {
+  // Several lines end beside the same place of a slanted one, at different distances from it: their
+  // feet differ by roundings alone, and which of them bounds a piece is decided by the lines'
+  // order.
+  RunningHost host;
+  std::mt19937_64 random(96);
+  std::uniform_real_distribution<double> unit(-1.0, 1.0);
+  std::size_t pieces = 0;
+  for (int round = 0; round < 4000; ++round) {
+    const AcGePoint3d start(1e4 * unit(random), 1e4 * unit(random), 0.0);
+    const AcGeVector3d along(3000.0 * unit(random), 3000.0 * unit(random), 0.0);
+    const AcGeVector3d across = AcGeVector3d(-along.y, along.x, 0.0) / along.length();
+    std::vector<WallLineLikeSeg> lines{{start, start + along}};
+    for (int place = 1; place < 4; ++place) {
+      const AcGePoint3d meeting = start + along * (0.25 * place);
+      for (int i = 0; i < 4; ++i) {
+        const AcGePoint3d end = meeting + across * (9.0 * unit(random));
+        lines.emplace_back(end, end + across * (random() % 2 == 0 ? 400.0 : -400.0));
+      }
+    }
+    std::shuffle(lines.begin(), lines.end(), random);
+    const std::vector<Piece> expected = quoin::oracle::breakWallLines(lines, {}, 1.0);
+    ASSERT_NO_FATAL_FAILURE(expectSameBits(breakWithModule(lines), expected, lines)) << round;
+    pieces += expected.size();
+  }
+  EXPECT_GT(pieces, 15000U);
+}
+
 TEST(BreakWallOracle, AppendedPointsGiveTheSameBits) {
   RunningHost host;
   std::mt19937_64 random(21);
