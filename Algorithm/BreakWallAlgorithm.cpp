@@ -1,6 +1,8 @@
 #include "BreakWallAlgorithm.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <map>
 #include <span>
 #include <utility>
 
@@ -200,7 +202,8 @@ class CPieceMaker {
       MakePieces(
           [this](std::size_t place) -> const AcGePoint3d& { return m_pnts[m_order.At(place)]; });
     } else {
-      // Now it shows in the result in which order they come.
+      // Points that the caller named may be no numbers, which contradict the order of the others:
+      // then it shows in the result in which order all of them came.
       OrderByOtherLine();
       SortAlongDirection(m_pnts.begin(), m_pnts.end(), direction);
       MakePieces([this](std::size_t place) -> const AcGePoint3d& { return m_pnts[place]; });

@@ -48,6 +48,33 @@ TEST(BreakWallOracle, SmallSetsOfEveryKindAtEveryScaleGiveTheSameBits) {
   EXPECT_GT(pieces, 10000u);  // the sets do put something to the test
 }
 
+TEST(BreakWallOracle, AppendedPointsThatAreNoNumbersGiveTheSameBits) {
+  // No number is before or behind nothing, so where the others end up depends on where they began.
+  RunningHost host;
+  std::mt19937_64 random(101);
+  std::uniform_real_distribution<double> unit(0.0, 1.0);
+  const double noNumber = std::nan("");
+  std::size_t pieces = 0;
+  for (int round = 0; round < 1000; ++round) {
+    std::vector<WallLineLikeSeg> lines{{{0, 0, 0}, {9000, 0, 0}}};
+    for (int i = 0; i < 12; ++i) {
+      const double x = 100.0 + 8800.0 * unit(random);
+      lines.push_back({{x, 0, 0}, {x, 500, 0}});
+    }
+    std::shuffle(lines.begin(), lines.end(), random);
+    NamedCuts appended;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      if (lines[i].ptEnd.y == 0.0) {
+        appended[i] = {{noNumber, 0, 0}, {9000.0 * unit(random), 0, 0}, {noNumber, 0, 0}};
+      }
+    }
+    const std::vector<Piece> expected = quoin::oracle::breakWallLines(lines, appended, 1.0);
+    ASSERT_NO_FATAL_FAILURE(expectSameBits(breakWithModule(lines, appended), expected, lines));
+    pieces += expected.size();
+  }
+  EXPECT_GT(pieces, 10000U);
+}
+
 TEST(BreakWallOracle, CutsARoundingApartGiveTheSameBits) {
   // Several lines end beside the same place of a slanted one, at different distances from it: their
   // feet differ by roundings alone, and which of them bounds a piece is decided by the lines'
