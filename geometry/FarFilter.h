@@ -12,7 +12,11 @@
 
 #include "CaptureBox.h"
 #include "DoublePair.h"
+#include "ReadAhead.h"
 #include "gepnt3d.h"
+
+/// How far ahead of the line that is looked at others are asked for.
+inline constexpr std::size_t kLinesAhead = 8;
 
 /// Rules out lines that are nowhere near a segment.
 ///
@@ -69,6 +73,10 @@ class CFarLineFilter {
       CDoublePair sizes = none;
       std::size_t i = 0;
       for (; i + 1 < chunk.size(); i += 2) {
+        if (i + kLinesAhead + 1 < chunk.size()) {
+          AskFor(chunk[i + kLinesAhead]->ptStart);
+          AskFor(chunk[i + kLinesAhead + 1]->ptStart);
+        }
         const CDoublePair start(chunk[i]->ptStart.x, chunk[i + 1]->ptStart.x);
         const CDoublePair end(chunk[i]->ptEnd.x, chunk[i + 1]->ptEnd.x);
         const CDoublePair low = Min(start, end);
@@ -140,7 +148,11 @@ class CFarPointFilter {
   void VisitNear(const std::vector<Line*>& lines, Visit visit) const {
     const CDoublePair min(m_minX, m_minY);
     const CDoublePair max(m_maxX, m_maxY);
-    for (Line* const pLine : lines) {
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      if (i + kLinesAhead < lines.size() && lines[i + kLinesAhead]) {
+        AskFor(lines[i + kLinesAhead]->ptStart);
+      }
+      Line* const pLine = lines[i];
       if (pLine && (AreWithin(CDoublePair(pLine->ptStart.x, pLine->ptStart.y), min, max) ||
                     AreWithin(CDoublePair(pLine->ptEnd.x, pLine->ptEnd.y), min, max))) {
         visit(pLine);
