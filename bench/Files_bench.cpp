@@ -216,7 +216,7 @@ auto pathOf(std::size_t size) {
 
 void registerFiles() {
   for (const std::size_t size : {10000u, 100000u, 1000000u}) {
-    measure("load", "ours", size, pathOf, loadByModule);
+    measure("load", "ours", size, pathOf, loadByModule, size > 100000 ? 6 : 0);
     measure("load", "dime", size, pathOf, loadByDime, size > 100000 ? 1 : 3);
     measure("load", "scan", size, bytesOf, scanLines);
     measure("save-changed", "ours", size, changed, save, 3);
