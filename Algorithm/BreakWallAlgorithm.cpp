@@ -74,6 +74,7 @@ class CLineToBreak {
  private:
   static bool IsFinite(const AcGePoint3d& pt) { return std::isfinite(pt.x + pt.y + pt.z); }
 
+  /// Of a foot that something is near, so that it has finite coordinates.
   bool IsClearOfEnds(const AcGePoint3d& pt) const {
     return m_limit.IsReachedBy(pt - m_line.ptStart) && m_limit.IsReachedBy(pt - m_line.ptEnd);
   }
