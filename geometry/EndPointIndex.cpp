@@ -81,7 +81,7 @@ bool CEndPointIndex::CutStrips(CStrips& strips) {
   const double width = strips.m_stripWidth;
   const std::vector<std::uint32_t>& counts = strips.m_counts;
   const std::size_t mostInStrip = kCrowdedColumns * enough;
-  if (std::max({counts.front(), counts.back()}) > mostInStrip ||
+  if (std::max(counts.front(), counts.back()) > mostInStrip ||
       (!(width <= m_minColumnWidth) &&
        *std::max_element(counts.begin(), counts.end()) > mostInStrip)) {
     return false;

@@ -106,13 +106,9 @@ bool isSeenFromMiddle(const RingBuffer& ring) {
   return upwards == 1 && downwards == 1;
 }
 
-/// A face as a polygon; null where the library refuses its rings.
-Geometry polygonOf(const RegionFace& face, const RegionPlane& plane) {
-  Geometry outer = ringOf(ringBuffer(face.front(), plane));
-  std::vector<GEOSGeometry*> holes;
-  for (std::size_t i = 1; i < face.size(); ++i) {
-    holes.push_back(ringOf(ringBuffer(face[i], plane)).release());
-  }
+/// The polygon of an outer ring and of holes, which it takes over; null where the library refused
+/// any of them.
+Geometry polygonOf(Geometry outer, std::vector<GEOSGeometry*> holes = {}) {
   if (!outer || std::count(holes.begin(), holes.end(), nullptr) > 0) {
     for (GEOSGeometry* const hole : holes) {
       GeometryDeleter()(hole);
@@ -121,6 +117,15 @@ Geometry polygonOf(const RegionFace& face, const RegionPlane& plane) {
   }
   return Geometry(GEOSGeom_createPolygon_r(geos(), outer.release(), holes.data(),
                                            static_cast<unsigned int>(holes.size())));
+}
+
+/// A face as a polygon; null where the library refuses its rings.
+Geometry polygonOf(const RegionFace& face, const RegionPlane& plane) {
+  std::vector<GEOSGeometry*> holes;
+  for (std::size_t i = 1; i < face.size(); ++i) {
+    holes.push_back(ringOf(ringBuffer(face[i], plane)).release());
+  }
+  return polygonOf(ringOf(ringBuffer(face.front(), plane)), std::move(holes));
 }
 
 Geometry geometryOf(const std::vector<RegionFace>& faces, const RegionPlane& plane) {
@@ -307,10 +312,7 @@ Acad::ErrorStatus RegionShape::make(const RegionLoop& loop, std::unique_ptr<Regi
     return status;
   }
   const RingBuffer ring = ringBuffer(loop, made->m_plane);
-  Geometry outer = ringOf(ring);
-  if (outer) {
-    made->m_impl->geometry.reset(GEOSGeom_createPolygon_r(geos(), outer.release(), nullptr, 0));
-  }
+  made->m_impl->geometry = polygonOf(ringOf(ring));
   if (!made->m_impl->geometry) {
     return Acad::eDegenerateGeometry;  // fewer than three corners
   }

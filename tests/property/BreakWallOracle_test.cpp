@@ -77,8 +77,7 @@ TEST(BreakWallOracle, AppendedPointsThatAreNoNumbersGiveTheSameBits) {
 
 TEST(BreakWallOracle, CutsARoundingApartGiveTheSameBits) {
   // Several lines end beside the same place of a slanted one, at different distances from it: their
-  // feet differ by roundings alone, and which of them bounds a piece is decided by the lines'
-  // order.
+  // feet differ by roundings alone, and which of them bounds a piece shows in its bits.
   RunningHost host;
   std::mt19937_64 random(96);
   std::uniform_real_distribution<double> unit(-1.0, 1.0);
