@@ -14,7 +14,7 @@ namespace {
 constexpr int kStart = code::kLineStart;
 constexpr int kEnd = code::kLineEnd;
 
-/// The line as it was made, if that is still all there is to it.
+/// The line as it was made, if it has no record yet.
 const ObjectImpl::MadeLine* madeLine(const AcDbLine& line) {
   const ObjectImpl& impl = Access::of(line);
   return impl.madeLine && impl.state == OpenState::Free ? &*impl.madeLine : nullptr;
@@ -65,18 +65,25 @@ Acad::ErrorStatus AcDbPoint::setNormal(const AcGeVector3d& normal) {
 
 AcDbLine::AcDbLine() = default;
 
-AcDbLine::AcDbLine(const AcGePoint3d& start, const AcGePoint3d& end) {
+AcDbLine::AcDbLine(const AcGePoint3d& start, const AcGePoint3d& end) : AcDbCurve(WithoutRecord()) {
   if (isPlain(start) && isPlain(end)) {
-    ObjectImpl& impl = Access::of(*this);
-    impl.madeLine.emplace(ObjectImpl::MadeLine{start, end});
-    impl.isModified = !isAtOrigin(start) || !isAtOrigin(end);
+    m_madeStart = start;
+    m_madeEnd = end;
     return;
   }
   setStartPoint(start);
   setEndPoint(end);
 }
 
+void AcDbLine::tellWhatItWasMadeOf(ObjectImpl& impl) const {
+  impl.madeLine.emplace(ObjectImpl::MadeLine{m_madeStart, m_madeEnd});
+  impl.isModified = !isAtOrigin(m_madeStart) || !isAtOrigin(m_madeEnd);
+}
+
 AcGePoint3d AcDbLine::startPoint() const {
+  if (isAsMade()) {
+    return m_madeStart;
+  }
   if (const ObjectImpl::MadeLine* const made = madeLine(*this)) {
     return made->start;
   }
@@ -84,6 +91,9 @@ AcGePoint3d AcDbLine::startPoint() const {
 }
 
 AcGePoint3d AcDbLine::endPoint() const {
+  if (isAsMade()) {
+    return m_madeEnd;
+  }
   if (const ObjectImpl::MadeLine* const made = madeLine(*this)) {
     return made->end;
   }

@@ -89,8 +89,17 @@ AcDbObject* quoin::db::Access::newPlainObject() {
 
 AcDbObject::AcDbObject() : m_impl(std::make_unique<ObjectImpl>()) {}
 
+AcDbObject::AcDbObject(WithoutRecord) {}
+
+quoin::db::ObjectImpl& AcDbObject::makeImpl() const {
+  auto made = std::make_unique<ObjectImpl>();
+  tellWhatItWasMadeOf(*made);
+  m_impl = std::move(made);
+  return *m_impl;
+}
+
 AcDbObject::~AcDbObject() {
-  if (m_impl->stub) {
+  if (m_impl && m_impl->stub) {
     try {
       noteDeletedInDatabase(describe(*this));
     } catch (const std::bad_alloc&) {
@@ -103,31 +112,30 @@ AcDbObject::~AcDbObject() {
 // --- identity -------------------------------------------------------------------------------
 
 AcDbObjectId AcDbObject::objectId() const {
-  return AcDbObjectId(m_impl->stub);
+  return AcDbObjectId(impl().stub);
 }
 
 AcDbObjectId AcDbObject::ownerId() const {
-  return m_impl->stub ? AcDbObjectId(m_impl->database->ownerOf(*m_impl->stub))
-                      : AcDbObjectId::kNull;
+  return impl().stub ? AcDbObjectId(impl().database->ownerOf(*impl().stub)) : AcDbObjectId::kNull;
 }
 
 void AcDbObject::getAcDbHandle(AcDbHandle& handle) const {
-  handle = AcDbHandle(m_impl->stub ? m_impl->stub->handle : 0);
+  handle = AcDbHandle(impl().stub ? impl().stub->handle : 0);
 }
 
 AcDbDatabase* AcDbObject::database() const {
-  return m_impl->database ? m_impl->database->self : nullptr;
+  return impl().database ? impl().database->self : nullptr;
 }
 
 AcDbObjectId AcDbObject::extensionDictionary() const {
-  if (!m_impl->database) {
+  if (!impl().database) {
     return AcDbObjectId::kNull;
   }
   const TagList& tags = tagsOf(*this);
   const TagRange group = tags.group("{ACAD_XDICTIONARY");
   for (std::size_t i = group.first; i < group.last; ++i) {
     if (tags[i].code != kGroupCode) {
-      return AcDbObjectId(m_impl->database->byHandle(tags.handleAt(i)));
+      return AcDbObjectId(impl().database->byHandle(tags.handleAt(i)));
     }
   }
   return AcDbObjectId::kNull;
@@ -138,11 +146,11 @@ Acad::ErrorStatus AcDbObject::createExtensionDictionary() {
   if (status != Acad::eOk) {
     return status;
   }
-  if (!m_impl->stub) {
+  if (!impl().stub) {
     return Acad::eNotInDatabase;
   }
   try {
-    DatabaseImpl& database = *m_impl->database;
+    DatabaseImpl& database = *impl().database;
     AcDbStub* const former = extensionDictionary();
     if (former && !former->erased) {
       return Acad::eAlreadyInDb;
@@ -151,7 +159,7 @@ Acad::ErrorStatus AcDbObject::createExtensionDictionary() {
     if (!database.format().hasSubclassMarkers() || handleTag == TagList::kNone) {
       return Acad::eNotApplicable;
     }
-    const AcDbStub* const made = appendDictionary(database, m_impl->stub, true);
+    const AcDbStub* const made = appendDictionary(database, impl().stub, true);
     return change(*this, [&](RecordEdit& edit) {
       const TagRange group = edit.tags().group("{ACAD_XDICTIONARY");
       const dxf::Format& format = database.format();
@@ -173,7 +181,7 @@ Acad::ErrorStatus AcDbObject::createExtensionDictionary() {
 // --- opening and closing --------------------------------------------------------------------
 
 Acad::ErrorStatus AcDbObject::close() {
-  switch (m_impl->state) {
+  switch (impl().state) {
     case OpenState::Free:
       return Acad::eNotInDatabase;
     case OpenState::Closed:
@@ -184,7 +192,7 @@ Acad::ErrorStatus AcDbObject::close() {
       }
       return Acad::eNotOpenForRead;
     case OpenState::Read:
-      if (--m_impl->readers > 0) {
+      if (--impl().readers > 0) {
         return Acad::eOk;
       }
       break;
@@ -196,7 +204,7 @@ Acad::ErrorStatus AcDbObject::close() {
 }
 
 Acad::ErrorStatus AcDbObject::upgradeOpen() {
-  switch (m_impl->state) {
+  switch (impl().state) {
     case OpenState::Free:
       return Acad::eNotInDatabase;
     case OpenState::Closed:
@@ -206,23 +214,23 @@ Acad::ErrorStatus AcDbObject::upgradeOpen() {
     case OpenState::Read:
       break;
   }
-  if (m_impl->readers > 1) {
+  if (impl().readers > 1) {
     return Acad::eWasOpenForRead;
   }
-  m_impl->readers = 0;
-  m_impl->state = OpenState::Write;
+  impl().readers = 0;
+  impl().state = OpenState::Write;
   return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbObject::downgradeOpen() {
-  if (m_impl->state == OpenState::Free) {
+  if (impl().state == OpenState::Free) {
     return Acad::eNotInDatabase;
   }
-  if (m_impl->state != OpenState::Write) {
+  if (impl().state != OpenState::Write) {
     return Acad::eNotOpenForWrite;
   }
-  m_impl->readers = 1;
-  m_impl->state = OpenState::Read;
+  impl().readers = 1;
+  impl().state = OpenState::Read;
   return Acad::eOk;
 }
 
@@ -231,12 +239,12 @@ Acad::ErrorStatus AcDbObject::erase(Adesk::Boolean erasing) {
   if (status != Acad::eOk) {
     return status;
   }
-  AcDbStub* const stub = m_impl->stub;
+  AcDbStub* const stub = impl().stub;
   if (!stub) {
     return Acad::eNotInDatabase;
   }
   try {
-    DatabaseImpl& database = *m_impl->database;
+    DatabaseImpl& database = *impl().database;
     if (isIndispensable(database, *stub)) {
       return Acad::eNotApplicable;
     }
@@ -257,27 +265,27 @@ Acad::ErrorStatus AcDbObject::erase(Adesk::Boolean erasing) {
 }
 
 bool AcDbObject::isErased() const {
-  return m_impl->stub && m_impl->stub->erased;
+  return impl().stub && impl().stub->erased;
 }
 
 bool AcDbObject::isEffectivelyErased() const {
-  return m_impl->stub && m_impl->database->isErased(*m_impl->stub);
+  return impl().stub && impl().database->isErased(*impl().stub);
 }
 
 bool AcDbObject::isReadEnabled() const {
-  return m_impl->state != OpenState::Closed;
+  return impl().state != OpenState::Closed;
 }
 
 bool AcDbObject::isWriteEnabled() const {
-  return m_impl->state == OpenState::Free || m_impl->state == OpenState::Write;
+  return impl().state == OpenState::Free || impl().state == OpenState::Write;
 }
 
 bool AcDbObject::isModified() const {
-  return m_impl->isModified;
+  return impl().isModified;
 }
 
 bool AcDbObject::isNewObject() const {
-  return !m_impl->stub || m_impl->stub->isNew;
+  return !impl().stub || impl().stub->isNew;
 }
 
 // --- opening by id --------------------------------------------------------------------------

@@ -94,12 +94,12 @@ Placement quoin::db::placementOf(const AcDbObject& object) {
 
 AcRxObject* AcDbObject::clone() const {
   try {
-    switch (m_impl->state) {
+    switch (impl().state) {
       case OpenState::Free:
         return copyOfFree(*this).release();
       case OpenState::Read:
       case OpenState::Write: {
-        std::unique_ptr<AcDbObject> copy = copyOf(*m_impl->stub);
+        std::unique_ptr<AcDbObject> copy = copyOf(*impl().stub);
         for (const auto& part : Access::of(*copy).parts) {
           Access::of(*part).partOf = copy.get();
         }
@@ -152,7 +152,7 @@ Acad::ErrorStatus AcDbObject::handOverTo(AcDbObject* newObject, bool keepXData, 
   if (!newObject) {
     return Acad::eNullObjectPointer;
   }
-  AcDbStub* const stub = m_impl->stub;
+  AcDbStub* const stub = impl().stub;
   if (!stub) {
     return Acad::eNotInDatabase;
   }
@@ -165,7 +165,7 @@ Acad::ErrorStatus AcDbObject::handOverTo(AcDbObject* newObject, bool keepXData, 
     return Acad::eNotApplicable;
   }
   try {
-    DatabaseImpl& database = *m_impl->database;
+    DatabaseImpl& database = *impl().database;
     Placement placement = placementOf(*this);
     if (!keepExtDict) {
       placement.groups.clear();

@@ -53,19 +53,15 @@ const std::shared_ptr<const dxf::Format>& neutralFormat() {
 }
 
 const TagList& tagsOf(const AcDbObject& object) noexcept {
-  ObjectImpl& impl = Access::of(object);
-  if (impl.state == OpenState::Closed) {
-    try {
-      noteUsedAfterClose(describe(object));
-    } catch (const std::bad_alloc&) {
-      // The count is lost, the answer is not.
-    }
-    return noTags();
-  }
-  if (impl.tags) {
-    return *impl.tags;
-  }
   try {
+    ObjectImpl& impl = Access::of(object);
+    if (impl.state == OpenState::Closed) {
+      noteUsedAfterClose(describe(object));
+      return noTags();
+    }
+    if (impl.tags) {
+      return *impl.tags;
+    }
     if (impl.stub) {
       return impl.tags.emplace(impl.database->bytesOf(*impl.stub), impl.database->format());
     }
@@ -74,16 +70,16 @@ const TagList& tagsOf(const AcDbObject& object) noexcept {
     }
     return impl.tags.emplace(impl.ownBytes, *impl.ownFormat);
   } catch (...) {
-    return noTags();
+    return noTags();  // where memory runs out, so does the count of what was closed
   }
 }
 
 Acad::ErrorStatus checkWritable(const AcDbObject& object) noexcept {
-  const OpenState state = Access::of(object).state;
-  if (state == OpenState::Free || state == OpenState::Write) {
-    return Acad::eOk;
-  }
   try {
+    const OpenState state = Access::of(object).state;
+    if (state == OpenState::Free || state == OpenState::Write) {
+      return Acad::eOk;
+    }
     if (state == OpenState::Closed) {
       noteUsedAfterClose(describe(object));
     } else {

@@ -71,7 +71,8 @@ struct ObjectImpl {
 
 /// The door to the private parts of the API's classes.
 struct Access {
-  static ObjectImpl& of(const AcDbObject& object) { return *object.m_impl; }
+  /// Fails: throws std::bad_alloc, for an object that was made WithoutRecord.
+  static ObjectImpl& of(const AcDbObject& object) { return object.impl(); }
   static DatabaseImpl& of(const AcDbDatabase& database) { return *database.m_impl; }
   static AcDbObject* newPlainEntity();
   static AcDbObject* newPlainObject();

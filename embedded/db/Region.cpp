@@ -92,11 +92,16 @@ bool isFinite(const AcGePoint3d& point) {
   return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
 }
 
-/// The points of a curve; nothing for a class that regions are not made of.
-std::optional<Course> courseOf(const AcRxObject* object) {
+/// Appends the course of a curve, unless that has no length. Answers false for a class that regions
+/// are not made of and for points that are no numbers.
+bool appendCourse(std::vector<Course>& courses, const AcRxObject* object) {
   if (const AcDbLine* const line = AcDbLine::cast(object)) {
-    const Course course(line->startPoint(), line->endPoint());
-    return isFinite(course.front) && isFinite(course.back) ? std::optional(course) : std::nullopt;
+    const Course& made = courses.emplace_back(line->startPoint(), line->endPoint());
+    const bool areFinite = isFinite(made.front) && isFinite(made.back);
+    if (made.front.isEqualTo(made.back)) {
+      courses.pop_back();
+    }
+    return areFinite;
   }
   Points course;
   if (const AcDbArc* const arc = AcDbArc::cast(object)) {
@@ -112,12 +117,13 @@ std::optional<Course> courseOf(const AcRxObject* object) {
               2.0 * std::numbers::pi);
     course.back() = course.front();
   }
-  for (const AcGePoint3d& point : course) {
-    if (!isFinite(point)) {
-      return std::nullopt;
-    }
+  if (course.empty() || !std::all_of(course.begin(), course.end(), isFinite)) {
+    return false;
   }
-  return course.empty() ? std::nullopt : std::optional<Course>(std::move(course));
+  if (course.size() > 2 || !course.front().isEqualTo(course.back())) {
+    courses.emplace_back(std::move(course));
+  }
+  return true;
 }
 
 /// The curves that are not in a loop yet, to be found by where they end.
@@ -126,20 +132,20 @@ class LooseCurves {
   explicit LooseCurves(std::vector<Course> courses)
       : m_courses(std::move(courses)), m_isTaken(m_courses.size(), false) {}
 
-  /// The first curve that is left; nothing when none is.
-  std::optional<Course> takeFirst() {
+  /// The first curve that is left; null when none is.
+  const Course* takeFirst() {
     while (m_first < m_courses.size() && m_isTaken[m_first]) {
       ++m_first;
     }
-    return m_first < m_courses.size() ? std::optional(take(m_first)) : std::nullopt;
+    return m_first < m_courses.size() ? &take(m_first) : nullptr;
   }
 
   /// The curve that begins or, turned round, ends at the point; the one behind the curve taken
   /// last comes first, then the first in order.
-  std::optional<Course> takeFrom(const AcGePoint3d& point) {
+  const Course* takeFrom(const AcGePoint3d& point) {
     if (m_last + 1 < m_courses.size() && !m_isTaken[m_last + 1] &&
         m_courses[m_last + 1].front.isEqualTo(point)) {
-      return take(m_last + 1);
+      return &take(m_last + 1);
     }
     constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
     std::size_t best = kNone;
@@ -155,18 +161,17 @@ class LooseCurves {
       }
     }
     if (best == kNone) {
-      return std::nullopt;
+      return nullptr;
     }
-    Course course = take(best);
+    Course& course = take(best);
     if (!course.front.isEqualTo(point)) {
       course.turnRound();
     }
-    return course;
+    return &course;
   }
 
  private:
-  /// Once, and only for curves that do not come one behind the other. Curves already taken have
-  /// no points left; they are not wanted any more.
+  /// Once, and only for curves that do not come one behind the other.
   void sortEnds() {
     if (!m_ends.empty()) {
       return;
@@ -181,10 +186,10 @@ class LooseCurves {
     std::sort(m_ends.begin(), m_ends.end());
   }
 
-  Course take(std::size_t index) {
+  Course& take(std::size_t index) {
     m_isTaken[index] = true;
     m_last = index;
-    return std::move(m_courses[index]);
+    return m_courses[index];
   }
 
   std::vector<Course> m_courses;
@@ -203,7 +208,7 @@ std::optional<RegionLoop> closedLoop(const Course& first, LooseCurves& curves) {
   };
   append(first);
   while (!loop.back().isEqualTo(loop.front()) || loop.size() < 3) {
-    const std::optional<Course> next = curves.takeFrom(loop.back());
+    const Course* const next = curves.takeFrom(loop.back());
     if (!next) {
       return std::nullopt;
     }
@@ -224,17 +229,13 @@ Acad::ErrorStatus AcDbRegion::createFromCurves(const AcDbVoidPtrArray& curves,
     std::vector<Course> courses;
     courses.reserve(static_cast<std::size_t>(curves.length()));
     for (int i = 0; i < curves.length(); ++i) {
-      std::optional<Course> course = courseOf(static_cast<const AcRxObject*>(curves[i]));
-      if (!course) {
+      if (!appendCourse(courses, static_cast<const AcRxObject*>(curves[i]))) {
         return Acad::eInvalidInput;
-      }
-      if (!course->between.empty() || !course->front.isEqualTo(course->back)) {
-        courses.push_back(std::move(*course));
       }
     }
     Acad::ErrorStatus status = courses.empty() ? Acad::eInvalidInput : Acad::eOk;
     LooseCurves loose(std::move(courses));
-    while (std::optional<Course> first = loose.takeFirst()) {
+    while (const Course* const first = loose.takeFirst()) {
       const std::optional<RegionLoop> loop = closedLoop(*first, loose);
       std::unique_ptr<RegionShape> shape;
       const Acad::ErrorStatus made = loop ? RegionShape::make(*loop, shape) : Acad::eNotClosedCurve;
@@ -286,9 +287,9 @@ Acad::ErrorStatus AcDbRegion::explode(AcDbVoidPtrArray& pieces) const {
     }
     const std::vector<RegionFace> faces = m_shape->faces();
     if (faces.size() > 1) {
-      for (std::size_t i = 0; i < faces.size(); ++i) {
+      for (const RegionFace& face : faces) {
         auto region = std::make_unique<AcDbRegion>();
-        region->m_shape = m_shape->face(i);
+        region->m_shape = m_shape->shapeOf(face);
         pieces.append(region.release());
       }
       return Acad::eOk;

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <utility>
 
+#include "embedded/db/OutlineCrossings.h"
 #include "gegbl.h"
 
 namespace quoin::db {
@@ -42,9 +43,6 @@ struct GeometryDeleter {
   void operator()(GEOSGeometry* geometry) const { GEOSGeom_destroy_r(geos(), geometry); }
 };
 using Geometry = std::unique_ptr<GEOSGeometry, GeometryDeleter>;
-
-/// Coordinates of a plane, x and y in turn; closed: the last point is the first.
-using RingBuffer = std::vector<double>;
 
 RingBuffer ringBuffer(const RegionLoop& loop, const RegionPlane& plane) {
   RingBuffer buffer;
@@ -128,23 +126,28 @@ Geometry polygonOf(const RegionFace& face, const RegionPlane& plane) {
   return polygonOf(ringOf(ringBuffer(face.front(), plane)), std::move(holes));
 }
 
-Geometry geometryOf(const std::vector<RegionFace>& faces, const RegionPlane& plane) {
-  if (faces.size() == 1) {
-    return polygonOf(faces.front(), plane);
-  }
-  std::vector<GEOSGeometry*> polygons;
-  polygons.reserve(faces.size());
-  for (const RegionFace& face : faces) {
-    polygons.push_back(polygonOf(face, plane).release());
-  }
+/// The polygons as one geometry, which takes them over; null where one of them is.
+Geometry collected(std::vector<GEOSGeometry*> polygons) {
   if (std::count(polygons.begin(), polygons.end(), nullptr) > 0) {
     for (GEOSGeometry* const polygon : polygons) {
       GeometryDeleter()(polygon);
     }
     return nullptr;
   }
+  if (polygons.size() == 1) {
+    return Geometry(polygons.front());
+  }
   return Geometry(GEOSGeom_createCollection_r(geos(), GEOS_MULTIPOLYGON, polygons.data(),
                                               static_cast<unsigned int>(polygons.size())));
+}
+
+Geometry geometryOf(const std::vector<RegionFace>& faces, const RegionPlane& plane) {
+  std::vector<GEOSGeometry*> polygons;
+  polygons.reserve(faces.size());
+  for (const RegionFace& face : faces) {
+    polygons.push_back(polygonOf(face, plane).release());
+  }
+  return collected(std::move(polygons));
 }
 
 /// The corners of a ring, the first of which comes again at the end.
@@ -203,21 +206,47 @@ void collectPolygons(const GEOSGeometry* geometry, std::vector<const GEOSGeometr
   }
 }
 
+double reachOf(const AcGePoint3d& corner) {
+  return std::max(std::max(std::fabs(corner.x), std::fabs(corner.y)), std::fabs(corner.z));
+}
 double reachOf(const RegionLoop& loop) {
   double reach = 0.0;
   for (const AcGePoint3d& corner : loop) {
-    reach = std::max({reach, std::fabs(corner.x), std::fabs(corner.y), std::fabs(corner.z)});
+    reach = std::max(reach, reachOf(corner));
   }
   return reach;
 }
 
-/// The outer boundary as it stands.
-RegionLoop outerLoop(const GEOSGeometry* polygon, const RegionPlane& plane) {
-  RegionLoop loop;
+/// How far the outer boundary reaches in the world.
+double reachOf(const GEOSGeometry* polygon, const RegionPlane& plane) {
+  double reach = 0.0;
   for (const auto& [x, y] : cornersOf(GEOSGetExteriorRing_r(geos(), polygon))) {
-    loop.push_back(plane.toWorld(x, y));
+    reach = std::max(reach, reachOf(plane.toWorld(x, y)));
   }
-  return loop;
+  return reach;
+}
+
+/// The library's own point, so that it does not show who found the crossing.
+bool crossingPoint(const double* own, const double* other, double* point) {
+  return GEOSSegmentIntersection_r(geos(), own[0], own[1], own[2], own[3], other[0], other[1],
+                                   other[2], other[3], point, point + 1) == 1;
+}
+
+/// The intersection of two polygons without holes whose outlines cross clearly; null otherwise.
+Geometry clearIntersection(const GEOSGeometry* polygon, const RingBuffer& other) {
+  RingBuffer own;
+  for (const auto& [x, y] : cornersOf(GEOSGetExteriorRing_r(geos(), polygon))) {
+    own.insert(own.end(), {x, y});
+  }
+  const auto rings = quoin::db::clearIntersection(own, other, crossingPoint);
+  if (!rings) {
+    return nullptr;
+  }
+  std::vector<GEOSGeometry*> polygons;
+  for (const RingBuffer& ring : *rings) {
+    polygons.push_back(polygonOf(ringOf(ring)).release());
+  }
+  return collected(std::move(polygons));
 }
 
 }  // namespace
@@ -227,21 +256,22 @@ RegionLoop outerLoop(const GEOSGeometry* polygon, const RegionPlane& plane) {
 Acad::ErrorStatus RegionPlane::set(const std::vector<AcGePoint3d>& loop) {
   const double tolerance = planeTolerance(reachOf(loop));
   m_origin = loop.front();
-  // The corner farthest from the first, and the one farthest from the line through both.
-  const auto farthest = [&](auto&& distance) {
+  // The corner farthest from the first, and the one farthest from the line through both: the first
+  // of them, should several be as far. What has no larger square is no farther.
+  const auto farthest = [&](auto&& difference) {
     const AcGePoint3d* best = &loop.front();
-    double most = distance(*best);
+    double mostSqrd = difference(*best).lengthSqrd();
     for (const AcGePoint3d& corner : loop) {
-      const double own = distance(corner);
-      if (most < own) {
+      const double ownSqrd = difference(corner).lengthSqrd();
+      if (mostSqrd < ownSqrd && std::sqrt(mostSqrd) < std::sqrt(ownSqrd)) {
         best = &corner;
-        most = own;
+        mostSqrd = ownSqrd;
       }
     }
     return *best;
   };
   const AcGeVector3d along =
-      farthest([&](const AcGePoint3d& corner) { return (corner - m_origin).length(); }) - m_origin;
+      farthest([&](const AcGePoint3d& corner) { return corner - m_origin; }) - m_origin;
   if (along.length() <= tolerance) {
     return Acad::eDegenerateGeometry;
   }
@@ -249,8 +279,7 @@ Acad::ErrorStatus RegionPlane::set(const std::vector<AcGePoint3d>& loop) {
   const auto across = [&](const AcGePoint3d& corner) {
     return (corner - m_origin).crossProduct(direction);
   };
-  const AcGeVector3d cross =
-      across(farthest([&](const AcGePoint3d& corner) { return across(corner).length(); }));
+  const AcGeVector3d cross = across(farthest(across));
   if (cross.length() <= tolerance) {
     return Acad::eDegenerateGeometry;
   }
@@ -341,14 +370,18 @@ Acad::ErrorStatus RegionShape::combined(const RegionShape& other, AcDb::BoolOper
   std::vector<const GEOSGeometry*> own;
   collectPolygons(m_impl->geometry.get(), own);
   for (const GEOSGeometry* const polygon : own) {
-    reach = std::max(reach, reachOf(outerLoop(polygon, m_plane)));
+    reach = std::max(reach, reachOf(polygon, m_plane));
   }
   if (!m_plane.isSame(other.m_plane, reach)) {
     return Acad::eNonCoplanarGeometry;
   }
   // In this plane's coordinates.
-  const Geometry operand = quoin::db::geometryOf(otherFaces, m_plane);
   Geometry combination;
+  if (operation == AcDb::kBoolIntersect && own.size() == 1 && otherFaces.size() == 1 &&
+      otherFaces.front().size() == 1 && GEOSGetNumInteriorRings_r(geos(), own.front()) == 0) {
+    combination = clearIntersection(own.front(), ringBuffer(otherFaces.front().front(), m_plane));
+  }
+  const Geometry operand = combination ? nullptr : quoin::db::geometryOf(otherFaces, m_plane);
   if (operand) {
     switch (operation) {
       case AcDb::kBoolUnite:
@@ -380,8 +413,7 @@ Acad::ErrorStatus RegionShape::combined(const RegionShape& other, AcDb::BoolOper
     for (const GEOSGeometry* const polygon : polygons) {
       clones.push_back(GEOSGeom_clone_r(geos(), polygon));
     }
-    made->m_impl->geometry.reset(GEOSGeom_createCollection_r(
-        geos(), GEOS_MULTIPOLYGON, clones.data(), static_cast<unsigned int>(clones.size())));
+    made->m_impl->geometry = collected(std::move(clones));
   }
   result = std::move(made);
   return Acad::eOk;
@@ -410,10 +442,10 @@ std::vector<RegionFace> RegionShape::faces() const {
   return faces;
 }
 
-std::unique_ptr<RegionShape> RegionShape::face(std::size_t index) const {
+std::unique_ptr<RegionShape> RegionShape::shapeOf(const RegionFace& face) const {
   std::unique_ptr<RegionShape> made(new RegionShape);
   made->m_plane = m_plane;
-  made->m_impl->geometry = polygonOf(faces()[index], m_plane);
+  made->m_impl->geometry = polygonOf(face, m_plane);
   return made;
 }
 

@@ -52,8 +52,8 @@ class RegionShape {
 
   /// The faces in world coordinates, in the order that explode() promises.
   std::vector<RegionFace> faces() const;
-  /// One face as a region of its own.
-  std::unique_ptr<RegionShape> face(std::size_t index) const;
+  /// One of the faces as a region of its own.
+  std::unique_ptr<RegionShape> shapeOf(const RegionFace& face) const;
   double area() const;
   const AcGeVector3d& normal() const { return m_plane.normal(); }
   /// Fails: eDegenerateGeometry, eGeneralModelingFailure; the shape stays as it is.
