@@ -226,7 +226,6 @@ class CMerger {
       } else {
         tolerances = ReadTolerances();
       }
-      AskForLaterChain(i);
       MergeChain(m_numbers[i], tolerances);
     }
     InsertResults();
@@ -258,20 +257,13 @@ class CMerger {
   /// All passes over a record, the first with these tolerances.
   void MergeChain(std::uint32_t number, Tolerances tolerances) {
     Seg& seg = *m_records[number].pSeg;
-    std::size_t ahead = 0;
-    const auto readAhead = [&] {
-      VisitChain(number, [&ahead](const Seg& next) {
-        ReadAhead(next);
-        ++ahead;
-      });
-    };
-    readAhead();
+    const std::size_t ahead = ReadChainAhead(number);
     for (std::size_t merges = 1; MergeOnce(number, tolerances); ++merges) {
       if (merges == 1) {
         seg.mergedSegs.reserve(seg.mergedSegs.size() + ahead);
       }
       if (merges % (kChainAhead / 2) == 0) {
-        readAhead();
+        ReadChainAhead(number);
       }
       tolerances = ReadTolerances();
     }
@@ -281,9 +273,10 @@ class CMerger {
     m_records[number].state = EState::Finished;
   }
 
-  /// Calls visit(seg) for what the record is going to absorb, if each contact leads on to the next.
-  template <class Visit>
-  void VisitChain(std::uint32_t number, Visit visit) const {
+  /// Reads what the record is going to absorb, if each contact leads on to the next; answers how
+  /// many that are.
+  std::size_t ReadChainAhead(std::uint32_t number) const {
+    std::size_t count = 0;
     for (const std::uint32_t from : m_records[number].ends) {
       std::uint32_t end = from;
       for (int step = 0; step < kChainAhead; ++step) {
@@ -292,24 +285,12 @@ class CMerger {
             m_records[contact / 2].state != EState::Pending) {
           break;
         }
-        visit(*m_records[contact / 2].pSeg);
+        ReadAhead(*m_records[contact / 2].pSeg);
+        ++count;
         end = contact ^ 1;
       }
     }
-  }
-
-  /// What comes after the record at hand is on the way while that is worked on: not the very next
-  /// chain, for which there would be too little time.
-  void AskForLaterChain(std::size_t source) const {
-    int chainsAhead = 2;
-    while (source-- > 0) {
-      if (!m_isAbsorbed[source] && --chainsAhead == 0) {
-        const std::uint32_t later = m_numbers[source];
-        AskFor(*m_records[later].pSeg);
-        VisitChain(later, [](const Seg& seg) { AskFor(seg); });
-        return;
-      }
-    }
+    return count;
   }
 
   static double ReadTolerance() { return GetCaptureDistance(GetProjectScale()); }

@@ -11,7 +11,9 @@ void ReadAhead(const Record& record) {
   static_cast<void>(bytes[sizeof(Record) - 1]);
 }
 
-/// For what is needed later still: the processor may bring it or not, and goes on meanwhile.
+/// For what is needed later still: the processor may bring it or not, and goes on meanwhile. Only
+/// to be called beside other work: a loop or function that does nothing else has no effect in the
+/// compiler's eyes and is left out.
 template <class Record>
 void AskFor([[maybe_unused]] const Record& record) {
 #if defined(__GNUC__)
