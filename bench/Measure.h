@@ -24,7 +24,7 @@ std::size_t stopCountingMemory();
 
 /// How often a form of this size is measured.
 inline int iterationsFor(std::size_t size) {
-  return size <= 1000 ? 200 : size <= 10000 ? 40 : size <= 100000 ? 8 : 3;
+  return size <= 1000 ? 200 : size <= 10000 ? 100 : size <= 100000 ? 20 : 5;
 }
 
 /// Takes the records and their pointers out of the processor's caches, as they are out of them when

@@ -23,12 +23,14 @@ class PLATFORM_API CVariantData {
   CVariantData(const CString& value) : m_type(Type::Text), m_text(value) {}
 
   /// The number; of a text the number that it spells. 0 for nothing and for other texts.
-  operator double() const;
+  operator double() const { return m_type == Type::Text ? NumberOfText() : m_number; }
   /// The text; empty for anything else.
   const CString& GetText() const { return m_text; }
   bool IsEmpty() const { return m_type == Type::Nothing; }
 
  private:
+  double NumberOfText() const;
+
   enum class Type : std::uint8_t { Nothing, Number, Text };
   Type m_type = Type::Nothing;
   double m_number = 0.0;

@@ -6,10 +6,6 @@ namespace quoin::product {
 
 Platform* Platform::s_current = nullptr;
 
-Platform* Platform::current() {
-  return s_current;
-}
-
 Platform::Platform() : m_guard(s_current, this, "running platform") {}
 Platform::~Platform() = default;
 

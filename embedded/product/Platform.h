@@ -25,7 +25,7 @@ class HOST_API Platform {
   Platform& operator=(const Platform&) = delete;
 
   /// The running host's platform; null when no host runs.
-  static Platform* current();
+  static Platform* current() { return s_current; }
 
   ProjectManager& projects() { return m_projects; }
   /// Closes a project together with the map of its nodes.

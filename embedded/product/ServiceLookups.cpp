@@ -2,17 +2,14 @@
 
 namespace quoin::product {
 
-void ServiceLookups::countLookup(std::wstring_view name, std::wstring_view second,
+void ServiceLookups::countByName(std::wstring_view name, std::wstring_view second,
                                  const void* service) {
-  ++m_lookups;
-  if (!service || service != m_lastService) {
-    auto place = m_byName.find(name);
-    if (place == m_byName.end()) {
-      place = m_byName.emplace(name, 0).first;
-    }
-    m_lastService = service;
-    m_lastCount = &place->second;
+  auto place = m_byName.find(name);
+  if (place == m_byName.end()) {
+    place = m_byName.emplace(name, 0).first;
   }
+  m_lastService = service;
+  m_lastCount = &place->second;
   ++*m_lastCount;
   if (m_isRecording) {
     m_records.push_back(

@@ -27,7 +27,14 @@ class HOST_API ServiceLookups {
 
   void countFactoryCall() { ++m_factoryCalls; }
   /// `service` is what the look-up found, null for nothing; each name has a service of its own.
-  void countLookup(std::wstring_view name, std::wstring_view second, const void* service);
+  void countLookup(std::wstring_view name, std::wstring_view second, const void* service) {
+    ++m_lookups;
+    if (service && service == m_lastService && !m_isRecording) {
+      ++*m_lastCount;
+    } else {
+      countByName(name, second, service);
+    }
+  }
 
   /// GetObjectFactory() calls and look-ups since the host began (or since reset).
   std::uint64_t factoryCalls() const { return m_factoryCalls; }
@@ -42,6 +49,8 @@ class HOST_API ServiceLookups {
   void reset();
 
  private:
+  void countByName(std::wstring_view name, std::wstring_view second, const void* service);
+
   std::uint64_t m_factoryCalls = 0;
   std::uint64_t m_lookups = 0;
   CountsByName m_byName;

@@ -2,10 +2,7 @@
 
 #include "host/ProjectModel.h"
 
-CVariantData::operator double() const {
-  if (m_type != Type::Text) {
-    return m_number;
-  }
+double CVariantData::NumberOfText() const {
   wchar_t* end = nullptr;
   const double number = std::wcstod(m_text.GetString(), &end);
   const bool isWholeText = end != m_text.GetString() && *end == 0;
