@@ -251,6 +251,12 @@ class CMerger {
     double finished;
   };
 
+  /// What alone touches an end.
+  struct Touching {
+    std::uint32_t record = kNobody;
+    std::uint32_t end = CEndPointIndex::kNone;  // the end of it that does, where that is known
+  };
+
   /// How many records of a chain are read ahead, either way.
   static constexpr int kChainAhead = 32;
 
@@ -304,6 +310,7 @@ class CMerger {
     // while it stands elsewhere in the array too. One that does touches itself, and so nothing
     // alone, unless a coordinate is no finite number: then every search is made anew.
     m_tolerance = HasUnfiniteDuplicates() ? std::numeric_limits<double>::quiet_NaN() : tolerance;
+    m_limit = CDistanceLimit(m_tolerance);
     m_index.emplace(m_srcLines, tolerance, CEndPointIndex::eForPoints);
     m_records.resize(m_srcLines.size());
     std::uint32_t number = 0;
@@ -339,15 +346,15 @@ class CMerger {
   bool MergeOnce(std::uint32_t number, const Tolerances& tolerances) {
     Record& record = m_records[number];
     record.state = EState::AtHand;
-    const std::uint32_t atStart =
-        FindOnlyTouching(record.ends[0], record.pSeg->ptStart, tolerances);
-    const std::uint32_t atEnd = FindOnlyTouching(record.ends[1], record.pSeg->ptEnd, tolerances);
+    const Touching atStart = FindOnlyTouching(record.ends[0], record.pSeg->ptStart, tolerances);
+    const Touching atEnd = FindOnlyTouching(record.ends[1], record.pSeg->ptEnd, tolerances);
     bool merged = false;
     if (!Policy::IsFixed(*record.pSeg, true)) {
       merged = Absorb(number, atStart, true);
     }
     if (!Policy::IsFixed(*record.pSeg, false)) {
-      merged = Absorb(number, atEnd, false) || merged;
+      // A merge at the start moved the end: what touched it meets the record elsewhere.
+      merged = Absorb(number, merged ? Touching{atEnd.record} : atEnd, false) || merged;
     }
     return merged;
   }
@@ -363,21 +370,33 @@ class CMerger {
     }
   }
 
+  /// As Touches(), for the one end of a pending record that is near the point: the other one is
+  /// then too far to touch it, and matters only as the start that is no number.
+  bool TouchesWith(std::uint32_t end, const Seg& cand, const AcGePoint3d& pt) const {
+    const AcGeVector3d toStart = pt - cand.ptStart;
+    return CEndPointIndex::IsStart(end)
+               ? m_limit.IsAbove(toStart)
+               : m_limit.IsAbove(pt - cand.ptEnd) && !std::isnan(toStart.lengthSqrd());
+  }
+
   /// The one pending or finished record that touches the end, which is at `pt`; kNobody when
-  /// none does or several do.
-  std::uint32_t FindOnlyTouching(std::uint32_t end, const AcGePoint3d& pt,
-                                 const Tolerances& tolerances) {
+  /// none does or several do, or when it could not be absorbed anyway.
+  Touching FindOnlyTouching(std::uint32_t end, const AcGePoint3d& pt,
+                            const Tolerances& tolerances) {
     const std::uint32_t contact = m_records[end / 2].contacts[end % 2];
     // A project whose scale changes on the way is rare, but then contacts are not what they were.
     if (!(tolerances.pending == m_tolerance && tolerances.finished == m_tolerance) ||
         contact == CEndPointIndex::kSeveral) {
-      return SearchOnlyTouching(pt, tolerances);
+      return {SearchOnlyTouching(pt, tolerances)};
     }
     if (contact == CEndPointIndex::kNone) {
-      return kNobody;
+      return {};
     }
-    const std::uint32_t other = Owner(contact);
-    return other != kNobody && TouchesNow(pt, m_records[other], tolerances) ? other : kNobody;
+    // Absorbed are pending records alone, whose ends are those that they began with.
+    const Record& other = m_records[contact / 2];
+    return other.state == EState::Pending && TouchesWith(contact, *other.pSeg, pt)
+               ? Touching{contact / 2, contact}
+               : Touching{};
   }
 
   std::uint32_t SearchOnlyTouching(const AcGePoint3d& pt, const Tolerances& tolerances) {
@@ -395,14 +414,16 @@ class CMerger {
     return only;
   }
 
-  bool Absorb(std::uint32_t number, std::uint32_t other, bool bAtStart) {
-    if (other == kNobody || m_records[other].state != EState::Pending) {
+  bool Absorb(std::uint32_t number, const Touching& touching, bool bAtStart) {
+    if (touching.record == kNobody || m_records[touching.record].state != EState::Pending) {
       return false;
     }
     Record& record = m_records[number];
-    Record& gone = m_records[other];
+    Record& gone = m_records[touching.record];
     const bool nearIsStart =
-        NearIsStart(*gone.pSeg, bAtStart ? record.pSeg->ptStart : record.pSeg->ptEnd);
+        touching.end != CEndPointIndex::kNone
+            ? CEndPointIndex::IsStart(touching.end)
+            : NearIsStart(*gone.pSeg, bAtStart ? record.pSeg->ptStart : record.pSeg->ptEnd);
     if (!MergeUnlessBroken<Policy>(
             *record.pSeg, *gone.pSeg, bAtStart, nearIsStart,
             [this](const AcGePoint3d& pt) { return m_breakPnts.Hold(pt); })) {
@@ -447,6 +468,7 @@ class CMerger {
   std::set<Seg*>& m_mergedLines;
   bool m_hadMergedLines;
   double m_tolerance = 0.0;
+  CDistanceLimit m_limit{0.0};  // of the same
   std::optional<CEndPointIndex> m_index;
   std::vector<std::uint32_t> m_numbers;  // the records' numbers by place in the source array
   std::vector<Record> m_records;
