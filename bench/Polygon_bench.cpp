@@ -53,11 +53,11 @@ void registerPolygon() {
       measure(
           workload, "ours", edges,
           [=](std::size_t size) { return std::make_unique<Polygons>(size, sameCentre); },
-          intersectByModule, edges > 1000 ? 5 : 100);
+          intersectByModule, edges > 1000 ? 20 : 100);
       measure(
           workload, "intersection", edges,
           [=](std::size_t size) { return std::make_unique<Geometries>(size, sameCentre); },
-          intersectByGeos, edges > 1000 ? 5 : 100);
+          intersectByGeos, edges > 1000 ? 20 : 100);
     }
   }
 }
