@@ -18,7 +18,7 @@ constexpr double kCapture = 10.0;
 
 /// More than usual: an iteration takes no time beside making the records.
 int framesFor(std::size_t size) {
-  return size > 100000 ? 5 : 40;
+  return size > 100000 ? 10 : size > 10000 ? 100 : 300;
 }
 
 /// The city's records, each allocated by itself, and pointers to them in another order if wanted.
