@@ -272,8 +272,8 @@ Acad::ErrorStatus AcDbMlineStyle::getElementAt(int index, double& offset, AcCmCo
     const TagRange& element = elements[static_cast<std::size_t>(index)];
     offset = tags.doubleAt(element.first);
     color = colorIn(tags, element);
-    linetype = recordNamed(*this, TableKind::Linetype,
-                           tags.text(code::kLinetype, element).value_or(std::wstring(kByLayer)));
+    const std::optional<std::wstring> name = tags.text(code::kLinetype, element);
+    linetype = recordNamed(*this, TableKind::Linetype, name ? *name : std::wstring(kByLayer));
     return Acad::eOk;
   } catch (...) {
     return statusOfException();
