@@ -54,9 +54,10 @@ class BreakCommand : public Command {
     CLI::App* const command = app.add_subcommand(
         "break", "Cut wall lines where the end of another wall line meets them (T-junctions)");
     m_options.declareFiles(*command);
-    m_options.declareLayers(*command,
-                            "Layers with wall lines, * and ? allowed; may be repeated. Default: "
-                            "layers whose name holds \"wall\" or \"墙\"");
+    m_options.declareLayers(
+        *command,
+        "Layers with wall lines, * and ? allowed; may be repeated. Default: "
+        "layers whose name has a word for wall (wall, mur, muro, Wand, 墙, ...)");
     m_options.declareScale(*command);
     command
         ->add_option("--at", m_at,

@@ -13,6 +13,7 @@
 #include "commands/Progress.h"
 #include "commands/WallChanges.h"
 #include "commands/WallLines.h"
+#include "commands/WallWords.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
 #include "dbents.h"
@@ -53,7 +54,7 @@ class DrawCommand : public Command {
     command
         ->add_option("--walls", m_options.layers,
                      "Layers with existing wall lines, * and ? allowed; may be repeated. Default: "
-                     "layers whose name holds \"wall\" or \"墙\", and the layer of the new lines")
+                     "layers whose name has a word for wall, and the layer of the new lines")
         ->type_name("GLOB")
         ->take_all()
         ->expected(1);

@@ -3,7 +3,7 @@
 
 #include "commands/Command.h"
 #include "commands/CommonOptions.h"
-#include "commands/LayerChoice.h"
+#include "commands/WallWords.h"
 #include "dbobjptr.h"
 #include "embedded/os/Utf8.h"
 

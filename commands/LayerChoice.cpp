@@ -3,18 +3,15 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cwctype>
 
 #include "commands/CommandError.h"
+#include "commands/WallWords.h"
+#include "embedded/os/CaseFold.h"
 #include "embedded/os/Utf8.h"
 
 namespace quoin::commands {
 
 namespace {
-
-wchar_t lower(wchar_t letter) {
-  return static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(letter)));
-}
 
 std::string listOf(const std::vector<LayerContent>& layers) {
   std::vector<const LayerContent*> used;
@@ -53,7 +50,8 @@ bool matchesGlob(std::wstring_view name, std::wstring_view pattern) {
     if (p < pattern.size() && pattern[p] == L'*') {
       starAt = p++;
       starTook = n;
-    } else if (p < pattern.size() && (pattern[p] == L'?' || lower(pattern[p]) == lower(name[n]))) {
+    } else if (p < pattern.size() &&
+               (pattern[p] == L'?' || os::foldCase(pattern[p]) == os::foldCase(name[n]))) {
       ++p;
       ++n;
     } else if (starAt != kNone) {
@@ -67,10 +65,6 @@ bool matchesGlob(std::wstring_view name, std::wstring_view pattern) {
     ++p;
   }
   return p == pattern.size();
-}
-
-bool looksLikeWalls(std::wstring_view name) {
-  return matchesGlob(name, L"*wall*") || matchesGlob(name, L"*墙*");
 }
 
 std::set<std::wstring> chooseLayers(const std::vector<LayerContent>& layers,
@@ -89,8 +83,9 @@ std::set<std::wstring> chooseLayers(const std::vector<LayerContent>& layers,
   }
   if (chosen.empty()) {
     const std::string what =
-        patterns.empty() ? "no layer's name holds \"wall\" or \"墙\"; name layers with --layer"
-                         : fmt::format("no layer matches {}", fmt::join(patterns, " or "));
+        patterns.empty()
+            ? fmt::format("no layer's name holds {}; name layers with --layer", kWallWords)
+            : fmt::format("no layer matches {}", fmt::join(patterns, " or "));
     throw CommandError(
         ExitCode::NothingToDo,
         fmt::format("{}: {}. Its layers:{}", drawing.file().string(), what, listOf(layers)));

@@ -14,10 +14,9 @@ namespace quoin::commands {
 /// Whether a name matches a pattern with `*` (any text) and `?` (one character); letters match
 /// in either case.
 bool matchesGlob(std::wstring_view name, std::wstring_view pattern);
-/// Whether a layer's name says that walls are on it: it holds "wall" or "墙".
-bool looksLikeWalls(std::wstring_view name);
 
-/// The layers that match one of the patterns; without patterns those that look like walls.
+/// The layers that match one of the patterns; without patterns those that look like walls
+/// (WallWords.h).
 /// Fails: throws CommandError (NothingToDo) listing the drawing's layers if there is none.
 std::set<std::wstring> chooseLayers(const std::vector<LayerContent>& layers,
                                     const std::vector<std::string>& patterns,

@@ -34,9 +34,10 @@ class MergeCommand : public Command {
     CLI::App* const command = app.add_subcommand(
         "merge", "Join collinear lines that touch end to end and have the same properties");
     m_options.declareFiles(*command);
-    m_options.declareLayers(*command,
-                            "Layers with the lines to join, * and ? allowed; may be repeated. "
-                            "Default: layers whose name holds \"wall\" or \"墙\"");
+    m_options.declareLayers(
+        *command,
+        "Layers with the lines to join, * and ? allowed; may be repeated. "
+        "Default: layers whose name has a word for wall (wall, mur, muro, Wand, 墙, ...)");
     m_options.declareScale(*command);
     command
         ->add_option("--keep-at", m_keepAt,

@@ -4,7 +4,6 @@
 
 namespace {
 
-using quoin::commands::looksLikeWalls;
 using quoin::commands::matchesGlob;
 
 TEST(LayerPattern, MatchesTheWholeNameInAnyCase) {
@@ -34,10 +33,9 @@ TEST(LayerPattern, ManyStarsEndQuickly) {
   EXPECT_FALSE(matchesGlob(std::wstring(5000, L'a'), L"*a*a*a*a*a*a*a*b"));
 }
 
-TEST(WallLayers, HoldTheWordInEnglishOrChinese) {
-  EXPECT_TRUE(looksLikeWalls(L"A-Wall-Ext"));
-  EXPECT_TRUE(looksLikeWalls(L"内墙"));
-  EXPECT_FALSE(looksLikeWalls(L"A-DOOR"));
+TEST(LayerPattern, LettersBeyondAsciiMatchInEitherCase) {
+  EXPECT_TRUE(matchesGlob(L"ŚCIANY", L"ściany"));
+  EXPECT_TRUE(matchesGlob(L"СТЕНЫ 1", L"стены*"));
 }
 
 }  // namespace
