@@ -37,7 +37,7 @@ bool Progress::report(double fraction) {
 
 void Progress::checkInterrupt() {
   if (os::isInterrupted()) {
-    throw CommandError(ExitCode::Interrupted, "interrupted; every file is as it was");
+    throw CommandError(ExitCode::Interrupted, os::interruptText());
   }
 }
 

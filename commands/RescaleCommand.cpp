@@ -53,8 +53,12 @@ FileOutcome unpacked(const os::SideResult& result) {
             result.text + "; the drawing is the old one or the new one, whole"};
   }
   const nlohmann::json json = nlohmann::json::parse(result.text);
-  return {static_cast<ExitCode>(json["code"].get<int>()), json["scaled"].get<std::size_t>(),
-          json["note"].get<std::string>()};
+  const FileOutcome outcome{static_cast<ExitCode>(json["code"].get<int>()),
+                            json["scaled"].get<std::size_t>(), json["note"].get<std::string>()};
+  if (outcome.code == ExitCode::Ok) {
+    os::noteFileWritten();  // by the worker
+  }
+  return outcome;
 }
 
 /// Scales one file with the algorithm, which tells nothing of what it did: the file is looked
@@ -137,6 +141,7 @@ class RescaleCommand : public Command {
       fmt::print("scaling by {}{}\n", drawingFactor,
                  m_drawingFactor ? "" : fmt::format(" (80 times {})", factor));
     }
+    const os::StopDelay untilTold;  // what became of each drawing
     const std::vector<FileOutcome> outcomes = rescaleAll(factor);
     m_report == "json" ? printJson(jsonReport(drawingFactor, outcomes)) : printTable(outcomes);
     for (const FileOutcome& outcome : outcomes) {

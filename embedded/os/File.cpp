@@ -293,6 +293,9 @@ void AtomicFile::writeBuffer() {
 }
 
 void AtomicFile::writeAll(std::string_view bytes) {
+  if (isInterrupted()) {
+    throw FileFailure(Acad::eUserBreak, m_path, "writing was stopped; the old one is untouched");
+  }
   m_written += bytes.size();
   if (const int error = putAll(m_files, m_handle, bytes)) {
     fail("the new version cannot be written; the old one is untouched", error);
@@ -343,6 +346,7 @@ void AtomicFile::commit() {
     fail("the new version cannot take its name; the old one is untouched", error);
   }
   m_temporary.clear();
+  noteFileWritten();
   if (const int error = m_files.flushFolder(m_folder)) {
     fail("the new version is in place, but its folder cannot be brought to the disk", error);
   }

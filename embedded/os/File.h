@@ -12,6 +12,7 @@
 
 #include "acadstrc.h"
 #include "embedded/os/FileSystem.h"
+#include "embedded/os/Process.h"
 
 namespace quoin::os {
 
@@ -47,7 +48,8 @@ HOST_API std::string backupPath(const std::string& path);
 /// Writes a file beside the one that it replaces: the bytes go to a temporary file in the same
 /// folder, are flushed and counted, get the old file's permissions (and its owner, where
 /// allowed), and only then take the old one's name. Of a symbolic link the file it points to
-/// is replaced. Without commit() nothing happened; no temporary file stays behind.
+/// is replaced. Without commit() nothing happened; no temporary file stays behind. While one
+/// lives, a request to stop the process waits (Process.h).
 class HOST_API AtomicFile {
  public:
   struct Options {
@@ -64,7 +66,8 @@ class HOST_API AtomicFile {
   AtomicFile(const AtomicFile&) = delete;
   AtomicFile& operator=(const AtomicFile&) = delete;
 
-  /// Fails: throws FileFailure with eFileWriteError (the disk is full, ...).
+  /// Fails: throws FileFailure with eFileWriteError (the disk is full, ...), eUserBreak when
+  /// the process was asked to stop.
   void write(std::string_view bytes);
   /// Fails: throws FileFailure; the old file is untouched, unless the message says that the
   /// new one is in place already.
@@ -83,6 +86,7 @@ class HOST_API AtomicFile {
   void discard();
   [[noreturn]] void fail(const std::string& what, int systemError) const;
 
+  StopDelay m_untilWhole;  // and so the last to go
   FileSystem& m_files;
   Options m_options;
   std::string m_path;    // as the caller names it, for messages

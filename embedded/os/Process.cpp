@@ -11,17 +11,52 @@
 #include <cerrno>
 #include <cstdio>
 #include <exception>
+#include <string_view>
 #include <system_error>
 
 namespace quoin::os {
 
 namespace {
 
-std::atomic<bool> s_interrupted{false};
-static_assert(std::atomic<bool>::is_always_lock_free, "the flag is set in a signal handler");
+// What the signal handler reads and writes.
+std::atomic<bool> s_isInterrupted{false};
+std::atomic<int> s_lastRequest{0};  // its signal
+std::atomic<int> s_delays{0};
+std::atomic<bool> s_isWatching{false};
+std::atomic<bool> s_hasWritten{false};
+std::atomic<bool> s_isErrorTerminal{false};
+std::atomic<pid_t> s_workingFor{0};  // the process that this one works for, if it does
+static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free,
+              "they are used in a signal handler");
 
-void onRequest(int signalNumber) {
-  if (s_interrupted.exchange(true)) {
+constexpr std::string_view kNothingWritten = "interrupted; every file is as it was";
+constexpr std::string_view kWritten = "interrupted; the files that were written before stay";
+
+/// Ends the process with the message; calls only what a signal handler may call. A worker says
+/// nothing: the process that it works for does.
+[[noreturn]] void endInterrupted() {
+  if (s_workingFor == 0) {
+    const auto say = [](std::string_view text) {
+      return write(STDERR_FILENO, text.data(), text.size());
+    };
+    // On a terminal a line of progress may stand there.
+    bool isSaid = !s_isErrorTerminal || say("\r\033[K") > 0;
+    isSaid = say("quoin: ") > 0 && isSaid;
+    isSaid = say(s_hasWritten ? kWritten : kNothingWritten) > 0 && isSaid;
+    isSaid = say("\n") > 0 && isSaid;
+    static_cast<void>(isSaid);  // nobody listens: the exit code says it too
+  }
+  _exit(kExitInterrupted);
+}
+
+void onRequest(int signalNumber, siginfo_t* info, void* /*context*/) {
+  if (s_delays == 0) {
+    endInterrupted();
+  }
+  const bool isSecond = s_isInterrupted.exchange(true) && s_lastRequest == signalNumber;
+  s_lastRequest = signalNumber;
+  // A worker may hear of one request twice: from the terminal and from whom it works for.
+  if (isSecond && (s_workingFor == 0 || info->si_pid != s_workingFor)) {
     signal(signalNumber, SIG_DFL);
     raise(signalNumber);
   }
@@ -32,7 +67,11 @@ struct Worker {
   std::size_t number;
   pid_t process;
   int answer;
+  bool isAskedToStop = false;
 };
+
+/// How long a request to stop may wait before the workers hear of it.
+constexpr int kLookMilliseconds = 100;
 
 /// The whole text or nothing more to be done about it: a reader that is gone wants none.
 void writeAll(int file, const std::string& text) {
@@ -50,6 +89,12 @@ void writeAll(int file, const std::string& text) {
 /// The work in the new process; never returns. Exit code 0 says that the answer is whole.
 [[noreturn]] void workAndExit(int answer, std::size_t number,
                               const std::function<std::string(std::size_t)>& work) {
+  // The delays belong to the process that this one is a copy of.
+  s_workingFor = getppid();
+  s_delays = 0;
+  if (s_isInterrupted) {
+    _exit(kExitInterrupted);
+  }
   int code = 0;
   try {
     writeAll(answer, work(number));
@@ -100,9 +145,21 @@ void finish(const Worker& worker, SideResult& result) {
   while (waitpid(worker.process, &state, 0) < 0 && errno == EINTR) {
   }
   result.isDone = WIFEXITED(state) && WEXITSTATUS(state) == 0;
+  if (WIFEXITED(state) && WEXITSTATUS(state) == kExitInterrupted) {
+    result.text = "interrupted";
+  }
   if (WIFSIGNALED(state)) {
     const char* const name = strsignal(WTERMSIG(state));
     result.text = std::string("the process was ended: ") + (name ? name : "unknown signal");
+  }
+}
+
+void askToStop(std::vector<Worker>& workers) {
+  for (Worker& worker : workers) {
+    if (!worker.isAskedToStop) {
+      kill(worker.process, SIGTERM);
+      worker.isAskedToStop = true;
+    }
   }
 }
 
@@ -111,6 +168,7 @@ void finish(const Worker& worker, SideResult& result) {
 std::vector<SideResult> runSideBySide(std::size_t count, std::size_t jobs,
                                       const std::function<std::string(std::size_t)>& work,
                                       const std::function<void(std::size_t)>& onDone) {
+  const StopDelay untilWorkersEnd;
   std::vector<SideResult> results(count);
   std::vector<Worker> workers;
   std::size_t next = 0;
@@ -137,7 +195,10 @@ std::vector<SideResult> runSideBySide(std::size_t count, std::size_t jobs,
     for (const Worker& worker : workers) {
       waits.push_back({worker.answer, POLLIN, 0});
     }
-    poll(waits.data(), waits.size(), workers.empty() ? 0 : -1);
+    poll(waits.data(), waits.size(), workers.empty() ? 0 : kLookMilliseconds);
+    if (isInterrupted()) {
+      askToStop(workers);
+    }
     for (std::size_t i = waits.size(); i-- > 0;) {
       if (waits[i].revents != 0 && !takeAnswer(workers[i], results[workers[i].number].text)) {
         finish(workers[i], results[workers[i].number]);
@@ -156,19 +217,42 @@ std::filesystem::path programPath() {
 }
 
 void watchForInterrupt() {
+  s_isErrorTerminal = isErrorStreamTerminal();
+  s_isWatching = true;
   struct sigaction action = {};
-  action.sa_handler = onRequest;
+  action.sa_sigaction = onRequest;
+  action.sa_flags = SA_SIGINFO;
   sigemptyset(&action.sa_mask);
   sigaction(SIGINT, &action, nullptr);
   sigaction(SIGTERM, &action, nullptr);
 }
 
 bool isInterrupted() {
-  return s_interrupted;
+  return s_isInterrupted;
 }
 
 void setInterrupted(bool interrupted) {
-  s_interrupted = interrupted;
+  s_isInterrupted = interrupted;
+}
+
+std::string interruptText() {
+  return std::string(s_hasWritten ? kWritten : kNothingWritten);
+}
+
+void noteFileWritten() {
+  s_hasWritten = true;
+}
+
+StopDelay::StopDelay() {
+  ++s_delays;
+}
+
+StopDelay::~StopDelay() {
+  // First the count: a request that comes now ends the process itself.
+  if (--s_delays == 0 && s_isWatching && s_isInterrupted) {
+    std::fflush(stdout);
+    endInterrupted();
+  }
 }
 
 bool isErrorStreamTerminal() {

@@ -1,11 +1,16 @@
-// Work side by side in processes of its own.
+// Requests to stop, and work side by side in processes of its own.
 #include "embedded/os/Process.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <stdexcept>
+#include <thread>
+
+#include "embedded/os/File.h"
+#include "support/TemporaryFolder.h"
 
 namespace quoin::os {
 namespace {
@@ -72,6 +77,113 @@ TEST(SideBySide, AfterARequestToStopNothingMoreBegins) {
   for (std::size_t i = 1; i < results.size(); ++i) {
     EXPECT_FALSE(results[i].isDone);
   }
+}
+
+using ::testing::ExitedWithCode;
+using ::testing::KilledBySignal;
+
+/// A process of its own for each end, in which nothing was written before.
+class StopRequest : public ::testing::Test {
+ protected:
+  StopRequest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+  ~StopRequest() override { GTEST_FLAG_SET(death_test_style, "fast"); }
+};
+
+TEST_F(StopRequest, EndsTheProcessAtOnceWhateverItDoes) {
+  for (const int request : {SIGINT, SIGTERM}) {
+    EXPECT_EXIT(
+        {
+          watchForInterrupt();
+          raise(request);
+          std::this_thread::sleep_for(std::chrono::seconds(5));
+        },
+        ExitedWithCode(130), "^quoin: interrupted; every file is as it was\n$");
+  }
+}
+
+TEST_F(StopRequest, WaitsForTheLastDelay) {
+  EXPECT_EXIT(
+      {
+        watchForInterrupt();
+        {
+          const StopDelay outer;
+          {
+            const StopDelay inner;
+            raise(SIGINT);
+            fputs("noted, ", isInterrupted() ? stderr : stdout);
+          }
+          fputs("inner over, ", stderr);
+        }
+        fputs("not reached", stderr);
+      },
+      ExitedWithCode(130), "^noted, inner over, quoin: interrupted; every file is as it was\n$");
+}
+
+TEST_F(StopRequest, ASecondOneOfTheSameKindWaitsForNothing) {
+  EXPECT_EXIT(
+      {
+        watchForInterrupt();
+        const StopDelay delay;
+        raise(SIGINT);
+        raise(SIGINT);
+      },
+      KilledBySignal(SIGINT), "^$");
+}
+
+TEST(StopRequestInAFork, AFileThatIsBeingWrittenDoesNotStayHalf) {
+  const test::TemporaryFolder folder;
+  EXPECT_EXIT(
+      {
+        watchForInterrupt();
+        AtomicFile file((folder.path() / "plan.dxf").string());
+        file.write("half");
+        raise(SIGTERM);
+        try {
+          file.write(std::string(1 << 20, ' '));
+        } catch (const FileFailure& failure) {
+          fputs(failure.status == Acad::eUserBreak ? "stopped, " : "failed, ", stderr);
+        }
+      },
+      ExitedWithCode(130), "^stopped, quoin: interrupted; ");
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+TEST(StopRequestInAFork, SaysThatAFileWasWrittenBefore) {
+  const test::TemporaryFolder folder;
+  EXPECT_EXIT(
+      {
+        watchForInterrupt();
+        AtomicFile((folder.path() / "plan.dxf").string()).commit();
+        raise(SIGINT);
+      },
+      ExitedWithCode(130), "^quoin: interrupted; the files that were written before stay\n$");
+}
+
+TEST_F(StopRequest, EndsTheWorkersToo) {
+  EXPECT_EXIT(
+      {
+        watchForInterrupt();
+        const StopDelay untilTold;
+        const auto begin = std::chrono::steady_clock::now();
+        const std::vector<SideResult> results = runSideBySide(
+            4, 2,
+            [](std::size_t number) {
+              if (number == 1) {
+                kill(getppid(), SIGINT);  // only the process that they work for hears of it
+              }
+              std::this_thread::sleep_for(std::chrono::seconds(20));
+              return std::string();
+            },
+            kNobodyListens);
+        for (const SideResult& result : results) {
+          fputs((result.text + ", ").c_str(), result.isDone ? stdout : stderr);
+        }
+        const bool isQuick = std::chrono::steady_clock::now() - begin < std::chrono::seconds(2);
+        fputs(isQuick ? "quick, " : "slow, ", stderr);
+      },
+      ExitedWithCode(130),
+      "^interrupted, interrupted, not begun: interrupted, not begun: interrupted, quick, quoin: "
+      "interrupted; every file is as it was\n$");
 }
 
 }  // namespace
