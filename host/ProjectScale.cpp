@@ -11,11 +11,10 @@ namespace {
 constexpr const wchar_t* kAccessorSourcePath = L"businessaccess\\PaperWrapper/PaperWrapper";
 constexpr int kAccessorSourceLine = 33;
 
+/// The names are made for the call and gone after it: nothing of a look-up is kept.
 IProjectManagerService* FindProjectManager() {
-  // Made once: the scale is asked for once a wall line.
-  static const CString name(ServiceName::kProjectManager);
-  static const CString second;
-  return static_cast<IProjectManagerService*>(GetObjectFactory()->GetService(name, second));
+  return static_cast<IProjectManagerService*>(
+      GetObjectFactory()->GetService(CString(ServiceName::kProjectManager), CString()));
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 class AFX_EXT_CLASS CAutoSetVar {
  public:
   /// Saves the variable's value. The default is the object snap mode.
-  explicit CAutoSetVar(const CString& varName = L"OSMODE");
+  CAutoSetVar(const CString& varName = L"OSMODE");
   /// A copy restores the same saved value once more. The value is copied bit by bit: a text in
   /// it is shared, and nobody frees it.
   CAutoSetVar(const CAutoSetVar& other);

@@ -10,7 +10,7 @@ class IModelNode;
 class AFX_EXT_CLASS CChangeEntityProperty {
  public:
   /// Owns:  nothing; the node must outlive the functor's use.
-  explicit CChangeEntityProperty(IModelNode* pModelNode);
+  CChangeEntityProperty(IModelNode* pModelNode);
   CChangeEntityProperty(const CChangeEntityProperty&) = default;
   CChangeEntityProperty& operator=(const CChangeEntityProperty& other);
 

@@ -1,13 +1,16 @@
 #include "ProjectScale.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <iostream>
 #include <limits>
 #include <string>
 #include <vector>
 
 #include "embedded/product/HostApplication.h"
+#include "support/HeapWatch.h"
 
 namespace {
 
@@ -70,6 +73,64 @@ TEST_F(ProjectScaleTest, ARootNodeOfAnotherTypeIsLoggedOnceACallAndAnswersAllThe
             L"businessaccess\\PaperWrapper/PaperWrapper - 33");
   EXPECT_EQ(GetProjectScale(), 0.25);
   EXPECT_EQ(lines.size(), 2U);
+}
+
+TEST_F(ProjectScaleTest, TheNamesThatAreAskedForLiveOnlyForTheirCall) {
+  using quoin::test::HeapWatch;
+  GetProjectScale();  // what the platform makes at the first call is its own
+  for (int call = 0; call < 3; ++call) {
+    const long handedOut = HeapWatch::handedOut;
+    const long takenBack = HeapWatch::takenBack;
+    GetProjectScale();
+    EXPECT_GT(HeapWatch::handedOut, handedOut) << "the name is too long for a string without heap";
+    EXPECT_EQ(HeapWatch::handedOut - handedOut, HeapWatch::takenBack - takenBack);
+  }
+}
+
+/// A project that notes what is asked of its model.
+class NotingProject : public quoin::product::Project {
+ public:
+  class Node : public quoin::product::ModelNode {
+   public:
+    explicit Node(std::vector<std::string>& calls)
+        : ModelNode(ROOT_MODEL, nullptr), m_calls(calls) {}
+    std::int32_t GetType() const override {
+      m_calls.push_back("type");
+      return ModelNode::GetType();
+    }
+    CVariantData GetProperty(std::int32_t propertyId) const override {
+      m_calls.push_back("property " + std::to_string(propertyId));
+      return ModelNode::GetProperty(propertyId);
+    }
+
+   private:
+    std::vector<std::string>& m_calls;
+  };
+
+  NotingProject() : Project(L"noting", 1.0) { node.setProperty(11, CVariantData(0.5)); }
+  IModelNode* GetRootModelNode() override {
+    calls.push_back("root");
+    return hasRoot ? &node : nullptr;
+  }
+
+  std::vector<std::string> calls;
+  bool hasRoot = true;
+  Node node{calls};
+};
+
+TEST_F(ProjectScaleTest, TheRootIsAskedForItsTypeAndThenForTheProperty) {
+  NotingProject noting;
+  host.platform().projects().setCurrent(noting);
+  EXPECT_EQ(GetProjectScale(), 0.5);
+  EXPECT_EQ(noting.calls, (std::vector<std::string>{"root", "type", "property 11"}));
+}
+
+TEST_F(ProjectScaleTest, AMissingRootNodeIsNotLoggedAndAskedAllTheSame) {
+  NotingProject rootless;
+  rootless.hasRoot = false;
+  host.platform().projects().setCurrent(rootless);
+  host.setLogSink([](std::wstring_view) { std::cerr << "a line was logged"; });
+  EXPECT_DEATH(GetProjectScale(), testing::Not(testing::HasSubstr("a line was logged")));
 }
 
 TEST(CaptureDistance, IsTheReciprocalTimesTen) {

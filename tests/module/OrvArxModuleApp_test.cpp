@@ -6,6 +6,7 @@
 #include "embedded/product/HostApplication.h"
 #include "embedded/rx/ExtensionModules.h"
 #include "rxframe.h"
+#include "support/HeapWatch.h"
 
 namespace {
 
@@ -79,7 +80,21 @@ TEST_F(ModuleAppTest, TheWatcherLivesFromLoadToUnloadAndTheAccessorIsNotReset) {
 TEST_F(ModuleAppTest, UnloadingWithoutInitialisationMakesAndDeletesOneWatcher) {
   EXPECT_EQ(send(AcRx::kUnloadAppMsg), AcRx::kRetOK);
   EXPECT_NE(UserInputStateWatcherDoor::Instance(), nullptr) << "one was made";
-  // That it is deleted again is what the leak check of the sanitizers looks at.
+}
+
+TEST_F(ModuleAppTest, UnloadingLeavesNoWatcherInMemory) {
+  using quoin::test::HeapWatch;
+  for (const bool isInitialised : {true, false}) {
+    UserInputStateWatcherDoor::Instance() = nullptr;
+    const long alive = HeapWatch::handedOut - HeapWatch::takenBack;
+    if (isInitialised) {
+      CUserInputStateWatcher::Instance();
+    }
+    const long handedOut = HeapWatch::handedOut;
+    EXPECT_EQ(send(AcRx::kUnloadAppMsg), AcRx::kRetOK);
+    EXPECT_EQ(HeapWatch::handedOut - handedOut, isInitialised ? 0 : 2) << "watcher and reactor";
+    EXPECT_EQ(HeapWatch::handedOut - HeapWatch::takenBack, alive);
+  }
 }
 
 TEST_F(ModuleAppTest, InitialisationAnswersTheFramesResultAndMakesTheWatcherAllTheSame) {
@@ -113,6 +128,62 @@ TEST_F(ModuleAppTest, DefinesNoAutoLispFunctions) {
   EXPECT_EQ(send(AcRx::kLoadDwgMsg), AcRx::kRetOK);
   EXPECT_EQ(send(AcRx::kInvkSubrMsg), AcRx::kRetOK);
   EXPECT_EQ(send(AcRx::kUnloadDwgMsg), AcRx::kRetOK);
+}
+
+/// The module's application object with a custom class in the frame's table, so that a test
+/// sees when the frame registers its classes and deletes them again.
+class AppWithAClass : public COrvArxModuleApp {
+ public:
+  AppWithAClass() { m_customClasses = kClasses; }
+
+  static inline std::vector<std::string> watcherWhenFrame;
+
+ private:
+  static void note(const char* frame) {
+    CUserInputStateWatcher* const watcher = UserInputStateWatcherDoor::Instance();
+    const bool isThere =
+        watcher && quoin::ed::Editor::current()->prompts(*curDoc()).reactorCount() > 0;
+    watcherWhenFrame.push_back(std::string(frame) + (isThere   ? ": there"
+                                                     : watcher ? ": idle"
+                                                               : ": none"));
+  }
+  static void rxInit() { note("registers"); }
+  static AcRxClass* desc() {
+    note("deletes");
+    return nullptr;
+  }
+  static constexpr AcRxCustomClass kClasses[] = {{&rxInit, &desc}};
+};
+
+TEST_F(ModuleAppTest, TheFrameInitialisesBeforeTheWatcherIsMadeAndUnloadsBeforeItGoes) {
+  AppWithAClass app;
+  AppWithAClass::watcherWhenFrame.clear();
+  app.dispatch(AcRx::kInitAppMsg, nullptr);
+  CUserInputStateWatcher::Instance()->TurnOn();
+  app.dispatch(AcRx::kUnloadAppMsg, nullptr);
+  EXPECT_EQ(AppWithAClass::watcherWhenFrame,
+            (std::vector<std::string>{"registers: none", "deletes: there"}));
+  EXPECT_EQ(host.editor().prompts(*curDoc()).reactorCount(), 0);
+}
+
+/// The module's application object with a command, whose group the frame cannot remove where no
+/// host runs.
+class AppWithACommand : public COrvArxModuleApp {
+ public:
+  AppWithACommand() { m_commandMap = kCommands; }
+
+ private:
+  static constexpr AcRxCommandEntry kCommands[] = {{L"G", L"ONE", nullptr, 0, nullptr}};
+};
+
+TEST(ModuleApp, UnloadingAnswersTheFramesResultAndTheWatcherGoesAllTheSame) {
+  using quoin::test::HeapWatch;
+  UserInputStateWatcherDoor::Instance() = nullptr;
+  const long alive = HeapWatch::handedOut - HeapWatch::takenBack;
+  AppWithACommand app;
+  EXPECT_EQ(app.On_kUnloadAppMsg(nullptr), AcRx::kRetError);
+  EXPECT_EQ(HeapWatch::handedOut - HeapWatch::takenBack, alive);
+  UserInputStateWatcherDoor::Instance() = nullptr;
 }
 
 TEST(ModuleApp, AddsNoDataToTheFramesObject) {

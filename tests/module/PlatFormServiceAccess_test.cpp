@@ -10,6 +10,7 @@
 #include "PlatFormServiceAccessInternal.h"
 #include "ProjectModel.h"
 #include "embedded/product/HostApplication.h"
+#include "support/HeapWatch.h"
 
 namespace {
 
@@ -81,6 +82,28 @@ TEST_F(ServiceAccessTest, TheNinthServiceMapsNodesToEntities) {
       CPlatFormServiceAccess::Instance()->GetEntityModelMappingService();
   ASSERT_NE(service, nullptr);
   EXPECT_EQ(service->GetMapping(project.root().GetMapKey())->GetEntityId(&project.root()), entity);
+}
+
+TEST_F(ServiceAccessTest, WithoutMemoryThereIsNoneAndTheNextUseTriesAgain) {
+  host.serviceLookups().reset();
+  {
+    const quoin::test::NoMemoryAfter noMemory(0);
+    EXPECT_EQ(CPlatFormServiceAccess::Instance(), nullptr);
+  }
+  EXPECT_EQ(host.serviceLookups().lookups(), 0U);
+  EXPECT_NE(CPlatFormServiceAccess::Instance(), nullptr);
+  EXPECT_EQ(host.serviceLookups().lookups(), 15U);
+}
+
+TEST_F(ServiceAccessTest, OnlyTheObjectIsKeptOfItsLookups) {
+  using quoin::test::HeapWatch;
+  CPlatFormServiceAccess::Instance();  // the platform's own first time
+  PlatFormServiceAccessDoor::Forget();
+  const long handedOut = HeapWatch::handedOut;
+  const long takenBack = HeapWatch::takenBack;
+  CPlatFormServiceAccess::Instance();
+  EXPECT_GE(HeapWatch::handedOut - handedOut, 15);
+  EXPECT_EQ(HeapWatch::handedOut - handedOut, HeapWatch::takenBack - takenBack + 1);
 }
 
 TEST(ServiceAccess, HoldsFifteenPointersBehindOneVirtualDestructor) {

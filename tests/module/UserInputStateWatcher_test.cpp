@@ -93,6 +93,33 @@ TEST_F(WatcherTest, TurningOnTwiceRegistersOnce) {
   EXPECT_EQ(prompts(document).reactorCount(), 0);
 }
 
+/// Notes what the watcher says while a corner pick begins.
+class Listener : public AcEdInputContextReactor {
+ public:
+  explicit Listener(CUserInputStateWatcher& watched) : watcher(watched) {}
+  void beginGetCorner(const AcGePoint3d*, const ACHAR*, int, const ACHAR*) override {
+    sawPick = watcher.InGetCorner();
+  }
+
+  CUserInputStateWatcher& watcher;
+  bool sawPick = false;
+};
+
+TEST_F(WatcherTest, TurningOnTwiceRegistersAnewBehindTheOthers) {
+  watcher.TurnOn();
+  Listener listener(watcher);
+  ASSERT_EQ(document.inputPointManager()->addInputContextReactor(&listener), Acad::eOk);
+  prompts(document).begin(Prompt::Corner);
+  EXPECT_TRUE(listener.sawPick) << "the watcher came first and was told first";
+  prompts(document).end();
+  watcher.TurnOn();
+  prompts(document).begin(Prompt::Corner);
+  EXPECT_FALSE(listener.sawPick) << "now the listener is told first";
+  EXPECT_TRUE(watcher.InGetCorner());
+  prompts(document).end();
+  document.inputPointManager()->removeInputContextReactor(&listener);
+}
+
 TEST_F(WatcherTest, TurningOnAgainMovesToTheDocumentThatIsCurrentThen) {
   watcher.TurnOn();
   AcApDocument& other = host.editor().openDocument(L"other.dwg");

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <stdexcept>
+#include <type_traits>
 
 #include "acedads.h"
 #include "acutmem.h"
@@ -18,6 +19,12 @@ const char* __lsan_default_suppressions() {
 }
 
 namespace {
+
+static_assert(std::is_convertible_v<const CString&, CAutoSetVar>);
+
+CAutoSetVar guardOf(const CString& name) {
+  return name;  // a name is enough where a guard is wanted
+}
 
 short osmode() {
   resbuf value = {};
@@ -47,6 +54,18 @@ TEST(AutoSetVar, GuardsTheObjectSnapModeByDefault) {
     EXPECT_EQ(osmode(), 0);
   }
   EXPECT_EQ(osmode(), 37);
+}
+
+TEST(AutoSetVar, IsMadeOfANameWhereAGuardIsWanted) {
+  quoin::test::RunningHost host;
+  setOsmode(12);
+  {
+    CAutoSetVar guard = guardOf("OSMODE");
+    const resbuf off = shortValue(0);
+    guard.SetVar(&off);
+    EXPECT_EQ(osmode(), 0);
+  }
+  EXPECT_EQ(osmode(), 12);
 }
 
 TEST(AutoSetVar, RestoresWhenAnExceptionPassesThrough) {
