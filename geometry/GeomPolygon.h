@@ -26,7 +26,9 @@ class AFX_EXT_CLASS CGeomPolygon {
   /// Makes this polygon its intersection with `other` and tells whether that has a boundary of
   /// straight edges. The result starts at the end of the region's last edge.
   /// Fails: unchanged when either polygon encloses no area in a plane; empty when nothing is
-  ///        left of it. An intersection whose boundary is more than one loop never returns.
+  ///        left of it, and when more than one face is, also faces that share a corner: the
+  ///        host takes those apart into regions, not into edges. Edges that do not chain, of a
+  ///        face with a hole, would never return; two polygons leave no such face.
   CGeomPolygon& IntersectWith(const CGeomPolygon& other, bool& bIntersect);
 
   /// Appends the vertices to `vertices` and sorts all of it in ascending order along `dir`,

@@ -86,6 +86,24 @@ TEST(GeomPolygon, DisjointFromAnotherIsEmptyAfterwards) {
   EXPECT_TRUE(square.GetPolygonVertextArray().empty());
 }
 
+TEST(GeomPolygon, IsEmptyAfterwardsWhenTwoFacesAreLeft) {
+  const CGeomPolygon bar = rectangle(-1, 5, 11, 8);
+  const std::vector<AcGePoint3d> u{{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {7, 10, 0},
+                                   {7, 3, 0}, {3, 3, 0},  {3, 10, 0},  {0, 10, 0}};
+  // Two squares that share the corner (5,5), of two angled pieces.
+  const std::vector<AcGePoint3d> angle{{0, 0, 0},  {5, 0, 0},   {5, 5, 0},
+                                       {10, 5, 0}, {10, 10, 0}, {0, 10, 0}};
+  const CGeomPolygon otherAngle =
+      polygon({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {5, 10, 0}, {5, 5, 0}, {0, 5, 0}});
+  for (const auto& [first, other] : {std::pair(u, &bar), std::pair(angle, &otherAngle)}) {
+    CGeomPolygon left = polygon(first);
+    bool isMeeting = true;
+    left.IntersectWith(*other, isMeeting);
+    EXPECT_FALSE(isMeeting);
+    EXPECT_EQ(corners(left), "");
+  }
+}
+
 TEST(GeomPolygon, WithoutAreaStaysAsItIsAndSoDoesTheOther) {
   for (const std::vector<AcGePoint3d>& thin :
        {std::vector<AcGePoint3d>{}, {{1, 1, 0}}, {{0, 0, 0}, {5, 5, 0}}}) {
@@ -168,6 +186,14 @@ TEST(GeomPolygon, ProjectsOntoAnUprightLineAsAPoint) {
   AcGeLineSeg3d seg;
   square.GetPrjLineSeg(seg, AcGeLine3d(AcGePoint3d(1, 2, 3), AcGeVector3d(0, 0, 1)));
   EXPECT_EQ(seg.startPoint().distanceTo(seg.endPoint()), 0.0);
+}
+
+TEST(GeomPolygon, OfTwoVerticesProjectsInTheLinesDirection) {
+  CGeomPolygon edge = polygon({{9, 3, 0}, {2, 5, 0}});
+  AcGeLineSeg3d seg;
+  edge.GetPrjLineSeg(seg, AcGeLine3d(AcGePoint3d(), AcGeVector3d(1, 0, 0)));
+  EXPECT_EQ(text(seg.startPoint(), seg.endPoint()),
+            text(AcGePoint3d(2, 0, 0), AcGePoint3d(9, 0, 0)));
 }
 
 TEST(GeomPolygon, OfOneVertexLeavesTheSegmentAlone) {

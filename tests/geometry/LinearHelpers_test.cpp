@@ -122,6 +122,19 @@ TEST(ResolveVector, ParallelBaseVectorsGiveFalseAndZeroParameters) {
   EXPECT_EQ(resolve.GetYParam(), 0.0);
 }
 
+TEST(ResolveVector, AFailureAfterASuccessLeavesNothingOfIt) {
+  // The same object fails only when the tolerance grows until its base vectors are parallel.
+  CXyResolveVector resolve(AcGeVector3d(1, 0, 0), AcGeVector3d(1, 1e-3, 0));
+  EXPECT_TRUE(resolve.ResolveVector(AcGeVector3d(7, 3, 0)));
+  EXPECT_NE(resolve.GetXParam(), 0.0);
+  const AcGeTol before = AcGeContext::gTol;
+  AcGeContext::gTol.setEqualVector(0.1);
+  EXPECT_FALSE(resolve.ResolveVector(AcGeVector3d(7, 3, 0)));
+  AcGeContext::gTol = before;
+  EXPECT_EQ(resolve.GetXParam(), 0.0);
+  EXPECT_EQ(resolve.GetYParam(), 0.0);
+}
+
 TEST(ResolveVector, TheSumGivesTheVectorBack) {
   std::mt19937_64 random(32);
   std::uniform_real_distribution<double> number(-10, 10);
