@@ -8,10 +8,6 @@
 
 namespace {
 
-// Lines that a failed search for the show wall reports.
-constexpr int kAssertLineInPlan = 567;
-constexpr int kAssertLineFor3d = 486;
-
 /// The walls that meet the show wall at its start and at its end, in their order.
 void CollectMeetWalls(const std::vector<WallEntityLikeRect*>& vecAllWallRect,
                       const WallEntityLikeRect* pShowWall,
@@ -143,9 +139,9 @@ void CShowWallLikeAlgorithm::ProcessWallTerminalDrawing(
     const AcGePoint3d& ptTerminal, bool& bHasTerminalWall, AcGePoint3d& ptLeftCorner,
     AcGePoint3d& ptRightCorner, std::vector<WallEntityLikeRect*>& vecMeetWalls,
     std::vector<WallEntityLikeRect*>& vecTerminalWallArray) {
-  WallTerminalInternal::ProcessTerminal(ptTerminal, m_pShowWall, bHasTerminalWall, ptLeftCorner,
-                                        ptRightCorner, vecMeetWalls, vecTerminalWallArray,
-                                        kAssertLineInPlan, [](WallEntityLikeRect*) {});
+  WallTerminalInternal::ProcessTerminal(
+      ptTerminal, m_pShowWall, bHasTerminalWall, ptLeftCorner, ptRightCorner, vecMeetWalls,
+      vecTerminalWallArray, WallTerminalInternal::kAssertLineInPlan, [](WallEntityLikeRect*) {});
 }
 
 void CShowWallLikeAlgorithm::ProcessWallTerminalDrawingFor3d(
@@ -158,7 +154,8 @@ void CShowWallLikeAlgorithm::ProcessWallTerminalDrawingFor3d(
   ptMidPoint = (corners[0] + corners[1].asVector()) * 0.5;
   WallTerminalInternal::ProcessTerminal(
       ptTerminal, m_pShowWall, bHasTerminalWall, ptLeftCorner, ptRightCorner, vecMeetWalls,
-      vecTerminalWallArray, kAssertLineFor3d, [&](WallEntityLikeRect* pPrevious) {
+      vecTerminalWallArray, WallTerminalInternal::kAssertLineFor3d,
+      [&](WallEntityLikeRect* pPrevious) {
         GetTerminalStartMidPt(ptMidPoint, pPrevious, lineTerminal);
       });
 }

@@ -81,6 +81,21 @@ inline void JoinFaces(const AcGeLine3d& lineShowFace, const AcGeLine3d& lineNeig
   }
 }
 
+/// Lines that a failed search for the show wall reports.
+constexpr int kAssertLineInPlan = 567;
+constexpr int kAssertLineFor3d = 486;
+
+/// The show wall's index among the walls that meet it; their count, and one line in the log,
+/// for a list that it is not in.
+inline std::size_t FindShowWall(const std::vector<WallEntityLikeRect*>& vecMeetWalls,
+                                const WallEntityLikeRect* pShowWall, int assertLine) {
+  const auto found = std::find(vecMeetWalls.begin(), vecMeetWalls.end(), pShowWall);
+  if (found == vecMeetWalls.end()) {
+    CLog::LogError(kAssertionFormat, L"FALSE", L"Algorithm\\DrawWallAlgorithm", assertLine);
+  }
+  return static_cast<std::size_t>(found - vecMeetWalls.begin());
+}
+
 /// The whole treatment of one end; `MovePoint(previous wall)` is called before each of the two
 /// corners is computed (the preparation for 3D moves its middle point there, both times by
 /// the same wall). `assertLine` is the line that a failed search reports.
@@ -105,13 +120,11 @@ void ProcessTerminal(const AcGePoint3d& ptTerminal, WallEntityLikeRect* pShowWal
                      return GetTerminalOutAngle(ptTerminal, pRect1) <
                             GetTerminalOutAngle(ptTerminal, pRect2);
                    });
-  const auto found = std::find(vecMeetWalls.begin(), vecMeetWalls.end(), pShowWall);
-  if (found == vecMeetWalls.end()) {
-    CLog::LogError(kAssertionFormat, L"FALSE", L"Algorithm\\DrawWallAlgorithm", assertLine);
+  const std::size_t count = vecMeetWalls.size();
+  const std::size_t index = FindShowWall(vecMeetWalls, pShowWall, assertLine);
+  if (index == count) {
     return;
   }
-  const std::size_t count = vecMeetWalls.size();
-  const std::size_t index = static_cast<std::size_t>(found - vecMeetWalls.begin());
   WallEntityLikeRect* const pPrevious = vecMeetWalls[(count + index - 1) % count];
   WallEntityLikeRect* const pNext = vecMeetWalls[(index + 1) % count];
 

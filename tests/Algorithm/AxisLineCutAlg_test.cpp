@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/GeometryText.h"
+#include "support/HeapWatch.h"
 
 namespace {
 
@@ -93,6 +94,29 @@ TEST_F(CutAxes, ALineOfZeroLengthComesBackAsItIsAndCutsNothing) {
 TEST_F(CutAxes, TheSameLineUnderTwoPointersIsTwoLines) {
   EXPECT_EQ(cut("-5,0 25,0; -5,0 25,0; 0,-5 0,5; 9,-5 9,5"),
             "0,0 9,0; 0,0 9,0; 0,-5 0,5; 9,-5 9,5");
+}
+
+TEST_F(CutAxes, CuttingAgainDeletesTheEarlierResults) {
+  using quoin::test::HeapWatch;
+  cut("-5,0 25,0; 0,-5 0,5; 20,-5 20,5");
+  const long alive = HeapWatch::handedOut - HeapWatch::takenBack;
+  m_algorithm.CutAxisLines();
+  EXPECT_EQ(HeapWatch::handedOut - HeapWatch::takenBack, alive);
+}
+
+TEST_F(CutAxes, CopiesOfAFilledObjectShareTheRecords) {
+  for (const auto& [start, end] : quoin::test::segments("-5,0 25,0; 0,-5 0,5; 20,-5 20,5")) {
+    m_algorithm.AppendSrcAxisLine(new AxisLikeLineSeg{start, end});
+  }
+  AxisLineCutAlg copy(m_algorithm);
+  copy.CutAxisLines();
+  EXPECT_EQ(quoin::test::textOfSegments(copy.GetDestAxisLines()), "0,0 20,0; 0,-5 0,5; 20,-5 20,5");
+  AxisLineCutAlg assigned;
+  assigned = copy;
+  EXPECT_EQ(assigned.GetDestAxisLines(), copy.GetDestAxisLines());
+  // Each would delete them: all but one forget them.
+  assigned = AxisLineCutAlg();
+  m_algorithm = AxisLineCutAlg();
 }
 
 TEST(AxisLine, DefaultHasBothPointsAtTheOrigin) {

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "support/GeometryText.h"
+#include "support/HeapWatch.h"
 #include "support/RunningHost.h"
 
 namespace {
@@ -304,6 +305,17 @@ TEST_F(BreakWall, CopiesOfAFilledObjectShareTheRecords) {
   // The copy would delete them a second time: it is emptied before it goes.
   copy.GetSrcWallLines().clear();
   const_cast<std::vector<WallLineLikeSeg*>&>(copy.GetNewWallLines()).clear();
+}
+
+TEST_F(BreakWall, WithoutMemoryTheAllocatorsExceptionComesThrough) {
+  fill("0,0 1000,0; 400,5 400,800");
+  {
+    const quoin::test::NoMemoryAfter noMemory(0);
+    EXPECT_THROW(m_algorithm.SplitWallLines(), std::bad_alloc);
+  }
+  EXPECT_EQ(result(), "");
+  m_algorithm.SplitWallLines();
+  EXPECT_EQ(result(), "0,0 400,0; 400,0 1000,0");
 }
 
 TEST(WallLineRecord, DefaultHasBothPointsAtTheOriginAndNoSource) {

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "support/GeometryText.h"
+#include "support/HeapWatch.h"
 #include "support/RunningHost.h"
 
 namespace {
@@ -168,6 +169,17 @@ TEST_F(DrawWall, ASecondCalculationDeletesTheFirstResultsAndTheModifiedSources) 
   EXPECT_EQ(m_algorithm.GetSrcWallLines()[0], untouched);
 }
 
+TEST_F(DrawWall, ASecondCalculationGivesTheRecordsOfTheFirstBack) {
+  using quoin::test::HeapWatch;
+  fill("50,-40 50,60");
+  draw("0,0", "100,0");
+  m_algorithm.GetSrcWallLines().clear();
+  const long alive = HeapWatch::handedOut - HeapWatch::takenBack;
+  draw("0,500", "0,500");
+  EXPECT_EQ(HeapWatch::handedOut - HeapWatch::takenBack, alive - 4)
+      << "the modified line, its far part and two pieces";
+}
+
 TEST_F(DrawWall, TheScaleIsReadOnceACalculation) {
   fill("50,-40 50,60; 500,0 600,0");
   draw("0,0", "100,0");
@@ -219,12 +231,30 @@ TEST_F(DrawWall, TheReturnedArrayHasGrowthStepEight) {
   EXPECT_EQ(m_algorithm.CalcNewWallLine(point("0,0"), point("1,0")).growLength(), 8);
 }
 
-TEST_F(DrawWall, CopiesShareTheRecords) {
+TEST_F(DrawWall, CopiesOfAFilledObjectShareTheRecords) {
+  fill("50,-40 50,60; 500,0 600,0");
+  draw("0,0", "100,0");
+  CDrawWallLikeAlgorithm copy(m_algorithm);
+  CDrawWallLikeAlgorithm assigned;
+  assigned = m_algorithm;
+  for (CDrawWallLikeAlgorithm* other : {&copy, &assigned}) {
+    EXPECT_EQ(other->GetSrcWallLines(), m_algorithm.GetSrcWallLines());
+    EXPECT_EQ(other->GetSrcModifyiedWallLines(), m_algorithm.GetSrcModifyiedWallLines());
+    EXPECT_EQ(other->GetSrcNewWallLines(), m_algorithm.GetSrcNewWallLines());
+    EXPECT_EQ(other->GetNewWallLines(), m_algorithm.GetNewWallLines());
+    EXPECT_EQ(other->GetSrcModifyiedWallLines().size(), 1u);
+    *other = CDrawWallLikeAlgorithm();  // each would delete the results: it forgets them
+  }
+}
+
+TEST_F(DrawWall, WithoutMemoryTheAllocatorsExceptionComesThrough) {
   fill("50,-40 50,60");
-  const CDrawWallLikeAlgorithm before(m_algorithm);
-  CDrawWallLikeAlgorithm copy;
-  copy = before;
-  EXPECT_EQ(copy.GetSrcWallLines(), m_algorithm.GetSrcWallLines());
+  {
+    const quoin::test::NoMemoryAfter noMemory(0);
+    EXPECT_THROW(m_algorithm.CalcNewWallLine(point("0,0"), point("100,0")), std::bad_alloc);
+  }
+  EXPECT_EQ(pieces(), "");
+  EXPECT_EQ(draw("0,0", "100,0"), "0,0; 50,0; 100,0");
 }
 
 }  // namespace

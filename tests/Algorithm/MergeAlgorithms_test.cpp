@@ -1,8 +1,10 @@
 // The merge of gouge lines, and where the merge of wall lines differs from it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
+#include "GeomDegree.h"
 #include "MergeGougeAlgorithm.h"
 #include "MergeWallAlgorithm.h"
 #include "support/GeometryText.h"
@@ -112,6 +114,29 @@ TEST_F(MergeGouge, SegmentsThatBendByHalfADegreeMergeAndByTwoDegreesDoNot) {
   }
 }
 
+TEST_F(MergeGouge, ABendOfJustOneDegreeIsTheLimitToTheLastBit) {
+  // The smallest steps that doubles allow around one degree, as the merge computes it. Angles
+  // near half a turn lie 2.5e-14 degrees apart and none of them is one degree exactly.
+  const double half = std::acos(-1.0);
+  double nearestBelow = 0.0;
+  double nearestAbove = 2.0;
+  double y = 10.0 * std::tan(half / 180.0) * (1.0 - 1e-13);
+  for (int step = 0; step < 1200; ++step, y = std::nextafter(y, 1.0)) {
+    MergeGougeSeg first;
+    first.ptStart = AcGePoint3d(-10, 0, 0);
+    MergeGougeSeg second;
+    second.ptEnd = AcGePoint3d(10, y, 0);
+    const double turn =
+        AcGeVector3d(-10, 0, 0).angleTo(AcGeVector3d(10, y, 0), AcGeVector3d::kZAxis);
+    const double bend = CGeomDegree(turn - half, CGeomDegree::eAngleRadian).GetAngleDegree();
+    EXPECT_EQ(m_algorithm.Merge2GougeOnPnt(&first, &second, false), bend <= 1.0) << text(bend);
+    (bend <= 1.0 ? nearestBelow : nearestAbove) =
+        bend <= 1.0 ? std::max(nearestBelow, bend) : std::min(nearestAbove, bend);
+  }
+  EXPECT_NEAR(nearestBelow, 1.0, 3e-14);
+  EXPECT_NEAR(nearestAbove, 1.0, 3e-14);
+}
+
 TEST_F(MergeGouge, OverlappingSegmentsNeverMerge) {
   EXPECT_EQ(merge("0,0 10,0; 0,0 20,0"), "");
   EXPECT_EQ(merge("10,5 0,5; 20,5 0,5"), "");
@@ -219,6 +244,25 @@ TEST_F(MergeGouge, ASecondCallMergesFurtherIntoTheSameResult) {
   EXPECT_EQ(merge("60,5 70,5"), "20,0 0,0; 70,5 50,5");
 }
 
+TEST_F(MergeGouge, CopiesOfAFilledObjectShareTheRecords) {
+  m_algorithm.AppendBreakPnt(point("30,0"));
+  merge("0,0 10,0; 10,0 20,0");
+  CMergeGougeAlgorithm copy(m_algorithm);
+  CMergeGougeAlgorithm assigned;
+  assigned = m_algorithm;
+  for (CMergeGougeAlgorithm* other : {&copy, &assigned}) {
+    EXPECT_EQ(other->GetSrcGougeLines(), m_algorithm.GetSrcGougeLines());
+    EXPECT_EQ(other->GetMergeGougeLines(), m_algorithm.GetMergeGougeLines());
+    other->GetSrcGougeLines().clear();  // or each would delete them
+  }
+  // The break points come along: nothing merges at (30,0).
+  for (const auto& [start, end] : quoin::test::segments("25,0 30,0; 30,0 40,0")) {
+    copy.GetSrcGougeLines().push_back(new MergeGougeSeg{start, end, 0, 0, 0, {}});
+  }
+  copy.MergeGougeLines();
+  EXPECT_EQ(copy.GetMergeGougeLines(), m_algorithm.GetMergeGougeLines());
+}
+
 TEST_F(MergeGouge, ANullRecordIsToleratedByTheDestructor) {
   CMergeGougeAlgorithm algorithm;
   algorithm.GetSrcGougeLines().push_back(nullptr);
@@ -268,6 +312,20 @@ TEST_F(MergeWall, AMergeAtTheEndKeepsThem) {
   EXPECT_EQ(text(last->ptStart, last->ptEnd), "0,0 20,0");
   EXPECT_EQ(last->dSide1, 1);
   EXPECT_EQ(last->dSide2, 2);
+}
+
+TEST_F(MergeWall, CopiesOfAFilledObjectShareTheRecords) {
+  add("10,0 20,0", 1, 2);
+  add("0,0 10,0", 1, 2);
+  EXPECT_EQ(merged(), 1u);
+  CMergeWallAlgorithm copy(m_algorithm);
+  CMergeWallAlgorithm assigned;
+  assigned = m_algorithm;
+  for (CMergeWallAlgorithm* other : {&copy, &assigned}) {
+    EXPECT_EQ(other->GetSrcWallLines(), m_algorithm.GetSrcWallLines());
+    EXPECT_EQ(other->GetMergeWallLines(), m_algorithm.GetMergeWallLines());
+    other->GetSrcWallLines().clear();  // or each would delete them
+  }
 }
 
 TEST_F(MergeWall, SideValuesMustAgreeOnTheSamePhysicalSide) {

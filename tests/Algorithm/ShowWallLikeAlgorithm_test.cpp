@@ -1,4 +1,5 @@
 #include "DrawWallAlgorithm/ShowWallLikeAlgorithm.h"
+#include "DrawWallAlgorithm/WallTerminalInternal.h"
 
 #include <gtest/gtest.h>
 
@@ -51,6 +52,12 @@ class ShowWall : public testing::Test {
     wall->ptEnd = wall->ptStart + AcGeVector3d(std::cos(degrees * kPi / 180) * 2000,
                                                std::sin(degrees * kPi / 180) * 2000, 0);
     return wall;
+  }
+  /// Makes an object empty without deleting what it holds, which another one owns.
+  static void forgetAll(CShowWallLikeAlgorithm& algorithm) {
+    const CShowWallLikeAlgorithm empty;
+    algorithm = empty;
+    delete algorithm.GetShowWall();
   }
   std::string endRecords() { return quoin::test::textOfSegments(m_algorithm.GetEndWallArray()); }
 
@@ -248,11 +255,50 @@ TEST(NewShowWall, HasAWallOfItsOwnAtTheOriginThatTheCallerMayRelease) {
   delete algorithm.GetShowWall();  // the object releases only what stands among all walls
 }
 
-TEST_F(ShowWall, CopiesShareTheRecords) {
+TEST_F(ShowWall, CopiesOfAFilledObjectShareTheRecords) {
+  addWall("1000,0 2000,0", 30, 20);
+  addWall("0,0 -1000,0", 30, 20);
+  m_algorithm.CalcShowWall();
+  addWall("0,900 0,90", 30, 20);
   CShowWallLikeAlgorithm copy(m_algorithm);
-  EXPECT_EQ(copy.GetShowWall(), m_algorithm.GetShowWall());
-  EXPECT_EQ(copy.GetAllWallRect(), m_algorithm.GetAllWallRect());
-  copy.GetAllWallRect().clear();  // or both would delete them
+  CShowWallLikeAlgorithm assigned;
+  delete assigned.GetShowWall();  // the assignment forgets it
+  assigned = m_algorithm;
+  for (CShowWallLikeAlgorithm* other : {&copy, &assigned}) {
+    EXPECT_EQ(other->GetShowWall(), m_algorithm.GetShowWall());
+    EXPECT_EQ(other->GetAllWallRect(), m_algorithm.GetAllWallRect());
+    EXPECT_EQ(other->GetStartWallArray(), m_algorithm.GetStartWallArray());
+    EXPECT_EQ(other->GetEndWallArray(), m_algorithm.GetEndWallArray());
+    EXPECT_EQ(other->GetStartWallArray().size(), 2u);
+    EXPECT_EQ(other->GetEndWallArray().size(), 2u);
+    EXPECT_EQ(text(other->GetLeftWall()->ptEnd), text(m_algorithm.GetLeftWall()->ptEnd));
+    EXPECT_EQ(text(other->GetRightWall()->ptEnd), text(m_algorithm.GetRightWall()->ptEnd));
+    EXPECT_EQ(other->GetStartWall(), nullptr);
+    forgetAll(*other);
+  }
+}
+
+TEST_F(ShowWall, CopiesHaveTheClosedEndsOfTheOriginal) {
+  addWall("1000,0 2000,0", 30, 20);
+  m_algorithm.CalcShowWall();
+  CShowWallLikeAlgorithm copy(m_algorithm);
+  ASSERT_NE(copy.GetStartWall(), nullptr);
+  EXPECT_NE(copy.GetStartWall(), m_algorithm.GetStartWall()) << "by value";
+  EXPECT_EQ(text(copy.GetStartWall()->ptStart, copy.GetStartWall()->ptEnd), "0,100 0,-50");
+  EXPECT_EQ(copy.GetEndWall(), nullptr);
+  forgetAll(copy);
+}
+
+TEST_F(ShowWall, AListWithoutTheShowWallIsLoggedWithTheLineOfItsComputation) {
+  using namespace WallTerminalInternal;
+  const std::vector<WallEntityLikeRect*> meet{addWallAtEnd(0), addWallAtEnd(90)};
+  EXPECT_EQ(FindShowWall(meet, meet[1], kAssertLineInPlan), 1u);
+  EXPECT_TRUE(m_host.log().empty());
+  EXPECT_EQ(FindShowWall(meet, m_algorithm.GetShowWall(), kAssertLineInPlan), meet.size());
+  EXPECT_EQ(FindShowWall({}, m_algorithm.GetShowWall(), kAssertLineFor3d), 0u);
+  EXPECT_EQ(m_host.log(),
+            (std::vector<std::wstring>{L"断言：FALSE Algorithm\\DrawWallAlgorithm - 567",
+                                       L"断言：FALSE Algorithm\\DrawWallAlgorithm - 486"}));
 }
 
 // --- for 3D ---------------------------------------------------------------------------------
@@ -274,6 +320,21 @@ TEST_F(ShowWall, For3dItSetsTheFlagsAndLeavesTheOutline) {
   EXPECT_EQ(text(m_algorithm.GetStartWall()->ptStart, m_algorithm.GetStartWall()->ptEnd),
             "0,0 0,0");
   EXPECT_EQ(text(m_algorithm.GetLeftWall()->ptEnd), "0,0");
+}
+
+TEST_F(ShowWall, For3dAWallAtOneEndClosesThatEndOnly) {
+  WallEntityLikeRect* wall = addWall("1000,0 1000,900");
+  PrepareFrom2dTo3dData data = m_algorithm.CalcShowWallPrepareFor3d();
+  EXPECT_TRUE(data.bHasStartWall);
+  EXPECT_FALSE(data.bHasEndWall);
+  EXPECT_NE(m_algorithm.GetStartWall(), nullptr);
+  EXPECT_EQ(m_algorithm.GetEndWall(), nullptr);
+  wall->ptStart.x = wall->ptEnd.x = 0;
+  data = m_algorithm.CalcShowWallPrepareFor3d();
+  EXPECT_FALSE(data.bHasStartWall);
+  EXPECT_TRUE(data.bHasEndWall);
+  EXPECT_EQ(m_algorithm.GetStartWall(), nullptr);
+  EXPECT_NE(m_algorithm.GetEndWall(), nullptr);
 }
 
 TEST_F(ShowWall, For3dCalculatingTwiceDoublesTheConnectingRecords) {

@@ -39,18 +39,34 @@ TEST(AngleLock, TurnsToTheNearestFifteenDegrees) {
 }
 
 TEST(AngleLock, HalfWayAnglesGoUp) {
-  // 7.5 degrees as the lock computes it: the angle whose sum with the half step is one step.
-  const AcGePoint3d base;
-  const AcGePoint3d picked(100 * std::cos(kPi / 24), 100 * std::sin(kPi / 24), 0);
-  const AcGePoint3d locked = CAcadCommonTool::GetAngleLockPnt(base, picked);
-  const double angle = std::atan2(picked.y, picked.x);
-  const int steps = static_cast<int>((angle + kPi / 24) / (kPi / 12));
-  expectNear(locked, polar(15.0 * steps));
+  // Around each half-way angle in the smallest steps that doubles allow; a few of them are one
+  // angle with it once the half step is added.
+  for (const int half : {1, 3, 5}) {
+    const double limit = half * (kPi / 24);
+    const double x = 100 * std::cos(limit);
+    double y = 100 * std::sin(limit) * (1.0 - 4e-15);
+    bool sawLimit = false;
+    for (int step = 0; step < 60; ++step, y = std::nextafter(y, 200.0)) {
+      const AcGePoint3d picked(x, y, 0);
+      const double angle = AcGeVector3d::kXAxis.angleTo(picked.asVector(), AcGeVector3d::kZAxis);
+      const AcGePoint3d locked = CAcadCommonTool::GetAngleLockPnt({}, picked);
+      if (angle >= limit) {
+        expectNear(locked, polar(15.0 * (half + 1) / 2));
+      } else if (angle < limit * (1.0 - 1e-15)) {
+        expectNear(locked, polar(15.0 * (half - 1) / 2));
+      }
+      sawLimit = sawLimit || angle == limit;
+    }
+    EXPECT_TRUE(sawLimit) << half;
+  }
   expectNear(lockAt(7.5000001), polar(15));
+  expectNear(lockAt(7.4999999), polar(0));
 }
 
 TEST(AngleLock, NearlyAFullTurnIsThePositiveXAxis) {
   expectNear(lockAt(352.5000001), polar(0));
+  expectNear(lockAt(359.99), polar(0));
+  expectNear(lockAt(352.4999999), polar(345));
 }
 
 TEST(AngleLock, APointOnItselfStaysThere) {
@@ -85,6 +101,36 @@ TEST(View, APlainTopViewIsOneOnlyInStandardDisplay) {
   EXPECT_TRUE(CAcadCommonTool::IsZAxisViewPort(kAcGiStandardDisplay));
   EXPECT_FALSE(CAcadCommonTool::IsZAxisViewPort(kAcGiHideOrShadeCommand));
   EXPECT_FALSE(CAcadCommonTool::IsZAxisViewPort(kAcGiShadedDisplay));
+}
+
+TEST(View, FromBelowIsNoTopView) {
+  quoin::test::RunningHost host;
+  quoin::ed::View view;
+  view.direction = AcGeVector3d(0, 0, -1);
+  ASSERT_TRUE(host.host().editor().setView(*curDoc(), view));
+  EXPECT_EQ(quoin::test::text(AcGePoint3d::kOrigin + CAcadCommonTool::GetWcsViewDir()), "0,0,-1");
+  EXPECT_FALSE(CAcadCommonTool::IsZAxisViewPort(kAcGiStandardDisplay));
+}
+
+TEST(View, TheDirectionIsTheWorldsInEveryUserCoordinateSystem) {
+  quoin::test::RunningHost host;
+  quoin::ed::Editor& editor = host.host().editor();
+  // Upright and far away: Z of this system is the world's X.
+  quoin::ed::UserSystem system;
+  system.origin = AcGePoint3d(1000, 2000, 3000);
+  system.xAxis = AcGeVector3d(0, 1, 0);
+  system.yAxis = AcGeVector3d(0, 0, 1);
+  for (const AcGeVector3d& direction : {AcGeVector3d(0, 0, 1), AcGeVector3d(1, 0, 0),
+                                        AcGeVector3d(0, -2, 0), AcGeVector3d(1, 2, 3)}) {
+    quoin::ed::View view;
+    view.direction = direction;
+    ASSERT_TRUE(editor.setView(*curDoc(), view));
+    ASSERT_TRUE(editor.setUserSystem(*curDoc(), system));
+    const AcGeVector3d seen = CAcadCommonTool::GetWcsViewDir();
+    EXPECT_TRUE(seen.isCodirectionalTo(direction)) << seen.x << " " << seen.y << " " << seen.z;
+    EXPECT_EQ(CAcadCommonTool::IsZAxisViewPort(kAcGiStandardDisplay),
+              direction.x == 0.0 && direction.z > 0.0);
+  }
 }
 
 TEST(TextStyle, IsSharedAndNotLoadedAtTheBeginning) {

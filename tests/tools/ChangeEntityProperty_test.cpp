@@ -2,12 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <type_traits>
+
 #include "support/Drawings.h"
 #include "support/RunningHost.h"
 
 namespace {
 
 using quoin::test::Drawing;
+
+static_assert(std::is_convertible_v<IModelNode*, CChangeEntityProperty>,
+              "a node is enough where a functor is wanted");
 
 /// An R2010 drawing: layer "Walls", a dashed linetype, a material; a line with all
 /// properties (40), a plain one (41), a block reference with an attribute (42, 43).
@@ -72,6 +77,8 @@ TEST_F(ChangeEntityProperty, ReachesTheAttributesOfAReference) {
   const AcDbObjectPointer<AcDbEntity> attribute(drawing.id(0x43));
   EXPECT_EQ(quoin::test::taken(attribute->layer()), L"Walls");
   EXPECT_EQ(attribute->colorIndex(), 3);
+  EXPECT_EQ(attribute->lineWeight(), AcDb::kLnWt050);
+  EXPECT_EQ(quoin::test::taken(attribute->linetype()), L"Dashed");
   EXPECT_EQ(attribute->materialId(), drawing.id(0x52));
 }
 

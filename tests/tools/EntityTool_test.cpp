@@ -6,6 +6,7 @@
 #include "dbmtext.h"
 #include "support/Drawings.h"
 #include "support/GeometryText.h"
+#include "support/Styles.h"
 
 namespace {
 
@@ -154,6 +155,18 @@ TEST(EntityExtents, PassOverAnEntityWhoseLayerIsOpenForWrite) {
   EXPECT_TRUE(ext.isFresh());
 }
 
+TEST(EntityExtents, GoOnBehindAnEntityThatIsOpenForWrite) {
+  const Drawing drawing;
+  addLine(drawing, 0, 0);
+  const AcDbObjectId openId = addLine(drawing, 1000, 1000);
+  addLine(drawing, -50, -50);
+  const AcDbObjectPointer<AcDbLine> open(openId, AcDb::kForWrite);
+  AcDbExtents ext;
+  EXPECT_TRUE(CEntityTool::GetEntExtents(&drawing.db(), ext, false));
+  EXPECT_EQ(text(ext.minPoint(), ext.maxPoint()),
+            text(AcGePoint3d(-50, -50, 1), AcGePoint3d(10, 5, 2)));
+}
+
 // --- texts --------------------------------------------------------------------------------------
 
 bool textCounts(double height, const wchar_t* contents) {
@@ -169,6 +182,10 @@ TEST(EntityExtents, OfTextCountUnlessItHasNeitherHeightNorLetters) {
   EXPECT_FALSE(textCounts(0.0, L"   "));
   EXPECT_FALSE(textCounts(0.0, L""));
   EXPECT_TRUE(textCounts(2.5, L"A"));
+  EXPECT_TRUE(textCounts(0.0, L"A"));
+  EXPECT_TRUE(textCounts(0.0, L"  A "));
+  EXPECT_TRUE(textCounts(2.5, L""));
+  EXPECT_TRUE(textCounts(2.5, L"   "));
 }
 
 TEST(EntityExtents, OfMultilineTextGoByItsWidth) {
@@ -183,7 +200,10 @@ TEST(EntityExtents, OfMultilineTextGoByItsWidth) {
     return measured(drawing).ext.minPoint().x < 500.0;
   };
   EXPECT_FALSE(isCounted(0.0, L"  "));
+  EXPECT_FALSE(isCounted(0.0, L""));
   EXPECT_TRUE(isCounted(0.0, L"A"));
+  EXPECT_TRUE(isCounted(40.0, L""));
+  EXPECT_TRUE(isCounted(40.0, L"  "));
   EXPECT_TRUE(isCounted(40.0, L"A"));
 }
 
@@ -261,6 +281,17 @@ TEST(TransformEntity, ByScaleEnlargesEightyTimes) {
   const AcDbObjectId id = addLine(drawing, 100, 20);
   CEntityTool::TransformEntityByScale(&drawing.db(), 1.0, L"*MODEL_SPACE");
   EXPECT_EQ(lineOf(id), text(AcGePoint3d(8000, 1600, 80), AcGePoint3d(8800, 2000, 160)));
+}
+
+TEST(TransformEntity, ByScaleReachesAnotherBlockAndNothingElse) {
+  const Drawing drawing;
+  const AcDbObjectId inSpace = addLine(drawing, 100, 20);
+  quoin::test::addBlock(drawing, L"Door");
+  const AcDbObjectId inDoor =
+      append(drawing.db(), new AcDbLine(AcGePoint3d(1, 2, 3), AcGePoint3d(4, 5, 6)), L"Door");
+  CEntityTool::TransformEntityByScale(&drawing.db(), 0.5, L"Door");
+  EXPECT_EQ(lineOf(inDoor), text(AcGePoint3d(40, 80, 120), AcGePoint3d(160, 200, 240)));
+  EXPECT_EQ(lineOf(inSpace), text(AcGePoint3d(100, 20, 1), AcGePoint3d(110, 25, 2)));
 }
 
 TEST(TransformEntity, ByScaleZeroLeavesEntitiesAsTheyAre) {

@@ -14,13 +14,8 @@ AcDbObjectId make(const Drawing& drawing, const wchar_t* name, double scale) {
   return CKxAcadBlockTool::GetCustomDimStyle(&drawing.db(), name, scale);
 }
 
-TEST(CustomDimStyle, HasTheSettingsOfArchitecturalDimensions) {
-  const quoin::test::NoMisuse guard;
-  const Drawing drawing;
-  const AcDbObjectId id = make(drawing, L"Plan", 100.0);
-  ASSERT_FALSE(id.isNull());
-  EXPECT_EQ(id, quoin::test::dimStyleOf(drawing, L"Plan"));
-  EXPECT_TRUE(hostx::openObjects(&drawing.db()).empty());
+/// Whether this is a style at scale 100.
+void expectArchitectural(const AcDbObjectId& id) {
   const AcDbObjectPointer<AcDbDimStyleTableRecord> style(id);
   EXPECT_EQ(style->dimexe(), 2.5);
   EXPECT_EQ(style->dimexo(), 8.0);
@@ -39,6 +34,41 @@ TEST(CustomDimStyle, HasTheSettingsOfArchitecturalDimensions) {
   EXPECT_FALSE(style->dimtoh());
   EXPECT_EQ(style->dimlfac(), 0.01);
   EXPECT_EQ(style->dimscale(), 8000.0);
+}
+
+TEST(CustomDimStyle, HasTheSettingsOfArchitecturalDimensions) {
+  const quoin::test::NoMisuse guard;
+  const Drawing drawing;
+  const AcDbObjectId id = make(drawing, L"Plan", 100.0);
+  ASSERT_FALSE(id.isNull());
+  EXPECT_EQ(id, quoin::test::dimStyleOf(drawing, L"Plan"));
+  EXPECT_TRUE(hostx::openObjects(&drawing.db()).empty());
+  expectArchitectural(id);
+}
+
+TEST(CustomDimStyle, SetsItsOwnWhateverStandardHas) {
+  const Drawing drawing;
+  {
+    const AcDbObjectPointer<AcDbDimStyleTableRecord> standard(
+        quoin::test::dimStyleOf(drawing, L"Standard"), AcDb::kForWrite);
+    for (const auto set :
+         {&AcDbDimStyleTableRecord::setDimexe, &AcDbDimStyleTableRecord::setDimexo,
+          &AcDbDimStyleTableRecord::setDimasz, &AcDbDimStyleTableRecord::setDimtxt,
+          &AcDbDimStyleTableRecord::setDimrnd, &AcDbDimStyleTableRecord::setDimgap,
+          &AcDbDimStyleTableRecord::setDimlfac, &AcDbDimStyleTableRecord::setDimscale}) {
+      EXPECT_EQ((standard.object()->*set)(77.0), Acad::eOk);
+    }
+    EXPECT_EQ(standard->setDimtad(4), Acad::eOk);
+    EXPECT_EQ(standard->setDimjust(3), Acad::eOk);
+    EXPECT_EQ(standard->setDimtix(false), Acad::eOk);
+    EXPECT_EQ(standard->setDimtmove(1), Acad::eOk);
+    EXPECT_EQ(standard->setDimtofl(false), Acad::eOk);
+    EXPECT_EQ(standard->setDimunit(4), Acad::eOk);
+    EXPECT_EQ(standard->setDimdec(7), Acad::eOk);
+    EXPECT_EQ(standard->setDimtih(true), Acad::eOk);
+    EXPECT_EQ(standard->setDimtoh(true), Acad::eOk);
+  }
+  expectArchitectural(make(drawing, L"Plan", 100.0));
 }
 
 TEST(CustomDimStyle, TakesTheRestFromStandard) {
