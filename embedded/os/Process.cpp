@@ -1,5 +1,6 @@
 #include "embedded/os/Process.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <string.h>
@@ -11,6 +12,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <exception>
+#include <new>
 #include <string_view>
 #include <system_error>
 
@@ -73,6 +75,11 @@ struct Worker {
 /// How long a request to stop may wait before the workers hear of it.
 constexpr int kLookMilliseconds = 100;
 
+/// The last byte of an answer. One without it was cut short, whatever the process's exit code
+/// says: a parent that ignores the ends of its children never hears that code.
+constexpr char kDone = '+';
+constexpr char kFailed = '-';
+
 /// The whole text or nothing more to be done about it: a reader that is gone wants none.
 void writeAll(int file, const std::string& text) {
   std::size_t done = 0;
@@ -86,7 +93,7 @@ void writeAll(int file, const std::string& text) {
   }
 }
 
-/// The work in the new process; never returns. Exit code 0 says that the answer is whole.
+/// The work in the new process; never returns.
 [[noreturn]] void workAndExit(int answer, std::size_t number,
                               const std::function<std::string(std::size_t)>& work) {
   // The delays belong to the process that this one is a copy of.
@@ -97,9 +104,12 @@ void writeAll(int file, const std::string& text) {
   }
   int code = 0;
   try {
-    writeAll(answer, work(number));
+    writeAll(answer, work(number) + kDone);
+  } catch (const std::bad_alloc&) {
+    writeAll(answer, std::string("there is not enough memory") + kFailed);
+    code = 1;
   } catch (const std::exception& error) {
-    writeAll(answer, error.what());
+    writeAll(answer, std::string(error.what()) + kFailed);
     code = 1;
   } catch (...) {
     code = 1;
@@ -108,10 +118,40 @@ void writeAll(int file, const std::string& text) {
   _exit(code);  // the copied process's static objects are not its own to take down
 }
 
+/// Moves a descriptor above the standard streams, which may be closed: what the work prints must
+/// not become its answer, nor an answer go into a file that is opened next.
+int aboveStandardStreams(int file) {
+  if (file < 0 || file > STDERR_FILENO) {
+    return file;
+  }
+  const int moved = fcntl(file, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  close(file);
+  return moved;
+}
+
+/// A pipe's two ends; false where the system has none.
+bool makePipe(int (&ends)[2]) {
+  if (pipe2(ends, O_CLOEXEC) != 0) {
+    return false;
+  }
+  for (int& end : ends) {
+    end = aboveStandardStreams(end);
+  }
+  if (ends[0] >= 0 && ends[1] >= 0) {
+    return true;
+  }
+  for (const int end : ends) {
+    if (end >= 0) {
+      close(end);
+    }
+  }
+  return false;
+}
+
 /// Begins a piece of work; -1 as its process where the system has no more of them.
 Worker begin(std::size_t number, const std::function<std::string(std::size_t)>& work) {
   int ends[2];
-  if (pipe(ends) != 0) {
+  if (!makePipe(ends)) {
     return {number, -1, -1};
   }
   std::fflush(nullptr);  // or both processes would write what waits in the streams
@@ -138,19 +178,35 @@ bool takeAnswer(const Worker& worker, std::string& text) {
   return size > 0 || (size < 0 && errno == EINTR);
 }
 
+/// How a process ended that left no whole answer.
+std::string endText(int state) {
+  if (WIFEXITED(state) && WEXITSTATUS(state) == kExitInterrupted) {
+    return "interrupted";
+  }
+  if (!WIFSIGNALED(state)) {
+    return WIFEXITED(state) && WEXITSTATUS(state) != 0
+               ? "the process ended with exit code " + std::to_string(WEXITSTATUS(state))
+               : "the process ended without a whole answer";
+  }
+  const int number = WTERMSIG(state);
+  const char* const name = strsignal(number);
+  const std::string text =
+      std::string("the process was ended: ") + (name ? name : "unknown signal");
+  return number == SIGKILL ? text + " (as the system does when memory runs out)" : text;
+}
+
 /// Waits for the process and completes its result.
 void finish(const Worker& worker, SideResult& result) {
   close(worker.answer);
   int state = 0;
   while (waitpid(worker.process, &state, 0) < 0 && errno == EINTR) {
   }
-  result.isDone = WIFEXITED(state) && WEXITSTATUS(state) == 0;
-  if (WIFEXITED(state) && WEXITSTATUS(state) == kExitInterrupted) {
-    result.text = "interrupted";
-  }
-  if (WIFSIGNALED(state)) {
-    const char* const name = strsignal(WTERMSIG(state));
-    result.text = std::string("the process was ended: ") + (name ? name : "unknown signal");
+  const char last = result.text.empty() ? '\0' : result.text.back();
+  result.isDone = last == kDone;
+  if (last == kDone || last == kFailed) {
+    result.text.pop_back();
+  } else {
+    result.text = endText(state);
   }
 }
 

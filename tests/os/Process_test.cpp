@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
+#include <new>
 #include <stdexcept>
 #include <thread>
 
@@ -59,6 +61,67 @@ TEST(SideBySide, WhatDiesTakesNothingWithIt) {
   EXPECT_EQ(results[1].text, "no room");
   EXPECT_TRUE(results[2].isDone);
   EXPECT_EQ(results[2].text, "fine");
+}
+
+TEST(SideBySide, AnAnswerCutShortIsNone) {
+  const std::vector<SideResult> results = runSideBySide(
+      2, 1,
+      [](std::size_t number) -> std::string {
+        _exit(number == 0 ? 0 : 9);  // as what is called may do, before it has answered
+      },
+      kNobodyListens);
+  EXPECT_FALSE(results[0].isDone);
+  EXPECT_EQ(results[0].text, "the process ended without a whole answer");
+  EXPECT_FALSE(results[1].isDone);
+  EXPECT_EQ(results[1].text, "the process ended with exit code 9");
+}
+
+TEST(SideBySide, AParentThatIgnoresItsChildrenHearsTheirAnswers) {
+  const auto before = signal(SIGCHLD, SIG_IGN);
+  const std::vector<SideResult> results = runSideBySide(
+      2, 2,
+      [](std::size_t number) -> std::string {
+        if (number == 0) {
+          raise(SIGKILL);
+        }
+        return "fine";
+      },
+      kNobodyListens);
+  signal(SIGCHLD, before);
+  EXPECT_FALSE(results[0].isDone);
+  EXPECT_TRUE(results[1].isDone);
+  EXPECT_EQ(results[1].text, "fine");
+}
+
+TEST(SideBySide, WhatIsPrintedDoesNotBecomeTheAnswerWhereNoStandardStreamIsOpen) {
+  std::fflush(nullptr);
+  const int input = dup(STDIN_FILENO);
+  const int output = dup(STDOUT_FILENO);
+  close(STDIN_FILENO);
+  close(STDOUT_FILENO);
+  const std::vector<SideResult> results = runSideBySide(
+      2, 2,
+      [](std::size_t) -> std::string {
+        std::printf("words for a terminal\n");
+        std::fflush(stdout);
+        return "fine";
+      },
+      kNobodyListens);
+  dup2(input, STDIN_FILENO);
+  dup2(output, STDOUT_FILENO);
+  close(input);
+  close(output);
+  for (const SideResult& result : results) {
+    EXPECT_TRUE(result.isDone);
+    EXPECT_EQ(result.text, "fine");
+  }
+}
+
+TEST(SideBySide, MemoryThatRunsOutIsSaidInWords) {
+  const std::vector<SideResult> results = runSideBySide(
+      1, 1, [](std::size_t) -> std::string { throw std::bad_alloc(); }, kNobodyListens);
+  EXPECT_FALSE(results[0].isDone);
+  EXPECT_EQ(results[0].text, "there is not enough memory");
 }
 
 TEST(SideBySide, TheWorkChangesNothingHere) {
