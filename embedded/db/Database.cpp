@@ -40,6 +40,7 @@ Acad::ErrorStatus noteFileError(DatabaseImpl& database) {
     throw;
   } catch (const dxf::FileError& error) {
     database.lastError = os::fromUtf8(error.message());
+    database.isSaveInPlace = error.isInPlace;
     return error.status;
   } catch (const std::bad_alloc&) {
     database.lastError = L"there is not enough memory";
@@ -105,6 +106,7 @@ Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName, bool keepBackup) {
   DatabaseImpl& database = *m_impl;
   try {
     database.lastError.clear();
+    database.isSaveInPlace = false;
     if (!fileName || !*fileName) {
       database.lastError = L"no file is named";
       return Acad::eInvalidInput;
@@ -120,9 +122,14 @@ Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName, bool keepBackup) {
     dxf::writeDrawing(database.store, os::toUtf8(fileName), options, progressOf(database));
     database.path = fileName;
     database.savedChanges = database.changes;
+    database.isSaveInPlace = true;
     return Acad::eOk;
   } catch (...) {
-    return noteFileError(database);
+    const Acad::ErrorStatus status = noteFileError(database);
+    if (database.isSaveInPlace) {
+      database.savedChanges = database.changes;
+    }
+    return status;
   }
 }
 

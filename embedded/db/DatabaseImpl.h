@@ -63,6 +63,7 @@ struct DatabaseImpl {
   std::wstring path;        // read from, or saved to last
   std::wstring failedPath;  // that could not be read
   std::wstring lastError;
+  bool isSaveInPlace = false;  // the last saving replaced the file, though it may have failed then
   hostx::Progress progress;
   bool wasRead = false;
 

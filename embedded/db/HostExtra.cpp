@@ -93,6 +93,10 @@ std::wstring lastFileError(const AcDbDatabase* database) {
   return database ? Access::of(*database).lastError : std::wstring();
 }
 
+bool isSaveInPlace(const AcDbDatabase* database) {
+  return database && Access::of(*database).isSaveInPlace;
+}
+
 std::vector<std::wstring> warnings(const AcDbDatabase* database) {
   std::vector<std::wstring> texts;
   if (database) {

@@ -32,6 +32,7 @@ void translated(const std::string& path, Work work) {
   } catch (const os::FileFailure& failure) {
     FileError error(failure.status, failure.what());
     error.fileName = path;
+    error.isInPlace = failure.isInPlace;
     throw error;
   } catch (FileError& error) {
     if (error.fileName.empty()) {

@@ -21,6 +21,8 @@ class HOST_API FileError : public std::runtime_error {
   std::uint64_t line = 0;    // ASCII: 1-based; 0 when unknown
   std::uint64_t offset = 0;  // binary: byte offset; 0 when unknown
   std::string record;        // "LINE 2F", empty when unknown
+  /// Of saving: whether the new file has its name already, whatever failed after that.
+  bool isInPlace = false;
 
   /// "plan.dxf:1742: LINE 2F: group code 'x1' is not a number"; in a binary file the place
   /// reads "plan.dxf, byte 1742: ...". What is unknown is left out.

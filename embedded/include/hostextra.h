@@ -37,6 +37,10 @@ HOST_API double millimetersPerUnit(AcDb::UnitsValue units);
 /// offset, record, cause. Empty when it went well.
 HOST_API std::wstring lastFileError(const AcDbDatabase* database);
 
+/// Whether the last saving put the drawing in place. One that failed may have done so: where the
+/// folder's new state could not be brought to the disk, the file is the new one all the same.
+HOST_API bool isSaveInPlace(const AcDbDatabase* database);
+
 /// What reading found odd but could live with (layers that no table lists, double handles),
 /// in words.
 HOST_API std::vector<std::wstring> warnings(const AcDbDatabase* database);

@@ -348,7 +348,12 @@ void AtomicFile::commit() {
   m_temporary.clear();
   noteFileWritten();
   if (const int error = m_files.flushFolder(m_folder)) {
-    fail("the new version is in place, but its folder cannot be brought to the disk", error);
+    FileFailure failure(
+        Acad::eFileWriteError, m_path,
+        "the new version is in place, but its folder cannot be brought to the disk: " +
+            systemText(error));
+    failure.isInPlace = true;
+    throw failure;
   }
 }
 

@@ -23,6 +23,8 @@ class HOST_API FileFailure : public std::runtime_error {
 
   Acad::ErrorStatus status;
   std::string path;
+  /// Whether the new version has the file's name already, whatever failed after that.
+  bool isInPlace = false;
 
   /// "plan.dxf: there is no such file".
   std::string message() const { return path + ": " + what(); }
@@ -69,8 +71,8 @@ class HOST_API AtomicFile {
   /// Fails: throws FileFailure with eFileWriteError (the disk is full, ...), eUserBreak when
   /// the process was asked to stop.
   void write(std::string_view bytes);
-  /// Fails: throws FileFailure; the old file is untouched, unless the message says that the
-  /// new one is in place already.
+  /// Fails: throws FileFailure; the old file is untouched, unless isInPlace says that the new
+  /// one is in place already.
   void commit();
 
  private:

@@ -16,25 +16,29 @@ std::vector<quoin::product::SaveOutcome>& outcomes() {
   return kept;
 }
 
-Acad::ErrorStatus save(AcDbDatabase* pDb, const wchar_t* path, bool keepBackup) {
+Acad::ErrorStatus save(AcDbDatabase* pDb, const wchar_t* path, bool keepBackup, bool& isInPlace) {
   if (!pDb) {
     return Acad::eNoDatabase;
   }
   if (!path || *path == 0) {
     return Acad::eInvalidInput;
   }
-  return pDb->saveAs(path, keepBackup);
+  const Acad::ErrorStatus status = pDb->saveAs(path, keepBackup);
+  isInPlace = hostx::isSaveInPlace(pDb);
+  return status;
 }
 
 }  // namespace
 
 Acad::ErrorStatus CAcadDbTool::SaveDb(AcDbDatabase* pDb, const wchar_t* path, bool keepBackup) {
-  const Acad::ErrorStatus status = save(pDb, path, keepBackup);
+  bool isInPlace = false;
+  const Acad::ErrorStatus status = save(pDb, path, keepBackup, isInPlace);
   if (outcomes().size() == kMostOutcomes) {
     outcomes().erase(outcomes().begin());
   }
   outcomes().push_back({path ? path : L"", status,
-                        status == Acad::eOk ? std::wstring() : hostx::lastFileError(pDb)});
+                        status == Acad::eOk ? std::wstring() : hostx::lastFileError(pDb),
+                        isInPlace});
   return status;
 }
 

@@ -14,6 +14,7 @@ struct SaveOutcome {
   std::wstring path;
   Acad::ErrorStatus status;
   std::wstring cause;  // in words, with the file's name; empty when it went well
+  bool isInPlace;      // the file is the new drawing; so it may be after a failure too
 };
 
 /// What was saved since the last call, in order.

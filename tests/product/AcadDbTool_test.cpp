@@ -9,6 +9,8 @@
 
 #include "dbmain.h"
 #include "embedded/product/SaveOutcomes.h"
+#include "hostextra.h"
+#include "support/FolderSync.h"
 
 namespace {
 
@@ -82,6 +84,29 @@ TEST_F(SaveDbTest, WhatItDidCanBeAskedForOnce) {
   EXPECT_NE(outcomes[1].cause.find(L"bad.dxf"), std::wstring::npos);
   EXPECT_EQ(outcomes[2].status, Acad::eNoDatabase);
   EXPECT_TRUE(quoin::product::takeSaveOutcomes().empty());
+}
+
+TEST_F(SaveDbTest, ADrawingInPlaceIsSaidToBeSoEvenWhereTheFolderFailsToReachTheDisk) {
+  std::ofstream(path) << "old";
+  AcDbDatabase drawing(true, true);
+  quoin::product::takeSaveOutcomes();
+  quoin::test::failsToSyncFolders = true;
+  const Acad::ErrorStatus status = CAcadDbTool::SaveDb(&drawing, path.wstring().c_str(), true);
+  quoin::test::failsToSyncFolders = false;
+  EXPECT_EQ(status, Acad::eFileWriteError);
+  EXPECT_NE(contentOf(path), "old");
+  const fs::path nowhere = folder / "missing" / "plan.dxf";
+  CAcadDbTool::SaveDb(&drawing, nowhere.wstring().c_str(), true);
+  CAcadDbTool::SaveDb(&drawing, path.wstring().c_str(), true);
+  CAcadDbTool::SaveDb(&drawing, L"", true);
+  const std::vector<quoin::product::SaveOutcome> outcomes = quoin::product::takeSaveOutcomes();
+  ASSERT_EQ(outcomes.size(), 4u);
+  EXPECT_TRUE(outcomes[0].isInPlace);
+  EXPECT_NE(outcomes[0].cause.find(L"the new version is in place"), std::wstring::npos);
+  EXPECT_FALSE(outcomes[1].isInPlace);
+  EXPECT_TRUE(outcomes[2].isInPlace);
+  EXPECT_FALSE(outcomes[3].isInPlace) << "nothing was saved";
+  EXPECT_FALSE(hostx::isSaveInPlace(nullptr));
 }
 
 }  // namespace
