@@ -81,7 +81,8 @@ Acad::ErrorStatus editedBytes(const TagList& tags, const AcGeMatrix3d& matrix, s
   }
   transformXData(edit, matrix);
   dropStoredPicture(edit);
-  if (!edit.isFinite()) {
+  // A number that nobody can read has no image; the others alone would be half a change.
+  if (!edit.isFinite() || edit.metUnreadable()) {
     return Acad::eInvalidInput;
   }
   bytes = edit.bytes();

@@ -109,7 +109,13 @@ void RecordEdit::setDouble(const Place& place, int code, double value,
 }
 
 void RecordEdit::setDoubleAt(std::size_t index, double value) {
-  if (isSameNumber(m_tags->doubleAt(index), value)) {
+  const double before = m_tags->doubleAt(index);
+  // What cannot be read reads as 0 or as an infinity.
+  if ((before == 0.0 || !std::isfinite(before)) &&
+      dxf::isUnreadableDouble((*m_tags)[index], m_tags->format())) {
+    m_metUnreadable = true;
+  }
+  if (isSameNumber(before, value)) {
     return;
   }
   noteNumber(value);

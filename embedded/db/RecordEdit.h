@@ -58,6 +58,8 @@ class RecordEdit {
 
   /// Whether every number that was set is finite; nothing else may be written.
   bool isFinite() const { return m_isFinite; }
+  /// Whether a number that was set, or would have been, had no readable one before it.
+  bool metUnreadable() const { return m_metUnreadable; }
   bool isChanged() const { return !m_splices.empty(); }
   /// The record with all changes.
   std::string bytes() const;
@@ -75,6 +77,7 @@ class RecordEdit {
   const TagList* m_tags;
   std::vector<Splice> m_splices;
   bool m_isFinite = true;
+  bool m_metUnreadable = false;
 };
 
 }  // namespace quoin::db

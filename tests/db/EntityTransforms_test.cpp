@@ -187,6 +187,19 @@ TEST(EntityTransforms, EveryKindRejectsSingularMatricesAndStays) {
   }
 }
 
+TEST(EntityTransforms, WithANumberThatCannotBeReadNothingOfItMoves) {
+  for (const std::string tags : {"100 AcDbLine|10 north|20 2.0|30 3.0|11 4.0|21 6.0|31 3.0",
+                                 "100 AcDbLine|10 1.0|20 2.0|30 3.0|11 4.0|21 1e999|31 3.0",
+                                 "100 AcDbLine|10 1e308|20 2.0|30 3.0|11 4.0|21 6.0|31 3.0"}) {
+    One one("LINE", tags);
+    const std::string before = one.saved();
+    EXPECT_EQ(one.transform(AcGeMatrix3d().setToScaling(10.0)), Acad::eInvalidInput) << tags;
+    EXPECT_EQ(one.saved(), before) << tags;
+  }
+  One circle("CIRCLE", "100 AcDbCircle|10 1.0|20 2.0|30 0.0|40 wide");
+  EXPECT_EQ(circle.transform(AcGeMatrix3d().setToScaling(10.0)), Acad::eInvalidInput);
+}
+
 TEST(EntityTransforms, OfTheExtentsAreTheExtentsOfTheTransformed) {
   AcGeMatrix3d mirror;
   mirror.setToMirroring(AcGePoint3d(1, 0, 0), AcGeVector3d::kXAxis);
