@@ -6,13 +6,13 @@
 #include <map>
 
 #include "BreakWallAlgorithm.h"
-#include "commands/Command.h"
 #include "commands/CommandError.h"
-#include "commands/CommonOptions.h"
+#include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
 #include "commands/Progress.h"
 #include "commands/WallChanges.h"
 #include "commands/WallLines.h"
+#include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
 #include "embedded/os/Utf8.h"
@@ -48,7 +48,7 @@ struct BreakResult {
   std::size_t cutCount() const { return pieceCount() - changes.size(); }
 };
 
-class BreakCommand : public Command {
+class BreakCommand : public DrawingCommand {
  public:
   CLI::App* declare(CLI::App& app) override {
     CLI::App* const command = app.add_subcommand(
@@ -59,13 +59,10 @@ class BreakCommand : public Command {
         "Layers with wall lines, * and ? allowed; may be repeated. Default: "
         "layers whose name has a word for wall (wall, mur, muro, Wand, 墙, ...)");
     m_options.declareScale(*command);
-    command
-        ->add_option("--at", m_at,
-                     "Also cut the wall line nearest to this point, at the foot of the point; "
-                     "may be repeated")
-        ->type_name("X,Y")
-        ->take_all()
-        ->expected(1);
+    addRepeated(*command, "--at", m_at,
+                "Also cut the wall line nearest to this point, at the foot of the point; may be "
+                "repeated",
+                "X,Y");
     command->footer(
         "Wall lines are the LINE entities and the straight segments of polylines in model\n"
         "space. Walls on locked layers cut others but are not changed themselves.\n\n"
@@ -76,26 +73,28 @@ class BreakCommand : public Command {
     return command;
   }
 
-  void run() override {
-    m_options.checkFiles();
-    std::vector<AcGePoint3d> asked;
+  std::string name() const override { return "break"; }
+  void prepare() override {
     for (const std::string& text : m_at) {
-      asked.push_back(parsePoint(text));
+      m_asked.push_back(parsePoint(text));
     }
-    Drawing drawing(m_options.plan);
+  }
+
+  void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     BreakResult result;
     result.layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
     result.walls = collectWallLines(drawing, result.layers);
     result.capture = setProjectScale(m_options, drawing);
-    split(result, asked);
+    split(result, m_asked);
     // The picture's background is what the drawing was.
-    Picture picture = m_options.picture.empty() ? Picture() : paint(drawing, result);
-    if (!m_options.isDryRun) {
+    Picture picture = !job.hasPicture() ? Picture() : paint(drawing, result);
+    if (!job.isDryRun) {
       applyWallChanges(drawing, result.changes);
     }
-    m_options.save(drawing);
-    m_options.render(picture);
-    m_options.isJson() ? printJson(jsonReport(drawing, result)) : printText(drawing, result);
+    job.save(drawing);
+    job.render(picture);
+    tell(drawing, result, report);
+    addJson(result, report.json);
   }
 
  private:
@@ -207,54 +206,51 @@ class BreakCommand : public Command {
     return picture;
   }
 
-  void printText(const Drawing& drawing, const BreakResult& result) const {
-    fmt::print("{}: {}{}, {}\n", drawing.file().string(), os::toUtf8(drawing.info().release),
-               drawing.info().isBinary ? " binary" : "", drawing.unitName());
-    fmt::print("layers: {}\n", namesText(result.layers));
-    fmt::print("lines closer than {} touch\n", captureText(result.capture, drawing));
-    fmt::print("{} wall lines, {} of them cut at {} points into {} pieces\n",
-               result.walls.lines.size(), result.changes.size(), result.cutCount(),
-               result.pieceCount());
+  static void tell(const Drawing& drawing, const BreakResult& result, Report& report) {
+    report.line("{}: {}{}, {}", drawing.file().string(), os::toUtf8(drawing.info().release),
+                drawing.info().isBinary ? " binary" : "", drawing.unitName());
+    report.line("layers: {}", namesText(result.layers));
+    report.line("lines closer than {} touch", captureText(result.capture, drawing));
+    report.line("{}, {} of them cut at {} into {}",
+                countText(result.walls.lines.size(), "wall line"), result.changes.size(),
+                countText(result.cutCount(), "point"), countText(result.pieceCount(), "piece"));
     for (const NamedBreak& named : result.named) {
-      fmt::print("break asked for at {:g},{:g}: cuts {} at {:g},{:g}\n", named.asked.x,
-                 named.asked.y, describe(drawing, result.walls.lines[named.line].entity),
-                 named.foot.x, named.foot.y);
+      report.line("break asked for at {}: cuts {} at {}", pointText(named.asked),
+                  describe(drawing, result.walls.lines[named.line].entity), pointText(named.foot));
     }
     if (result.walls.arcSegments > 0) {
-      fmt::print("{} arc segments of polylines stay as they are\n", result.walls.arcSegments);
+      report.line("{} of polylines {} left as they are",
+                  countText(result.walls.arcSegments, "arc segment"),
+                  result.walls.arcSegments == 1 ? "is" : "are");
     }
     if (result.heldByLock > 0) {
-      fmt::print("{} lines on locked layers were not cut\n", result.heldByLock);
+      report.line("not cut, on locked layers: {}", countText(result.heldByLock, "line"));
     }
-    for (const SkippedEntity& skipped : result.walls.skipped) {
-      fmt::print("skipped: {} {}\n", describe(drawing, skipped.entity), skipped.reason);
-    }
-    m_options.printOutcome();
+    report.list(result.walls.skipped.size(), [&](std::size_t i) {
+      const SkippedEntity& skipped = result.walls.skipped[i];
+      return fmt::format("skipped: {} {}", describe(drawing, skipped.entity), skipped.reason);
+    });
   }
 
-  nlohmann::json jsonReport(const Drawing& drawing, const BreakResult& result) const {
-    nlohmann::json report = {{"command", "break"},
-                             {"input", fileJson(drawing)},
-                             {"capture", captureJson(result.capture)},
-                             {"layers", namesJson(result.layers)},
-                             {"wallLines", result.walls.lines.size()},
-                             {"linesCut", result.changes.size()},
-                             {"breakPoints", result.cutCount()},
-                             {"pieces", result.pieceCount()},
-                             {"arcSegments", result.walls.arcSegments},
-                             {"heldByLockedLayers", result.heldByLock},
-                             {"changes", changesJson(result.changes)},
-                             {"skipped", nlohmann::json::array()}};
-    m_options.addOutcome(report);
+  static void addJson(const BreakResult& result, nlohmann::json& report) {
+    report.update({{"capture", captureJson(result.capture)},
+                   {"layers", namesJson(result.layers)},
+                   {"wallLines", result.walls.lines.size()},
+                   {"linesCut", result.changes.size()},
+                   {"breakPoints", result.cutCount()},
+                   {"pieces", result.pieceCount()},
+                   {"arcSegments", result.walls.arcSegments},
+                   {"heldByLockedLayers", result.heldByLock},
+                   {"changes", changesJson(result.changes)},
+                   {"skipped", nlohmann::json::array()}});
     for (const SkippedEntity& skipped : result.walls.skipped) {
       report["skipped"].push_back(
           {{"source", handleText(skipped.entity)}, {"reason", skipped.reason}});
     }
-    return report;
   }
 
-  CommonOptions m_options;
   std::vector<std::string> m_at;
+  std::vector<AcGePoint3d> m_asked;
 };
 
 }  // namespace

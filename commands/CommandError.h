@@ -15,6 +15,7 @@ enum class ExitCode : int {
   OutputUnwritable = 5,  // the drawing, picture or model cannot be written
   EntityFailed = 6,      // an entity cannot be changed as asked
   NoProject = 7,         // the host has no project open
+  InternalError = 71,
   Interrupted = 130
 };
 

@@ -35,8 +35,6 @@ constexpr const char* kExitCodes =
     "  71   internal error\n"
     "  130  interrupted; every file is whole\n";
 
-constexpr int kInternalError = 71;
-
 /// How many letters must be put in, taken out or changed to make one word of the other.
 std::size_t editDistance(std::string_view from, std::string_view to) {
   std::vector<std::size_t> row(to.size() + 1);
@@ -123,7 +121,7 @@ int runCommandLine(int argc, const char* const* argv) {
   } catch (const std::exception& error) {
     std::fflush(stdout);
     fmt::print(stderr, "quoin: internal error: {}\n", error.what());
-    return kInternalError;
+    return static_cast<int>(ExitCode::InternalError);
   }
 }
 

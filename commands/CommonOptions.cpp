@@ -2,33 +2,100 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
+#include <filesystem>
+#include <string_view>
+#include <thread>
 
 #include "ProjectScale.h"
 #include "commands/CommandError.h"
-#include "commands/Progress.h"
 #include "commands/picture/Render.h"
 #include "embedded/os/Utf8.h"
 #include "embedded/product/HostApplication.h"
 
 namespace quoin::commands {
 
-void CommonOptions::declareFiles(CLI::App& command) {
-  command.add_option("PLAN", plan, "The drawing to read (DXF, ASCII or binary)")->required();
-  command.add_option("-o,--output", output, "The drawing to write, in PLAN's version and form");
-  command.add_flag("--in-place", isInPlace,
-                   "Write PLAN itself; the old drawing stays beside it as .bak");
-  command.add_flag("--dry-run", isDryRun, "Report what would change and write no drawing");
-  command.add_option("--picture", picture, "Make a picture of the result (.png, .svg or .pdf)");
+namespace {
+
+/// Stands for the name of a drawing, without its ending, in names of results.
+constexpr std::string_view kNamePlace = "{name}";
+
+bool isStandardStream(const std::string& file) {
+  return file == kStandardStream;
+}
+
+/// One spelling for each file, whether it is there or not.
+std::string fileKey(const std::string& file) {
+  std::error_code ignored;
+  const std::filesystem::path whole =
+      std::filesystem::weakly_canonical(std::filesystem::absolute(file, ignored), ignored);
+  return whole.empty() ? file : whole.string();
+}
+
+void makeFolder(const std::string& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (error && !std::filesystem::is_directory(folder, error)) {
+    throw CommandError(ExitCode::OutputUnwritable,
+                       fmt::format("{}: cannot make the folder: {}", folder, error.message()));
+  }
+}
+
+}  // namespace
+
+CLI::Option* addRepeated(CLI::App& command, const std::string& names,
+                         std::vector<std::string>& values, const std::string& what,
+                         const std::string& type) {
+  return command.add_option(names, values, what)
+      ->type_name(type)
+      ->take_all()
+      ->expected(1)
+      ->allow_extra_args(false);
+}
+
+void CommonOptions::declarePlans(CLI::App& command) {
+  command
+      .add_option("PLAN", plans, "Drawings to read (DXF, ASCII or binary); - is the standard input")
+      ->type_name("")
+      ->required();
+  command.add_option("--jobs", jobs, "How many drawings at a time; 0 for one a processor core")
+      ->capture_default_str();
   command.add_option("--report", report, "text or json")
       ->check(CLI::IsMember({"text", "json"}))
       ->capture_default_str();
+  CLI::Option* const quiet =
+      command.add_flag("-q,--quiet", isQuiet, "Print errors and warnings alone");
+  command.add_flag("-v,--verbose", isVerbose, "Name every change in the text report")
+      ->excludes(quiet);
+}
+
+void CommonOptions::declarePicture(CLI::App& command, const std::string& what) {
+  command.add_option("--picture", picture,
+                     what +
+                         " (.png, .svg or .pdf); of several drawings: a folder, or a name with "
+                         "{name} in it");
+}
+
+CLI::Option* CommonOptions::declareOutput(CLI::App& command, const std::string& what) {
+  m_writesDrawing = true;
+  return command.add_option("-o,--output", output, what);
+}
+
+void CommonOptions::declareFiles(CLI::App& command) {
+  declarePlans(command);
+  declareOutput(command,
+                "The drawing to write, in PLAN's version and form; of several drawings: a folder, "
+                "or a name with {name} in it; - is the standard output");
+  command.add_flag("--in-place", isInPlace,
+                   "Write PLAN itself; the old drawing stays beside it as .bak");
+  command.add_flag("--dry-run", isDryRun, "Report what would change and write no drawing");
+  declarePicture(command, "Make a picture of the result");
 }
 
 void CommonOptions::declareLayers(CLI::App& command, const std::string& what) {
-  command.add_option("--layer", layers, what)->type_name("GLOB")->take_all()->expected(1);
+  addRepeated(command, "--layer", layers, what, "GLOB");
 }
 
 void CommonOptions::declareScale(CLI::App& command) {
@@ -37,56 +104,108 @@ void CommonOptions::declareScale(CLI::App& command) {
                      "Default: what makes that 10 mm");
 }
 
-void CommonOptions::checkFiles() const {
-  if (isInPlace && !output.empty()) {
-    throw CommandError(ExitCode::Usage, "--in-place and -o exclude each other");
-  }
-  if (output.empty() && !isInPlace && !isDryRun) {
-    throw CommandError(ExitCode::Usage,
-                       "say where the result goes: -o FILE, --in-place or --dry-run");
-  }
+bool CommonOptions::isResultFolder(const std::string& place) const {
   std::error_code ignored;
-  if (!output.empty() && std::filesystem::equivalent(plan, output, ignored)) {
-    throw CommandError(ExitCode::Usage,
-                       output + " is the drawing that is read; use --in-place to replace it");
+  return !place.empty() && !isStandardStream(place) && place.find(kNamePlace) == place.npos &&
+         (isSeveral() || place.back() == '/' || std::filesystem::is_directory(place, ignored));
+}
+
+std::string CommonOptions::placeFor(const std::string& plan, const std::string& place,
+                                    const std::string& ending) const {
+  const std::filesystem::path file = isStandardStream(plan) ? "standard-input.dxf" : plan;
+  if (isResultFolder(place)) {
+    const std::string name =
+        ending.empty() ? file.filename().string() : file.stem().string() + ending;
+    return (std::filesystem::path(place) / name).string();
   }
-  if (!picture.empty() && !isPictureFile(picture)) {
-    throw CommandError(ExitCode::Usage, picture + ": pictures end in .png, .svg or .pdf");
+  std::string named = place;
+  for (std::size_t at = 0; (at = named.find(kNamePlace, at)) != named.npos;) {
+    const std::string name = file.stem().string();
+    named.replace(at, kNamePlace.size(), name);
+    at += name.size();
+  }
+  return named;
+}
+
+void CommonOptions::checkPlaces() const {
+  const auto refuse = [](const std::string& words) { throw CommandError(ExitCode::Usage, words); };
+  if (isInPlace && !output.empty()) {
+    refuse("--in-place and -o exclude each other");
+  }
+  if (m_writesDrawing && output.empty() && !isInPlace && !isDryRun) {
+    refuse("say where the result goes: -o FILE, --in-place or --dry-run");
+  }
+  const bool readsStream = std::any_of(plans.begin(), plans.end(), isStandardStream);
+  if (readsStream && isSeveral()) {
+    refuse("the standard input is one drawing; it cannot be read beside others");
+  }
+  if (readsStream && isInPlace) {
+    refuse("the standard input cannot be written in place; use -o");
+  }
+  if (isSeveral() && isStandardStream(output)) {
+    refuse("the standard output takes one drawing; name a folder for several: -o FOLDER");
+  }
+  for (const std::string& place : {output, picture}) {
+    std::error_code ignored;
+    if (isSeveral() && isResultFolder(place) && !std::filesystem::is_directory(place, ignored) &&
+        (std::filesystem::exists(place, ignored) || std::filesystem::path(place).has_extension())) {
+      refuse(fmt::format("{} is one file for {} drawings; name a folder, or put {} into the name",
+                         place, plans.size(), kNamePlace));
+    }
   }
 }
 
-std::filesystem::path CommonOptions::target() const {
-  return isInPlace ? plan : output;
+std::vector<DrawingJob> CommonOptions::drawingJobs() const {
+  checkPlaces();
+  std::vector<DrawingJob> made;
+  std::map<std::string, std::string> planOf;    // by file, whatever its spelling
+  std::map<std::string, std::string> writerOf;  // which drawing writes a file
+  for (const std::string& plan : plans) {
+    const auto [known, isNew] = planOf.emplace(fileKey(plan), plan);
+    if (!isNew && isInPlace) {
+      throw CommandError(ExitCode::Usage,
+                         fmt::format("{} and {} are one file, which would be changed twice; "
+                                     "nothing was done",
+                                     known->second, plan));
+    }
+  }
+  for (const std::string& plan : plans) {
+    DrawingJob job{plan, isInPlace ? plan : placeFor(plan, output, resultEnding),
+                   placeFor(plan, picture, ".png"), isInPlace, isDryRun};
+    for (const std::string& file : {isInPlace ? std::string() : job.output, job.picture}) {
+      if (file.empty() || isStandardStream(file)) {
+        continue;
+      }
+      if (planOf.count(fileKey(file))) {
+        throw CommandError(ExitCode::Usage,
+                           file + " is a drawing that is read; use --in-place to replace it");
+      }
+      const auto [writer, isNew] = writerOf.emplace(fileKey(file), plan);
+      if (!isNew) {
+        throw CommandError(ExitCode::Usage,
+                           fmt::format("{} and {} would both be written to {}; nothing was done",
+                                       writer->second, plan, file));
+      }
+    }
+    if (job.hasPicture() && !isPictureFile(job.picture)) {
+      throw CommandError(ExitCode::Usage, job.picture + ": pictures end in .png, .svg or .pdf");
+    }
+    made.push_back(std::move(job));
+  }
+  return made;
 }
 
-void CommonOptions::save(Drawing& drawing) const {
-  Progress::checkInterrupt();
-  if (!isDryRun) {
-    drawing.saveAs(target(), isInPlace);
+void CommonOptions::makeFolders() const {
+  if (isResultFolder(output) && !isDryRun) {
+    makeFolder(output);
+  }
+  if (isResultFolder(picture)) {
+    makeFolder(picture);
   }
 }
 
-void CommonOptions::render(const Picture& drawn) const {
-  if (!picture.empty()) {
-    Progress::checkInterrupt();
-    renderPicture(drawn, picture);
-  }
-}
-
-void CommonOptions::printOutcome() const {
-  if (isDryRun) {
-    fmt::print("dry run: no drawing written\n");
-  } else {
-    fmt::print("written: {}\n", target().string());
-  }
-  if (!picture.empty()) {
-    fmt::print("picture: {}\n", picture);
-  }
-}
-
-void CommonOptions::addOutcome(nlohmann::json& json) const {
-  json["output"] = isDryRun ? nlohmann::json() : nlohmann::json(target().string());
-  json["picture"] = picture.empty() ? nlohmann::json() : nlohmann::json(picture);
+std::size_t CommonOptions::jobCount() const {
+  return jobs > 0 ? jobs : std::max<std::size_t>(std::thread::hardware_concurrency(), 1);
 }
 
 Capture setProjectScale(const CommonOptions& options, const Drawing& drawing) {
@@ -152,7 +271,7 @@ nlohmann::json namesJson(const std::set<std::wstring>& names) {
 }
 
 nlohmann::json pointJson(const AcGePoint3d& point) {
-  return {point.x, point.y, point.z};
+  return {point.x + 0.0, point.y + 0.0, point.z + 0.0};  // a zero has no sign
 }
 
 nlohmann::json fileJson(const Drawing& drawing) {
@@ -166,8 +285,8 @@ nlohmann::json captureJson(const Capture& capture) {
   return {{"distance", capture.distance}, {"projectScale", capture.projectScale}};
 }
 
-void printJson(const nlohmann::json& report) {
-  fmt::print("{}\n", report.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
+void printJson(const nlohmann::json& report, std::FILE* stream) {
+  fmt::print(stream, "{}\n", report.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
 }
 
 }  // namespace quoin::commands

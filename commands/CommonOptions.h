@@ -1,9 +1,9 @@
-// Options that the commands which change a drawing share, and what follows from them: where
-// the result goes, the picture, the report, and the project's scale.
+// Options that the commands share, and what follows from them: the drawings, where their results
+// go, pictures, how it is reported, and the project's scale.
 #pragma once
 
 #include <CLI/CLI.hpp>
-#include <filesystem>
+#include <cstdio>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <set>
@@ -11,41 +11,63 @@
 #include <vector>
 
 #include "commands/Drawing.h"
-#include "commands/picture/Picture.h"
+#include "commands/DrawingJob.h"
+#include "commands/Report.h"
 #include "gepnt3d.h"
 
 namespace quoin::commands {
 
 struct CommonOptions {
-  std::string plan;
+  std::vector<std::string> plans;
   std::string output;
   bool isInPlace = false;
   bool isDryRun = false;
   std::string picture;
   std::string report = "text";
+  bool isQuiet = false;
+  bool isVerbose = false;
+  std::size_t jobs = 1;
   std::vector<std::string> layers;
   std::optional<double> projectScale;
+  /// What replaces the ending of PLAN's name in a folder; empty: the result is named as PLAN is.
+  std::string resultEnding;
 
-  /// Adds PLAN, -o, --in-place, --dry-run, --picture and --report.
+  /// Adds PLAN... and what tells how the run is reported: --report, --quiet, --verbose, --jobs.
+  void declarePlans(CLI::App& command);
+  void declarePicture(CLI::App& command, const std::string& what);
+  /// Adds all of the above with -o, --in-place and --dry-run.
   void declareFiles(CLI::App& command);
+  CLI::Option* declareOutput(CLI::App& command, const std::string& what);
   void declareLayers(CLI::App& command, const std::string& what);
   void declareScale(CLI::App& command);
-  /// Checks what the parser cannot: that there is one place for the result, that it is not the
-  /// input unless asked for, that the picture has a known ending.
-  /// Fails: throws CommandError (Usage).
-  void checkFiles() const;
+
+  /// The drawings to work on and where their results go.
+  /// Fails: throws CommandError (Usage) unless there is one place for each result, which is no
+  /// drawing that is read (unless asked for) and no other's place, and pictures have a known
+  /// ending.
+  std::vector<DrawingJob> drawingJobs() const;
+  /// Makes the folders for results and pictures that are not there.
+  /// Fails: throws CommandError (OutputUnwritable).
+  void makeFolders() const;
   bool isJson() const { return report == "json"; }
-  /// Where the changed drawing goes.
-  std::filesystem::path target() const;
-  /// Saves the drawing there; nothing in a dry run.
-  void save(Drawing& drawing) const;
-  /// Writes the picture if one was asked for.
-  void render(const Picture& picture) const;
-  /// The last lines of a text report: where the drawing and the picture went.
-  void printOutcome() const;
-  /// The same in a JSON report: "output" and "picture".
-  void addOutcome(nlohmann::json& report) const;
+  Report::Wanted wanted() const { return {isJson(), isVerbose}; }
+  /// How many drawings to work on at a time.
+  std::size_t jobCount() const;
+
+ private:
+  bool isSeveral() const { return plans.size() > 1; }
+  bool isResultFolder(const std::string& place) const;
+  std::string placeFor(const std::string& plan, const std::string& place,
+                       const std::string& ending) const;
+  void checkPlaces() const;
+
+  bool m_writesDrawing = false;
 };
+
+/// An option that takes one value and may be repeated.
+CLI::Option* addRepeated(CLI::App& command, const std::string& names,
+                         std::vector<std::string>& values, const std::string& what,
+                         const std::string& type);
 
 /// How near lines must come to count as touching.
 struct Capture {
@@ -75,7 +97,9 @@ nlohmann::json namesJson(const std::set<std::wstring>& names);
 nlohmann::json pointJson(const AcGePoint3d& point);
 nlohmann::json fileJson(const Drawing& drawing);
 nlohmann::json captureJson(const Capture& capture);
+/// The version of the reports' form (docs/report.schema.json); it grows when a reader must change.
+inline constexpr int kReportVersion = 1;
 /// Prints a report; bytes of names that are no UTF-8 are replaced.
-void printJson(const nlohmann::json& report);
+void printJson(const nlohmann::json& report, std::FILE* stream = stdout);
 
 }  // namespace quoin::commands

@@ -2,18 +2,20 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <map>
+#include <sstream>
 
 #include "AcadCommonTool.h"
 #include "DrawWallAlgorithm/DrawWallLikeAlgorithm.h"
-#include "commands/Command.h"
 #include "commands/CommandError.h"
-#include "commands/CommonOptions.h"
+#include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
 #include "commands/Progress.h"
 #include "commands/WallChanges.h"
 #include "commands/WallLines.h"
 #include "commands/WallWords.h"
+#include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
 #include "dbents.h"
@@ -34,7 +36,7 @@ struct DrawnLine {
   std::vector<WallPiece> pieces;
 };
 
-class DrawCommand : public Command {
+class DrawCommand : public DrawingCommand {
  public:
   CLI::App* declare(CLI::App& app) override {
     CLI::App* const command = app.add_subcommand(
@@ -45,72 +47,84 @@ class DrawCommand : public Command {
         ->required();
     command->add_option("--from", m_from, "Where the line starts")->type_name("X,Y");
     command->add_option("--to", m_to, "Where it ends")->type_name("X,Y");
-    command
-        ->add_option("--path", m_path,
-                     "Several lines from point to point, each against the result of the last")
-        ->type_name("X,Y");
+    addRepeated(*command, "--path", m_path,
+                "Several lines from point to point, each against the result of the last; points "
+                "are separated by blanks; may be repeated for further paths",
+                "'X,Y X,Y...'");
     command->add_flag("--angle-lock", m_isAngleLocked,
                       "Turn each line to the nearest multiple of 15 degrees");
-    command
-        ->add_option("--walls", m_options.layers,
-                     "Layers with existing wall lines, * and ? allowed; may be repeated. Default: "
-                     "layers whose name has a word for wall, and the layer of the new lines")
-        ->type_name("GLOB")
-        ->take_all()
-        ->expected(1);
+    addRepeated(*command, "--walls", m_options.layers,
+                "Layers with existing wall lines, * and ? allowed; may be repeated. Default: "
+                "layers whose name has a word for wall, and the layer of the new lines",
+                "GLOB");
     m_options.declareScale(*command);
     command->footer(
         "Examples:\n"
         "  quoin draw plan.dxf --from 0,2500 --to 9000,2500 --layer A-WALL-NEW -o drawn.dxf\n"
-        "  quoin draw plan.dxf --path 0,0 4000,0 4000,3000 --layer A-WALL --angle-lock \\\n"
-        "        -o drawn.dxf --picture drawn.png");
+        "  quoin draw plan.dxf --path '0,0 4000,0 4000,3000' --layer A-WALL \\\n"
+        "        --angle-lock -o drawn.dxf --picture drawn.png");
     return command;
   }
 
-  void run() override {
-    m_options.checkFiles();
-    const std::vector<AcGePoint3d> path = pathPoints();
-    Drawing drawing(m_options.plan);
+  std::string name() const override { return "draw"; }
+  void prepare() override { m_paths = paths(); }
+
+  void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     const Capture capture = setProjectScale(m_options, drawing);
     const std::set<std::wstring> layers = wallLayers(drawing);
 
     Picture picture = newPicture(drawing, "wall lines drawn",
                                  fmt::format("on layer {}; lines closer than {} touch", m_layer,
                                              captureText(capture, drawing)));
-    if (!m_options.picture.empty()) {
+    if (job.hasPicture()) {
       addPlanShapes(picture, drawing, {});
     }
     std::vector<DrawnLine> drawn;
-    for (std::size_t i = 1; i < path.size(); ++i) {
-      Progress::checkInterrupt();
-      drawn.push_back(drawLine(drawing, layers, path[i - 1], path[i]));
+    for (const std::vector<AcGePoint3d>& path : m_paths) {
+      for (std::size_t i = 1; i < path.size(); ++i) {
+        Progress::checkInterrupt();
+        drawn.push_back(drawLine(drawing, layers, path[i - 1], path[i]));
+      }
     }
-    if (!m_options.picture.empty()) {
+    if (job.hasPicture()) {
       paint(picture, drawn);
     }
-    m_options.save(drawing);
-    m_options.render(picture);
-    m_options.isJson() ? printJson(jsonReport(drawing, capture, drawn))
-                       : printText(drawing, capture, drawn);
+    job.save(drawing);
+    job.render(picture);
+    tell(drawing, capture, drawn, report);
+    addJson(capture, drawn, report.json);
   }
 
  private:
-  std::vector<AcGePoint3d> pathPoints() const {
-    std::vector<std::string> texts = m_path;
-    if (texts.empty()) {
+  std::vector<std::vector<AcGePoint3d>> paths() const {
+    if (m_path.empty()) {
       if (m_from.empty() || m_to.empty()) {
         throw CommandError(ExitCode::Usage, "say what to draw: --from and --to, or --path");
       }
-      texts = {m_from, m_to};
-    } else if (!m_from.empty() || !m_to.empty()) {
+      return {pointsOf({m_from, m_to})};
+    }
+    if (!m_from.empty() || !m_to.empty()) {
       throw CommandError(ExitCode::Usage, "--path excludes --from and --to");
     }
-    if (texts.size() < 2) {
-      throw CommandError(ExitCode::Usage, "--path needs two points or more");
+    std::vector<std::vector<AcGePoint3d>> paths;
+    for (const std::string& text : m_path) {
+      std::istringstream stream(text);
+      const std::vector<std::string> words{std::istream_iterator<std::string>(stream), {}};
+      if (words.size() < 2) {
+        throw CommandError(ExitCode::Usage,
+                           fmt::format("--path '{}': a path has two points or more, all in one "
+                                       "value: --path '0,0 4000,0'",
+                                       text));
+      }
+      paths.push_back(pointsOf(words));
     }
+    return paths;
+  }
+
+  std::vector<AcGePoint3d> pointsOf(const std::vector<std::string>& words) const {
     std::vector<AcGePoint3d> points;
-    for (const std::string& text : texts) {
-      AcGePoint3d point = parsePoint(text);
+    for (const std::string& word : words) {
+      AcGePoint3d point = parsePoint(word);
       if (m_isAngleLocked && !points.empty()) {
         point = CAcadCommonTool::GetAngleLockPnt(points.back(), point);
       }
@@ -208,25 +222,21 @@ class DrawCommand : public Command {
                       {"plan before", palette::kPlan}};
   }
 
-  void printText(const Drawing& drawing, const Capture& capture,
-                 const std::vector<DrawnLine>& drawn) const {
-    fmt::print("lines closer than {} touch\n", captureText(capture, drawing));
+  static void tell(const Drawing& drawing, const Capture& capture,
+                   const std::vector<DrawnLine>& drawn, Report& report) {
+    report.line("lines closer than {} touch", captureText(capture, drawing));
     for (const DrawnLine& line : drawn) {
-      fmt::print("drawn from {:g},{:g} to {:g},{:g}: {} pieces; {} lines near it, {} of them cut\n",
-                 line.from.x, line.from.y, line.to.x, line.to.y, line.pieces.size(), line.captured,
-                 line.changes.size());
+      report.line("drawn from {} to {}: {}; {} near it, {} of them cut", pointText(line.from),
+                  pointText(line.to), countText(line.pieces.size(), "piece"),
+                  countText(line.captured, "line"), line.changes.size());
     }
-    m_options.printOutcome();
   }
 
-  nlohmann::json jsonReport(const Drawing& drawing, const Capture& capture,
-                            const std::vector<DrawnLine>& drawn) const {
-    nlohmann::json report = {{"command", "draw"},
-                             {"input", fileJson(drawing)},
-                             {"capture", captureJson(capture)},
-                             {"layer", m_layer},
-                             {"drawn", nlohmann::json::array()}};
-    m_options.addOutcome(report);
+  void addJson(const Capture& capture, const std::vector<DrawnLine>& drawn,
+               nlohmann::json& report) const {
+    report.update({{"capture", captureJson(capture)},
+                   {"layer", m_layer},
+                   {"drawn", nlohmann::json::array()}});
     for (const DrawnLine& line : drawn) {
       report["drawn"].push_back({{"from", pointJson(line.from)},
                                  {"to", pointJson(line.to)},
@@ -234,14 +244,13 @@ class DrawCommand : public Command {
                                  {"pieces", piecesJson(line.pieces)},
                                  {"changes", changesJson(line.changes)}});
     }
-    return report;
   }
 
-  CommonOptions m_options;
   std::string m_layer;
   std::string m_from;
   std::string m_to;
   std::vector<std::string> m_path;
+  std::vector<std::vector<AcGePoint3d>> m_paths;
   bool m_isAngleLocked = false;
 };
 

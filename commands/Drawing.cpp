@@ -187,14 +187,23 @@ void forEachEntityOf(const AcDbObjectId& block, const std::function<void(AcDbObj
   }
 }
 
+namespace {
+
+/// "line 1742", "byte 90312"; "" for an entity that is in no file.
+std::string placeText(const Drawing& drawing, const AcDbObjectId& id) {
+  const Adesk::UInt64 place = hostx::lineNumber(id);
+  return place == 0 ? "" : fmt::format("{} {}", drawing.info().isBinary ? "byte" : "line", place);
+}
+
+}  // namespace
+
 std::string describe(const Drawing& drawing, const AcDbObjectId& id) {
   std::string text = os::toUtf8(hostx::kindName(id));
   if (const std::string handle = handleText(id); !handle.empty()) {
     text += " " + handle;
   }
-  if (const Adesk::UInt64 place = hostx::lineNumber(id); place != 0) {
-    text += fmt::format(" at {} {} of {}", drawing.info().isBinary ? "byte" : "line", place,
-                        drawing.file().string());
+  if (const std::string place = placeText(drawing, id); !place.empty()) {
+    text += fmt::format(" at {} of {}", place, drawing.file().string());
   }
   return text;
 }
@@ -205,6 +214,11 @@ std::string handleText(const AcDbObjectId& id) {
     return "";
   }
   return fmt::format("{:X}", static_cast<Adesk::UInt64>(handle));
+}
+
+std::string nameText(const Drawing& drawing, const AcDbObjectId& id) {
+  const std::string handle = handleText(id);
+  return handle.empty() ? placeText(drawing, id) : handle;
 }
 
 void check(Acad::ErrorStatus status, const Drawing& drawing, const AcDbObjectId& id,

@@ -68,6 +68,8 @@ std::string fileMessage(const AcDbDatabase* database, Acad::ErrorStatus status,
 std::string describe(const Drawing& drawing, const AcDbObjectId& id);
 /// The handle in hexadecimal, as drawing files spell it; "" where the file gives none.
 std::string handleText(const AcDbObjectId& id);
+/// The handle, or "line 1742" where the file gives none: how lists of entities name one.
+std::string nameText(const Drawing& drawing, const AcDbObjectId& id);
 /// Fails: throws CommandError (EntityFailed) that names the entity and the status.
 void check(Acad::ErrorStatus status, const Drawing& drawing, const AcDbObjectId& id,
            const char* action);

@@ -2,12 +2,11 @@
 #include <fmt/format.h>
 
 #include "EntityTool.h"
-#include "commands/Command.h"
 #include "commands/CommandError.h"
-#include "commands/CommonOptions.h"
+#include "commands/DrawingCommand.h"
+#include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
-#include "commands/picture/Render.h"
 #include "dbobjptr.h"
 #include "embedded/os/Utf8.h"
 
@@ -25,17 +24,14 @@ struct Census {
   KindCounts withoutExtents;       // among those that show
 };
 
-class ExtentsCommand : public Command {
+class ExtentsCommand : public DrawingCommand {
  public:
   CLI::App* declare(CLI::App& app) override {
     CLI::App* const command =
         app.add_subcommand("extents", "Tell how far what a drawing shows reaches");
-    command->add_option("PLAN", m_plan, "The drawing to read (DXF, ASCII or binary)")->required();
+    m_options.declarePlans(*command);
     command->add_flag("--all", m_isAll, "Count invisible entities too");
-    command->add_option("--picture", m_picture, "Make a picture with the frame (.png, .svg, .pdf)");
-    command->add_option("--report", m_report, "text or json")
-        ->check(CLI::IsMember({"text", "json"}))
-        ->capture_default_str();
+    m_options.declarePicture(*command, "Make a picture with the frame");
     command->footer(
         "Model space counts, without what is on layers that are off, frozen or hidden, without\n"
         "invisible entities and without texts that have neither size nor letters.\n\n"
@@ -43,21 +39,18 @@ class ExtentsCommand : public Command {
     return command;
   }
 
-  void run() override {
-    if (!m_picture.empty() && !isPictureFile(m_picture)) {
-      throw CommandError(ExitCode::Usage, m_picture + ": pictures end in .png, .svg or .pdf");
-    }
-    Drawing drawing(m_plan);
+  std::string name() const override { return "extents"; }
+  void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     const Census census = take(drawing);
     AcDbExtents extents;
     if (!CEntityTool::GetEntExtents(&drawing.database(), extents, m_isAll)) {
-      throw CommandError(ExitCode::InputUnreadable, m_plan + ": it has no model space");
+      throw CommandError(ExitCode::InputUnreadable, job.input + ": it has no model space");
     }
-    if (!m_picture.empty()) {
-      renderPicture(pictureOf(drawing, extents), m_picture);
+    if (job.hasPicture()) {
+      job.render(pictureOf(drawing, extents));
     }
-    m_report == "json" ? printJson(jsonReport(drawing, census, extents))
-                       : printText(drawing, census, extents);
+    tell(drawing, census, extents, report);
+    addJson(census, extents, report.json);
   }
 
  private:
@@ -109,64 +102,57 @@ class ExtentsCommand : public Command {
       return "nothing shows";
     }
     const AcGeVector3d size = extents.maxPoint() - extents.minPoint();
-    return fmt::format("{:.10g} x {:.10g} x {:.10g} {}", size.x, size.y, size.z,
-                       drawing.unitName());
+    return fmt::format("{} x {} x {} {}", numberText(size.x), numberText(size.y),
+                       numberText(size.z), drawing.unitName());
   }
 
-  void printText(const Drawing& drawing, const Census& census, const AcDbExtents& extents) const {
-    fmt::print("{}\n", drawing.file().string());
+  void tell(const Drawing& drawing, const Census& census, const AcDbExtents& extents,
+            Report& report) const {
+    report.line("{}", drawing.file().string());
     if (extents.isFresh()) {
-      fmt::print("  nothing in model space shows: no extents\n");
+      report.line("  nothing in model space shows: no extents");
     } else {
-      const auto row = [](const char* name, const AcGePoint3d& point) {
-        fmt::print("  {:<8} {:>16.10g} {:>16.10g} {:>16.10g}\n", name, point.x, point.y, point.z);
+      const auto row = [&](const char* name, const AcGePoint3d& point) {
+        report.line("  {:<8} {:>20} {:>20} {:>20}", name, numberText(point.x), numberText(point.y),
+                    numberText(point.z));
       };
-      fmt::print("  {:<8} {:>16} {:>16} {:>16}\n", "", "x", "y", "z");
+      report.line("  {:<8} {:>20} {:>20} {:>20}", "", "x", "y", "z");
       row("least", extents.minPoint());
       row("most", extents.maxPoint());
       const AcGeVector3d size = extents.maxPoint() - extents.minPoint();
       row("size", AcGePoint3d() + size);
     }
-    fmt::print("  units    {}\n", drawing.unitName());
-    fmt::print("  of {} entities in model space\n", census.entities);
-    const auto line = [](std::size_t count, const char* words) {
+    report.line("  units    {}", drawing.unitName());
+    report.line("  of {} in model space", countText(census.entities, "entity", "entities"));
+    const auto line = [&](std::size_t count, const char* words) {
       if (count > 0) {
-        fmt::print("    {} {}\n", count, words);
+        report.line("    {} {}", count, words);
       }
     };
     line(census.onHiddenLayers, "left out: their layers are off or frozen");
     line(census.invisible,
          m_isAll ? "invisible, counted all the same" : "left out: invisible (--all counts them)");
     for (const auto& [kind, count] : census.withoutExtents) {
-      fmt::print("    {} {} left out: no extents\n", count, os::toUtf8(kind));
+      report.line("    {} {} left out: no extents", count, os::toUtf8(kind));
     }
   }
 
-  nlohmann::json jsonReport(const Drawing& drawing, const Census& census,
-                            const AcDbExtents& extents) const {
-    nlohmann::json report = {
-        {"command", "extents"},
-        {"input", fileJson(drawing)},
-        {"all", m_isAll},
-        {"extents", nullptr},
-        {"entities", census.entities},
-        {"onHiddenLayers", census.onHiddenLayers},
-        {"invisible", census.invisible},
-        {"kindsWithoutExtents", nlohmann::json::object()},
-        {"picture", m_picture.empty() ? nlohmann::json() : nlohmann::json(m_picture)}};
+  void addJson(const Census& census, const AcDbExtents& extents, nlohmann::json& report) const {
+    report.update({{"all", m_isAll},
+                   {"extents", nullptr},
+                   {"entities", census.entities},
+                   {"onHiddenLayers", census.onHiddenLayers},
+                   {"invisible", census.invisible},
+                   {"kindsWithoutExtents", nlohmann::json::object()}});
     if (!extents.isFresh()) {
       report["extents"] = {pointJson(extents.minPoint()), pointJson(extents.maxPoint())};
     }
     for (const auto& [kind, count] : census.withoutExtents) {
       report["kindsWithoutExtents"][os::toUtf8(kind)] = count;
     }
-    return report;
   }
 
-  std::string m_plan;
   bool m_isAll = false;
-  std::string m_picture;
-  std::string m_report = "text";
 };
 
 }  // namespace

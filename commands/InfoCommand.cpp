@@ -1,9 +1,9 @@
 // quoin info: what a drawing is and what is in it.
 #include <fmt/format.h>
 
-#include "commands/Command.h"
-#include "commands/CommonOptions.h"
+#include "commands/DrawingCommand.h"
 #include "commands/WallWords.h"
+#include "commands/Words.h"
 #include "dbobjptr.h"
 #include "embedded/os/Utf8.h"
 
@@ -21,23 +21,21 @@ struct DrawingInfo {
   KindCounts fixed;           // the host cannot move, turn or scale them
 };
 
-class InfoCommand : public Command {
+class InfoCommand : public DrawingCommand {
  public:
   CLI::App* declare(CLI::App& app) override {
     CLI::App* const command =
         app.add_subcommand("info", "Tell what a drawing is and what is in its model space");
-    command->add_option("PLAN", m_plan, "The drawing to read (DXF, ASCII or binary)")->required();
-    command->add_option("--report", m_report, "text or json")
-        ->check(CLI::IsMember({"text", "json"}))
-        ->capture_default_str();
+    m_options.declarePlans(*command);
     command->footer("Examples:\n  quoin info plan.dxf\n  quoin info plan.dxf --report json");
     return command;
   }
 
-  void run() override {
-    Drawing drawing(m_plan);
+  std::string name() const override { return "info"; }
+  void work(Drawing& drawing, const DrawingJob& /*job*/, Report& report) override {
     const DrawingInfo info = look(drawing);
-    m_report == "json" ? printJson(jsonReport(drawing, info)) : printText(drawing, info);
+    tell(drawing, info, report);
+    addJson(drawing, info, report.json);
   }
 
  private:
@@ -90,57 +88,52 @@ class InfoCommand : public Command {
     return kinds;
   }
 
-  static void printText(Drawing& drawing, const DrawingInfo& info) {
+  static void tell(Drawing& drawing, const DrawingInfo& info, Report& report) {
     const hostx::FileInfo& file = drawing.info();
-    fmt::print("{}\n", drawing.file().string());
-    fmt::print("  format     {} {} ({}), {}, {} bytes\n", os::toUtf8(file.format),
-               os::toUtf8(file.release), os::toUtf8(file.acadVersion),
-               file.isBinary ? "binary" : "ASCII", file.fileBytes);
-    fmt::print("  code page  {}\n", file.isTextUtf8 ? "UTF-8" : os::toUtf8(file.codePage));
-    fmt::print("  units      {}\n", os::toUtf8(hostx::unitsName(file.units)));
-    fmt::print("  records    {}, {} entities in model space\n", file.recordCount, info.entities);
+    report.line("{}", drawing.file().string());
+    report.line("  format     {} {} ({}), {}, {} bytes", os::toUtf8(file.format),
+                os::toUtf8(file.release), os::toUtf8(file.acadVersion),
+                file.isBinary ? "binary" : "ASCII", file.fileBytes);
+    report.line("  code page  {}", file.isTextUtf8 ? "UTF-8" : os::toUtf8(file.codePage));
+    report.line("  units      {}", os::toUtf8(hostx::unitsName(file.units)));
+    report.line("  records    {}, {} in model space", file.recordCount,
+                countText(info.entities, "entity", "entities"));
     if (!info.extents.isFresh()) {
       const AcGePoint3d& low = info.extents.minPoint();
       const AcGePoint3d& high = info.extents.maxPoint();
-      fmt::print("  extents    {:g},{:g},{:g} to {:g},{:g},{:g}\n", low.x, low.y, low.z, high.x,
-                 high.y, high.z);
+      report.line("  extents    {},{} to {},{}", pointText(low), numberText(low.z), pointText(high),
+                  numberText(high.z));
     }
     if (!info.withoutExtents.empty()) {
-      fmt::print("             left out, they have none: {}\n", kindsText(info.withoutExtents));
+      report.line("             left out, they have none: {}", kindsText(info.withoutExtents));
     }
-    fmt::print("  layers with something in model space:\n");
+    report.line("  layers with something in model space:");
     std::size_t emptyCount = 0;
     for (const LayerContent& layer : info.layers) {
       if (layer.count() == 0) {
         ++emptyCount;
         continue;
       }
-      fmt::print("    {}{}{}: {}\n", os::toUtf8(layer.name), stateOf(layer),
-                 looksLikeWalls(layer.name) ? " [walls]" : "", kindsText(layer.countOfKind));
+      report.line("    {}{}{}: {}", os::toUtf8(layer.name), stateOf(layer),
+                  looksLikeWalls(layer.name) ? " [walls]" : "", kindsText(layer.countOfKind));
     }
-    fmt::print("    and {} with nothing on them\n", emptyCount);
+    report.line("    and {} with nothing on them", emptyCount);
     if (!info.fixed.empty()) {
-      fmt::print("  kept as they are, not to be moved or scaled: {}\n", kindsText(info.fixed));
-    }
-    for (const std::wstring& warning : hostx::warnings(&drawing.database())) {
-      fmt::print("  warning: {}\n", os::toUtf8(warning));
+      report.line("  kept as they are, not to be moved or scaled: {}", kindsText(info.fixed));
     }
   }
 
-  static nlohmann::json jsonReport(Drawing& drawing, const DrawingInfo& info) {
+  static void addJson(const Drawing& drawing, const DrawingInfo& info, nlohmann::json& report) {
     const hostx::FileInfo& file = drawing.info();
-    nlohmann::json report = {{"command", "info"},
-                             {"input", fileJson(drawing)},
-                             {"acadVersion", os::toUtf8(file.acadVersion)},
-                             {"codePage", os::toUtf8(file.codePage)},
-                             {"bytes", file.fileBytes},
-                             {"records", file.recordCount},
-                             {"entities", info.entities},
-                             {"extents", nullptr},
-                             {"kindsWithoutExtents", kindsJson(info.withoutExtents)},
-                             {"kindsWithoutTransform", kindsJson(info.fixed)},
-                             {"layers", nlohmann::json::array()},
-                             {"warnings", nlohmann::json::array()}};
+    report.update({{"acadVersion", os::toUtf8(file.acadVersion)},
+                   {"codePage", os::toUtf8(file.codePage)},
+                   {"bytes", file.fileBytes},
+                   {"records", file.recordCount},
+                   {"entities", info.entities},
+                   {"extents", nullptr},
+                   {"kindsWithoutExtents", kindsJson(info.withoutExtents)},
+                   {"kindsWithoutTransform", kindsJson(info.fixed)},
+                   {"layers", nlohmann::json::array()}});
     if (!info.extents.isFresh()) {
       report["extents"] = {pointJson(info.extents.minPoint()), pointJson(info.extents.maxPoint())};
     }
@@ -151,14 +144,7 @@ class InfoCommand : public Command {
                                   {"locked", layer.isLocked},
                                   {"kinds", kindsJson(layer.countOfKind)}});
     }
-    for (const std::wstring& warning : hostx::warnings(&drawing.database())) {
-      report["warnings"].push_back(os::toUtf8(warning));
-    }
-    return report;
   }
-
-  std::string m_plan;
-  std::string m_report = "text";
 };
 
 }  // namespace

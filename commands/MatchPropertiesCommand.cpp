@@ -4,10 +4,10 @@
 
 #include "ChangeEntityProperty.h"
 #include "commands/ChosenEntities.h"
-#include "commands/Command.h"
 #include "commands/CommandError.h"
-#include "commands/CommonOptions.h"
+#include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
+#include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
 #include "dbobjptr.h"
@@ -67,7 +67,7 @@ class MappedNode {
   product::ModelNode& m_node;
 };
 
-class MatchPropertiesCommand : public Command {
+class MatchPropertiesCommand : public DrawingCommand {
  public:
   CLI::App* declare(CLI::App& app) override {
     CLI::App* const command = app.add_subcommand(
@@ -89,11 +89,11 @@ class MatchPropertiesCommand : public Command {
     return command;
   }
 
-  void run() override {
-    m_options.checkFiles();
-    const AcDbHandle handle = parseHandle();
-    Drawing drawing(m_options.plan);
-    const AcDbObjectId source = findSource(drawing, handle);
+  std::string name() const override { return "match-properties"; }
+  void prepare() override { parseHandle(); }
+
+  void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
+    const AcDbObjectId source = findSource(drawing, parseHandle());
     const Properties properties = readSource(drawing, source);
     const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
     const ChosenEntities chosen = chooseEntities(drawing, layers, source);
@@ -102,12 +102,12 @@ class MatchPropertiesCommand : public Command {
       CChangeEntityProperty change(mapped.node());
       changeEach(drawing, chosen, [&](AcDbEntity& entity) { change(&entity); });
     }
-    m_options.save(drawing);
-    if (!m_options.picture.empty()) {
-      m_options.render(pictureOf(drawing, source, layers, chosen));
+    job.save(drawing);
+    if (job.hasPicture()) {
+      job.render(pictureOf(drawing, source, layers, chosen));
     }
-    m_options.isJson() ? printJson(jsonReport(drawing, source, properties, layers, chosen))
-                       : printText(drawing, source, properties, layers, chosen);
+    tell(drawing, source, properties, layers, chosen, report);
+    addJson(source, properties, layers, chosen, report.json);
   }
 
  private:
@@ -167,47 +167,43 @@ class MatchPropertiesCommand : public Command {
                                        : "";
   }
 
-  void printText(Drawing& drawing, const AcDbObjectId& source, const Properties& properties,
-                 const std::set<std::wstring>& layers, const ChosenEntities& chosen) const {
-    fmt::print("from {}:\n", describe(drawing, source));
-    fmt::print("  layer        {}\n", properties.layer);
-    fmt::print("  colour       {}\n", properties.colorText());
-    fmt::print("  line weight  {}\n", properties.lineWeightText());
-    fmt::print("  linetype     {}\n", properties.linetype);
-    fmt::print("  material     {}\n", properties.material);
-    fmt::print("layers: {}\n", namesText(layers));
-    fmt::print("{} entities changed{}{}\n", chosen.entities.size(),
-               chosen.entities.empty() ? "" : ": ", kindsText(chosen));
+  static void tell(Drawing& drawing, const AcDbObjectId& source, const Properties& properties,
+                   const std::set<std::wstring>& layers, const ChosenEntities& chosen,
+                   Report& report) {
+    report.line("from {}:", describe(drawing, source));
+    report.line("  layer        {}", properties.layer);
+    report.line("  colour       {}", properties.colorText());
+    report.line("  line weight  {}", properties.lineWeightText());
+    report.line("  linetype     {}", properties.linetype);
+    report.line("  material     {}", properties.material);
+    report.line("layers: {}", namesText(layers));
+    report.line("{} changed{}{}", countText(chosen.entities.size(), "entity", "entities"),
+                chosen.entities.empty() ? "" : ": ", kindsText(chosen));
     if (const std::string lacking = leftOut(drawing); !lacking.empty()) {
-      fmt::print("{} knows no {}\n", os::toUtf8(drawing.info().release), lacking);
+      report.line("{} knows no {}", os::toUtf8(drawing.info().release), lacking);
     }
     if (chosen.onLockedLayers > 0) {
-      fmt::print("{} entities on locked layers were not changed\n", chosen.onLockedLayers);
+      report.line("not changed, on locked layers: {}",
+                  countText(chosen.onLockedLayers, "entity", "entities"));
     }
-    m_options.printOutcome();
   }
 
-  nlohmann::json jsonReport(const Drawing& drawing, const AcDbObjectId& source,
-                            const Properties& properties, const std::set<std::wstring>& layers,
-                            const ChosenEntities& chosen) const {
-    nlohmann::json report = {{"command", "match-properties"},
-                             {"input", fileJson(drawing)},
-                             {"from", handleText(source)},
-                             {"properties",
-                              {{"layer", properties.layer},
-                               {"colorIndex", properties.colorIndex},
-                               {"lineWeight", properties.lineWeight},
-                               {"linetype", properties.linetype},
-                               {"material", properties.material}}},
-                             {"layers", namesJson(layers)},
-                             {"changed", chosen.entities.size()},
-                             {"kinds", kindsJson(chosen)},
-                             {"heldByLockedLayers", chosen.onLockedLayers}};
-    m_options.addOutcome(report);
-    return report;
+  static void addJson(const AcDbObjectId& source, const Properties& properties,
+                      const std::set<std::wstring>& layers, const ChosenEntities& chosen,
+                      nlohmann::json& report) {
+    report.update({{"from", handleText(source)},
+                   {"properties",
+                    {{"layer", properties.layer},
+                     {"colorIndex", properties.colorIndex},
+                     {"lineWeight", properties.lineWeight},
+                     {"linetype", properties.linetype},
+                     {"material", properties.material}}},
+                   {"layers", namesJson(layers)},
+                   {"changed", chosen.entities.size()},
+                   {"kinds", kindsJson(chosen)},
+                   {"heldByLockedLayers", chosen.onLockedLayers}});
   }
 
-  CommonOptions m_options;
   std::string m_handle;
 };
 

@@ -6,12 +6,12 @@
 #include <tuple>
 
 #include "MergeGougeAlgorithm.h"
-#include "commands/Command.h"
 #include "commands/CommandError.h"
-#include "commands/CommonOptions.h"
+#include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
 #include "commands/Progress.h"
 #include "commands/SingleLines.h"
+#include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
 #include "embedded/os/Utf8.h"
@@ -28,7 +28,7 @@ struct MergedLine {
   std::vector<std::size_t> absorbed;
 };
 
-class MergeCommand : public Command {
+class MergeCommand : public DrawingCommand {
  public:
   CLI::App* declare(CLI::App& app) override {
     CLI::App* const command = app.add_subcommand(
@@ -39,12 +39,8 @@ class MergeCommand : public Command {
         "Layers with the lines to join, * and ? allowed; may be repeated. "
         "Default: layers whose name has a word for wall (wall, mur, muro, Wand, 墙, ...)");
     m_options.declareScale(*command);
-    command
-        ->add_option("--keep-at", m_keepAt,
-                     "Keep lines apart that meet at this point; may be repeated")
-        ->type_name("X,Y")
-        ->take_all()
-        ->expected(1);
+    addRepeated(*command, "--keep-at", m_keepAt,
+                "Keep lines apart that meet at this point; may be repeated", "X,Y");
     command->footer(
         "Lines join when they bend by at most one degree, when no third line ends there, and\n"
         "when layer, colour, linetype, line weight, thickness and elevation agree. The line that\n"
@@ -56,28 +52,28 @@ class MergeCommand : public Command {
     return command;
   }
 
-  void run() override {
-    m_options.checkFiles();
-    std::vector<AcGePoint3d> keepAt;
+  std::string name() const override { return "merge"; }
+  void prepare() override {
     for (const std::string& text : m_keepAt) {
-      keepAt.push_back(parsePoint(text));
+      m_keepPoints.push_back(parsePoint(text));
     }
-    Drawing drawing(m_options.plan);
+  }
+
+  void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
     const SingleLines found = collectSingleLines(drawing, layers, true);
     const Capture capture = setProjectScale(m_options, drawing);
-    const std::vector<MergedLine> merged = merge(found.lines, keepAt);
+    const std::vector<MergedLine> merged = merge(found.lines, m_keepPoints);
     Picture picture;
-    if (!m_options.picture.empty()) {
-      picture = paint(drawing, found, merged, keepAt, capture);
+    if (job.hasPicture()) {
+      picture = paint(drawing, found, merged, capture);
     }
     // Handles are asked for before erasing takes the lines away.
-    const nlohmann::json report =
-        m_options.isJson() ? jsonReport(drawing, layers, found, merged, capture) : nlohmann::json();
+    tell(drawing, layers, found, merged, capture, report);
+    addJson(layers, found, merged, capture, report.json);
     apply(drawing, found.lines, merged);
-    m_options.save(drawing);
-    m_options.render(picture);
-    m_options.isJson() ? printJson(report) : printText(drawing, layers, found, merged, capture);
+    job.save(drawing);
+    job.render(picture);
   }
 
  private:
@@ -139,7 +135,7 @@ class MergeCommand : public Command {
   }
 
   Picture paint(Drawing& drawing, const SingleLines& found, const std::vector<MergedLine>& merged,
-                const std::vector<AcGePoint3d>& keepAt, const Capture& capture) const {
+                const Capture& capture) const {
     Picture picture = newPicture(
         drawing, "collinear lines merged",
         fmt::format("{} lines: {} grew and absorbed {}; touching within {}", found.lines.size(),
@@ -176,7 +172,7 @@ class MergeCommand : public Command {
         }
       }
     }
-    for (const AcGePoint3d& point : keepAt) {
+    for (const AcGePoint3d& point : m_keepPoints) {
       addMark(picture, point, MarkShape::Cross, palette::kMark, 6.0);
     }
     picture.legend = {{"line, not merged", palette::kWall, false, MarkShape::Dot, kWallWidth},
@@ -184,42 +180,39 @@ class MergeCommand : public Command {
                       {"told apart", palette::kThird, false, MarkShape::Dot, kPieceWidth},
                       {"joint that is gone", palette::kSecond, true},
                       {"rest of the plan", palette::kPlan}};
-    if (!keepAt.empty()) {
+    if (!m_keepPoints.empty()) {
       picture.legend.push_back({"kept apart", palette::kMark, true, MarkShape::Cross});
     }
     return picture;
   }
 
-  void printText(const Drawing& drawing, const std::set<std::wstring>& layers,
-                 const SingleLines& found, const std::vector<MergedLine>& merged,
-                 const Capture& capture) const {
-    fmt::print("layers: {}\n", namesText(layers));
-    fmt::print("ends closer than {} touch\n", captureText(capture, drawing));
-    fmt::print("{} lines: {} grew and absorbed {}\n", found.lines.size(), merged.size(),
-               absorbedCount(merged));
-    for (const MergedLine& line : merged) {
+  static void tell(const Drawing& drawing, const std::set<std::wstring>& layers,
+                   const SingleLines& found, const std::vector<MergedLine>& merged,
+                   const Capture& capture, Report& report) {
+    report.line("layers: {}", namesText(layers));
+    report.line("ends closer than {} touch", captureText(capture, drawing));
+    report.line("{}: {} grew and absorbed {}", countText(found.lines.size(), "line"), merged.size(),
+                absorbedCount(merged));
+    report.details(merged.size(), [&](std::size_t i) {
       std::string absorbed;
-      for (const std::size_t number : line.absorbed) {
-        absorbed += " " + handleText(found.lines[number].entity);
+      for (const std::size_t number : merged[i].absorbed) {
+        absorbed += (absorbed.empty() ? "" : ", ") + nameText(drawing, found.lines[number].entity);
       }
-      fmt::print("  {} absorbed{}\n", handleText(found.lines[line.survivor].entity), absorbed);
-    }
-    printSkipped(drawing, found);
-    m_options.printOutcome();
+      return fmt::format("  {} absorbed {}",
+                         nameText(drawing, found.lines[merged[i].survivor].entity), absorbed);
+    });
+    tellSkipped(drawing, found, report);
   }
 
-  nlohmann::json jsonReport(const Drawing& drawing, const std::set<std::wstring>& layers,
-                            const SingleLines& found, const std::vector<MergedLine>& merged,
-                            const Capture& capture) const {
-    nlohmann::json report = {{"command", "merge"},
-                             {"input", fileJson(drawing)},
-                             {"capture", captureJson(capture)},
-                             {"layers", namesJson(layers)},
-                             {"lines", found.lines.size()},
-                             {"absorbed", absorbedCount(merged)},
-                             {"changes", nlohmann::json::array()},
-                             {"skipped", skippedJson(found)}};
-    m_options.addOutcome(report);
+  static void addJson(const std::set<std::wstring>& layers, const SingleLines& found,
+                      const std::vector<MergedLine>& merged, const Capture& capture,
+                      nlohmann::json& report) {
+    report.update({{"capture", captureJson(capture)},
+                   {"layers", namesJson(layers)},
+                   {"lines", found.lines.size()},
+                   {"absorbed", absorbedCount(merged)},
+                   {"changes", nlohmann::json::array()},
+                   {"skipped", skippedJson(found)}});
     for (const MergedLine& line : merged) {
       nlohmann::json absorbed = nlohmann::json::array();
       for (const std::size_t number : line.absorbed) {
@@ -230,11 +223,10 @@ class MergeCommand : public Command {
                                    {"end", pointJson(line.end)},
                                    {"absorbed", std::move(absorbed)}});
     }
-    return report;
   }
 
-  CommonOptions m_options;
   std::vector<std::string> m_keepAt;
+  std::vector<AcGePoint3d> m_keepPoints;
 };
 
 }  // namespace

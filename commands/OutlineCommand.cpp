@@ -5,13 +5,13 @@
 #include <algorithm>
 #include <array>
 
-#include "commands/Command.h"
 #include "commands/CommandError.h"
-#include "commands/CommonOptions.h"
+#include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
 #include "commands/WallBodies.h"
 #include "commands/WallChanges.h"
 #include "commands/WallLines.h"
+#include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
 #include "dbents.h"
@@ -36,7 +36,7 @@ struct OutlineLine {
   std::string handle;
 };
 
-class OutlineCommand : public Command {
+class OutlineCommand : public DrawingCommand {
  public:
   CLI::App* declare(CLI::App& app) override {
     CLI::App* const command = app.add_subcommand(
@@ -60,9 +60,8 @@ class OutlineCommand : public Command {
     return command;
   }
 
-  void run() override {
-    m_options.checkFiles();
-    Drawing drawing(m_options.plan);
+  std::string name() const override { return "outline"; }
+  void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
     const WallLines found = collectWallLines(drawing, layers);
     if (found.lines.empty()) {
@@ -74,7 +73,7 @@ class OutlineCommand : public Command {
     const std::vector<BodyWall> walls = makeWalls(drawing, found.lines, m_widths);
     std::vector<OutlineLine> lines = flatten(showWalls(walls));
     Picture picture;
-    if (!m_options.picture.empty()) {
+    if (job.hasPicture()) {
       picture = paint(drawing, walls, lines, capture);
     }
     for (OutlineLine& line : lines) {
@@ -83,10 +82,10 @@ class OutlineCommand : public Command {
       entity->setLayer(os::fromUtf8(m_outLayer).c_str());
       line.handle = appendEntity(drawing, drawing.modelSpaceId(), std::move(entity));
     }
-    m_options.save(drawing);
-    m_options.render(picture);
-    m_options.isJson() ? printJson(jsonReport(drawing, layers, walls, lines, capture))
-                       : printText(drawing, layers, walls, lines, capture);
+    job.save(drawing);
+    job.render(picture);
+    tell(drawing, layers, walls, lines, capture, report);
+    addJson(layers, walls, lines, capture, report.json);
   }
 
  private:
@@ -158,29 +157,25 @@ class OutlineCommand : public Command {
     return picture;
   }
 
-  void printText(const Drawing& drawing, const std::set<std::wstring>& layers,
-                 const std::vector<BodyWall>& walls, const std::vector<OutlineLine>& lines,
-                 const Capture& capture) const {
-    fmt::print("layers: {}\n", namesText(layers));
-    fmt::print("ends closer than {} meet\n", captureText(capture, drawing));
-    fmt::print("{} walls outlined by {} lines on {}: {} ends of free walls, {} connections\n",
-               walls.size(), lines.size(), m_outLayer,
-               count(lines, LineRole::Start) + count(lines, LineRole::End),
-               count(lines, LineRole::Connection));
-    m_options.printOutcome();
+  void tell(const Drawing& drawing, const std::set<std::wstring>& layers,
+            const std::vector<BodyWall>& walls, const std::vector<OutlineLine>& lines,
+            const Capture& capture, Report& report) const {
+    report.line("layers: {}", namesText(layers));
+    report.line("ends closer than {} meet", captureText(capture, drawing));
+    report.line("{} outlined by {} on {}: {} of free walls, {}", countText(walls.size(), "wall"),
+                countText(lines.size(), "line"), m_outLayer,
+                countText(count(lines, LineRole::Start) + count(lines, LineRole::End), "end"),
+                countText(count(lines, LineRole::Connection), "connection"));
   }
 
-  nlohmann::json jsonReport(const Drawing& drawing, const std::set<std::wstring>& layers,
-                            const std::vector<BodyWall>& walls,
-                            const std::vector<OutlineLine>& lines, const Capture& capture) const {
-    nlohmann::json report = {{"command", "outline"},
-                             {"input", fileJson(drawing)},
-                             {"capture", captureJson(capture)},
-                             {"layers", namesJson(layers)},
-                             {"outLayer", m_outLayer},
-                             {"walls", walls.size()},
-                             {"changes", nlohmann::json::array()}};
-    m_options.addOutcome(report);
+  void addJson(const std::set<std::wstring>& layers, const std::vector<BodyWall>& walls,
+               const std::vector<OutlineLine>& lines, const Capture& capture,
+               nlohmann::json& report) const {
+    report.update({{"capture", captureJson(capture)},
+                   {"layers", namesJson(layers)},
+                   {"outLayer", m_outLayer},
+                   {"walls", walls.size()},
+                   {"changes", nlohmann::json::array()}});
     std::size_t next = 0;
     for (std::size_t i = 0; i < walls.size(); ++i) {
       nlohmann::json results = nlohmann::json::array();
@@ -195,10 +190,8 @@ class OutlineCommand : public Command {
                                    {"right", walls[i].widths.right},
                                    {"results", std::move(results)}});
     }
-    return report;
   }
 
-  CommonOptions m_options;
   WidthOptions m_widths;
   std::string m_outLayer = "WALL-OUTLINE";
 };

@@ -5,10 +5,10 @@
 
 #include "ChangeEntityColor.h"
 #include "commands/ChosenEntities.h"
-#include "commands/Command.h"
 #include "commands/CommandError.h"
-#include "commands/CommonOptions.h"
+#include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
+#include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
 #include "embedded/os/Utf8.h"
@@ -51,7 +51,7 @@ Rgb parseRgb(const std::string& text) {
   return rgb;
 }
 
-class PaintCommand : public Command {
+class PaintCommand : public DrawingCommand {
  public:
   CLI::App* declare(CLI::App& app) override {
     CLI::App* const command =
@@ -71,20 +71,21 @@ class PaintCommand : public Command {
     return command;
   }
 
-  void run() override {
-    m_options.checkFiles();
+  std::string name() const override { return "paint"; }
+  void prepare() override { parseRgb(m_rgb); }
+
+  void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     const Rgb rgb = parseRgb(m_rgb);
-    Drawing drawing(m_options.plan);
     const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
     const ChosenEntities chosen = chooseEntities(drawing, layers);
     CChangeEntityColor paint(rgb.red, rgb.green, rgb.blue);
     changeEach(drawing, chosen, [&](AcDbEntity& entity) { paint(&entity); });
-    m_options.save(drawing);
-    if (!m_options.picture.empty()) {
-      m_options.render(pictureOf(drawing, layers, chosen, rgb));
+    job.save(drawing);
+    if (job.hasPicture()) {
+      job.render(pictureOf(drawing, layers, chosen, rgb));
     }
-    m_options.isJson() ? printJson(jsonReport(drawing, layers, chosen, rgb))
-                       : printText(drawing, layers, chosen, rgb);
+    tell(drawing, layers, chosen, rgb, report);
+    addJson(drawing, layers, chosen, rgb, report.json);
   }
 
  private:
@@ -117,37 +118,32 @@ class PaintCommand : public Command {
     return picture;
   }
 
-  void printText(Drawing& drawing, const std::set<std::wstring>& layers,
-                 const ChosenEntities& chosen, const Rgb& rgb) const {
-    fmt::print("layers: {}\n", namesText(layers));
-    fmt::print("{} entities painted {}{}{}\n", chosen.entities.size(), rgb.text(),
-               chosen.entities.empty() ? "" : ": ", kindsText(chosen));
+  static void tell(Drawing& drawing, const std::set<std::wstring>& layers,
+                   const ChosenEntities& chosen, const Rgb& rgb, Report& report) {
+    report.line("layers: {}", namesText(layers));
+    report.line("{} painted {}{}{}", countText(chosen.entities.size(), "entity", "entities"),
+                rgb.text(), chosen.entities.empty() ? "" : ": ", kindsText(chosen));
     if (!knowsTrueColors(drawing)) {
-      fmt::print("{} knows no true colours: colour {} of the palette is the nearest\n",
-                 os::toUtf8(drawing.info().release), nearestIndex(rgb));
+      report.line("{} knows no true colours: colour {} of the palette is the nearest",
+                  os::toUtf8(drawing.info().release), nearestIndex(rgb));
     }
     if (chosen.onLockedLayers > 0) {
-      fmt::print("{} entities on locked layers were not painted\n", chosen.onLockedLayers);
+      report.line("not painted, on locked layers: {}",
+                  countText(chosen.onLockedLayers, "entity", "entities"));
     }
-    m_options.printOutcome();
   }
 
-  nlohmann::json jsonReport(Drawing& drawing, const std::set<std::wstring>& layers,
-                            const ChosenEntities& chosen, const Rgb& rgb) const {
-    nlohmann::json report = {{"command", "paint"},
-                             {"input", fileJson(drawing)},
-                             {"layers", namesJson(layers)},
-                             {"rgb", {rgb.red, rgb.green, rgb.blue}},
-                             {"nearestIndex", nearestIndex(rgb)},
-                             {"isTrueColor", knowsTrueColors(drawing)},
-                             {"painted", chosen.entities.size()},
-                             {"kinds", kindsJson(chosen)},
-                             {"heldByLockedLayers", chosen.onLockedLayers}};
-    m_options.addOutcome(report);
-    return report;
+  static void addJson(Drawing& drawing, const std::set<std::wstring>& layers,
+                      const ChosenEntities& chosen, const Rgb& rgb, nlohmann::json& report) {
+    report.update({{"layers", namesJson(layers)},
+                   {"rgb", {rgb.red, rgb.green, rgb.blue}},
+                   {"nearestIndex", nearestIndex(rgb)},
+                   {"isTrueColor", knowsTrueColors(drawing)},
+                   {"painted", chosen.entities.size()},
+                   {"kinds", kindsJson(chosen)},
+                   {"heldByLockedLayers", chosen.onLockedLayers}});
   }
 
-  CommonOptions m_options;
   std::string m_rgb;
 };
 

@@ -15,6 +15,8 @@ constexpr std::chrono::milliseconds kPatience{700};
 constexpr std::chrono::milliseconds kInterval{100};
 }  // namespace
 
+bool Progress::s_isSilent = false;
+
 Progress::Progress(std::string work)
     : m_work(std::move(work)), m_begin(std::chrono::steady_clock::now()), m_shown(m_begin) {}
 
@@ -26,7 +28,8 @@ Progress::~Progress() {
 
 bool Progress::report(double fraction) {
   const auto now = std::chrono::steady_clock::now();
-  if (now - m_begin > kPatience && now - m_shown > kInterval && os::isErrorStreamTerminal()) {
+  if (!s_isSilent && now - m_begin > kPatience && now - m_shown > kInterval &&
+      os::isErrorStreamTerminal()) {
     fmt::print(stderr, "\r{} {:3.0f} %", m_work, fraction * 100.0);
     std::fflush(stderr);
     m_shown = now;
@@ -39,6 +42,10 @@ void Progress::checkInterrupt() {
   if (os::isInterrupted()) {
     throw CommandError(ExitCode::Interrupted, os::interruptText());
   }
+}
+
+void Progress::silence() {
+  s_isSilent = true;
 }
 
 }  // namespace quoin::commands

@@ -18,8 +18,13 @@ class Progress {
   bool report(double fraction);
   /// Fails: throws CommandError (Interrupted) when the user has asked to stop.
   static void checkInterrupt();
+  /// From now on nothing is shown: for processes that work side by side, and where the user wants
+  /// quiet.
+  static void silence();
 
  private:
+  static bool s_isSilent;
+
   std::string m_work;
   std::chrono::steady_clock::time_point m_begin;
   std::chrono::steady_clock::time_point m_shown;

@@ -72,10 +72,11 @@ void eraseEntity(Drawing& drawing, const AcDbObjectId& id) {
   check(entity->erase(), drawing, id, "erase the entity");
 }
 
-void printSkipped(const Drawing& drawing, const SingleLines& found) {
-  for (const SkippedEntity& skipped : found.skipped) {
-    fmt::print("skipped: {} {}\n", describe(drawing, skipped.entity), skipped.reason);
-  }
+void tellSkipped(const Drawing& drawing, const SingleLines& found, Report& report) {
+  report.list(found.skipped.size(), [&](std::size_t i) {
+    const SkippedEntity& skipped = found.skipped[i];
+    return fmt::format("skipped: {} {}", describe(drawing, skipped.entity), skipped.reason);
+  });
 }
 
 nlohmann::json skippedJson(const SingleLines& found) {

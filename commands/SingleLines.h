@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "commands/Drawing.h"
+#include "commands/Report.h"
 #include "commands/WallLines.h"
 
 namespace quoin::commands {
@@ -39,7 +40,8 @@ void setLineEnds(Drawing& drawing, const AcDbObjectId& id, const AcGePoint3d& st
                  const AcGePoint3d& end);
 void eraseEntity(Drawing& drawing, const AcDbObjectId& id);
 
-void printSkipped(const Drawing& drawing, const SingleLines& found);
+/// Names those that were skipped.
+void tellSkipped(const Drawing& drawing, const SingleLines& found, Report& report);
 nlohmann::json skippedJson(const SingleLines& found);
 
 }  // namespace quoin::commands

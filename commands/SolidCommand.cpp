@@ -4,42 +4,37 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 
-#include "commands/Command.h"
 #include "commands/CommandError.h"
-#include "commands/CommonOptions.h"
+#include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
 #include "commands/WallBodies.h"
 #include "commands/WallLines.h"
 #include "commands/WallModel.h"
+#include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
-#include "commands/picture/Render.h"
 #include "embedded/os/Utf8.h"
 
 namespace quoin::commands {
 
 namespace {
 
-class SolidCommand : public Command {
+class SolidCommand : public DrawingCommand {
  public:
   CLI::App* declare(CLI::App& app) override {
     CLI::App* const command = app.add_subcommand(
         "solid", "Build walls given by reference lines and widths as closed prisms (DXF or OBJ)");
-    command->add_option("PLAN", m_options.plan, "The drawing to read (DXF, ASCII or binary)")
+    m_options.declarePlans(*command);
+    m_options
+        .declareOutput(*command,
+                       "The model to write: .obj (Wavefront, a group a wall) or .dxf (3DFACE "
+                       "entities, a layer a wall layer); of several drawings: a folder, or a name "
+                       "with {name} in it")
         ->required();
-    command
-        ->add_option("-o,--output", m_options.output,
-                     "The model to write: .dxf (3DFACE entities, a layer a wall layer) or .obj "
-                     "(Wavefront, a group a wall)")
-        ->required();
+    m_options.resultEnding = ".obj";
     command->add_option("--height", m_height, "Height of the walls, drawing units")->required();
-    command->add_option("--picture", m_options.picture,
-                        "Make a picture of the bodies, seen from above at an angle");
-    command->add_option("--report", m_options.report, "text or json")
-        ->check(CLI::IsMember({"text", "json"}))
-        ->capture_default_str();
+    m_options.declarePicture(*command, "Make a picture of the bodies, seen from above at an angle");
     m_options.declareLayers(*command,
                             "Layers with the reference lines, * and ? allowed; may be repeated");
     command->get_option("--layer")->required();
@@ -54,15 +49,19 @@ class SolidCommand : public Command {
     return command;
   }
 
-  void run() override {
+  std::string name() const override { return "solid"; }
+  void prepare() override {
     if (!(m_height > 0.0) || !std::isfinite(m_height)) {
-      throw CommandError(ExitCode::Usage, fmt::format("--height {:g} builds no wall", m_height));
+      throw CommandError(ExitCode::Usage, fmt::format("--height {} builds no wall", m_height));
     }
-    if (!isModelFile(m_options.output)) {
-      throw CommandError(ExitCode::Usage, m_options.output + ": models end in .dxf or .obj");
+    for (const DrawingJob& job : m_options.drawingJobs()) {
+      if (!isModelFile(job.output)) {
+        throw CommandError(ExitCode::Usage, job.output + ": models end in .dxf or .obj");
+      }
     }
-    m_options.checkFiles();
-    Drawing drawing(m_options.plan);
+  }
+
+  void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
     const WallLines found = collectWallLines(drawing, layers);
     if (found.lines.empty()) {
@@ -77,12 +76,12 @@ class SolidCommand : public Command {
     for (std::size_t i = 0; i < walls.size(); ++i) {
       prisms.push_back(makePrism(walls[i], ends[i], m_height));
     }
-    writeModel(prisms, m_options.output);
-    if (!m_options.picture.empty()) {
-      m_options.render(paint(drawing, prisms));
+    writeModel(prisms, job.output);
+    if (job.hasPicture()) {
+      job.render(paint(drawing, prisms));
     }
-    m_options.isJson() ? printJson(jsonReport(drawing, capture, ends, prisms))
-                       : printText(drawing, capture, ends, prisms);
+    tell(drawing, capture, ends, prisms, report);
+    addJson(capture, ends, prisms, report.json);
   }
 
  private:
@@ -97,9 +96,10 @@ class SolidCommand : public Command {
   /// Bodies seen from above at an angle: the faces that look at the viewer, far ones first.
   /// Ceilings come last, since all are at one height and nothing stands above them.
   Picture paint(const Drawing& drawing, const std::vector<WallPrism>& prisms) const {
-    Picture picture = newPicture(
-        drawing, "walls as bodies",
-        fmt::format("{} closed prisms, {:g} {} high", prisms.size(), m_height, drawing.unitName()));
+    Picture picture =
+        newPicture(drawing, "walls as bodies",
+                   fmt::format("{}, {} {} high", countText(prisms.size(), "closed prism"),
+                               numberText(m_height), drawing.unitName()));
     struct SeenFace {
       WallPrism::Face face;
       bool isCeiling;
@@ -186,24 +186,20 @@ class SolidCommand : public Command {
     return {shade, shade * 0.985, shade * 0.95};
   }
 
-  void printText(const Drawing& drawing, const Capture& capture,
-                 const std::vector<PrepareFrom2dTo3dData>& ends,
-                 const std::vector<WallPrism>& prisms) const {
-    fmt::print("ends closer than {} meet\n", captureText(capture, drawing));
-    fmt::print("{} walls as closed prisms {:g} {} high; {} free ends, {} joined\n", prisms.size(),
-               m_height, drawing.unitName(), freeEnds(ends), 2 * ends.size() - freeEnds(ends));
-    m_options.printOutcome();
+  void tell(const Drawing& drawing, const Capture& capture,
+            const std::vector<PrepareFrom2dTo3dData>& ends, const std::vector<WallPrism>& prisms,
+            Report& report) const {
+    report.line("ends closer than {} meet", captureText(capture, drawing));
+    report.line("{} as closed prisms {} {} high; {}, {} joined", countText(prisms.size(), "wall"),
+                numberText(m_height), drawing.unitName(), countText(freeEnds(ends), "free end"),
+                2 * ends.size() - freeEnds(ends));
   }
 
-  nlohmann::json jsonReport(const Drawing& drawing, const Capture& capture,
-                            const std::vector<PrepareFrom2dTo3dData>& ends,
-                            const std::vector<WallPrism>& prisms) const {
-    nlohmann::json report = {{"command", "solid"},
-                             {"input", fileJson(drawing)},
-                             {"capture", captureJson(capture)},
-                             {"height", m_height},
-                             {"walls", nlohmann::json::array()}};
-    m_options.addOutcome(report);
+  void addJson(const Capture& capture, const std::vector<PrepareFrom2dTo3dData>& ends,
+               const std::vector<WallPrism>& prisms, nlohmann::json& report) const {
+    report.update({{"capture", captureJson(capture)},
+                   {"height", m_height},
+                   {"walls", nlohmann::json::array()}});
     for (std::size_t i = 0; i < prisms.size(); ++i) {
       report["walls"].push_back({{"source", handleText(prisms[i].source)},
                                  {"freeStart", ends[i].bHasStartWall},
@@ -215,10 +211,8 @@ class SolidCommand : public Command {
                                   {pointJson(ends[i].ptEndLeft), pointJson(ends[i].ptEndMid),
                                    pointJson(ends[i].ptEndRight)}}});
     }
-    return report;
   }
 
-  CommonOptions m_options;
   WidthOptions m_widths;
   double m_height = 0.0;
 };

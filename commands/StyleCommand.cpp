@@ -5,10 +5,10 @@
 
 #include "AcadCommonTool.h"
 #include "KxAcadBlockTool.h"
-#include "commands/Command.h"
 #include "commands/CommandError.h"
-#include "commands/CommonOptions.h"
+#include "commands/DrawingCommand.h"
 #include "commands/StylePictures.h"
+#include "commands/Words.h"
 #include "dbapserv.h"
 #include "dbdict.h"
 #include "dbobjptr.h"
@@ -25,6 +25,11 @@ struct Setting {
   std::string value;
 };
 
+/// With its sign, as offsets to either side are written.
+std::string signedText(double value) {
+  return (value > 0.0 ? "+" : "") + numberText(value);
+}
+
 std::string yesNo(bool value) {
   return value ? "yes" : "no";
 }
@@ -39,17 +44,16 @@ std::string blockName(const AcDbObjectId& id) {
 }
 
 std::vector<Setting> settingsOf(const AcDbDimStyleTableRecord& style) {
-  const auto number = [](double value) { return fmt::format("{:g}", value); };
   const auto integer = [](int value) { return fmt::format("{}", value); };
   const std::string arrow = blockName(style.dimblk());
-  return {{"DIMSCALE", "scale of the graphics", number(style.dimscale())},
-          {"DIMLFAC", "factor of measured lengths", number(style.dimlfac())},
+  return {{"DIMSCALE", "scale of the graphics", numberText(style.dimscale())},
+          {"DIMLFAC", "factor of measured lengths", numberText(style.dimlfac())},
           {"DIMBLK", "arrow block", arrow.empty() ? "none: filled arrows" : arrow},
-          {"DIMASZ", "arrow size", number(style.dimasz())},
-          {"DIMEXE", "extension lines beyond the dimension line", number(style.dimexe())},
-          {"DIMEXO", "extension lines' distance from the origin", number(style.dimexo())},
-          {"DIMTXT", "text height", number(style.dimtxt())},
-          {"DIMGAP", "gap around the text", number(style.dimgap())},
+          {"DIMASZ", "arrow size", numberText(style.dimasz())},
+          {"DIMEXE", "extension lines beyond the dimension line", numberText(style.dimexe())},
+          {"DIMEXO", "extension lines' distance from the origin", numberText(style.dimexo())},
+          {"DIMTXT", "text height", numberText(style.dimtxt())},
+          {"DIMGAP", "gap around the text", numberText(style.dimgap())},
           {"DIMTAD", "text above the line", integer(style.dimtad())},
           {"DIMJUST", "text along the line", integer(style.dimjust())},
           {"DIMTIX", "text always between extension lines", yesNo(style.dimtix())},
@@ -59,7 +63,7 @@ std::vector<Setting> settingsOf(const AcDbDimStyleTableRecord& style) {
           {"DIMTMOVE", "how text moves", integer(style.dimtmove())},
           {"DIMUNIT", "unit format", integer(style.dimunit())},
           {"DIMDEC", "decimal places", integer(style.dimdec())},
-          {"DIMRND", "rounding", number(style.dimrnd())}};
+          {"DIMRND", "rounding", numberText(style.dimrnd())}};
 }
 
 /// The host's working database for as long as this lives: where names of blocks are looked up
@@ -78,7 +82,7 @@ class WorkingDatabase {
   AcDbDatabase* m_before;
 };
 
-class StyleCommand : public Command {
+class StyleCommand : public DrawingCommand {
  public:
   CLI::App* declare(CLI::App& app) override {
     CLI::App* const command = app.add_subcommand(
@@ -104,13 +108,15 @@ class StyleCommand : public Command {
     return command;
   }
 
-  void run() override {
-    m_options.checkFiles();
+  std::string name() const override { return m_mline->parsed() ? "style mline" : "style dim"; }
+  void prepare() override {
     if (!(m_scale > 0.0 && std::isfinite(m_scale))) {
-      throw CommandError(ExitCode::Usage, fmt::format("--scale {:g}: a scale is above 0", m_scale));
+      throw CommandError(ExitCode::Usage, fmt::format("--scale {}: a scale is above 0", m_scale));
     }
-    Drawing drawing(m_options.plan);
-    m_mline->parsed() ? runMline(drawing) : runDim(drawing);
+  }
+
+  void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
+    m_mline->parsed() ? workOnMline(drawing, job, report) : workOnDim(drawing, job, report);
   }
 
  private:
@@ -119,9 +125,10 @@ class StyleCommand : public Command {
     command.add_option("--name", m_name, "The name of the style")->required();
   }
 
-  std::wstring name() const { return os::fromUtf8(m_name); }
+  std::wstring wideName() const { return os::fromUtf8(m_name); }
 
-  [[noreturn]] void refuse(const Drawing& drawing, const char* kind, const std::string& cause) {
+  [[noreturn]] void refuse(const Drawing& drawing, const char* kind,
+                           const std::string& cause) const {
     throw CommandError(ExitCode::EntityFailed,
                        fmt::format("{}: cannot make the {} style '{}': {}", drawing.file().string(),
                                    kind, m_name, cause));
@@ -131,15 +138,15 @@ class StyleCommand : public Command {
 
   // --- multilines ---------------------------------------------------------------------------
 
-  void runMline(Drawing& drawing) {
+  void workOnMline(Drawing& drawing, const DrawingJob& job, Report& report) const {
     AcDbDictionary* styles = nullptr;
     AcDbObjectId former;
     if (drawing.database().getMLStyleDictionary(styles) == Acad::eOk) {
-      styles->getAt(name().c_str(), former);
+      styles->getAt(wideName().c_str(), former);
       styles->close();
     }
     const AcDbObjectId id = CAcadCommonTool::GetMlineStyleId(
-        &drawing.database(), CString(name().c_str()), m_startCap, m_endCap);
+        &drawing.database(), CString(wideName().c_str()), m_startCap, m_endCap);
     if (id.isNull()) {
       const bool isOld = drawing.database().originalFileVersion() < AcDb::kDHL_1012;
       refuse(drawing, "multiline",
@@ -148,23 +155,19 @@ class StyleCommand : public Command {
     }
     const AcDbObjectPointer<AcDbMlineStyle> style(id, AcDb::kForRead);
     check(style.openStatus(), drawing, id, "read");
-    m_options.save(drawing);
-    m_options.render(mlineSample(drawing, *style.object()));
+    job.save(drawing);
+    job.render(mlineSample(drawing, *style.object()));
     const bool isNew = former.isNull();
-    if (m_options.isJson()) {
-      printJson(mlineJson(drawing, *style.object(), id, isNew));
-      return;
-    }
-    fmt::print("multiline style {} ({}): {}\n", os::toUtf8(style->name()), handleText(id),
-               foundOrMade(isNew));
-    fmt::print("  start cap    {}\n", yesNo(style->startSquareCap()));
-    fmt::print("  end cap      {}\n", yesNo(style->endSquareCap()));
-    forEachElement(*style.object(), [](int index, double offset, const AcCmColor& color,
-                                       const std::string& linetype) {
-      fmt::print("  element {}    offset {:+g}, colour {}, linetype {}\n", index + 1, offset,
-                 colorText(color), linetype);
+    addMlineJson(*style.object(), id, isNew, report.json);
+    report.line("multiline style {} ({}): {}", os::toUtf8(style->name()), handleText(id),
+                foundOrMade(isNew));
+    report.line("  start cap    {}", yesNo(style->startSquareCap()));
+    report.line("  end cap      {}", yesNo(style->endSquareCap()));
+    forEachElement(*style.object(), [&](int index, double offset, const AcCmColor& color,
+                                        const std::string& linetype) {
+      report.line("  element {}    offset {}, colour {}, linetype {}", index + 1,
+                  signedText(offset), colorText(color), linetype);
     });
-    m_options.printOutcome();
   }
 
   static std::string colorText(const AcCmColor& color) {
@@ -190,63 +193,55 @@ class StyleCommand : public Command {
     }
   }
 
-  nlohmann::json mlineJson(const Drawing& drawing, const AcDbMlineStyle& style,
-                           const AcDbObjectId& id, bool isNew) const {
-    nlohmann::json report = {{"command", "style mline"},
-                             {"input", fileJson(drawing)},
-                             {"name", os::toUtf8(style.name())},
-                             {"handle", handleText(id)},
-                             {"isNew", isNew},
-                             {"startCap", style.startSquareCap()},
-                             {"endCap", style.endSquareCap()},
-                             {"elements", nlohmann::json::array()}};
+  static void addMlineJson(const AcDbMlineStyle& style, const AcDbObjectId& id, bool isNew,
+                           nlohmann::json& report) {
+    report.update({{"name", os::toUtf8(style.name())},
+                   {"handle", handleText(id)},
+                   {"isNew", isNew},
+                   {"startCap", style.startSquareCap()},
+                   {"endCap", style.endSquareCap()},
+                   {"elements", nlohmann::json::array()}});
     forEachElement(style,
                    [&](int, double offset, const AcCmColor& color, const std::string& linetype) {
                      report["elements"].push_back(
                          {{"offset", offset}, {"color", colorText(color)}, {"linetype", linetype}});
                    });
-    m_options.addOutcome(report);
-    return report;
   }
 
   // --- dimensions ---------------------------------------------------------------------------
 
-  void runDim(Drawing& drawing) {
+  void workOnDim(Drawing& drawing, const DrawingJob& job, Report& report) const {
     const WorkingDatabase working(drawing.database());
     AcDbObjectId former;
     {
       const AcDbObjectPointer<AcDbDimStyleTable> styles(drawing.database().dimStyleTableId());
       if (styles.openStatus() == Acad::eOk) {
-        styles->getAt(name().c_str(), former);
+        styles->getAt(wideName().c_str(), former);
       }
     }
-    const AcDbObjectId id =
-        CKxAcadBlockTool::GetCustomDimStyle(&drawing.database(), CString(name().c_str()), m_scale);
+    const AcDbObjectId id = CKxAcadBlockTool::GetCustomDimStyle(
+        &drawing.database(), CString(wideName().c_str()), m_scale);
     if (id.isNull()) {
       refuse(drawing, "dimension", "no style may have this name");
     }
     const AcDbObjectPointer<AcDbDimStyleTableRecord> style(id, AcDb::kForRead);
     check(style.openStatus(), drawing, id, "read");
-    m_options.save(drawing);
+    job.save(drawing);
     const ACHAR* styleName = L"";
     style->getName(styleName);
     const std::string shownName = os::toUtf8(styleName);
-    m_options.render(dimensionSample(drawing, shownName, *style.object()));
+    job.render(dimensionSample(drawing, shownName, *style.object()));
     const bool isNew = former.isNull();
     const std::vector<Setting> settings = settingsOf(*style.object());
     const std::vector<std::string> warnings = dimWarnings(drawing, *style.object(), isNew);
-    if (m_options.isJson()) {
-      printJson(dimJson(drawing, shownName, id, isNew, settings, warnings));
-      return;
-    }
-    fmt::print("dimension style {} ({}): {}\n", shownName, handleText(id), foundOrMade(isNew));
+    addDimJson(shownName, id, isNew, settings, report.json);
+    report.line("dimension style {} ({}): {}", shownName, handleText(id), foundOrMade(isNew));
     for (const Setting& setting : settings) {
-      fmt::print("  {:<9} {:<42} {}\n", setting.variable, setting.meaning, setting.value);
+      report.line("  {:<9} {:<42} {}", setting.variable, setting.meaning, setting.value);
     }
     for (const std::string& warning : warnings) {
-      fmt::print("warning: {}\n", warning);
+      report.warn(warning);
     }
-    m_options.printOutcome();
   }
 
   static std::vector<std::string> dimWarnings(Drawing& drawing,
@@ -271,21 +266,17 @@ class StyleCommand : public Command {
     return warnings;
   }
 
-  nlohmann::json dimJson(const Drawing& drawing, const std::string& shownName,
-                         const AcDbObjectId& id, bool isNew, const std::vector<Setting>& settings,
-                         const std::vector<std::string>& warnings) const {
-    nlohmann::json report = {{"command", "style dim"}, {"input", fileJson(drawing)},
-                             {"name", shownName},      {"handle", handleText(id)},
-                             {"isNew", isNew},         {"settings", nlohmann::json::object()},
-                             {"warnings", warnings}};
+  static void addDimJson(const std::string& shownName, const AcDbObjectId& id, bool isNew,
+                         const std::vector<Setting>& settings, nlohmann::json& report) {
+    report.update({{"name", shownName},
+                   {"handle", handleText(id)},
+                   {"isNew", isNew},
+                   {"settings", nlohmann::json::object()}});
     for (const Setting& setting : settings) {
       report["settings"][setting.variable] = setting.value;
     }
-    m_options.addOutcome(report);
-    return report;
   }
 
-  CommonOptions m_options;
   CLI::App* m_mline = nullptr;
   CLI::App* m_dim = nullptr;
   std::string m_name;

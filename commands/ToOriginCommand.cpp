@@ -2,10 +2,10 @@
 #include <fmt/format.h>
 
 #include "EntityTool.h"
-#include "commands/Command.h"
 #include "commands/CommandError.h"
-#include "commands/CommonOptions.h"
+#include "commands/DrawingCommand.h"
 #include "commands/FixedEntities.h"
+#include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
 
@@ -19,7 +19,7 @@ const std::map<std::string, EDwgPosition> kPositions{{"left-top", eLeftTop},
                                                      {"right-bottom", eRightBottom},
                                                      {"center", eCenter}};
 
-class ToOriginCommand : public Command {
+class ToOriginCommand : public DrawingCommand {
  public:
   CLI::App* declare(CLI::App& app) override {
     CLI::App* const command = app.add_subcommand(
@@ -38,9 +38,8 @@ class ToOriginCommand : public Command {
     return command;
   }
 
-  void run() override {
-    m_options.checkFiles();
-    Drawing drawing(m_options.plan);
+  std::string name() const override { return "to-origin"; }
+  void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     std::size_t entityCount = 0;
     const FixedEntities fixed = findFixedEntities(drawing.database(), entityCount);
     if (!fixed.isEmpty() && !m_isLeavingBehind) {
@@ -61,12 +60,12 @@ class ToOriginCommand : public Command {
     const EDwgPosition position = kPositions.at(m_at);
     const AcGePoint3d base = CEntityTool::GetBasePos(&drawing.database(), position);
     CEntityTool::TranslationToOrigin(&drawing.database(), position);
-    m_options.save(drawing);
-    if (!m_options.picture.empty()) {
-      m_options.render(pictureOf(drawing, base));
+    job.save(drawing);
+    if (job.hasPicture()) {
+      job.render(pictureOf(drawing, base));
     }
-    m_options.isJson() ? printJson(jsonReport(drawing, base, entityCount, fixed))
-                       : printText(drawing, base, entityCount, fixed);
+    tell(drawing, base, entityCount, fixed, report);
+    addJson(base, entityCount, fixed, report.json);
   }
 
  private:
@@ -78,40 +77,35 @@ class ToOriginCommand : public Command {
     return sum;
   }
 
+  static AcGePoint3d movedBy(const AcGePoint3d& base) { return {-base.x, -base.y, 0.0}; }
+
   Picture pictureOf(Drawing& drawing, const AcGePoint3d& base) const {
-    Picture picture = newPicture(drawing, m_at + " at the origin",
-                                 fmt::format("moved by {:.6g}, {:.6g}", -base.x, -base.y));
+    Picture picture =
+        newPicture(drawing, m_at + " at the origin", "moved by " + pointText(movedBy(base)));
     addPlanShapes(picture, drawing, {});
     addMark(picture, AcGePoint3d(0.0, 0.0, 0.0), MarkShape::Cross, palette::kMark, 9.0);
     picture.legend = {{"the origin", palette::kMark, true, MarkShape::Cross}};
     return picture;
   }
 
-  void printText(Drawing& drawing, const AcGePoint3d& base, std::size_t entityCount,
-                 const FixedEntities& fixed) const {
-    fmt::print("{} of the extents was at {:.6g},{:.6g} {}\n", m_at, base.x, base.y,
-               drawing.unitName());
-    fmt::print("{} entities moved by {:.6g},{:.6g}\n", entityCount - sumOf(fixed), -base.x,
-               -base.y);
+  void tell(const Drawing& drawing, const AcGePoint3d& base, std::size_t entityCount,
+            const FixedEntities& fixed, Report& report) const {
+    report.line("{} of the extents was at {} {}", m_at, pointText(base), drawing.unitName());
+    report.line("{} moved by {}", countText(entityCount - sumOf(fixed), "entity", "entities"),
+                pointText(movedBy(base)));
     if (!fixed.isEmpty()) {
-      fmt::print("left where they are, the host cannot move them: {}\n", fixed.text());
+      report.line("left where they are, the host cannot move them: {}", fixed.text());
     }
-    m_options.printOutcome();
   }
 
-  nlohmann::json jsonReport(Drawing& drawing, const AcGePoint3d& base, std::size_t entityCount,
-                            const FixedEntities& fixed) const {
-    nlohmann::json report = {{"command", "to-origin"},
-                             {"input", fileJson(drawing)},
-                             {"at", m_at},
-                             {"basePoint", pointJson(base)},
-                             {"moved", entityCount - sumOf(fixed)},
-                             {"leftBehind", sumOf(fixed)}};
-    m_options.addOutcome(report);
-    return report;
+  void addJson(const AcGePoint3d& base, std::size_t entityCount, const FixedEntities& fixed,
+               nlohmann::json& report) const {
+    report.update({{"at", m_at},
+                   {"basePoint", pointJson(base)},
+                   {"moved", entityCount - sumOf(fixed)},
+                   {"leftBehind", sumOf(fixed)}});
   }
 
-  CommonOptions m_options;
   std::string m_at;
   bool m_isLeavingBehind = false;
 };

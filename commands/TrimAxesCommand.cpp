@@ -2,12 +2,12 @@
 #include <fmt/format.h>
 
 #include "AxisLineCutAlg.h"
-#include "commands/Command.h"
 #include "commands/CommandError.h"
-#include "commands/CommonOptions.h"
+#include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
 #include "commands/Progress.h"
 #include "commands/SingleLines.h"
+#include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
 
@@ -24,7 +24,7 @@ struct TrimmedAxis {
   bool isChanged() const { return !(start == line->start) || !(end == line->end); }
 };
 
-class TrimAxesCommand : public Command {
+class TrimAxesCommand : public DrawingCommand {
  public:
   CLI::App* declare(CLI::App& app) override {
     CLI::App* const command =
@@ -41,9 +41,8 @@ class TrimAxesCommand : public Command {
     return command;
   }
 
-  void run() override {
-    m_options.checkFiles();
-    Drawing drawing(m_options.plan);
+  std::string name() const override { return "trim-axes"; }
+  void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
     const SingleLines found = collectSingleLines(drawing, layers, false);
     if (found.lines.empty()) {
@@ -53,7 +52,7 @@ class TrimAxesCommand : public Command {
     }
     const std::vector<TrimmedAxis> axes = trim(found.lines);
     Picture picture;
-    if (!m_options.picture.empty()) {
+    if (job.hasPicture()) {
       picture = paint(drawing, axes);
     }
     for (const TrimmedAxis& axis : axes) {
@@ -61,10 +60,10 @@ class TrimAxesCommand : public Command {
         setLineEnds(drawing, axis.line->entity, axis.start, axis.end);
       }
     }
-    m_options.save(drawing);
-    m_options.render(picture);
-    m_options.isJson() ? printJson(jsonReport(drawing, layers, found, axes))
-                       : printText(drawing, layers, found, axes);
+    job.save(drawing);
+    job.render(picture);
+    tell(drawing, layers, found, axes, report);
+    addJson(layers, found, axes, report.json);
   }
 
  private:
@@ -122,24 +121,20 @@ class TrimAxesCommand : public Command {
     return picture;
   }
 
-  void printText(const Drawing& drawing, const std::set<std::wstring>& layers,
-                 const SingleLines& found, const std::vector<TrimmedAxis>& axes) const {
-    fmt::print("layers: {}\n", namesText(layers));
-    fmt::print("{} grid lines, {} cut to their outermost crossings\n", axes.size(),
-               changedCount(axes));
-    printSkipped(drawing, found);
-    m_options.printOutcome();
+  static void tell(const Drawing& drawing, const std::set<std::wstring>& layers,
+                   const SingleLines& found, const std::vector<TrimmedAxis>& axes, Report& report) {
+    report.line("layers: {}", namesText(layers));
+    report.line("{}, {} cut to their outermost crossings", countText(axes.size(), "grid line"),
+                changedCount(axes));
+    tellSkipped(drawing, found, report);
   }
 
-  nlohmann::json jsonReport(const Drawing& drawing, const std::set<std::wstring>& layers,
-                            const SingleLines& found, const std::vector<TrimmedAxis>& axes) const {
-    nlohmann::json report = {{"command", "trim-axes"},
-                             {"input", fileJson(drawing)},
-                             {"layers", namesJson(layers)},
-                             {"lines", axes.size()},
-                             {"changes", nlohmann::json::array()},
-                             {"skipped", skippedJson(found)}};
-    m_options.addOutcome(report);
+  static void addJson(const std::set<std::wstring>& layers, const SingleLines& found,
+                      const std::vector<TrimmedAxis>& axes, nlohmann::json& report) {
+    report.update({{"layers", namesJson(layers)},
+                   {"lines", axes.size()},
+                   {"changes", nlohmann::json::array()},
+                   {"skipped", skippedJson(found)}});
     for (const TrimmedAxis& axis : axes) {
       if (axis.isChanged()) {
         const std::string handle = handleText(axis.line->entity);
@@ -150,10 +145,7 @@ class TrimAxesCommand : public Command {
                                                  {"end", pointJson(axis.end)}}})}});
       }
     }
-    return report;
   }
-
-  CommonOptions m_options;
 };
 
 }  // namespace

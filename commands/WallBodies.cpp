@@ -103,13 +103,10 @@ void forEachWall(const std::vector<BodyWall>& walls,
 void WidthOptions::declare(CLI::App& command) {
   command.add_option("--left", left, "Width to the left of every reference line, drawing units");
   command.add_option("--right", right, "Width to its right");
-  command
-      .add_option("--width", ofLayer,
-                  "Width of the walls on a layer (* and ? allowed): half of WIDTH on each side, or "
-                  "LEFT,RIGHT; may be repeated")
-      ->type_name("LAYER=W[,W]")
-      ->take_all()
-      ->expected(1);
+  addRepeated(command, "--width", ofLayer,
+              "Width of the walls on a layer (* and ? allowed): half of WIDTH on each side, or "
+              "LEFT,RIGHT; may be repeated",
+              "LAYER=W[,W]");
 }
 
 std::vector<BodyWall> makeWalls(const Drawing& drawing, const std::vector<WallLine>& lines,
@@ -139,7 +136,7 @@ std::vector<BodyWall> makeWalls(const Drawing& drawing, const std::vector<WallLi
     if (!(widths->left + widths->right > 0.0) || !std::isfinite(widths->left) ||
         !std::isfinite(widths->right)) {
       throw CommandError(ExitCode::Usage,
-                         fmt::format("{}: a wall {:g} wide to the left and {:g} to the right has "
+                         fmt::format("{}: a wall {} wide to the left and {} to the right has "
                                      "no thickness",
                                      describe(drawing, line.entity), widths->left, widths->right));
     }

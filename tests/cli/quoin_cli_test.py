@@ -91,8 +91,14 @@ class CliTest(unittest.TestCase):
         self.assertEqual(result.returncode, 0, result.stderr.decode())
         return result.stdout.decode()
 
-    def report(self, *arguments):
+    def document(self, *arguments):
+        """The whole JSON report of a run."""
         return json.loads(self.run_ok(*arguments, "--report", "json"))
+
+    def report(self, *arguments):
+        """What the JSON report says of a run's one drawing."""
+        document = self.document(*arguments)
+        return document["drawings"][0] if "drawings" in document else document
 
     def fails(self, code, *arguments):
         """The message of a run that must fail with this exit code."""
@@ -487,8 +493,8 @@ class DrawTest(CliTest):
         self.assertIn("A-WALL-NEW", after.layers)
 
     def test_a_path_draws_each_line_against_the_result_of_the_last(self):
-        report = self.report("draw", self.room(), "--path", "1000,-500", "1000,3500", "3000,3500",
-                             "3000,-500", "--layer", "A-WALL", "-o", self.path("o.dxf"))
+        report = self.report("draw", self.room(), "--path",
+                             "1000,-500 1000,3500 3000,3500 3000,-500", "--layer", "A-WALL", "-o", self.path("o.dxf"))
         self.assertEqual([len(line["changes"]) for line in report["drawn"]], [2, 0, 2])
         self.assertEqual(read(self.path("o.dxf"))[1], [])
 

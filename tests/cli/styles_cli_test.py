@@ -206,7 +206,7 @@ class PaintTest(StylesTest):
     def test_locked_layers_are_left_alone(self):
         plan, out = self.plan(), self.path("o.dxf")
         text = self.run_ok("paint", plan, "--layer", "A-LOCKED", "--rgb", "1,2,3", "-o", out)
-        self.assertIn("1 entities on locked layers were not painted", text)
+        self.assertIn("not painted, on locked layers: 1 entity", text)
         self.assertEqual(plan.read_bytes(), out.read_bytes())
 
     def test_what_is_wrong_is_told(self):

@@ -8,17 +8,29 @@ namespace {
 
 using quoin::commands::CommandError;
 using quoin::commands::CommonOptions;
+using quoin::commands::DrawingJob;
 using quoin::commands::ExitCode;
 using quoin::commands::parsePoint;
 
-ExitCode codeOf(const CommonOptions& options) {
-  try {
-    options.checkFiles();
-    return ExitCode::Ok;
-  } catch (const CommandError& error) {
-    return error.code;
+/// Options for drawings that need a place for their results, as most commands have them.
+struct Options {
+  explicit Options(std::vector<std::string> plans) {
+    common.declareFiles(app);
+    common.plans = std::move(plans);
   }
-}
+
+  ExitCode code() const {
+    try {
+      common.drawingJobs();
+      return ExitCode::Ok;
+    } catch (const CommandError& error) {
+      return error.code;
+    }
+  }
+
+  CLI::App app;
+  CommonOptions common;
+};
 
 TEST(PointOption, TakesTwoOrThreeNumbers) {
   EXPECT_EQ(parsePoint("1,-2.5").y, -2.5);
@@ -34,29 +46,77 @@ TEST(PointOption, RefusesAnythingElse) {
 }
 
 TEST(FileOptions, AskForOnePlaceForTheResult) {
-  CommonOptions options;
-  options.plan = "a.dxf";
-  EXPECT_EQ(codeOf(options), ExitCode::Usage);
-  options.isDryRun = true;
-  EXPECT_EQ(codeOf(options), ExitCode::Ok);
-  options.isDryRun = false;
-  options.output = "b.dxf";
-  EXPECT_EQ(codeOf(options), ExitCode::Ok);
-  options.isInPlace = true;
-  EXPECT_EQ(codeOf(options), ExitCode::Usage);
+  Options options({"a.dxf"});
+  EXPECT_EQ(options.code(), ExitCode::Usage);
+  options.common.isDryRun = true;
+  EXPECT_EQ(options.code(), ExitCode::Ok);
+  options.common.isDryRun = false;
+  options.common.output = "b.dxf";
+  EXPECT_EQ(options.code(), ExitCode::Ok);
+  options.common.isInPlace = true;
+  EXPECT_EQ(options.code(), ExitCode::Usage);
 }
 
 TEST(FileOptions, KnowThreeKindsOfPictures) {
-  CommonOptions options;
-  options.isDryRun = true;
+  Options options({"a.dxf"});
+  options.common.isDryRun = true;
   for (const char* picture : {"p.png", "p.SVG", "p.pdf"}) {
-    options.picture = picture;
-    EXPECT_EQ(codeOf(options), ExitCode::Ok) << picture;
+    options.common.picture = picture;
+    EXPECT_EQ(options.code(), ExitCode::Ok) << picture;
   }
   for (const char* picture : {"p", "p.jpg", "png"}) {
-    options.picture = picture;
-    EXPECT_EQ(codeOf(options), ExitCode::Usage) << picture;
+    options.common.picture = picture;
+    EXPECT_EQ(options.code(), ExitCode::Usage) << picture;
   }
+}
+
+TEST(FileOptions, GiveEachOfSeveralDrawingsItsPlaceInAFolder) {
+  Options options({"x/a.dxf", "y/b.dxf"});
+  options.common.output = "out";
+  options.common.picture = "pictures/{name}.svg";
+  const std::vector<DrawingJob> jobs = options.common.drawingJobs();
+  ASSERT_EQ(jobs.size(), 2U);
+  EXPECT_EQ(jobs[0].output, "out/a.dxf");
+  EXPECT_EQ(jobs[1].output, "out/b.dxf");
+  EXPECT_EQ(jobs[0].picture, "pictures/a.svg");
+  EXPECT_EQ(jobs[1].picture, "pictures/b.svg");
+}
+
+TEST(FileOptions, RefuseOnePlaceForTwoDrawings) {
+  Options options({"x/a.dxf", "y/a.dxf"});
+  for (const char* output : {"out", "out/", "out/{name}-new.dxf", "one.dxf", "-"}) {
+    options.common.output = output;
+    EXPECT_EQ(options.code(), ExitCode::Usage) << output;
+  }
+}
+
+TEST(FileOptions, RefuseToWriteOverADrawingThatIsRead) {
+  Options options({"a.dxf", "x/b.dxf"});
+  for (const char* output : {".", "./", "x", "./x/../x/"}) {
+    options.common.output = output;
+    EXPECT_EQ(options.code(), ExitCode::Usage) << output;
+  }
+}
+
+TEST(FileOptions, RefuseADrawingTwiceInPlace) {
+  Options options({"a.dxf", "x/../a.dxf"});
+  options.common.isInPlace = true;
+  EXPECT_EQ(options.code(), ExitCode::Usage);
+}
+
+TEST(FileOptions, TakeTheStandardInputAloneAndNotInPlace) {
+  Options options({"-"});
+  options.common.output = "-";
+  EXPECT_TRUE(options.common.drawingJobs().front().writesToStandardOutput());
+  options.common.output = "o.dxf";
+  EXPECT_EQ(options.code(), ExitCode::Ok);
+  options.common.plans = {"-", "a.dxf"};
+  options.common.output = "out";
+  EXPECT_EQ(options.code(), ExitCode::Usage);
+  options.common.plans = {"-"};
+  options.common.output.clear();
+  options.common.isInPlace = true;
+  EXPECT_EQ(options.code(), ExitCode::Usage);
 }
 
 }  // namespace

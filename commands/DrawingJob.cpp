@@ -1,0 +1,22 @@
+#include "commands/DrawingJob.h"
+
+#include "commands/Progress.h"
+#include "commands/picture/Render.h"
+
+namespace quoin::commands {
+
+void DrawingJob::save(Drawing& drawing) const {
+  Progress::checkInterrupt();
+  if (!isDryRun) {
+    drawing.saveAs(output, isInPlace);
+  }
+}
+
+void DrawingJob::render(const Picture& drawn) const {
+  if (hasPicture()) {
+    Progress::checkInterrupt();
+    renderPicture(drawn, picture);
+  }
+}
+
+}  // namespace quoin::commands

@@ -1,0 +1,33 @@
+// One drawing of a run, and where what becomes of it goes.
+#pragma once
+
+#include <string>
+
+#include "commands/Drawing.h"
+#include "commands/picture/Picture.h"
+
+namespace quoin::commands {
+
+/// What stands for the standard input or output among the names of files.
+inline constexpr const char* kStandardStream = "-";
+
+struct DrawingJob {
+  std::string input;
+  std::string output;   // empty: no drawing is written
+  std::string picture;  // empty: none was asked for
+  bool isInPlace = false;
+  bool isDryRun = false;
+
+  bool hasPicture() const { return !picture.empty(); }
+  /// The report must not get among the drawing's bytes.
+  bool writesToStandardOutput() const { return output == kStandardStream && !isDryRun; }
+
+  /// Saves the drawing where it goes; nothing in a dry run.
+  /// Fails: throws CommandError (OutputUnwritable, Interrupted).
+  void save(Drawing& drawing) const;
+  /// Writes the picture if one was asked for.
+  /// Fails: throws CommandError (OutputUnwritable, Interrupted).
+  void render(const Picture& drawn) const;
+};
+
+}  // namespace quoin::commands

@@ -1,0 +1,19 @@
+#include "commands/Words.h"
+
+#include <fmt/format.h>
+
+namespace quoin::commands {
+
+std::string numberText(double value) {
+  return fmt::format("{}", value == 0.0 ? 0.0 : value);  // the negative zero too
+}
+
+std::string pointText(const AcGePoint3d& point) {
+  return numberText(point.x) + "," + numberText(point.y);
+}
+
+std::string countText(std::size_t count, const std::string& one, const std::string& many) {
+  return fmt::format("{} {}", count, count == 1 ? one : many.empty() ? one + "s" : many);
+}
+
+}  // namespace quoin::commands

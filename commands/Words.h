@@ -1,0 +1,19 @@
+// Numbers and counts in words for people: no digit is lost, and one is one.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "gepnt3d.h"
+
+namespace quoin::commands {
+
+/// The shortest text that reads back as the same number, "0" for either zero.
+std::string numberText(double value);
+/// "X,Y", as --at and its like take it.
+std::string pointText(const AcGePoint3d& point);
+/// "1 wall line", "2 wall lines"; for words that take more than an s: countText(n, "entity",
+/// "entities").
+std::string countText(std::size_t count, const std::string& one, const std::string& many = "");
+
+}  // namespace quoin::commands
