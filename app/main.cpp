@@ -1,7 +1,9 @@
 // Starts the host, loads the module and its client module with the commands, and hands the
 // command line over.
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <filesystem>
 #include <string>
@@ -14,6 +16,7 @@
 namespace {
 
 // Exit codes of the program itself; the commands' own are listed by `quoin --help`.
+constexpr int kExitUnwritable = 5;
 constexpr int kExitModuleMissing = 70;
 constexpr int kExitInternalError = 71;
 
@@ -48,7 +51,21 @@ std::filesystem::path findModule(const std::string& name) {
   return (folders.front() / file).lexically_normal();
 }
 
+/// What was printed may wait in the stream yet. A report that nobody gets is no success, whatever
+/// the command has done.
+int withOutput(int code) {
+  const bool isFlushed = std::fflush(stdout) == 0;
+  const int error = errno;
+  if (isFlushed && std::ferror(stdout) == 0) {
+    return code;
+  }
+  std::fprintf(stderr, "quoin: the standard output cannot be written%s%s\n", isFlushed ? "" : ": ",
+               isFlushed ? "" : std::strerror(error));
+  return code == 0 ? kExitUnwritable : code;
+}
+
 int run(int argc, const char* const* argv) {
+  quoin::os::reserveStandardStreams();
   quoin::os::watchForInterrupt();
   quoin::HostApplication host;
   try {
@@ -63,7 +80,7 @@ int run(int argc, const char* const* argv) {
     std::fprintf(stderr, "quoin: no module offers commands\n");
     return kExitModuleMissing;
   }
-  return runner(argc, argv);
+  return withOutput(runner(argc, argv));
 }
 
 }  // namespace

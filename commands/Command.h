@@ -30,6 +30,7 @@ std::unique_ptr<Command> makeMatchPropertiesCommand();
 std::unique_ptr<Command> makeExtentsCommand();
 std::unique_ptr<Command> makeToOriginCommand();
 std::unique_ptr<Command> makeRescaleCommand();
+std::unique_ptr<Command> makeRestoreCommand();
 std::unique_ptr<Command> makeRunCommand();
 
 }  // namespace quoin::commands

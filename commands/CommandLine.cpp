@@ -81,7 +81,7 @@ int runChecked(int argc, const char* const* argv) {
        {&makeBreakCommand, &makeDrawCommand, &makeMergeCommand, &makeTrimAxesCommand,
         &makeOutlineCommand, &makeSolidCommand, &makeStyleCommand, &makePaintCommand,
         &makeMatchPropertiesCommand, &makeExtentsCommand, &makeToOriginCommand, &makeRescaleCommand,
-        &makeRunCommand, &makeInfoCommand}) {
+        &makeRestoreCommand, &makeRunCommand, &makeInfoCommand}) {
     std::unique_ptr<Command> command = make();
     CLI::App* const declared = command->declare(app);
     commands.emplace_back(declared, std::move(command));
@@ -109,6 +109,11 @@ int runChecked(int argc, const char* const* argv) {
   return static_cast<int>(ExitCode::Ok);
 }
 
+/// Where nobody can be told the exit code says it; so nothing is thrown here.
+void printError(const std::string& message) {
+  std::fprintf(stderr, "quoin: %s\n", message.c_str());
+}
+
 }  // namespace
 
 int runCommandLine(int argc, const char* const* argv) {
@@ -116,11 +121,15 @@ int runCommandLine(int argc, const char* const* argv) {
     return runChecked(argc, argv);
   } catch (const CommandError& error) {
     std::fflush(stdout);
-    fmt::print(stderr, "quoin: {}\n", error.what());
+    printError(error.what());
     return static_cast<int>(error.code);
   } catch (const std::exception& error) {
+    if (std::ferror(stdout) != 0) {
+      // A report could not be printed. The program looks at the stream at its end, and says so.
+      return static_cast<int>(ExitCode::OutputUnwritable);
+    }
     std::fflush(stdout);
-    fmt::print(stderr, "quoin: internal error: {}\n", error.what());
+    printError(std::string("internal error: ") + error.what());
     return static_cast<int>(ExitCode::InternalError);
   }
 }

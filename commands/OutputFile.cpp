@@ -3,9 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <fstream>
 
 #include "commands/CommandError.h"
+#include "embedded/os/File.h"
 
 namespace quoin::commands {
 
@@ -19,28 +19,13 @@ std::string lowerCaseExtension(const std::filesystem::path& file) {
 
 void writeWholeFile(const std::string& bytes, const std::filesystem::path& file,
                     const std::string& action) {
-  const auto fail = [&](const std::string& cause) {
+  try {
+    os::AtomicFile output(file.string());
+    output.write(bytes);
+    output.commit();
+  } catch (const os::FileFailure& failure) {
     throw CommandError(ExitCode::OutputUnwritable,
-                       fmt::format("{}: cannot {}: {}", file.string(), action, cause));
-  };
-  std::filesystem::path beside = file;
-  beside += ".part";
-  {
-    std::ofstream stream(beside, std::ios::binary);
-    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    stream.close();
-    if (!stream) {
-      std::error_code ignored;
-      std::filesystem::remove(beside, ignored);
-      fail("the folder is not there, is full or may not be written to");
-    }
-  }
-  std::error_code error;
-  std::filesystem::rename(beside, file, error);
-  if (error) {
-    std::error_code ignored;
-    std::filesystem::remove(beside, ignored);
-    fail(error.message());
+                       fmt::format("{}: cannot {}: {}", file.string(), action, failure.what()));
   }
 }
 

@@ -9,8 +9,7 @@ namespace quoin::commands {
 /// The ending with its dot in lower case, ".png"; "" for none.
 std::string lowerCaseExtension(const std::filesystem::path& file);
 
-/// Writes the bytes into a file beside the target that then takes its place, so that the file
-/// appears whole or not at all.
+/// Writes a file as drawings are written (embedded/os/File.h): it appears whole or not at all.
 /// Fails: throws CommandError (OutputUnwritable): "FILE: cannot ACTION: cause".
 void writeWholeFile(const std::string& bytes, const std::filesystem::path& file,
                     const std::string& action);

@@ -16,3 +16,26 @@ if(TARGET quoin_app)
   add_test(NAME examples.audit COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/audit_drawings.py
     --quoin $<TARGET_FILE:quoin_app> ${CMAKE_SOURCE_DIR}/examples)
 endif()
+
+# What is built and what is installed: where it looks for libraries, and how it is hardened. The
+# sanitizers have their own flags; only an optimising build has checked library functions.
+add_test(NAME binaries.self_test
+  COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/check_binaries.py --self-test)
+if(TARGET quoin_app)
+  set(BINARY_CHECKS)
+  if(NOT QUOIN_SANITIZE)
+    list(APPEND BINARY_CHECKS --hardened)
+    if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+      list(APPEND BINARY_CHECKS --fortified)
+    endif()
+  endif()
+  add_test(NAME binaries.built COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/check_binaries.py
+    ${BINARY_CHECKS} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY} ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}
+    ${CMAKE_BINARY_DIR}/test_modules)
+  list(JOIN BINARY_CHECKS " " BINARY_CHECKS)
+  add_test(NAME binaries.installed COMMAND ${CMAKE_COMMAND}
+    -DBUILD=${CMAKE_BINARY_DIR} -DSOURCE=${CMAKE_SOURCE_DIR} -DWORK=${CMAKE_BINARY_DIR}/installed
+    -DPYTHON=${QUOIN_PYTHON} -DCHECKS=${BINARY_CHECKS} -DCXX=${CMAKE_CXX_COMPILER}
+    -P ${CMAKE_SOURCE_DIR}/tests/installed/run.cmake)
+  set_tests_properties(binaries.built binaries.installed PROPERTIES LABELS install)
+endif()

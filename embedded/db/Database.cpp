@@ -81,7 +81,11 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName, int, bool, co
       return Acad::eNotApplicable;
     }
     database.clear();
-    dxf::readDrawing(os::toUtf8(fileName), database.store, progressOf(database));
+    const os::FileFacts version =
+        dxf::readDrawing(os::toUtf8(fileName), database.store, progressOf(database));
+    if (version.kind == os::FileFacts::Kind::Regular) {
+      database.version = version;
+    }
     database.path = fileName;
     database.failedPath.clear();
     database.wasRead = true;
@@ -107,6 +111,7 @@ Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName, bool keepBackup) {
   try {
     database.lastError.clear();
     database.isSaveInPlace = false;
+    database.lastSave = {};
     if (!fileName || !*fileName) {
       database.lastError = L"no file is named";
       return Acad::eInvalidInput;
@@ -119,7 +124,14 @@ Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName, bool keepBackup) {
     }
     dxf::SaveOptions options;
     options.keepBackup = keepBackup;
-    dxf::writeDrawing(database.store, os::toUtf8(fileName), options, progressOf(database));
+    options.backupFolder = os::toUtf8(hostx::backupFolder());
+    if (!database.path.empty() && isSameFile(fileName, database.path)) {
+      options.expected = database.version;
+    }
+    const dxf::SaveResult result =
+        dxf::writeDrawing(database.store, os::toUtf8(fileName), options, progressOf(database));
+    database.lastSave = {os::fromUtf8(result.backup), result.isUnchanged};
+    database.version = result.version;
     database.path = fileName;
     database.savedChanges = database.changes;
     database.isSaveInPlace = true;
@@ -128,6 +140,7 @@ Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName, bool keepBackup) {
     const Acad::ErrorStatus status = noteFileError(database);
     if (database.isSaveInPlace) {
       database.savedChanges = database.changes;
+      database.version.reset();
     }
     return status;
   }

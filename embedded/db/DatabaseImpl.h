@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -16,6 +17,7 @@
 #include "embedded/db/OwnBlockMoves.h"
 #include "embedded/db/TagList.h"
 #include "embedded/dxf/RecordStore.h"
+#include "embedded/os/FileSystem.h"
 #include "hostextra.h"
 
 namespace quoin::db {
@@ -64,6 +66,9 @@ struct DatabaseImpl {
   std::wstring failedPath;  // that could not be read
   std::wstring lastError;
   bool isSaveInPlace = false;  // the last saving replaced the file, though it may have failed then
+  hostx::SaveResult lastSave;
+  /// What the file of `path` was when it was read or saved; none for pipes and new drawings.
+  std::optional<os::FileFacts> version;
   hostx::Progress progress;
   bool wasRead = false;
 

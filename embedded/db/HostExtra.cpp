@@ -97,6 +97,25 @@ bool isSaveInPlace(const AcDbDatabase* database) {
   return database && Access::of(*database).isSaveInPlace;
 }
 
+SaveResult lastSave(const AcDbDatabase* database) {
+  return database ? Access::of(*database).lastSave : SaveResult();
+}
+
+namespace {
+std::wstring& backupFolderSlot() {
+  static std::wstring folder;
+  return folder;
+}
+}  // namespace
+
+void setBackupFolder(const std::wstring& folder) {
+  backupFolderSlot() = folder;
+}
+
+std::wstring backupFolder() {
+  return backupFolderSlot();
+}
+
 std::vector<std::wstring> warnings(const AcDbDatabase* database) {
   std::vector<std::wstring> texts;
   if (database) {

@@ -78,29 +78,43 @@ const DrawingCodec& codecNamed(std::string_view name) {
 
 }  // namespace
 
-void readDrawing(const std::string& path, RecordStore& store, const Progress& progress,
-                 os::FileSystem& files) {
+os::FileFacts readDrawing(const std::string& path, RecordStore& store, const Progress& progress,
+                          os::FileSystem& files) {
   store.clear();
+  os::FileFacts version;
   translated(path, [&] {
-    std::string bytes = os::readFile(path, partOf(progress, 0.0, kReadShare), files);
-    const std::string_view head = std::string_view(bytes).substr(0, kHeadSize);
-    const DrawingCodec* const codec = codecFor(head);
-    if (codec == nullptr) {
-      throw FileError(head.empty() ? Acad::eBadDxfFile : Acad::eUnsupportedFileFormat,
-                      causeOfNoCodec(head));
-    }
+    const DrawingCodec* codec = nullptr;
+    os::ReadRules rules;
+    rules.goOn = partOf(progress, 0.0, kReadShare);
+    rules.headSize = kHeadSize;
+    // A device or a pipe without end would fill the memory before it turns out to be no drawing.
+    rules.checkHead = [&](std::string_view head) {
+      codec = codecFor(head);
+      if (codec == nullptr) {
+        throw FileError(head.empty() ? Acad::eBadDxfFile : Acad::eUnsupportedFileFormat,
+                        causeOfNoCodec(head));
+      }
+    };
+    std::string bytes = os::readFile(path, rules, files, &version);
     codec->read(std::move(bytes), path, store, partOf(progress, kReadShare, 1.0));
   });
+  return version;
 }
 
-void writeDrawing(const RecordStore& store, const std::string& path, const SaveOptions& options,
-                  const Progress& progress, os::FileSystem& files) {
+SaveResult writeDrawing(const RecordStore& store, const std::string& path,
+                        const SaveOptions& options, const Progress& progress,
+                        os::FileSystem& files) {
+  SaveResult result;
   translated(path, [&] {
     if (claimsDwg(path, files)) {
       codecNamed("DWG").write(store, {}, {});
       return;
     }
-    os::AtomicFile file(path, {options.keepBackup}, files);
+    os::AtomicFile::Options fileOptions;
+    fileOptions.keepBackup = options.keepBackup;
+    fileOptions.backupFolder = options.backupFolder;
+    fileOptions.expected = options.expected;
+    os::AtomicFile file(path, fileOptions, files);
     codecNamed("DXF").write(
         store, [&](std::string_view piece) { file.write(piece); },
         partOf(progress, 0.0, kWriteShare));
@@ -109,10 +123,12 @@ void writeDrawing(const RecordStore& store, const std::string& path, const SaveO
       throw FileError(Acad::eUserBreak, "writing was stopped");
     }
     file.commit();
+    result = {file.backup(), file.isUnchanged(), file.version()};
     if (progress) {
       progress(1.0);
     }
   });
+  return result;
 }
 
 }  // namespace quoin::dxf

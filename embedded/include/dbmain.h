@@ -313,10 +313,12 @@ class HOST_API AcDbDatabase : public AcRxObject {
   Acad::ErrorStatus dxfIn(const ACHAR* fileName, const ACHAR* logFileName = nullptr);
   /// Writes the drawing in the version and form in which it was read. The file under that
   /// name is the old one or the new one at every moment, and whole; `keepBackup` leaves the
-  /// old one beside it (the name with ".bak" behind it).
-  /// Fails: eFileAccessErr, eFileWriteError, eUserBreak, eNotApplicable (the name is that of
-  /// a file that this database failed to read), eUnsupportedFileFormat (the name's ending is
-  /// that of a format which would not be in the file).
+  /// old one beside it (the name with ".bak", ".2.bak", ... behind it), unless both are the
+  /// same.
+  /// Fails: eFileAccessErr, eFileWriteError, eUserBreak, eFileSharingViolation (somebody has
+  /// changed the file since it was read), eNotApplicable (the name is that of a file that this
+  /// database failed to read), eUnsupportedFileFormat (the name's ending is that of a format
+  /// which would not be in the file).
   Acad::ErrorStatus saveAs(const ACHAR* fileName, bool keepBackup = false);
   Acad::ErrorStatus dxfOut(const ACHAR* fileName) { return saveAs(fileName); }
   /// The path of the file that was read, or saved last.

@@ -41,6 +41,18 @@ HOST_API std::wstring lastFileError(const AcDbDatabase* database);
 /// folder's new state could not be brought to the disk, the file is the new one all the same.
 HOST_API bool isSaveInPlace(const AcDbDatabase* database);
 
+/// What the last saving of a database did, where it did not fail.
+struct SaveResult {
+  std::wstring backup;       // where the version that was replaced is kept; empty for nowhere
+  bool isUnchanged = false;  // the file had these bytes already: nothing was written, none kept
+};
+HOST_API SaveResult lastSave(const AcDbDatabase* database);
+
+/// Where this process keeps the versions of drawings that it replaces; empty, as at the start,
+/// for beside the drawing.
+HOST_API void setBackupFolder(const std::wstring& folder);
+HOST_API std::wstring backupFolder();
+
 /// What reading found odd but could live with (layers that no table lists, double handles),
 /// in words.
 HOST_API std::vector<std::wstring> warnings(const AcDbDatabase* database);

@@ -272,6 +272,18 @@ std::filesystem::path programPath() {
   return error ? std::filesystem::path() : path;
 }
 
+void reserveStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) < 0 && errno == EBADF) {
+      // The lowest free number is this one; opened so that it cannot be used as the stream.
+      const int direction = stream == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+      if (open("/dev/null", direction) < 0) {
+        return;
+      }
+    }
+  }
+}
+
 void watchForInterrupt() {
   s_isErrorTerminal = isErrorStreamTerminal();
   s_isWatching = true;

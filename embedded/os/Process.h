@@ -20,6 +20,11 @@ namespace quoin::os {
 /// The path of the program that runs; empty where the system does not tell.
 HOST_API std::filesystem::path programPath();
 
+/// To be called before any file is opened: a standard stream that the process was started
+/// without is taken by the null device, so that no drawing's file gets its number and the words
+/// that are meant for the stream. Writing to it, or reading from it, is an error as before.
+HOST_API void reserveStandardStreams();
+
 /// The exit code of a process that was asked to stop.
 inline constexpr int kExitInterrupted = 130;
 

@@ -37,8 +37,8 @@ Acad::ErrorStatus CAcadDbTool::SaveDb(AcDbDatabase* pDb, const wchar_t* path, bo
     outcomes().erase(outcomes().begin());
   }
   outcomes().push_back({path ? path : L"", status,
-                        status == Acad::eOk ? std::wstring() : hostx::lastFileError(pDb),
-                        isInPlace});
+                        status == Acad::eOk ? std::wstring() : hostx::lastFileError(pDb), isInPlace,
+                        hostx::lastSave(pDb)});
   return status;
 }
 

@@ -6,6 +6,7 @@
 
 #include "acadstrc.h"
 #include "hostapi.h"
+#include "hostextra.h"
 
 namespace quoin::product {
 
@@ -15,6 +16,7 @@ struct SaveOutcome {
   Acad::ErrorStatus status;
   std::wstring cause;  // in words, with the file's name; empty when it went well
   bool isInPlace;      // the file is the new drawing; so it may be after a failure too
+  hostx::SaveResult result;
 };
 
 /// What was saved since the last call, in order.

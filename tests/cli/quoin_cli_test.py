@@ -21,7 +21,7 @@ import unittest
 import ezdxf
 import ezdxf.recover
 
-QUOIN = os.environ["QUOIN"]
+QUOIN = os.path.abspath(os.environ["QUOIN"])
 SOURCE = pathlib.Path(os.environ["QUOIN_SOURCE"])
 SHARED = pathlib.Path(os.environ.get("QUOIN_SHARED_DATA", SOURCE / ".." / "shared" / "data"))
 # The studio has reference lines, no walls with faces: nothing on it looks like walls by name.

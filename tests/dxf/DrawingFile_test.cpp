@@ -33,6 +33,12 @@ std::string plan() {
   return asciiDxf(smallR2000(lineTags("50")));
 }
 
+SaveOptions withBackup() {
+  SaveOptions options;
+  options.keepBackup = true;
+  return options;
+}
+
 TEST(DrawingFile, ComesBackByteForByte) {
   const TemporaryFolder folder;
   RecordStore store;
@@ -49,9 +55,40 @@ TEST(DrawingFile, SavedInPlaceKeepsTheOldVersionWhereAsked) {
   const std::string path = folder.put("plan.dxf", plan());
   readDrawing(path, store);
   store.setErased(*store.find(0x50), true);
-  writeDrawing(store, path, {true});
+  writeDrawing(store, path, withBackup());
   EXPECT_EQ(folder.get("plan.dxf"), asciiDxf(smallR2000()));
   EXPECT_EQ(folder.get("plan.dxf.bak"), plan());
+}
+
+TEST(DrawingFile, SavedInPlaceWithoutAChangeIsNotWritten) {
+  const TemporaryFolder folder;
+  const std::string path = folder.put("plan.dxf", plan());
+  RecordStore store;
+  const os::FileFacts version = readDrawing(path, store);
+  const SaveResult result = writeDrawing(store, path, withBackup());
+  EXPECT_TRUE(result.isUnchanged);
+  EXPECT_TRUE(result.version.isSameVersion(version));
+  EXPECT_EQ(folder.names(), std::set<std::string>{"plan.dxf"});
+}
+
+TEST(DrawingFile, ADrawingThatSomebodyHasChangedIsNotReplaced) {
+  const TemporaryFolder folder;
+  const std::string path = folder.put("plan.dxf", plan());
+  RecordStore store;
+  SaveOptions options = withBackup();
+  options.expected = readDrawing(path, store);
+  folder.put("plan.dxf", "theirs");
+  const FileError error = errorOf([&] { writeDrawing(store, path, options); });
+  EXPECT_EQ(error.status, Acad::eFileSharingViolation);
+  EXPECT_FALSE(error.isInPlace);
+  EXPECT_EQ(folder.get("plan.dxf"), "theirs");
+  EXPECT_EQ(folder.names(), std::set<std::string>{"plan.dxf"});
+}
+
+TEST(DrawingFile, ADeviceWithoutEndIsNoDrawing) {
+  RecordStore store;
+  const FileError error = errorOf([&] { readDrawing("/dev/zero", store); });
+  EXPECT_EQ(error.status, Acad::eUnsupportedFileFormat);
 }
 
 TEST(DrawingFile, WhatCannotBeReadSaysWhy) {
@@ -124,7 +161,7 @@ TEST(DrawingFile, AStopAtAnyMomentLeavesTheOldFileOrTheNewOne) {
   for (int stopAt = 1; stopAt < reports; ++stopAt) {
     int seen = 0;
     const FileError error = errorOf(
-        [&] { writeDrawing(store, path, {true}, [&](double) { return ++seen != stopAt; }); });
+        [&] { writeDrawing(store, path, withBackup(), [&](double) { return ++seen != stopAt; }); });
     EXPECT_EQ(error.status, Acad::eUserBreak);
     EXPECT_EQ(error.message(), path + ": writing was stopped");
     EXPECT_EQ(folder.get("plan.dxf"), plan());

@@ -6,6 +6,8 @@
 
 #include <string>
 
+#include "embedded/os/Backups.h"
+#include "embedded/os/Process.h"
 #include "support/FaultyFiles.h"
 #include "support/TemporaryFolder.h"
 
@@ -28,7 +30,9 @@ FileFailure failureOf(Work work) {
 
 void save(const std::string& path, std::string_view bytes, bool keepBackup = false,
           FileSystem& files = systemFiles()) {
-  AtomicFile file(path, {keepBackup}, files);
+  AtomicFile::Options options;
+  options.keepBackup = keepBackup;
+  AtomicFile file(path, options, files);
   file.write(bytes);
   file.commit();
 }
@@ -62,8 +66,9 @@ TEST(ReadFile, SaysWhyItCannot) {
   EXPECT_STREQ(isFolder.what(), "it is a folder, not a file");
   const FileFailure wrongPath = failureOf([&] { readFile(folder.file("plan.dxf/x")); });
   EXPECT_EQ(wrongPath.status, Acad::eFileNotFound);
-  const FileFailure tooLarge =
-      failureOf([&] { readFile(folder.file("plan.dxf"), {}, systemFiles(), 2); });
+  ReadRules rules;
+  rules.mostBytes = 2;
+  const FileFailure tooLarge = failureOf([&] { readFile(folder.file("plan.dxf"), rules); });
   EXPECT_EQ(tooLarge.status, Acad::eOutOfMemory);
   FaultyFiles locked;
   locked.failAt = 0;
@@ -102,8 +107,47 @@ TEST(ReadFile, ReadsAPipeToItsEnd) {
 TEST(ReadFile, CanBeStopped) {
   const TemporaryFolder folder;
   const std::string path = folder.put("plan.dxf", "abc");
-  EXPECT_EQ(failureOf([&] { readFile(path, [](double) { return false; }); }).status,
-            Acad::eUserBreak);
+  ReadRules rules;
+  rules.goOn = [](double) { return false; };
+  EXPECT_EQ(failureOf([&] { readFile(path, rules); }).status, Acad::eUserBreak);
+}
+
+TEST(ReadFile, TheFirstBytesDecideBeforeMoreIsRead) {
+  struct Refused {};
+  ReadRules rules;
+  rules.headSize = 4096;
+  std::size_t size = 0;
+  rules.checkHead = [&](std::string_view head) {
+    size = head.size();
+    throw Refused();
+  };
+  FaultyFiles files;
+  EXPECT_THROW(readFile("/dev/zero", rules, files), Refused);
+  EXPECT_EQ(size, 4096U);
+  EXPECT_LE(std::count(files.calls.begin(), files.calls.end(), "read"), 3);
+  const TemporaryFolder folder;
+  EXPECT_THROW(readFile(folder.put("short.dxf", "ab"), rules), Refused);
+  EXPECT_EQ(size, 2U);
+  EXPECT_THROW(readFile(folder.put("empty.dxf", ""), rules), Refused);
+  EXPECT_EQ(size, 0U);
+  EXPECT_THROW(readFile(folder.put("long.dxf", std::string(10'000, 'x')), rules), Refused);
+  EXPECT_EQ(size, 4096U);
+}
+
+TEST(ReadFile, ADeviceWithoutEndIsGivenUpLongBeforeTheMemoryIs) {
+  ReadRules rules;
+  rules.mostBytes = 30'000'000;
+  EXPECT_EQ(failureOf([&] { readFile("/dev/zero", rules); }).status, Acad::eOutOfMemory);
+}
+
+TEST(ReadFile, WaitingForAPipeEndsOnRequest) {
+  const TemporaryFolder folder;
+  const std::string path = folder.file("pipe");
+  ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+  setInterrupted(true);
+  EXPECT_EQ(failureOf([&] { readFile(path); }).status, Acad::eUserBreak);
+  setInterrupted(false);
+  EXPECT_EQ(failureOf([&] { readFileHead(path, 10); }).status, Acad::eFileAccessErr);
 }
 
 // --- saving ---------------------------------------------------------------------------------
@@ -279,9 +323,103 @@ TEST(AtomicFile, TheOldVersionStaysAsABackup) {
   save(path, "two", true);
   EXPECT_EQ(folder.get("plan.dxf"), "two");
   EXPECT_EQ(folder.get("plan.dxf.bak"), "one");
+}
+
+TEST(AtomicFile, ABackupNeverReplacesAnOlderOne) {
+  const TemporaryFolder folder;
+  const std::string path = folder.put("plan.dxf", "one");
+  save(path, "two", true);
   save(path, "three", true);
-  EXPECT_EQ(folder.get("plan.dxf.bak"), "two");
-  EXPECT_EQ(folder.names(), (Names{"plan.dxf", "plan.dxf.bak"}));
+  save(path, "four", true);
+  EXPECT_EQ(folder.get("plan.dxf.bak"), "one");
+  EXPECT_EQ(folder.get("plan.dxf.2.bak"), "two");
+  EXPECT_EQ(folder.get("plan.dxf.3.bak"), "three");
+  // A gap is not filled: the highest number stays the newest.
+  std::filesystem::remove(folder.file("plan.dxf.bak"));
+  save(path, "five", true);
+  EXPECT_EQ(folder.get("plan.dxf.4.bak"), "four");
+  EXPECT_FALSE(std::filesystem::exists(folder.file("plan.dxf.bak")));
+}
+
+TEST(AtomicFile, NamesThatOnlyLookLikeBackupsDoNotCount) {
+  const TemporaryFolder folder;
+  const std::string path = folder.put("plan.dxf", "one");
+  for (const char* const name :
+       {"plan.dxf.x.bak", "plan.dxf.0.bak", "plan.dxf.1.bak", "plan.dxf.02.bak",
+        "plan.dxf.bak.7.bak", "plan.bak", "plan.dxf.99999999999999999999.bak", "plan.dxf..bak"}) {
+    folder.put(name, "mine");
+  }
+  save(path, "two", true);
+  EXPECT_EQ(folder.get("plan.dxf.bak"), "one");
+}
+
+TEST(AtomicFile, WhereTheFolderCannotBeListedNoBackupIsReplacedEither) {
+  const TemporaryFolder folder;
+  const std::string path = folder.put("plan.dxf", "two");
+  folder.put("plan.dxf.bak", "one");
+  FaultyFiles counting;
+  save(folder.put("other.dxf", "x"), "y", true, counting);
+  FaultyFiles files;
+  files.failAt = static_cast<int>(std::find(counting.calls.begin(), counting.calls.end(), "names") -
+                                  counting.calls.begin());
+  save(path, "new", true, files);
+  EXPECT_EQ(folder.get("plan.dxf.bak"), "one");
+  EXPECT_EQ(folder.get("plan.dxf.2.bak"), "two");
+}
+
+TEST(AtomicFile, TheSameBytesAgainWriteNothingAndKeepNothing) {
+  const TemporaryFolder folder;
+  const std::string bytes(700'000, 's');
+  const std::string path = folder.put("plan.dxf", bytes);
+  FileFacts before;
+  ASSERT_EQ(systemFiles().facts(path, true, before), 0);
+  AtomicFile::Options options;
+  options.keepBackup = true;
+  AtomicFile file(path, options);
+  file.write(bytes);
+  file.commit();
+  EXPECT_TRUE(file.isUnchanged());
+  EXPECT_EQ(file.backup(), "");
+  FileFacts after;
+  ASSERT_EQ(systemFiles().facts(path, true, after), 0);
+  EXPECT_TRUE(after.isSameVersion(before));
+  EXPECT_EQ(folder.names(), Names{"plan.dxf"});
+  // One byte of as many is a change.
+  std::string changed = bytes;
+  changed.back() = 'x';
+  save(path, changed, true);
+  EXPECT_TRUE(folder.get("plan.dxf") == changed);
+  EXPECT_TRUE(folder.get("plan.dxf.bak") == bytes);
+}
+
+TEST(AtomicFile, BackupsGoIntoAFolderOfTheirOwn) {
+  const TemporaryFolder folder;
+  const std::string path = folder.put("plan.dxf", "one");
+  std::filesystem::create_directory(folder.path() / "old");
+  for (const bool hasHardLinks : {true, false}) {
+    FaultyFiles files;
+    files.hasHardLinks = hasHardLinks;
+    AtomicFile::Options options;
+    options.keepBackup = true;
+    options.backupFolder = folder.file("old");
+    AtomicFile file(path, options, files);
+    file.write(hasHardLinks ? "two" : "three");
+    file.commit();
+    EXPECT_EQ(file.backup(), folder.file(hasHardLinks ? "old/plan.dxf.bak" : "old/plan.dxf.2.bak"));
+  }
+  EXPECT_EQ(folder.get("old/plan.dxf.bak"), "one");
+  EXPECT_EQ(folder.get("old/plan.dxf.2.bak"), "two");
+  EXPECT_EQ(folder.get("plan.dxf"), "three");
+  EXPECT_EQ(folder.names(), (Names{"plan.dxf", "old"}));
+
+  AtomicFile::Options nowhere;
+  nowhere.keepBackup = true;
+  nowhere.backupFolder = folder.file("none");
+  AtomicFile file(path, nowhere);
+  file.write("four");
+  EXPECT_NE(failureOf([&] { file.commit(); }).message().find("there is no folder"),
+            std::string::npos);
+  EXPECT_EQ(folder.get("plan.dxf"), "three");
 }
 
 TEST(AtomicFile, ANewFileHasNoBackup) {
@@ -311,7 +449,116 @@ TEST(AtomicFile, ABackupThatIsAnotherNameOfTheFileIsNoTrap) {
   save(path, "new", true);
   EXPECT_EQ(folder.get("plan.dxf"), "new");
   EXPECT_EQ(folder.get("plan.dxf.bak"), "old");
-  EXPECT_EQ(folder.names(), (Names{"plan.dxf", "plan.dxf.bak"}));
+  EXPECT_EQ(folder.get("plan.dxf.2.bak"), "old");
+  EXPECT_EQ(folder.names(), (Names{"plan.dxf", "plan.dxf.bak", "plan.dxf.2.bak"}));
+}
+
+// --- somebody else ---------------------------------------------------------------------------
+
+TEST(AtomicFile, SomebodyElsesFileInAStickyFolderIsRefusedBeforeAnythingIsWritten) {
+  const TemporaryFolder folder;
+  const std::string path = folder.put("plan.dxf", "old");
+  ASSERT_EQ(::chmod(path.c_str(), 0666), 0);
+  ASSERT_EQ(::chmod(folder.path().c_str(), 01777), 0);
+  FaultyFiles files;
+  files.isStranger = true;
+  const FileFailure failure = failureOf([&] { save(path, "new", true, files); });
+  EXPECT_EQ(failure.status, Acad::eFileAccessErr);
+  EXPECT_NE(failure.message().find("only owners replace files"), std::string::npos);
+  EXPECT_EQ(folder.names(), Names{"plan.dxf"});
+  // A new file is nobody's, and one's own may be replaced.
+  save(folder.file("new.dxf"), "new", true, files);
+  save(path, "new", true);
+  EXPECT_EQ(folder.get("plan.dxf"), "new");
+}
+
+TEST(AtomicFile, AFileThatIsNotTheOneThatWasReadIsNotReplaced) {
+  const TemporaryFolder folder;
+  const std::string path = folder.put("plan.dxf", "old");
+  AtomicFile::Options options;
+  FileFacts version;
+  EXPECT_EQ(readFile(path, {}, systemFiles(), &version), "old");
+  options.expected = version;
+  const auto expectRefusal = [&](const char* words) {
+    AtomicFile file(path, options);
+    file.write("new");
+    const FileFailure failure = failureOf([&] { file.commit(); });
+    EXPECT_EQ(failure.status, Acad::eFileSharingViolation);
+    EXPECT_NE(failure.message().find(words), std::string::npos) << failure.message();
+  };
+  save(path, "alt");  // as many bytes, another file
+  expectRefusal("changed it since it was read");
+  EXPECT_EQ(folder.get("plan.dxf"), "alt");
+  std::filesystem::remove(path);
+  expectRefusal("taken it away since it was read");
+  EXPECT_EQ(folder.names(), Names{});
+  folder.put("plan.dxf", "old");
+  readFile(path, {}, systemFiles(), &version);
+  options.expected = version;
+  AtomicFile file(path, options);
+  file.write("new");
+  file.commit();
+  EXPECT_EQ(folder.get("plan.dxf"), "new");
+  readFile(path, {}, systemFiles(), &version);
+  EXPECT_TRUE(file.version().isSameVersion(version));
+}
+
+TEST(AtomicFile, AFileThatAppearedInBetweenIsKeptAsABackup) {
+  const TemporaryFolder folder;
+  AtomicFile::Options options;
+  options.keepBackup = true;
+  AtomicFile file(folder.file("plan.dxf"), options);
+  file.write("new");
+  folder.put("plan.dxf", "of somebody else");
+  file.commit();
+  EXPECT_EQ(folder.get("plan.dxf"), "new");
+  EXPECT_EQ(folder.get("plan.dxf.bak"), "of somebody else");
+}
+
+TEST(AtomicFile, WaitsForAnotherRunAndNotForEver) {
+  const TemporaryFolder folder;
+  const std::string path = folder.put("plan.dxf", "old");
+  FaultyFiles busy;
+  busy.busyLocks = 3;
+  save(path, "new", false, busy);
+  EXPECT_EQ(folder.get("plan.dxf"), "new");
+
+  FileSystem::Handle other = -1;
+  ASSERT_EQ(systemFiles().lockFolder(folder.path().string(), other), 0);
+  AtomicFile::Options options;
+  options.patience = std::chrono::milliseconds(30);
+  {
+    AtomicFile file(path, options);
+    file.write("newer");
+    const FileFailure failure = failureOf([&] { file.commit(); });
+    EXPECT_EQ(failure.status, Acad::eFileSharingViolation);
+    EXPECT_NE(failure.message().find("locked"), std::string::npos);
+  }
+  {
+    AtomicFile file(path);
+    file.write("newer");
+    setInterrupted(true);
+    EXPECT_EQ(failureOf([&] { file.commit(); }).status, Acad::eUserBreak);
+    setInterrupted(false);
+  }
+  EXPECT_EQ(folder.get("plan.dxf"), "new");
+  systemFiles().close(other);
+  save(path, "newer");
+  EXPECT_EQ(folder.names(), Names{"plan.dxf"});
+}
+
+TEST(AtomicFile, WhereFoldersHaveNoLocksItSavesAllTheSame) {
+  const TemporaryFolder folder;
+  const std::string path = folder.put("plan.dxf", "old");
+  FaultyFiles counting;
+  save(path, "old", false, counting);
+  FaultyFiles files;
+  files.failAt =
+      static_cast<int>(std::find(counting.calls.begin(), counting.calls.end(), "lockFolder") -
+                       counting.calls.begin());
+  files.error = ENOTSUP;
+  save(path, "new", false, files);
+  EXPECT_EQ(folder.get("plan.dxf"), "new");
 }
 
 // --- faults ---------------------------------------------------------------------------------
@@ -343,6 +590,7 @@ void expectWholeAfterEveryFault(bool keepBackup, bool hasHardLinks, int error) {
     } else {
       ASSERT_EQ(failure.isInPlace, now == newBytes) << failure.message();
       ASSERT_FALSE(failure.message().empty());
+      ASSERT_TRUE(failure.isInPlace || folder.names() == Names{"plan.dxf"});
     }
     Names expected{"plan.dxf"};
     if (folder.names().count("plan.dxf.bak") != 0) {

@@ -24,6 +24,10 @@ class FaultyFiles : public os::SystemFiles {
   /// Write calls from this one on say that they wrote everything and write nothing; -1: none.
   int loseWritesFrom = -1;
   bool hasHardLinks = true;
+  /// How often a folder is locked by another run before this one gets it.
+  int busyLocks = 0;
+  /// Whether this is another user than the one who owns the files.
+  bool isStranger = false;
 
   int openToRead(const std::string& path, Handle& handle) override {
     return failing("open") ? error : SystemFiles::openToRead(path, handle);
@@ -75,6 +79,21 @@ class FaultyFiles : public os::SystemFiles {
   }
   int link(const std::string& from, const std::string& to) override {
     return failing("link") || !hasHardLinks ? ENOTSUP : SystemFiles::link(from, to);
+  }
+  int renameNew(const std::string& from, const std::string& to) override {
+    return failing("renameNew") ? error : SystemFiles::renameNew(from, to);
+  }
+  int names(const std::string& folder, std::vector<std::string>& names) override {
+    return failing("names") ? error : SystemFiles::names(folder, names);
+  }
+  int lockFolder(const std::string& path, Handle& handle) override {
+    if (failing("lockFolder")) {
+      return error;
+    }
+    return busyLocks-- > 0 ? EWOULDBLOCK : SystemFiles::lockFolder(path, handle);
+  }
+  bool mayTakeNamesOf(std::uint32_t owner) override {
+    return !isStranger && SystemFiles::mayTakeNamesOf(owner);
   }
   int flushFolder(const std::string& path) override {
     return failing("flushFolder") ? error : SystemFiles::flushFolder(path);
