@@ -59,6 +59,11 @@ unsigned byteOf(char character) {
   return static_cast<unsigned char>(character);
 }
 
+/// What stands in text for a byte that means nothing.
+wchar_t escapeOf(unsigned byte) {
+  return static_cast<wchar_t>(kEscapeFirst + (byte - kFirstHighByte));
+}
+
 /// A name without the signs that spellings differ in, in capitals: "ISO8859-1" -> "ISO88591".
 std::string plainName(std::string_view name) {
   std::string plain;
@@ -168,6 +173,7 @@ void CodePage::addDouble(unsigned lead, unsigned trail, char32_t character,
   }
   m_double[std::size_t{lead - kFirstHighByte} * 256 + trail] =
       static_cast<std::uint16_t>(character);
+  m_isLead[lead - kFirstHighByte] = true;
   m_bytes[character] = preferred;
 }
 
@@ -223,7 +229,14 @@ std::wstring CodePage::decode(std::string_view bytes) const {
         continue;
       }
     }
-    text.push_back(static_cast<wchar_t>(kEscapeFirst + (byte - kFirstHighByte)));
+    text.push_back(escapeOf(byte));
+    // A pair that forms no character is two bytes that mean nothing, so that its second half does
+    // not pair with a letter behind it. An ASCII byte is never half of such a pair (WHATWG
+    // Encoding Standard, "legacy multi-byte encodings").
+    const bool isLead = !m_double.empty() && m_isLead[byte - kFirstHighByte];
+    if (isLead && at + 1 < bytes.size() && byteOf(bytes[at + 1]) >= kFirstHighByte) {
+      text.push_back(escapeOf(byteOf(bytes[++at])));
+    }
   }
   return text;
 }

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
+#include <random>
 #include <string>
 
 namespace quoin::os {
@@ -117,6 +120,104 @@ TEST(CodePage, ALeadByteAtTheEndIsKept) {
   const CodePage& page = CodePage::named("ANSI_936");
   EXPECT_EQ(page.decode("a\xC7"), std::wstring(L"a") + L'\xDCC7');
   EXPECT_EQ(encoded(page, page.decode("a\xC7")), "a\xC7");
+}
+
+constexpr std::array kDoubleByte{"ANSI_932", "ANSI_936", "ANSI_949", "ANSI_950", "ANSI_1361"};
+
+/// The bytes as the code page itself spells the characters in them: what law (1) compares with.
+std::string respelled(const CodePage& page, const std::string& bytes) {
+  std::string spelled;
+  for (std::size_t at = 0; at < bytes.size();) {
+    const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+    const bool isPair =
+        at + 1 < bytes.size() && byteAt(at) >= 0x80 &&
+        page.decode(bytes.substr(at, 1)) == std::wstring(1, wchar_t(0xDC00 + byteAt(at))) &&
+        page.characterOf(static_cast<std::uint16_t>(byteAt(at) << 8 | byteAt(at + 1))) != 0;
+    if (isPair) {
+      page.encode(page.characterOf(static_cast<std::uint16_t>(byteAt(at) << 8 | byteAt(at + 1))),
+                  spelled);
+      at += 2;
+      continue;
+    }
+    spelled.push_back(bytes[at]);
+    bool isLead = false;
+    for (unsigned trail = 0; trail < 256 && byteAt(at) >= 0x80; ++trail) {
+      isLead = isLead || page.characterOf(static_cast<std::uint16_t>(byteAt(at) << 8 | trail)) != 0;
+    }
+    ++at;
+    if (isLead && at < bytes.size() && byteAt(at) >= 0x80) {
+      spelled.push_back(bytes[at++]);
+    }
+  }
+  return spelled;
+}
+
+/// ASCII bytes that form no character with the byte in front of them.
+std::size_t lettersOutsidePairs(const CodePage& page, const std::string& bytes) {
+  std::size_t letters = 0;
+  for (std::size_t at = 0; at < bytes.size(); ++at) {
+    const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+    const bool isSecond =
+        at > 0 &&
+        page.characterOf(static_cast<std::uint16_t>(byteAt(at - 1) << 8 | byteAt(at))) != 0;
+    letters += byteAt(at) < 0x80 && !isSecond ? 1 : 0;
+  }
+  return letters;
+}
+
+TEST(CodePage, AStrayLeadByteDoesNotTakeTheLetterBehindIt) {
+  // The second byte of a pair that is none would be the first half of one with the letter.
+  EXPECT_EQ(CodePage::named("ANSI_932").decode("\xEE\xED\x41"),
+            L"\xDCEE\xDCED"
+            L"A");
+  EXPECT_EQ(CodePage::named("ANSI_950").decode("\xA3\xF9\xFA"), L"\xDCA3\xDCF9\xDCFA");
+  EXPECT_EQ(CodePage::named("ANSI_936").decode("\xB0 a"), L"\xDCB0 a");
+  for (const char* name : kDoubleByte) {
+    const CodePage& page = CodePage::named(name);
+    for (const char* bytes : {"\xEE\xED\x41", "\xA3\xF9\xFA", "\xA3\xF9\xFA\x41", "\xFE\xFF"}) {
+      const std::wstring text = page.decode(bytes);
+      EXPECT_EQ(page.decode(encoded(page, text)), text) << name;
+    }
+  }
+}
+
+TEST(CodePage, EveryPairBeforeEverySortOfByteComesBackAndLeavesLettersAlone) {
+  // What may follow a pair: letters and digits, a backslash, first and second halves, no half.
+  const std::string behind = "A0z~\\\x80\x81\xA0\xA1\xB0\xED\xF9\xFA\xFC\xFE\xFF";
+  for (const char* name : kDoubleByte) {
+    const CodePage& page = CodePage::named(name);
+    for (unsigned pair = 0x8000; pair <= 0xFFFF; ++pair) {
+      for (std::size_t i = pair % 3; i < behind.size(); i += 3) {
+        const std::string bytes = {static_cast<char>(pair >> 8), static_cast<char>(pair & 0xFF),
+                                   behind[i]};
+        const std::wstring text = page.decode(bytes);
+        const std::string back = encoded(page, text);
+        ASSERT_EQ(page.decode(back), text) << name << std::hex << " " << pair << " at " << i;
+        ASSERT_EQ(back.size(), bytes.size()) << name << std::hex << " " << pair << " at " << i;
+      }
+    }
+  }
+}
+
+TEST(CodePage, RandomBytesComeBackAsTheCodePageSpellsThem) {
+  std::mt19937 random(20);
+  for (const char* name : kDoubleByte) {
+    const CodePage& page = CodePage::named(name);
+    for (int round = 0; round < 4000; ++round) {
+      std::string bytes(1 + random() % 8, ' ');
+      for (char& byte : bytes) {
+        byte = static_cast<char>(random() % 4 == 0 ? 0x41 + random() % 26 : 0x80 + random() % 128);
+      }
+      const std::wstring text = page.decode(bytes);
+      const std::string back = encoded(page, text);
+      ASSERT_EQ(page.decode(back), text) << name << " round " << round;
+      ASSERT_EQ(back, respelled(page, bytes)) << name << " round " << round;
+      const auto letters = std::count_if(text.begin(), text.end(),
+                                         [](wchar_t character) { return character < 0x80; });
+      ASSERT_GE(static_cast<std::size_t>(letters), lettersOutsidePairs(page, bytes))
+          << name << " round " << round;
+    }
+  }
 }
 
 TEST(CodePage, WhatItLacksIsNotEncoded) {
