@@ -15,17 +15,11 @@ constexpr int kY = 20;
 constexpr int kStartWidth = 40;
 constexpr int kEndWidth = 41;
 constexpr int kBulge = 42;
-constexpr int kIdentifier = 91;
 constexpr int kConstantWidth = 43;
 constexpr int kElevation = 38;
 constexpr int kCount = 90;
 constexpr std::int64_t kClosed = 1;
 constexpr std::int64_t kPlinegen = 128;
-
-bool isVertexCode(int code) {
-  return code == kY || code == kStartWidth || code == kEndWidth || code == kBulge ||
-         code == kIdentifier;
-}
 
 struct DecodedVertices : Decoded {
   std::vector<LightVertex> vertices;
@@ -97,35 +91,13 @@ AcGePoint3d worldPoint(const AcDbPolyline& polyline, const AcGePoint2d& point) {
 
 std::vector<LightVertex> quoin::db::lightVerticesOf(const TagList& tags) {
   const TagRange range = place::kPolyline.in(tags);
-  const double constantWidth = tags.number(kConstantWidth, range, 0.0);
-  std::vector<LightVertex> vertices;
-  bool isInside = false;
+  std::size_t count = 0;
   for (std::size_t i = range.first; i < range.last; ++i) {
-    const int code = tags[i].code;
-    if (code == kX && tags.isOwn(i)) {
-      LightVertex& vertex = vertices.emplace_back();
-      vertex.point.x = tags.doubleAt(i);
-      vertex.startWidth = vertex.endWidth = constantWidth;
-      vertex.tags = {i, i + 1};
-      isInside = true;
-      continue;
-    }
-    isInside = isInside && isVertexCode(code);
-    if (!isInside) {
-      continue;
-    }
-    LightVertex& vertex = vertices.back();
-    vertex.tags.last = i + 1;
-    if (code == kY) {
-      vertex.point.y = tags.doubleAt(i);
-    } else if (code == kBulge) {
-      vertex.bulge = tags.doubleAt(i);
-    } else if (code == kStartWidth && constantWidth == 0.0) {
-      vertex.startWidth = tags.doubleAt(i);
-    } else if (code == kEndWidth && constantWidth == 0.0) {
-      vertex.endWidth = tags.doubleAt(i);
-    }
+    count += tags[i].code == kX ? 1 : 0;
   }
+  std::vector<LightVertex> vertices;
+  vertices.reserve(count);
+  forEachLightVertex(tags, [&](const LightVertex& vertex) { vertices.push_back(vertex); });
   return vertices;
 }
 

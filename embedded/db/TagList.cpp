@@ -1,13 +1,40 @@
 #include "embedded/db/TagList.h"
 
 #include <algorithm>
+#include <limits>
 
+#include "embedded/dxf/FileError.h"
 #include "embedded/os/CaseFold.h"
 
 namespace quoin::db {
 
+namespace {
+
+/// Records of fewer bytes are not worth counting their tags first.
+constexpr std::size_t kLargeRecord = 1 << 16;
+
+std::size_t tagCount(std::string_view bytes, const dxf::Format& format) {
+  dxf::TagCursor cursor(bytes, format);
+  dxf::TagView tag;
+  std::size_t count = 0;
+  while (cursor.next(tag)) {
+    ++count;
+  }
+  return count;
+}
+
+}  // namespace
+
 TagList::TagList(std::string_view bytes, const dxf::Format& format)
     : m_bytes(bytes), m_format(&format) {
+  if (bytes.size() > std::numeric_limits<std::uint32_t>::max()) {
+    throw dxf::FileError(Acad::eOutOfMemory, "the record has more than 4 GB");
+  }
+  if (bytes.size() > kLargeRecord) {
+    const std::size_t count = tagCount(bytes, format);
+    m_tags.reserve(count);
+    m_isForeign.reserve(count);
+  }
   dxf::TagCursor cursor(bytes, format);
   dxf::TagView tag;
   std::size_t firstMarker = kNone;
@@ -31,7 +58,10 @@ TagList::TagList(std::string_view bytes, const dxf::Format& format)
       isInGroup = false;
       isForeign = true;
     }
-    m_tags.push_back(tag);
+    m_tags.push_back({static_cast<std::uint32_t>(tag.begin),
+                      static_cast<std::uint32_t>(tag.value.data() - bytes.data()),
+                      static_cast<std::uint32_t>(tag.value.size()), tag.code});
+    m_end = tag.end;
     m_isForeign.push_back(isForeign);
   }
   m_xDataBegin = std::min(xData, m_tags.size());
@@ -43,7 +73,7 @@ TagList::TagList(std::string_view bytes, const dxf::Format& format)
 TagRange TagList::subclassAndBeyond(std::string_view marker) const {
   if (m_hasMarkers) {
     for (std::size_t i = m_headEnd; i < m_bodyEnd; ++i) {
-      if (m_tags[i].code == kMarkerCode && dxf::trimmedValue(m_tags[i]) == marker) {
+      if (m_tags[i].code == kMarkerCode && dxf::trimmedValue((*this)[i]) == marker) {
         return {i + 1, m_bodyEnd};
       }
     }
@@ -55,7 +85,7 @@ TagRange TagList::subclass(std::string_view marker) const {
   TagRange range = subclassAndBeyond(marker);
   if (range.first > body().first) {
     for (std::size_t i = range.first; i < range.last; ++i) {
-      if (m_tags[i].code == kMarkerCode && dxf::trimmedValue(m_tags[i]) != marker) {
+      if (m_tags[i].code == kMarkerCode && dxf::trimmedValue((*this)[i]) != marker) {
         range.last = i;
       }
     }
@@ -78,7 +108,7 @@ TagRange TagList::xData(std::wstring_view appName) const {
 
 TagRange TagList::group(std::string_view name) const {
   for (std::size_t i = 0; i < m_bodyEnd; ++i) {
-    if (m_tags[i].code == kGroupCode && dxf::trimmedValue(m_tags[i]) == name) {
+    if (m_tags[i].code == kGroupCode && dxf::trimmedValue((*this)[i]) == name) {
       std::size_t last = i + 1;
       while (last < m_bodyEnd && m_tags[last].code != kGroupCode) {
         ++last;
@@ -128,7 +158,7 @@ std::size_t TagList::handleTag() const {
   // Dimension styles use group code 5 for the name of an arrow block.
   constexpr int kHandleCode = 5;
   constexpr int kDimStyleHandleCode = 105;
-  const bool isDimStyle = !m_tags.empty() && dxf::trimmedValue(m_tags[0]) == "DIMSTYLE";
+  const bool isDimStyle = !m_tags.empty() && dxf::trimmedValue((*this)[0]) == "DIMSTYLE";
   return find(isDimStyle ? kDimStyleHandleCode : kHandleCode, head());
 }
 

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -35,13 +36,17 @@ class TagList {
   static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
   /// The bytes and the format must outlive the list.
-  /// Fails: throws FileError for bytes that are no tags.
+  /// Fails: throws FileError for bytes that are no tags, and for more than 4 GB of them.
   TagList(std::string_view bytes, const dxf::Format& format);
 
   std::string_view bytes() const { return m_bytes; }
   const dxf::Format& format() const { return *m_format; }
   std::size_t size() const { return m_tags.size(); }
-  const dxf::TagView& operator[](std::size_t index) const { return m_tags[index]; }
+  dxf::TagView operator[](std::size_t index) const {
+    const Stored& tag = m_tags[index];
+    const std::size_t end = index + 1 < m_tags.size() ? m_tags[index + 1].begin : m_end;
+    return {tag.code, m_bytes.substr(tag.valueBegin, tag.valueSize), tag.begin, end};
+  }
 
   // --- stretches --------------------------------------------------------------------------
   bool hasMarkers() const { return m_hasMarkers; }
@@ -69,14 +74,14 @@ class TagList {
   std::size_t find(int code, TagRange range, std::size_t from = 0) const;
   bool isOwn(std::size_t index) const { return !m_isForeign[index]; }
 
-  double doubleAt(std::size_t index) const { return dxf::doubleOf(m_tags[index], *m_format); }
+  double doubleAt(std::size_t index) const { return dxf::doubleOf((*this)[index], *m_format); }
   std::int64_t integerAt(std::size_t index) const {
-    return dxf::integerOf(m_tags[index], *m_format);
+    return dxf::integerOf((*this)[index], *m_format);
   }
   std::uint64_t handleAt(std::size_t index) const {
-    return dxf::handleOf(m_tags[index], *m_format);
+    return dxf::handleOf((*this)[index], *m_format);
   }
-  std::wstring textAt(std::size_t index) const { return dxf::textOf(m_tags[index], *m_format); }
+  std::wstring textAt(std::size_t index) const { return dxf::textOf((*this)[index], *m_format); }
 
   double number(int code, TagRange range, double otherwise) const;
   std::int64_t integer(int code, TagRange range, std::int64_t otherwise) const;
@@ -93,8 +98,16 @@ class TagList {
  private:
   std::string_view m_bytes;
   const dxf::Format* m_format;
-  std::vector<dxf::TagView> m_tags;
+  /// A tag as offsets: a polyline may have millions of them.
+  struct Stored {
+    std::uint32_t begin;
+    std::uint32_t valueBegin;
+    std::uint32_t valueSize;
+    std::int32_t code;
+  };
+  std::vector<Stored> m_tags;
   std::vector<bool> m_isForeign;
+  std::size_t m_end = 0;  // of the last tag
   std::size_t m_headEnd = 0;
   std::size_t m_bodyEnd = 0;
   std::size_t m_xDataBegin = 0;
