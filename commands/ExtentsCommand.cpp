@@ -4,6 +4,7 @@
 #include "EntityTool.h"
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
+#include "commands/RoughExtents.h"
 #include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
@@ -50,6 +51,7 @@ class ExtentsCommand : public DrawingCommand {
       job.render(pictureOf(drawing, extents));
     }
     tell(drawing, census, extents, report);
+    warnOfRoughExtents(drawing, report);
     addJson(census, extents, report.json);
   }
 

@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include "commands/DrawingCommand.h"
+#include "commands/RoughExtents.h"
 #include "commands/WallWords.h"
 #include "commands/Words.h"
 #include "dbobjptr.h"
@@ -35,6 +36,7 @@ class InfoCommand : public DrawingCommand {
   void work(Drawing& drawing, const DrawingJob& /*job*/, Report& report) override {
     const DrawingInfo info = look(drawing);
     tell(drawing, info, report);
+    warnOfRoughExtents(drawing, report);
     addJson(drawing, info, report.json);
   }
 

@@ -1,9 +1,13 @@
 #include "commands/picture/PlanShapes.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "commands/Polylines.h"
+#include "commands/picture/PlanShapesInternal.h"
 #include "dbdim.h"
 #include "dbelipse.h"
 #include "dbmtext.h"
@@ -23,17 +27,38 @@ constexpr int kEllipseChords = 60;
 /// Chords of one span of a spline, and of a whole one.
 constexpr int kChordsOfSpan = 24;
 constexpr int kMostChords = 2000;
-/// Deeper nesting of blocks is a block inside itself.
-constexpr int kDeepestBlock = 16;
-
 AcGePoint2d flat(const AcGePoint3d& point) {
   return {point.x, point.y};
 }
 
+/// A block that an entity shows, once or in rows and columns; painted later than the entity, from
+/// a list, so that nesting does not fill the stack of the process.
+struct ShownBlock {
+  AcDbObjectId block;
+  AcGeMatrix3d placed;  // of the first cell
+  AcGeVector3d columnStep;
+  AcGeVector3d rowStep;
+  int columns = 1;
+  int rows = 1;
+  AcDbObjectId owner;
+  AcGeMatrix3d toWorld;  // of the owner
+};
+
+/// Over the entities of a block that are not erased; null for what is no block.
+std::unique_ptr<AcDbBlockTableRecordIterator> entitiesOf(const AcDbObjectId& block) {
+  const AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForRead);
+  AcDbBlockTableRecordIterator* made = nullptr;
+  if (record.openStatus() == Acad::eOk) {
+    record->newIterator(made);
+  }
+  return std::unique_ptr<AcDbBlockTableRecordIterator>(made);
+}
+
 class PlanPainter {
  public:
-  PlanPainter(Picture& picture, Drawing& drawing, const std::set<AcDbObjectId>& except)
-      : m_picture(picture), m_drawing(drawing), m_except(except) {
+  PlanPainter(Picture& picture, Drawing& drawing, const std::set<AcDbObjectId>& except,
+              std::size_t mostBlockEntities)
+      : m_picture(picture), m_drawing(drawing), m_except(except), m_most(mostBlockEntities) {
     for (const LayerContent& layer : drawing.layers()) {
       if (layer.isOff || layer.isFrozen) {
         m_hidden.insert(layer.name);
@@ -41,26 +66,115 @@ class PlanPainter {
     }
   }
 
-  void paintBlock(const AcDbObjectId& block, const AcGeMatrix3d& toWorld, int depth) {
-    m_drawing.forEachEntity(block, [&](const AcDbObjectId& id) {
+  void paintModelSpace() {
+    m_drawing.forEachEntity(m_drawing.modelSpaceId(), [&](const AcDbObjectId& id) {
       if (!m_except.count(id)) {
-        paintEntity(id, toWorld, depth);
+        paintEntity(id);
       }
     });
   }
 
-  void paintEntity(const AcDbObjectId& id, const AcGeMatrix3d& toWorld, int depth) {
+  /// References that show too much to be painted.
+  std::size_t framedReferences() const { return m_framedReferences; }
+
+  /// Paints an entity of model space with all that it shows.
+  void paintEntity(const AcDbObjectId& id) {
+    paintOne(id, AcGeMatrix3d::kIdentity);
+    begin();
+    while (!m_frames.empty()) {
+      Frame& frame = m_frames.back();
+      if (frame.entities && !frame.entities->done()) {
+        AcDbObjectId inside;
+        frame.entities->getEntityId(inside);
+        frame.entities->step();
+        ++m_blockEntities;
+        if (!m_except.count(inside)) {
+          paintOne(inside, frame.placed);
+          begin();
+        }
+      } else if (!isNextCell(frame)) {
+        end();
+      }
+    }
+  }
+
+ private:
+  /// A block that is being painted, cell by cell.
+  struct Frame {
+    ShownBlock shown;
+    int column = -1;
+    int row = 0;
+    AcGeMatrix3d placed;
+    std::unique_ptr<AcDbBlockTableRecordIterator> entities;
+  };
+
+  void paintOne(const AcDbObjectId& id, const AcGeMatrix3d& toWorld) {
     if (m_hidden.count(hostx::layerName(id))) {
       return;
     }
     const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
     if (entity.openStatus() == Acad::eOk && entity->visibility() == AcDb::kVisible) {
-      paint(*entity.object(), toWorld, depth);
+      paint(*entity.object(), toWorld);
     }
   }
 
- private:
-  void paint(const AcDbEntity& entity, const AcGeMatrix3d& toWorld, int depth) {
+  /// Goes into the block that the last entity shows, if it shows one.
+  void begin() {
+    if (m_shown.block.isNull()) {
+      return;
+    }
+    Frame frame;
+    frame.shown = std::exchange(m_shown, {});
+    // A block inside itself shows nothing more.
+    if (m_path.insert(frame.shown.block).second) {
+      m_frames.push_back(std::move(frame));
+    } else {
+      paintAttributes(frame.shown);
+    }
+  }
+
+  bool isNextCell(Frame& frame) {
+    const ShownBlock& shown = frame.shown;
+    if (++frame.column == shown.columns) {
+      frame.column = 0;
+      ++frame.row;
+    }
+    if (frame.row == shown.rows) {
+      return false;
+    }
+    if (m_blockEntities + m_cells >= m_most) {
+      paintFrame(shown);
+      return false;
+    }
+    ++m_cells;
+    const AcGeVector3d move =
+        shown.toWorld * (shown.columnStep * frame.column + shown.rowStep * frame.row);
+    frame.placed = AcGeMatrix3d().setToTranslation(move) * shown.placed;
+    frame.entities = entitiesOf(shown.block);
+    return true;
+  }
+
+  void end() {
+    const ShownBlock shown = m_frames.back().shown;
+    m_frames.pop_back();
+    m_path.erase(shown.block);
+    paintAttributes(shown);
+  }
+
+  /// What shows too much to be painted: the frame around it.
+  void paintFrame(const ShownBlock& shown) {
+    ++m_framedReferences;
+    const AcDbObjectPointer<AcDbEntity> owner(shown.owner, AcDb::kForRead);
+    AcDbExtents box;
+    if (owner.openStatus() == Acad::eOk && owner->getGeomExtents(box) == Acad::eOk) {
+      const AcGePoint3d& low = box.minPoint();
+      const AcGePoint3d& high = box.maxPoint();
+      addPath({low, {high.x, low.y, low.z}, {high.x, high.y, low.z}, {low.x, high.y, low.z}}, true,
+              shown.toWorld);
+    }
+  }
+
+  void paint(const AcDbEntity& entity, const AcGeMatrix3d& toWorld) {
     if (const AcDbLine* line = AcDbLine::cast(&entity)) {
       addPath({line->startPoint(), line->endPoint()}, false, toWorld);
     } else if (const AcDbArc* arc = AcDbArc::cast(&entity)) {
@@ -73,11 +187,11 @@ class PlanPainter {
     } else if (const AcDbSpline* spline = AcDbSpline::cast(&entity)) {
       paintSpline(*spline, toWorld);
     } else if (const AcDbDimension* dimension = AcDbDimension::cast(&entity)) {
-      paintDimension(*dimension, toWorld, depth);
+      showDimension(*dimension, toWorld);
     } else if (isPolyline(entity)) {
       paintPolyline(readPolyline(entity), toWorld);
     } else if (const AcDbBlockReference* reference = AcDbBlockReference::cast(&entity)) {
-      paintReference(*reference, toWorld, depth);
+      showReference(*reference, toWorld);
     } else if (entity.isKindOf(AcDbAttributeDefinition::desc())) {
       return;  // shows only where it is filled in
     } else if (const AcDbText* text = AcDbText::cast(&entity)) {
@@ -158,12 +272,13 @@ class PlanPainter {
   }
 
   /// What the dimension's own block holds, in world coordinates but for its moving.
-  void paintDimension(const AcDbDimension& dimension, const AcGeMatrix3d& toWorld, int depth) {
-    const AcDbObjectId block = dimension.dimBlockId();
-    if (depth < kDeepestBlock && !block.isNull()) {
-      const AcGeVector3d move = dimension.dimBlockPosition() - AcGePoint3d::kOrigin;
-      paintBlock(block, toWorld * AcGeMatrix3d().setToTranslation(move), depth + 1);
-    }
+  void showDimension(const AcDbDimension& dimension, const AcGeMatrix3d& toWorld) {
+    const AcGeVector3d move = dimension.dimBlockPosition() - AcGePoint3d::kOrigin;
+    m_shown = {};
+    m_shown.block = dimension.dimBlockId();
+    m_shown.placed = toWorld * AcGeMatrix3d().setToTranslation(move);
+    m_shown.owner = dimension.objectId();
+    m_shown.toWorld = toWorld;
   }
 
   void paintPolyline(const PolylineShape& shape, const AcGeMatrix3d& toWorld) {
@@ -181,40 +296,34 @@ class PlanPainter {
     m_picture.paths.push_back(std::move(path));
   }
 
-  void paintReference(const AcDbBlockReference& reference, const AcGeMatrix3d& toWorld, int depth) {
-    if (depth >= kDeepestBlock || reference.blockTableRecord().isNull()) {
-      return;
-    }
-    const AcGeMatrix3d placed = toWorld * reference.blockTransform();
-    int columns = 1;
-    int rows = 1;
-    AcGeVector3d columnStep;
-    AcGeVector3d rowStep;
+  void showReference(const AcDbBlockReference& reference, const AcGeMatrix3d& toWorld) {
+    m_shown = {};
+    m_shown.block = reference.blockTableRecord();
+    m_shown.placed = toWorld * reference.blockTransform();
+    m_shown.owner = reference.objectId();
+    m_shown.toWorld = toWorld;
     if (const AcDbMInsertBlock* array = AcDbMInsertBlock::cast(&reference)) {
       const AcGeMatrix3d plane = AcGeMatrix3d().setToPlaneToWorld(reference.normal());
       const double angle = reference.rotation();
-      columns = array->columns();
-      rows = array->rows();
-      columnStep =
+      m_shown.columns = array->columns();
+      m_shown.rows = array->rows();
+      m_shown.columnStep =
           plane * AcGeVector3d(std::cos(angle), std::sin(angle), 0.0) * array->columnSpacing();
-      rowStep = plane * AcGeVector3d(-std::sin(angle), std::cos(angle), 0.0) * array->rowSpacing();
+      m_shown.rowStep =
+          plane * AcGeVector3d(-std::sin(angle), std::cos(angle), 0.0) * array->rowSpacing();
     }
-    for (int row = 0; row < rows; ++row) {
-      for (int column = 0; column < columns; ++column) {
-        const AcGeVector3d move = toWorld * (columnStep * column + rowStep * row);
-        paintBlock(reference.blockTableRecord(), AcGeMatrix3d().setToTranslation(move) * placed,
-                   depth + 1);
-      }
-    }
-    paintAttributes(reference, toWorld);
   }
 
-  void paintAttributes(const AcDbBlockReference& reference, const AcGeMatrix3d& toWorld) {
-    const std::unique_ptr<AcDbObjectIterator> iterator(reference.attributeIterator());
+  void paintAttributes(const ShownBlock& shown) {
+    const AcDbObjectPointer<AcDbBlockReference> reference(shown.owner, AcDb::kForRead);
+    if (reference.openStatus() != Acad::eOk) {
+      return;
+    }
+    const std::unique_ptr<AcDbObjectIterator> iterator(reference->attributeIterator());
     for (; iterator && !iterator->done(); iterator->step()) {
       AcDbObjectPointer<AcDbAttribute> attribute(iterator->objectId(), AcDb::kForRead);
       if (attribute.openStatus() == Acad::eOk && !attribute->isInvisible()) {
-        addText(*attribute, toWorld);
+        addText(*attribute, shown.toWorld);
       }
     }
   }
@@ -258,7 +367,14 @@ class PlanPainter {
   Picture& m_picture;
   Drawing& m_drawing;
   const std::set<AcDbObjectId>& m_except;
+  const std::size_t m_most;  // entities of blocks, and cells of arrays
   std::set<std::wstring> m_hidden;
+  ShownBlock m_shown;  // by the last entity
+  std::vector<Frame> m_frames;
+  std::set<AcDbObjectId> m_path;  // blocks of the frames
+  std::size_t m_framedReferences = 0;
+  std::size_t m_blockEntities = 0;
+  std::size_t m_cells = 0;
 };
 
 }  // namespace
@@ -303,8 +419,21 @@ std::wstring withoutCodes(std::wstring_view text) {
 }
 
 void addPlanShapes(Picture& picture, Drawing& drawing, const std::set<AcDbObjectId>& except) {
-  PlanPainter(picture, drawing, except)
-      .paintBlock(drawing.modelSpaceId(), AcGeMatrix3d::kIdentity, 0);
+  addPlanShapesUpTo(kMostBlockEntities, picture, drawing, except);
+}
+
+std::size_t addPlanShapesUpTo(std::size_t mostBlockEntities, Picture& picture, Drawing& drawing,
+                              const std::set<AcDbObjectId>& except) {
+  PlanPainter painter(picture, drawing, except, mostBlockEntities);
+  painter.paintModelSpace();
+  if (painter.framedReferences() > 0) {
+    const std::string words =
+        fmt::format("{} block references drawn as frames: blocks show more than {} entities",
+                    painter.framedReferences(), mostBlockEntities);
+    picture.subtitle += picture.subtitle.empty() ? words : "; " + words;
+    fmt::print(stderr, "warning: picture: {}\n", words);
+  }
+  return painter.framedReferences();
 }
 
 void addEntityShapes(Picture& picture, Drawing& drawing, const std::vector<AcDbObjectId>& entities,
@@ -312,9 +441,9 @@ void addEntityShapes(Picture& picture, Drawing& drawing, const std::vector<AcDbO
   const std::size_t firstPath = picture.paths.size();
   const std::size_t firstLabel = picture.labels.size();
   const std::set<AcDbObjectId> none;
-  PlanPainter painter(picture, drawing, none);
+  PlanPainter painter(picture, drawing, none, kMostBlockEntities);
   for (const AcDbObjectId& id : entities) {
-    painter.paintEntity(id, AcGeMatrix3d::kIdentity, 0);
+    painter.paintEntity(id);
   }
   for (std::size_t i = firstPath; i < picture.paths.size(); ++i) {
     Path& path = picture.paths[i];

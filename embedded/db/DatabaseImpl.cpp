@@ -57,6 +57,7 @@ void DatabaseImpl::clear() {
   m_unlisted = {};
   m_unlistedBytes.clear();
   erasedEntries.clear();
+  m_extentsMemory = {};
   wasRead = false;
   changes = savedChanges = 0;
 }
@@ -64,6 +65,14 @@ void DatabaseImpl::clear() {
 void DatabaseImpl::reset() {
   clear();
   store.load(dxf::newDrawingTemplate(), "");
+}
+
+ExtentsMemory& DatabaseImpl::extentsMemory() {
+  if (m_extentsMemory.changes != changes) {
+    m_extentsMemory = {};
+    m_extentsMemory.changes = changes;
+  }
+  return m_extentsMemory;
 }
 
 // --- records --------------------------------------------------------------------------------

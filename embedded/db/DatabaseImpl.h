@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "dbmain.h"
+#include "embedded/db/ExtentsWalk.h"
 #include "embedded/db/ObjectImpl.h"
 #include "embedded/db/OwnBlockMoves.h"
 #include "embedded/db/TagList.h"
@@ -79,6 +80,8 @@ struct DatabaseImpl {
   /// differs from its file.
   std::uint64_t changes = 0;
   std::uint64_t savedChanges = 0;
+  /// What measuring has learnt of the drawing as it is now.
+  ExtentsMemory& extentsMemory();
   /// A fresh drawing, as at the start; whatever was there is gone.
   void reset();
   /// Forgets everything that is known of the records, before the store gets others.
@@ -160,6 +163,7 @@ struct DatabaseImpl {
   void describeUnlisted(const AcDbStub& stub, TableKind kind, std::wstring_view name);
 
   std::array<std::unique_ptr<Names>, kTableKinds> m_names;
+  ExtentsMemory m_extentsMemory;
   /// Heads of tables that the file lacks.
   std::deque<AcDbStub> m_ownHeads;
   std::array<AcDbStub*, kTableKinds> m_heads{};

@@ -245,73 +245,6 @@ const KindGeometry* geometryOf(std::string_view kind) {
   return found == kKinds.end() ? nullptr : &*found;
 }
 
-// --- measuring ------------------------------------------------------------------------------
-
-Acad::ErrorStatus ExtentsWalk::add(const Drawn& entity, const AcGeMatrix3d& toWorld,
-                                   AcDbExtents& box) {
-  const KindGeometry* const row = geometryOf(kindOf(entity.tags));
-  if (!row || !row->extents) {
-    return Acad::eNotApplicable;
-  }
-  AcDbExtents own;
-  const Acad::ErrorStatus status = row->extents(entity, toWorld, *this, own);
-  if (status != Acad::eOk) {
-    return status;
-  }
-  if (own.isFresh()) {
-    return Acad::eNullExtents;
-  }
-  box.addExt(own);
-  return Acad::eOk;
-}
-
-void ExtentsWalk::addBlock(DatabaseImpl& database, const dxf::Block& block,
-                           const AcGeMatrix3d& toWorld, AcDbExtents& box) {
-  if (std::find(m_path.begin(), m_path.end(), &block) != m_path.end()) {
-    return;  // a block that holds itself shows nothing more
-  }
-  if (m_visited < kExactEntities) {
-    addEntities(database, block, toWorld, box);
-    return;
-  }
-  AcDbExtents own = boxOf(database, block);
-  if (!own.isFresh()) {
-    own.transformBy(toWorld);
-    box.addExt(own);
-  }
-}
-
-const AcDbExtents& ExtentsWalk::boxOf(DatabaseImpl& database, const dxf::Block& block) {
-  const auto known = m_boxes.find(&block);
-  if (known != m_boxes.end()) {
-    return known->second;
-  }
-  AcDbExtents box;
-  addEntities(database, block, AcGeMatrix3d::kIdentity, box);
-  return m_boxes[&block] = box;
-}
-
-void ExtentsWalk::addEntities(DatabaseImpl& database, const dxf::Block& block,
-                              const AcGeMatrix3d& toWorld, AcDbExtents& box) {
-  m_path.push_back(&block);
-  for (const AcDbStub* const stub : block.entities) {
-    if (stub->erased) {
-      continue;
-    }
-    ++m_visited;
-    const TagList tags = database.tagsOf(*stub);
-    const bool isInvisible = tags.integer(code::kVisibility, place::kEntity.in(tags), 0) != 0;
-    constexpr std::int64_t kIsConstant = 2;
-    const bool isPrompt =
-        kindOf(tags) == "ATTDEF" && m_path.size() > 1 &&
-        !(tags.integer(code::kFlags, place::kAttributeDefinition.in(tags), 0) & kIsConstant);
-    if (!isInvisible && !isPrompt) {
-      add({tags, &database, stub, nullptr}, toWorld, box);
-    }
-  }
-  m_path.pop_back();
-}
-
 }  // namespace quoin::db
 
 using namespace quoin::db;
@@ -321,7 +254,7 @@ Acad::ErrorStatus AcDbEntity::getGeomExtents(AcDbExtents& extents) const {
   try {
     const ObjectImpl& impl = Access::of(*this);
     const Drawn drawn{tagsOf(*this), impl.database, impl.stub, impl.stub ? nullptr : this};
-    return ExtentsWalk().add(drawn, AcGeMatrix3d::kIdentity, extents);
+    return ExtentsWalk(impl.database).addEntity(drawn, extents);
   } catch (...) {
     return statusOfException();
   }

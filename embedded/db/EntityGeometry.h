@@ -2,10 +2,8 @@
 // transformed. A kind that a function is missing for answers eNotApplicable.
 #pragma once
 
-#include <map>
-#include <vector>
-
 #include "embedded/db/DatabaseImpl.h"
+#include "embedded/db/ExtentsWalk.h"
 #include "embedded/text/FontMetrics.h"
 
 namespace quoin::db {
@@ -18,31 +16,6 @@ struct Drawn {
   const AcDbObject* object = nullptr;  // of a free entity
 };
 
-/// One measurement, with what it has learnt about nested blocks.
-class ExtentsWalk {
- public:
-  /// Adds what an entity shows, seen through a matrix.
-  /// Fails: eNotApplicable (no such kind in the table), eNullExtents (it shows nothing); the
-  /// box stays as it is.
-  Acad::ErrorStatus add(const Drawn& entity, const AcGeMatrix3d& toWorld, AcDbExtents& box);
-  /// Adds every entity of a block that shows something.
-  void addBlock(DatabaseImpl& database, const dxf::Block& block, const AcGeMatrix3d& toWorld,
-                AcDbExtents& box);
-
- private:
-  const AcDbExtents& boxOf(DatabaseImpl& database, const dxf::Block& block);
-  void addEntities(DatabaseImpl& database, const dxf::Block& block, const AcGeMatrix3d& toWorld,
-                   AcDbExtents& box);
-
-  /// Entities that are measured exactly, one by one; beyond, blocks count with their box.
-  static constexpr std::size_t kExactEntities = 1'000'000;
-  std::size_t m_visited = 0;
-  std::vector<const dxf::Block*> m_path;  // blocks that are being measured, outermost first
-  std::map<const dxf::Block*, AcDbExtents> m_boxes;
-};
-
-using ExtentsFunction = Acad::ErrorStatus (*)(const Drawn& entity, const AcGeMatrix3d& toWorld,
-                                              ExtentsWalk& walk, AcDbExtents& box);
 /// Edits the entity's record.
 using TransformFunction = Acad::ErrorStatus (*)(RecordEdit& edit, const AcGeMatrix3d& matrix);
 /// Edits the record of one of its parts; `owner` is the owner's record as it was.

@@ -1,6 +1,7 @@
 // AcDbExtents, and the extents of lines, arcs and polylines. Curves in a plane are measured
 // under any affine map: the image of an arc is centre + u cos t + v sin t.
 #include <cmath>
+#include <optional>
 
 #include "dbsymtb.h"
 #include "embedded/db/ExtentsShapes.h"
@@ -69,7 +70,7 @@ Acad::ErrorStatus AcDbExtents::addBlockExt(AcDbBlockTableRecord* block) {
         impl.stub ? impl.database->store.blockOf(*impl.stub) : nullptr;
     AcDbExtents own;
     if (found) {
-      ExtentsWalk().addBlock(*impl.database, *found, AcGeMatrix3d::kIdentity, own);
+      ExtentsWalk(impl.database).addBlock(*found, own);
     }
     addExt(own);
     return own.isFresh() ? Acad::eNullExtents : Acad::eOk;
@@ -152,21 +153,30 @@ Acad::ErrorStatus extentsOfPolyline(const Drawn& entity, const AcGeMatrix3d& toW
   const TagRange range = place::kPolyline.in(tags);
   const AcGeMatrix3d plane = toWorld * planeToWorld(normalOf(tags, range));
   const double elevation = tags.number(kElevation, range, 0.0);
-  const std::vector<LightVertex> vertices = lightVerticesOf(tags);
-  const auto pointOf = [&](const LightVertex& vertex) {
-    return AcGePoint3d(vertex.point.x, vertex.point.y, elevation);
+  const auto addBetween = [&](const LightVertex& from, const LightVertex& to, AcDbExtents& shape) {
+    addSegment({{from.point.x, from.point.y, elevation},
+                {to.point.x, to.point.y, elevation},
+                from.bulge,
+                from.startWidth,
+                from.endWidth},
+               plane, shape);
   };
   constexpr std::int64_t kClosed = 1;
   const bool isClosed = (tags.integer(code::kFlags, range, 0) & kClosed) != 0;
   AcDbExtents shape;
-  for (std::size_t i = 0; i < vertices.size(); ++i) {
-    shape.addPoint(plane * pointOf(vertices[i]));
-    if (i + 1 < vertices.size() || isClosed) {
-      const LightVertex& vertex = vertices[i];
-      addSegment({pointOf(vertex), pointOf(vertices[(i + 1) % vertices.size()]), vertex.bulge,
-                  vertex.startWidth, vertex.endWidth},
-                 plane, shape);
+  std::optional<LightVertex> first;
+  LightVertex last;
+  forEachLightVertex(tags, [&](const LightVertex& vertex) {
+    if (first) {
+      addBetween(last, vertex, shape);
+    } else {
+      first = vertex;
     }
+    shape.addPoint(plane * AcGePoint3d(vertex.point.x, vertex.point.y, elevation));
+    last = vertex;
+  });
+  if (first && isClosed) {
+    addBetween(last, *first, shape);
   }
   addThick(shape, thicknessOf(tags, range, toWorld), box);
   return Acad::eOk;
@@ -186,7 +196,9 @@ Acad::ErrorStatus extentsOfHeavyPolyline(const Drawn& entity, const AcGeMatrix3d
   const AcGeMatrix3d plane = isFlat ? toWorld * planeToWorld(normalOf(tags, range)) : toWorld;
   const double defaultStart = tags.number(kStartWidth, range, 0.0);
   const double defaultEnd = tags.number(kEndWidth, range, 0.0);
-  std::vector<Segment> vertices;
+  AcDbExtents shape;
+  std::optional<Segment> first;
+  Segment last;
   const auto addVertex = [&](const TagList& part) {
     const TagRange own = part.subclassAndBeyond("AcDbVertex");
     const std::int64_t partFlags = part.integer(code::kFlags, own, 0);
@@ -194,27 +206,30 @@ Acad::ErrorStatus extentsOfHeavyPolyline(const Drawn& entity, const AcGeMatrix3d
     if (isCorners || (partFlags & kIsFrame)) {
       return;
     }
-    Segment& vertex = vertices.emplace_back();
+    Segment vertex;
     vertex.start = part.point(kPoint, own);
     if (isFlat) {
       vertex.bulge = part.number(kBulge, own, 0.0);
       vertex.startWidth = part.number(kStartWidth, own, defaultStart);
       vertex.endWidth = part.number(kEndWidth, own, defaultEnd);
     }
+    if (!first) {
+      first = vertex;
+    } else if (isFlat) {
+      last.end = vertex.start;
+      addSegment(last, plane, shape);
+    }
+    shape.addPoint(plane * vertex.start);
+    last = vertex;
   };
   if (entity.stub) {
     forEachPart(*entity.stub, addVertex);
   } else if (entity.object) {
     forEachPart(*entity.object, addVertex);
   }
-  AcDbExtents shape;
-  for (std::size_t i = 0; i < vertices.size(); ++i) {
-    shape.addPoint(plane * vertices[i].start);
-    if (isFlat && (i + 1 < vertices.size() || (flags & kClosed))) {
-      Segment segment = vertices[i];
-      segment.end = vertices[(i + 1) % vertices.size()].start;
-      addSegment(segment, plane, shape);
-    }
+  if (first && isFlat && (flags & kClosed)) {
+    last.end = first->start;
+    addSegment(last, plane, shape);
   }
   addThick(shape, isFlat ? thicknessOf(tags, range, toWorld) : AcGeVector3d(), box);
   return Acad::eOk;

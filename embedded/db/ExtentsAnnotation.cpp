@@ -71,8 +71,8 @@ struct Arrow {
   AcGeVector3d normal;
 };
 
-void addArrow(const Drawn& entity, const Arrow& arrow, std::span<const AcGePoint3d> points,
-              const AcGeMatrix3d& toWorld, ExtentsWalk& walk, AcDbExtents& box) {
+void addArrow(const Arrow& arrow, std::span<const AcGePoint3d> points, const AcGeMatrix3d& toWorld,
+              ExtentsWalk& walk, AcDbExtents& box) {
   constexpr double kHalfWidth = 1.0 / 6.0;
   if (points.size() < 2) {
     return;
@@ -84,8 +84,7 @@ void addArrow(const Drawn& entity, const Arrow& arrow, std::span<const AcGePoint
   }
   const AcGeMatrix3d frame = frameAt(points[0], -course, arrow.normal);
   if (arrow.block) {
-    walk.addBlock(*entity.database, *arrow.block,
-                  toWorld * frame * AcGeMatrix3d().setToScaling(arrow.size), box);
+    walk.show(*arrow.block, toWorld * frame * AcGeMatrix3d().setToScaling(arrow.size));
     return;
   }
   for (const double side : {-kHalfWidth, kHalfWidth}) {
@@ -136,22 +135,15 @@ const dxf::Block* blockOf(const Drawn& entity, int code, TagRange range) {
 
 }  // namespace
 
-Acad::ErrorStatus extentsOfDimension(const Drawn& entity, const AcGeMatrix3d& toWorld,
-                                     ExtentsWalk& walk, AcDbExtents& box) {
-  const TagList& tags = entity.tags;
-  const TagRange range = tags.subclass("AcDbDimension");
-  const AcGeMatrix3d plane = planeToWorld(normalOf(tags, range));
-  if (const dxf::Block* const block = blockOf(entity, code::kName, range)) {
-    // The block shows the dimension where it was made; it has moved by its position since.
-    AcGeMatrix3d moved;
-    moved.setToTranslation((plane * tags.point(kThirdPoint, range)).asVector());
-    walk.addBlock(*entity.database, *block, toWorld * moved, box);
-    if (!box.isFresh()) {
-      return Acad::eOk;
-    }
-  }
+namespace {
+
+/// What a dimension without a block is known by.
+Acad::ErrorStatus extentsOfDefinition(const Drawn& entity, const AcGeMatrix3d& toWorld,
+                                      ExtentsWalk&, AcDbExtents& box) {
   constexpr int kWorldPoints[] = {10, 13, 14, 15};
   constexpr int kPlanePoints[] = {11, 16};
+  const TagList& tags = entity.tags;
+  const AcGeMatrix3d plane = planeToWorld(normalOf(tags, tags.subclass("AcDbDimension")));
   const TagRange all = tags.subclassAndBeyond("AcDbDimension");
   for (const int code : kWorldPoints) {
     if (tags.find(code, all) != TagList::kNone) {
@@ -163,6 +155,24 @@ Acad::ErrorStatus extentsOfDimension(const Drawn& entity, const AcGeMatrix3d& to
       box.addPoint(toWorld * (plane * tags.point(code, all)));
     }
   }
+  return Acad::eOk;
+}
+
+}  // namespace
+
+Acad::ErrorStatus extentsOfDimension(const Drawn& entity, const AcGeMatrix3d& toWorld,
+                                     ExtentsWalk& walk, AcDbExtents& box) {
+  const TagList& tags = entity.tags;
+  const TagRange range = tags.subclass("AcDbDimension");
+  const dxf::Block* const block = blockOf(entity, code::kName, range);
+  if (!block) {
+    return extentsOfDefinition(entity, toWorld, walk, box);
+  }
+  // The block shows the dimension where it was made; it has moved by its position since.
+  const AcGeMatrix3d plane = planeToWorld(normalOf(tags, range));
+  AcGeMatrix3d moved;
+  moved.setToTranslation((plane * tags.point(kThirdPoint, range)).asVector());
+  walk.showOr(*block, toWorld * moved, entity, extentsOfDefinition);
   return Acad::eOk;
 }
 
@@ -201,7 +211,7 @@ Acad::ErrorStatus extentsOfLeader(const Drawn& entity, const AcGeMatrix3d& toWor
   if (tags.integer(kHasArrow, range, 1) != 0) {
     const Arrow arrow{arrowBlockOf(entity, range),
                       scaledVariable(entity, range, kArrowSize, kUsualArrow), normal};
-    addArrow(entity, arrow, points, toWorld, walk, box);
+    addArrow(arrow, points, toWorld, walk, box);
   }
   return Acad::eOk;
 }
@@ -243,7 +253,7 @@ Acad::ErrorStatus extentsOfTolerance(const Drawn& entity, const AcGeMatrix3d& to
 }
 
 Acad::ErrorStatus extentsOfTable(const Drawn& entity, const AcGeMatrix3d& toWorld,
-                                 ExtentsWalk& walk, AcDbExtents& box) {
+                                 ExtentsWalk& walk, AcDbExtents&) {
   const TagList& tags = entity.tags;
   const TagRange place = tags.subclass("AcDbBlockReference");
   const TagRange range = tags.subclass("AcDbTable");
@@ -256,7 +266,7 @@ Acad::ErrorStatus extentsOfTable(const Drawn& entity, const AcGeMatrix3d& toWorl
       frameAt(tags.point(kPoint, place),
               tags.point(kSecondPoint, range, {1.0, 0.0, 0.0}).asVector(), normalOf(tags, range));
   const AcGeMatrix3d toBase = AcGeMatrix3d().setToTranslation(AcGePoint3d::kOrigin - base);
-  walk.addBlock(*entity.database, *block, toWorld * frame * toBase, box);
+  walk.show(*block, toWorld * frame * toBase);
   return Acad::eOk;
 }
 
@@ -430,7 +440,7 @@ Acad::ErrorStatus extentsOfMultiLeader(const Drawn& entity, const AcGeMatrix3d& 
         points.push_back(leader.landing);
       }
       addCourse(points, lineType == kCurved, toWorld, box);
-      addArrow(entity, arrow, points, toWorld, walk, box);
+      addArrow(arrow, points, toWorld, walk, box);
     }
     if (leader.hasLanding) {
       box.addPoint(toWorld * leader.landing);
@@ -449,7 +459,7 @@ Acad::ErrorStatus extentsOfMultiLeader(const Drawn& entity, const AcGeMatrix3d& 
   const dxf::Block* const block =
       context.hasBlock ? blockWithHandle(entity, context.block) : nullptr;
   if (block) {
-    walk.addBlock(*entity.database, *block, toWorld * context.blockTransform, box);
+    walk.show(*block, toWorld * context.blockTransform);
   }
   return Acad::eOk;
 }

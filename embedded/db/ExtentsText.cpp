@@ -175,7 +175,7 @@ Acad::ErrorStatus extentsOfReference(const Drawn& entity, const AcGeMatrix3d& to
     for (std::int64_t column = 0; column <= lastColumn;
          column += std::max<std::int64_t>(lastColumn, 1)) {
       for (std::int64_t row = 0; row <= lastRow; row += std::max<std::int64_t>(lastRow, 1)) {
-        walk.addBlock(*entity.database, *block, toWorld * fields.transform(base, column, row), box);
+        walk.show(*block, toWorld * fields.transform(base, column, row));
       }
     }
   }
@@ -186,7 +186,7 @@ Acad::ErrorStatus extentsOfReference(const Drawn& entity, const AcGeMatrix3d& to
         (flags & kIsInvisible) ||
         attribute.integer(code::kVisibility, place::kEntity.in(attribute), 0) != 0;
     if (!isHidden) {
-      walk.add({attribute, entity.database, nullptr, nullptr}, toWorld, box);
+      walk.addPart({attribute, entity.database, nullptr, nullptr}, toWorld, box);
     }
   };
   if (entity.stub) {

@@ -6,6 +6,7 @@
 #include "embedded/db/Misuse.h"
 #include "embedded/db/Registry.h"
 #include "embedded/os/Utf8.h"
+#include "hostextents.h"
 
 using namespace quoin::db;
 namespace dxf = quoin::dxf;
@@ -168,6 +169,14 @@ bool canTransform(const AcDbObjectId& id) {
 bool hasExtents(const AcDbObjectId& id) {
   const KindGeometry* const row = geometryOf(id);
   return row && row->extents;
+}
+
+Adesk::UInt64 roughExtents(const AcDbDatabase* database) {
+  return database ? Access::of(*database).extentsMemory().roughEntities : 0;
+}
+
+Adesk::UInt64 exactExtentsLimit() {
+  return ExtentsMemory::kExactEntities;
 }
 
 Adesk::UInt64 lineNumber(const AcDbObjectId& id) {

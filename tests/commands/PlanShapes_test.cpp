@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "commands/picture/PlanShapesInternal.h"
 #include "support/Drawings.h"
 
 namespace {
@@ -80,6 +81,69 @@ TEST(PlanShapes, EllipsesAndSplinesAreChords) {
     EXPECT_NEAR(point.x * point.x / 16.0 + point.y * point.y / 4.0, 1.0, 1e-9);
   }
   EXPECT_EQ(picture.paths[1].points.size(), 2u);
+}
+
+/// The blocks "B0" to "B<depth>", each with `times` references to the one below; B0 has a line.
+std::string nestedBlocks(int depth, int times) {
+  std::string text;
+  for (int i = 0; i <= depth; ++i) {
+    const std::string name = "B" + std::to_string(i);
+    text += "0 BLOCK\n8 0\n2 " + name + "\n70 0\n10 0.0\n20 0.0\n30 0.0\n3 " + name + "\n";
+    for (int j = 0; j < (i > 0 ? times : 0); ++j) {
+      text += "0 INSERT\n8 0\n2 B" + std::to_string(i - 1) + "\n10 1.0\n20 0.0\n";
+    }
+    text += i > 0 ? "" : "0 LINE\n8 0\n10 0.0\n20 0.0\n11 1.0\n21 1.0\n";
+    text += "0 ENDBLK\n8 0\n";
+  }
+  return text;
+}
+
+struct BlockPicture : quoin::commands::Picture {
+  std::size_t framedReferences = 0;
+};
+
+BlockPicture pictureOfBlocks(const std::string& blocks, const std::string& entities,
+                             std::size_t mostBlockEntities) {
+  const quoin::test::TemporaryFolder folder;
+  const std::string bytes = quoin::test::asciiDxf(
+      "0 SECTION\n2 HEADER\n9 $ACADVER\n1 AC1009\n0 ENDSEC\n0 SECTION\n2 BLOCKS\n" + blocks +
+      "0 ENDSEC\n0 SECTION\n2 ENTITIES\n" + entities + "0 ENDSEC\n0 EOF\n");
+  quoin::commands::Drawing drawing(folder.put("plan.dxf", bytes));
+  BlockPicture picture;
+  picture.framedReferences =
+      quoin::commands::addPlanShapesUpTo(mostBlockEntities, picture, drawing, {});
+  return picture;
+}
+
+TEST(PlanShapes, BlocksNestedTenThousandDeepAreDrawn) {
+  const BlockPicture picture = pictureOfBlocks(
+      nestedBlocks(10'000, 1), "0 INSERT\n8 0\n2 B10000\n10 0.0\n20 0.0\n", 100'000);
+  ASSERT_EQ(picture.paths.size(), 1u);
+  EXPECT_EQ(picture.paths[0].points[0].x, 10'000.0);
+  EXPECT_EQ(picture.framedReferences, 0u);
+}
+
+TEST(PlanShapes, ABlockInsideItselfIsDrawnOnce) {
+  const BlockPicture picture = pictureOfBlocks(
+      "0 BLOCK\n8 0\n2 A\n70 0\n10 0.0\n20 0.0\n3 A\n0 LINE\n8 0\n10 0.0\n20 0.0\n11 1.0\n"
+      "21 1.0\n0 INSERT\n8 0\n2 A\n10 5.0\n20 0.0\n0 ENDBLK\n8 0\n",
+      "0 INSERT\n8 0\n2 A\n10 0.0\n20 0.0\n", 100'000);
+  EXPECT_EQ(picture.paths.size(), 1u);
+}
+
+TEST(PlanShapes, WhatShowsTooMuchIsDrawnAsItsFrame) {
+  // An array of a thousand million cells, and ten to the fifth lines.
+  const std::string array =
+      "0 INSERT\n8 0\n2 B0\n10 0.0\n20 0.0\n70 32767\n71 32767\n44 2.0\n45 2.0\n";
+  const std::string reference = "0 INSERT\n8 0\n2 B5\n10 0.0\n20 0.0\n";
+  const BlockPicture picture = pictureOfBlocks(nestedBlocks(5, 10), array + reference, 1000);
+  EXPECT_LT(picture.paths.size(), 1100u);
+  ASSERT_EQ(picture.framedReferences, 2u);
+  const auto& frame = picture.paths[picture.paths.size() - 2].points;
+  EXPECT_EQ(frame[0], AcGePoint2d(0, 0));
+  EXPECT_EQ(frame[2], AcGePoint2d(65533, 65533));
+  EXPECT_TRUE(picture.paths.back().isClosed);
+  EXPECT_NE(picture.subtitle.find("2 block references drawn as frames"), std::string::npos);
 }
 
 TEST(EntityShapes, HaveTheirColourAndAreInView) {
