@@ -12,7 +12,12 @@ add_test(NAME tree.words.self_test
 add_test(NAME examples.drawn COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/make_examples.py --check)
 add_test(NAME examples.audit.self_test
   COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/audit_drawings.py --self-test)
+add_test(NAME examples.damage.self_test
+  COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/damage_drawings.py --self-test)
 if(TARGET quoin_app)
+  # A few of the damaged drawings that `./dev damage` tries by the hundred.
+  add_test(NAME examples.damage COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/damage_drawings.py
+    --quoin $<TARGET_FILE:quoin_app> --count 8 ${CMAKE_SOURCE_DIR}/tests/fuzz/corpus)
   add_test(NAME examples.audit COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/audit_drawings.py
     --quoin $<TARGET_FILE:quoin_app> ${CMAKE_SOURCE_DIR}/examples)
 endif()

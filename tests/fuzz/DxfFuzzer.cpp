@@ -2,10 +2,15 @@
 //   bin/fuzz_dxf <a folder for findings> tests/fuzz/corpus/dxf
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
+#include "fuzz/DrawingProbe.h"
 #include "fuzz/DxfProbe.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  quoin::test::probeDxf({reinterpret_cast<const char*>(data), size});
+  const std::string bytes(reinterpret_cast<const char*>(data), size);
+  if (quoin::test::probeDxf(bytes) == quoin::test::ProbeResult::Loaded) {
+    quoin::test::probeDrawing(bytes);
+  }
   return 0;
 }

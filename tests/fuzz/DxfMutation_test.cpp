@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "fuzz/DrawingProbe.h"
 #include "fuzz/DxfProbe.h"
 #include "support/SharedData.h"
 
@@ -14,6 +15,7 @@ namespace quoin::test {
 namespace {
 
 constexpr int kMutationsPerSeedFile = 4000;
+constexpr unsigned kMeasuredPerSeedFile = 120;
 
 std::vector<std::filesystem::path> seedFiles() {
   std::vector<std::filesystem::path> files;
@@ -153,6 +155,18 @@ TEST(DxfMutation, DamagedDrawingsAreRefusedOrLoadedWholeAndNeverCrash) {
   // Inputs that are all refused at once, or all harmless, would test nothing.
   EXPECT_GT(loaded, 1000);
   EXPECT_GT(refused, 1000);
+}
+
+TEST(DxfMutation, DamagedDrawingsAreMeasuredAndNeverCrash) {
+  int measured = 0;
+  for (const auto& path : seedFiles()) {
+    const std::string seed = bytesOf(path);
+    for (unsigned number = 1; number <= kMeasuredPerSeedFile; ++number) {
+      SCOPED_TRACE(path.filename().string() + ", mutation " + std::to_string(number));
+      EXPECT_NO_THROW(measured += probeDrawing(Mutator(number).mutated(seed)) ? 1 : 0);
+    }
+  }
+  EXPECT_GT(measured, 200);
 }
 
 }  // namespace
