@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <thread>
 
 #include "commands/CommandError.h"
@@ -32,7 +34,35 @@ std::string packed(const Outcome& outcome) {
   return {bytes.begin(), bytes.end()};
 }
 
-Outcome unpacked(const os::SideResult& result, const Report::Wanted& wanted) {
+/// What tells whether a file was replaced: replacing gives it another time.
+struct FileStamp {
+  explicit FileStamp(const std::string& file) {
+    std::error_code error;
+    time = std::filesystem::last_write_time(file, error);
+    exists = !error;
+    size = std::filesystem::file_size(file, error);
+  }
+  bool operator==(const FileStamp&) const = default;
+
+  std::filesystem::file_time_type time;
+  std::uintmax_t size = 0;
+  bool exists = false;
+};
+
+/// What the result of a drawing is where nobody can tell any more how far the work has come. Saving
+/// replaces a file whole.
+std::string stateText(const DrawingJob& job, const FileStamp& before) {
+  if (job.output.empty() || job.isDryRun || job.output == kStandardStream) {
+    return "";
+  }
+  const char* const state = FileStamp(job.output) == before
+                                ? (before.exists ? " is as it was" : " was not written")
+                                : " is the new one, whole";
+  return "; " + job.output + state;
+}
+
+Outcome unpacked(const os::SideResult& result, const Report::Wanted& wanted, const DrawingJob& job,
+                 const FileStamp& before) {
   Outcome outcome(wanted);
   try {
     if (result.isDone) {
@@ -46,9 +76,8 @@ Outcome unpacked(const os::SideResult& result, const Report::Wanted& wanted) {
   } catch (const nlohmann::json::exception&) {
     outcome.error = "the process that worked on it gave no whole answer";
   }
-  // Saving replaces a file whole, so whatever ended the work left a whole one.
-  outcome.code = os::isInterrupted() ? ExitCode::Interrupted : ExitCode::InternalError;
-  outcome.error += "; every file is the old one or the new one, whole";
+  outcome.code = os::isInterrupted() ? ExitCode::Interrupted : ExitCode::OutputUnwritable;
+  outcome.error = job.input + ": " + outcome.error + stateText(job, before);
   return outcome;
 }
 
@@ -185,19 +214,26 @@ Outcome tryWork(const Report::Wanted& wanted, const std::function<void(Report&)>
 }
 
 /// Each drawing in a process of its own: one that brings its process down takes no other along.
-std::vector<Outcome> workSideBySide(std::size_t count, const CommonOptions& options,
+std::vector<Outcome> workSideBySide(const std::vector<DrawingJob>& jobs,
+                                    const CommonOptions& options,
                                     const std::function<Outcome(std::size_t)>& work) {
   Progress progress("Working on the drawings");
   const auto inProcess = [&](std::size_t i) {
     Progress::silence();
     return packed(work(i));
   };
+  std::vector<FileStamp> before;
+  before.reserve(jobs.size());
+  for (const DrawingJob& job : jobs) {
+    before.emplace_back(job.output);
+  }
+  const std::vector<os::SideResult> results =
+      os::runSideBySide(jobs.size(), options.jobCount(), inProcess, [&](std::size_t done) {
+        progress.report(static_cast<double>(done) / static_cast<double>(jobs.size()));
+      });
   std::vector<Outcome> outcomes;
-  for (const os::SideResult& result :
-       os::runSideBySide(count, options.jobCount(), inProcess, [&](std::size_t done) {
-         progress.report(static_cast<double>(done) / static_cast<double>(count));
-       })) {
-    outcomes.push_back(unpacked(result, options.wanted()));
+  for (std::size_t i = 0; i < jobs.size(); ++i) {
+    outcomes.push_back(unpacked(results[i], options.wanted(), jobs[i], before[i]));
   }
   return outcomes;
 }
@@ -222,9 +258,8 @@ void DrawingCommand::run() {
       addOutcome(jobs[i], report);
     });
   };
-  const std::vector<Outcome> outcomes = jobs.size() == 1
-                                            ? std::vector<Outcome>{workOn(0)}
-                                            : workSideBySide(jobs.size(), m_options, workOn);
+  const std::vector<Outcome> outcomes =
+      jobs.size() == 1 ? std::vector<Outcome>{workOn(0)} : workSideBySide(jobs, m_options, workOn);
   Printer(m_options, jobs).print(outcomes, name());
   const auto failed = std::find_if(outcomes.begin(), outcomes.end(),
                                    [](const Outcome& outcome) { return !outcome.isDone(); });
