@@ -1,241 +1,218 @@
-// quoin rescale: scales drawing files in place, several side by side.
+// quoin rescale: scales drawing files, in place unless told otherwise.
 #include <fmt/format.h>
 
 #include <cmath>
-#include <map>
-#include <thread>
 
 #include "EntityTool.h"
-#include "commands/Command.h"
 #include "commands/CommandError.h"
-#include "commands/CommonOptions.h"
-#include "commands/FixedEntities.h"
-#include "commands/Progress.h"
-#include "embedded/os/Process.h"
+#include "commands/DrawingCommand.h"
+#include "commands/SpaceChange.h"
+#include "commands/Units.h"
+#include "commands/Words.h"
+#include "commands/picture/PictureParts.h"
+#include "commands/picture/PlanShapes.h"
 #include "embedded/os/Utf8.h"
-#include "embedded/product/SaveOutcomes.h"
 
 namespace quoin::commands {
 
 namespace {
 
-/// What the algorithm multiplies its factor with.
+/// What --factor is multiplied with, as by CEntityTool::AdjustDwgSize: it makes true size of plans
+/// that were drawn in the measure of a sheet at 1:80.
 constexpr double kDrawingFactor = 80.0;
+/// From angstroms to parsecs it is 3e26; beyond, somebody has slipped.
+constexpr double kLeastFactor = 1.0e-30;
+constexpr double kMostFactor = 1.0e30;
 
-/// The factor whose eightyfold comes nearest to what the drawing is to be scaled by.
-double factorFor(double drawingFactor) {
-  const double near = drawingFactor / kDrawingFactor;
-  for (const double factor : {near, std::nextafter(near, 0.0), std::nextafter(near, 2.0 * near)}) {
-    if (factor * kDrawingFactor == drawingFactor) {
-      return factor;
-    }
-  }
-  return near;
-}
-
-/// What happened to one file.
-struct FileOutcome {
-  ExitCode code = ExitCode::Ok;
-  std::size_t scaled = 0;
-  std::string note;  // the cause of a failure, or what was left behind
+/// How one drawing is scaled.
+struct Scaling {
+  double factor = 1.0;
+  AcDb::UnitsValue from = AcDb::kUnitsUndefined;
+  std::string words;  // where the factor comes from
 };
 
-std::string packed(const FileOutcome& outcome) {
-  return nlohmann::json{
-      {"code", static_cast<int>(outcome.code)}, {"scaled", outcome.scaled}, {"note", outcome.note}}
-      .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+nlohmann::json boxJson(const AcDbExtents& box) {
+  return box.isFresh() ? nlohmann::json()
+                       : nlohmann::json{pointJson(box.minPoint()), pointJson(box.maxPoint())};
 }
 
-FileOutcome unpacked(const os::SideResult& result) {
-  if (!result.isDone) {
-    // Saving replaces the file whole, so whatever ended the work left a whole drawing.
-    return {os::isInterrupted() ? ExitCode::Interrupted : ExitCode::OutputUnwritable, 0,
-            result.text + "; the drawing is the old one or the new one, whole"};
-  }
-  const nlohmann::json json = nlohmann::json::parse(result.text);
-  const FileOutcome outcome{static_cast<ExitCode>(json["code"].get<int>()),
-                            json["scaled"].get<std::size_t>(), json["note"].get<std::string>()};
-  if (outcome.code == ExitCode::Ok) {
-    os::noteFileWritten();  // by the worker
-  }
-  return outcome;
+std::string boxText(const AcDbExtents& box) {
+  return box.isFresh() ? "none" : pointText(box.minPoint()) + " to " + pointText(box.maxPoint());
 }
 
-/// Scales one file with the algorithm, which tells nothing of what it did: the file is looked
-/// at before, and the saver is asked behind.
-FileOutcome rescaleOne(const std::string& file, double factor, bool isLeavingBehind) {
-  FileOutcome outcome;
-  {
-    AcDbDatabase database(false, true);
-    const Acad::ErrorStatus status = database.readDwgFile(os::fromUtf8(file).c_str());
-    if (status != Acad::eOk) {
-      return {ExitCode::InputUnreadable, 0,
-              fileMessage(&database, status, file, "read the drawing")};
-    }
-    const FixedEntities fixed = findFixedEntities(database, outcome.scaled);
-    for (const auto& [kind, count] : fixed.countOfKind) {
-      outcome.scaled -= count;
-    }
-    if (!fixed.isEmpty()) {
-      if (!isLeavingBehind) {
-        return {ExitCode::EntityFailed, 0,
-                fmt::format("the host cannot scale {}; --leave-behind scales the others",
-                            fixed.text())};
-      }
-      outcome.note = "left as they are: " + fixed.text();
-    }
-  }
-  if (os::isInterrupted()) {
-    return {ExitCode::Interrupted, 0, "interrupted before it was changed"};
-  }
-  product::takeSaveOutcomes();
-  std::vector<CString> files{os::fromUtf8(file).c_str()};
-  CEntityTool::AdjustDwgSize(files, factor);
-  for (const product::SaveOutcome& saved : product::takeSaveOutcomes()) {
-    if (saved.status != Acad::eOk) {
-      const std::string cause = os::toUtf8(saved.cause);
-      return {ExitCode::OutputUnwritable, 0,
-              (cause.empty() ? os::toUtf8(acadErrorStatusText(saved.status)) : cause) +
-                  "; the drawing is as it was"};
-    }
-  }
-  return outcome;
+AcDbExtents extentsOf(Drawing& drawing) {
+  AcDbExtents box;
+  CEntityTool::GetEntExtents(&drawing.database(), box, false);
+  return box;
 }
 
-class RescaleCommand : public Command {
+bool isMetric(AcDb::UnitsValue units) {
+  return units != AcDb::kUnitsInches && units != AcDb::kUnitsFeet;
+}
+
+class RescaleCommand : public DrawingCommand {
  public:
   CLI::App* declare(CLI::App& app) override {
     CLI::App* const command =
-        app.add_subcommand("rescale", "Scale drawing files in place, each with a backup");
-    command->add_option("FILE", m_files, "Drawings to scale (DXF, ASCII or binary)")->required();
+        app.add_subcommand("rescale", "Scale drawing files, or change their units");
+    m_options.declareFiles(*command);
     CLI::Option_group* const factors = command->add_option_group("factor");
-    factors->add_option("--factor", m_factor, "Scale by 80 times this");
     factors->add_option("--drawing-factor", m_drawingFactor, "Scale by just this");
+    factors->add_option(
+        "--factor", m_factor,
+        "Scale by 80 times this: 1 makes a plan in millimetres of one that was drawn "
+        "in millimetres of a sheet at 1:80");
+    std::vector<std::string> names;
+    for (const NamedUnit& unit : namedUnits()) {
+      names.emplace_back(unit.name);
+    }
+    factors
+        ->add_option("--to-units", m_toUnits,
+                     "Scale from the drawing's units to these, and say so in the drawing")
+        ->check(CLI::IsMember(names));
     factors->require_option(1);
-    command->add_option("--jobs", m_jobs, "How many files at a time; 0 for one a processor core")
-        ->capture_default_str();
+    command
+        ->add_option("--from-units", m_fromUnits,
+                     "What the units are, where the drawing names none or wrong ones")
+        ->check(CLI::IsMember(names));
     command->add_flag("--leave-behind", m_isLeavingBehind,
                       "Save even if entities that cannot be scaled stay as they are");
-    command->add_option("--report", m_report, "text or json")
-        ->check(CLI::IsMember({"text", "json"}))
-        ->capture_default_str();
     command->footer(
-        "Model space is scaled about 0,0,0; the old drawing stays beside the new one as .bak. A\n"
-        "file that fails stays as it was and does not keep the others back; the exit code is that\n"
-        "of the first that failed.\n\n"
+        "Model space is scaled about 0,0,0, with extents, limits, views and viewports. Without -o\n"
+        "each drawing is replaced and stays beside the new one as a backup. A drawing is scaled\n"
+        "wholly or not at all; one that fails does not keep the others back. Linetype scale,\n"
+        "dimension styles and the size of new texts stay.\n\n"
         "Examples:\n"
-        "  quoin rescale a.dxf b.dxf --factor 1.25        (scales by 100)\n"
-        "  quoin rescale *.dxf --drawing-factor 0.001 --jobs 0");
+        "  quoin rescale *.dxf --to-units m --jobs 0      (mm, as each drawing says, to m)\n"
+        "  quoin rescale plan.dxf --drawing-factor 0.001 -o metres.dxf\n"
+        "  quoin rescale a.dxf b.dxf --factor 1.25        (80 x 1.25: scales by 100)");
+    command->final_callback(
+        [this] { m_options.isInPlace = m_options.output.empty() && !m_options.isDryRun; });
     return command;
   }
 
-  void run() override {
-    const double factor = m_drawingFactor ? factorFor(*m_drawingFactor) : *m_factor;
-    const double drawingFactor = factor * kDrawingFactor;
-    if (!std::isfinite(drawingFactor) || drawingFactor == 0.0) {
+ protected:
+  std::string name() const override { return "rescale"; }
+
+  void prepare() override {
+    if (!m_fromUnits.empty() && m_toUnits.empty()) {
+      throw CommandError(ExitCode::Usage, "--from-units is of use with --to-units alone");
+    }
+    const double factor =
+        m_drawingFactor ? *m_drawingFactor : kDrawingFactor * m_factor.value_or(1.0);
+    if (!(factor >= kLeastFactor && factor <= kMostFactor)) {
       throw CommandError(ExitCode::Usage,
-                         fmt::format("a drawing cannot be scaled by {:g}", drawingFactor));
+                         fmt::format("a drawing cannot be scaled by {}: factors go from {:g} to "
+                                     "{:g}, and negative ones would turn texts over",
+                                     numberText(factor), kLeastFactor, kMostFactor));
     }
-    checkNoneTwice();
-    if (m_report == "text") {
-      fmt::print("scaling by {}{}\n", drawingFactor,
-                 m_drawingFactor ? "" : fmt::format(" (80 times {})", factor));
+  }
+
+  void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
+    const Scaling scaling = scalingOf(drawing);
+    report.line("scaling by {}{}", numberText(scaling.factor), scaling.words);
+    const AcDbExtents before = job.isDryRun ? extentsOf(drawing) : AcDbExtents();
+    const SpaceChange change{scaling.factor, {}, "scale", m_isLeavingBehind};
+    const SpaceChanged changed = changeModelSpace(drawing, change);
+    const bool namesUnits = setUnits(drawing);
+    // What is told from here on has happened.
+    job.save(drawing);
+    if (job.hasPicture()) {
+      job.render(pictureOf(drawing, scaling));
     }
-    const os::StopDelay untilTold;  // what became of each drawing
-    const std::vector<FileOutcome> outcomes = rescaleAll(factor);
-    m_report == "json" ? printJson(jsonReport(drawingFactor, outcomes)) : printTable(outcomes);
-    for (const FileOutcome& outcome : outcomes) {
-      if (outcome.code != ExitCode::Ok) {
-        throw CommandError(outcome.code, summary(outcomes));
-      }
+    report.line("{} scaled", countText(changed.count, "entity", "entities"));
+    report.json["drawingFactor"] = scaling.factor;
+    report.json["scaled"] = changed.count;
+    tellSpaceChange(drawing, change, changed, report);
+    if (job.isDryRun) {
+      const AcDbExtents after = extentsOf(drawing);
+      report.line("extents before  {}", boxText(before));
+      report.line("extents after   {}", boxText(after));
+      report.json["extentsBefore"] = boxJson(before);
+      report.json["extentsAfter"] = boxJson(after);
     }
+    tellUnits(drawing, namesUnits, report);
+    tellSettings(drawing, report);
   }
 
  private:
-  /// A file scaled twice would be scaled by the square: nobody wants that.
-  void checkNoneTwice() const {
-    for (std::size_t i = 0; i < m_files.size(); ++i) {
-      for (std::size_t j = i + 1; j < m_files.size(); ++j) {
-        std::error_code ignored;
-        if (m_files[i] == m_files[j] ||
-            std::filesystem::equivalent(m_files[i], m_files[j], ignored)) {
-          throw CommandError(
-              ExitCode::Usage,
-              fmt::format("{} and {} are one file, which would be scaled twice; nothing was done",
-                          m_files[i], m_files[j]));
-        }
+  Scaling scalingOf(const Drawing& drawing) const {
+    Scaling scaling;
+    scaling.from = drawing.info().units;
+    if (m_drawingFactor) {
+      scaling.factor = *m_drawingFactor;
+    } else if (m_factor) {
+      scaling.factor = kDrawingFactor * *m_factor;
+      scaling.words = fmt::format(" (80 times {})", numberText(*m_factor));
+    } else {
+      if (const NamedUnit* const unit = unitNamed(m_fromUnits)) {
+        scaling.from = unit->value;
       }
-    }
-  }
-
-  std::vector<FileOutcome> rescaleAll(double factor) const {
-    Progress progress("Scaling");
-    const std::size_t jobs =
-        m_jobs > 0 ? m_jobs : std::max<std::size_t>(std::thread::hardware_concurrency(), 1);
-    const auto work = [&](std::size_t i) {
-      return packed(rescaleOne(m_files[i], factor, m_isLeavingBehind));
-    };
-    std::vector<FileOutcome> outcomes;
-    for (const os::SideResult& result :
-         os::runSideBySide(m_files.size(), jobs, work, [&](std::size_t done) {
-           progress.report(static_cast<double>(done) / static_cast<double>(m_files.size()));
-         })) {
-      outcomes.push_back(unpacked(result));
-    }
-    return outcomes;
-  }
-
-  static std::size_t failures(const std::vector<FileOutcome>& outcomes) {
-    return static_cast<std::size_t>(
-        std::count_if(outcomes.begin(), outcomes.end(),
-                      [](const FileOutcome& outcome) { return outcome.code != ExitCode::Ok; }));
-  }
-
-  static std::string summary(const std::vector<FileOutcome>& outcomes) {
-    return fmt::format("{} of {} drawings were not scaled", failures(outcomes), outcomes.size());
-  }
-
-  void printTable(const std::vector<FileOutcome>& outcomes) const {
-    std::size_t width = 0;
-    for (const std::string& file : m_files) {
-      width = std::max(width, file.size());
-    }
-    for (std::size_t i = 0; i < outcomes.size(); ++i) {
-      const FileOutcome& outcome = outcomes[i];
-      fmt::print("  {:<{}}  ", m_files[i], width);
-      if (outcome.code == ExitCode::Ok) {
-        fmt::print("scaled, {} entities; before: {}.bak\n", outcome.scaled, m_files[i]);
-      } else {
-        fmt::print("not scaled\n");
+      if (scaling.from == AcDb::kUnitsUndefined) {
+        throw CommandError(ExitCode::Usage, drawing.file().string() +
+                                                ": the drawing names no units; say what they are: "
+                                                "--from-units mm");
       }
-      if (!outcome.note.empty()) {
-        fmt::print("      {}\n", outcome.note);
-      }
+      scaling.factor = hostx::millimetersPerUnit(scaling.from) / unitNamed(m_toUnits)->millimeters;
+      scaling.words = fmt::format(", from {} to {}", os::toUtf8(hostx::unitsName(scaling.from)),
+                                  os::toUtf8(hostx::unitsName(unitNamed(m_toUnits)->value)));
     }
-    fmt::print("{} of {} drawings scaled\n", outcomes.size() - failures(outcomes), outcomes.size());
-    std::fflush(stdout);
+    return scaling;
   }
 
-  nlohmann::json jsonReport(double drawingFactor, const std::vector<FileOutcome>& outcomes) const {
-    nlohmann::json report = {{"command", "rescale"},
-                             {"drawingFactor", drawingFactor},
-                             {"files", nlohmann::json::array()}};
-    for (std::size_t i = 0; i < outcomes.size(); ++i) {
-      report["files"].push_back({{"file", m_files[i]},
-                                 {"scaled", outcomes[i].code == ExitCode::Ok},
-                                 {"entities", outcomes[i].scaled},
-                                 {"exitCode", static_cast<int>(outcomes[i].code)},
-                                 {"note", outcomes[i].note}});
+  /// Writes the new units into the drawing; false where drawings of its release name none.
+  bool setUnits(Drawing& drawing) const {
+    AcDbDatabase& database = drawing.database();
+    if (m_toUnits.empty()) {
+      return true;
     }
-    return report;
+    if (database.insunits() == AcDb::kUnitsUndefined &&
+        database.originalFileVersion() < AcDb::kDHL_1015) {
+      return false;
+    }
+    const AcDb::UnitsValue units = unitNamed(m_toUnits)->value;
+    if (units != database.insunits()) {
+      check(database.setInsunits(units), drawing, AcDbObjectId::kNull, "set the units");
+    }
+    database.setMeasurement(isMetric(units) ? 1 : 0);  // before R14 there is none
+    return true;
   }
 
-  std::vector<std::string> m_files;
+  void tellUnits(Drawing& drawing, bool namesUnits, Report& report) const {
+    const std::string units = os::toUtf8(hostx::unitsName(drawing.database().insunits()));
+    if (m_toUnits.empty()) {
+      report.line("units stay {}; --to-units scales and changes them", units);
+    } else if (namesUnits) {
+      report.line("units are {} now", units);
+    } else {
+      report.warn(fmt::format("{} drawings name no units: nothing in it says that they are {} now",
+                              os::toUtf8(drawing.info().release), m_toUnits));
+    }
+    report.json["units"] = units;
+  }
+
+  /// What shows at another size afterwards, because it belongs to sheets and styles too.
+  static void tellSettings(Drawing& drawing, Report& report) {
+    const AcDbDatabase& database = drawing.database();
+    report.line("stay as they are: linetype scale {}, dimension scale {}, size of new texts {}",
+                numberText(database.ltscale()), numberText(database.dimscale()),
+                numberText(database.textsize()));
+    report.json["settings"] = {{"ltscale", database.ltscale()},
+                               {"dimscale", database.dimscale()},
+                               {"textsize", database.textsize()}};
+  }
+
+  static Picture pictureOf(Drawing& drawing, const Scaling& scaling) {
+    Picture picture = newPicture(drawing, "rescaled", "by " + numberText(scaling.factor));
+    addPlanShapes(picture, drawing, {});
+    return picture;
+  }
+
   std::optional<double> m_factor;
   std::optional<double> m_drawingFactor;
-  std::size_t m_jobs = 1;
+  std::string m_toUnits;
+  std::string m_fromUnits;
   bool m_isLeavingBehind = false;
-  std::string m_report = "text";
 };
 
 }  // namespace

@@ -99,12 +99,14 @@ class StyleCommand : public DrawingCommand {
     declareOptions(*m_dim);
     m_dim
         ->add_option("--scale", m_scale,
-                     "S: measured lengths are divided by it, the graphics grow with it")
+                     "S: how many drawing units a millimetre of the building is, 1 in mm, 0.001 in "
+                     "m. Measured lengths are divided by it; texts and arrows are 80 times it, in "
+                     "millimetres of a sheet at 1:80")
         ->required();
     m_dim->footer(
         "A style of this name that the drawing has stays as it is. A new one has ticks for\n"
         "arrows if the drawing has a block named ArchTick or 建筑标记.\n\n"
-        "Example:\n  quoin style dim plan.dxf --name ARCH-100 --scale 100 -o styled.dxf");
+        "Example:\n  quoin style dim plan.dxf --name ARCH --scale 1 -o styled.dxf");
     return command;
   }
 

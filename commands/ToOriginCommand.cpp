@@ -4,7 +4,7 @@
 #include "EntityTool.h"
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
-#include "commands/FixedEntities.h"
+#include "commands/SpaceChange.h"
 #include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
@@ -33,23 +33,15 @@ class ToOriginCommand : public DrawingCommand {
                       "Save even if entities that cannot be moved stay where they are");
     command->footer(
         "Everything in model space moves, what is invisible or on hidden layers too; the extents\n"
-        "are those of what shows (quoin extents). Heights stay as they are.\n\n"
+        "are those of what shows (quoin extents). Heights stay as they are. Views and viewports "
+        "show\n"
+        "the same part of the plan as before.\n\n"
         "Example:\n  quoin to-origin plan.dxf --at left-bottom -o moved.dxf");
     return command;
   }
 
   std::string name() const override { return "to-origin"; }
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
-    std::size_t entityCount = 0;
-    const FixedEntities fixed = findFixedEntities(drawing.database(), entityCount);
-    if (!fixed.isEmpty() && !m_isLeavingBehind) {
-      throw CommandError(
-          ExitCode::EntityFailed,
-          fmt::format("{}: cannot move {} of {} ({}; the first is {}); nothing was written. "
-                      "--leave-behind moves the others",
-                      drawing.file().string(), sumOf(fixed), entityCount, fixed.text(),
-                      describe(drawing, fixed.first)));
-    }
     AcDbExtents before;
     CEntityTool::GetEntExtents(&drawing.database(), before, false);
     if (before.isFresh()) {
@@ -59,24 +51,22 @@ class ToOriginCommand : public DrawingCommand {
     }
     const EDwgPosition position = kPositions.at(m_at);
     const AcGePoint3d base = CEntityTool::GetBasePos(&drawing.database(), position);
-    CEntityTool::TranslationToOrigin(&drawing.database(), position);
+    const SpaceChange change{1.0, movedBy(base).asVector(), "move", m_isLeavingBehind};
+    const SpaceChanged changed = changeModelSpace(drawing, change);
     job.save(drawing);
     if (job.hasPicture()) {
       job.render(pictureOf(drawing, base));
     }
-    tell(drawing, base, entityCount, fixed, report);
-    addJson(base, entityCount, fixed, report.json);
+    report.line("{} of the extents was at {} {}", m_at, pointText(base), drawing.unitName());
+    report.line("{} moved by {}", countText(changed.count, "entity", "entities"),
+                pointText(movedBy(base)));
+    report.json["at"] = m_at;
+    report.json["basePoint"] = pointJson(base);
+    report.json["moved"] = changed.count;
+    tellSpaceChange(drawing, change, changed, report);
   }
 
  private:
-  static std::size_t sumOf(const FixedEntities& fixed) {
-    std::size_t sum = 0;
-    for (const auto& [kind, count] : fixed.countOfKind) {
-      sum += count;
-    }
-    return sum;
-  }
-
   static AcGePoint3d movedBy(const AcGePoint3d& base) { return {-base.x, -base.y, 0.0}; }
 
   Picture pictureOf(Drawing& drawing, const AcGePoint3d& base) const {
@@ -86,24 +76,6 @@ class ToOriginCommand : public DrawingCommand {
     addMark(picture, AcGePoint3d(0.0, 0.0, 0.0), MarkShape::Cross, palette::kMark, 9.0);
     picture.legend = {{"the origin", palette::kMark, true, MarkShape::Cross}};
     return picture;
-  }
-
-  void tell(const Drawing& drawing, const AcGePoint3d& base, std::size_t entityCount,
-            const FixedEntities& fixed, Report& report) const {
-    report.line("{} of the extents was at {} {}", m_at, pointText(base), drawing.unitName());
-    report.line("{} moved by {}", countText(entityCount - sumOf(fixed), "entity", "entities"),
-                pointText(movedBy(base)));
-    if (!fixed.isEmpty()) {
-      report.line("left where they are, the host cannot move them: {}", fixed.text());
-    }
-  }
-
-  void addJson(const AcGePoint3d& base, std::size_t entityCount, const FixedEntities& fixed,
-               nlohmann::json& report) const {
-    report.update({{"at", m_at},
-                   {"basePoint", pointJson(base)},
-                   {"moved", entityCount - sumOf(fixed)},
-                   {"leftBehind", sumOf(fixed)}});
   }
 
   std::string m_at;

@@ -1,0 +1,46 @@
+// All of a drawing's model space moved or scaled, with what looks at it: wholly or not at all.
+#pragma once
+
+#include <cstddef>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "commands/Drawing.h"
+#include "commands/Report.h"
+#include "embedded/db/ModelViews.h"
+#include "gevec3d.h"
+
+namespace quoin::commands {
+
+/// What is asked for: every point p of model space goes to factor * p + move.
+struct SpaceChange {
+  double factor = 1.0;  // above 0
+  AcGeVector3d move;
+  std::string action = "move";  // "scale": what messages call it
+  /// Entities that cannot follow stay behind; else one of them fails the whole change.
+  bool isLeavingBehind = false;
+};
+
+/// An entity that stays where it was, and why.
+struct LeftBehind {
+  AcDbObjectId entity;
+  std::string cause;
+};
+
+struct SpaceChanged {
+  std::size_t count = 0;  // of entities that follow
+  std::vector<LeftBehind> left;
+  db::ViewChanges views;
+};
+
+/// Changes the drawing; what it says of an entity is what the host answered for that entity.
+/// Fails: throws CommandError; EntityFailed with the entities that cannot follow, Interrupted. The
+/// drawing is changed in part then and not to be saved.
+SpaceChanged changeModelSpace(Drawing& drawing, const SpaceChange& change);
+
+/// Tells which entities stayed, each by name, and what else followed.
+void tellSpaceChange(const Drawing& drawing, const SpaceChange& change, const SpaceChanged& changed,
+                     Report& report);
+
+}  // namespace quoin::commands
