@@ -185,10 +185,11 @@ class BreakCommand : public DrawingCommand {
                 i % 2 == 0 ? palette::kFirst : palette::kSecond, kPieceWidth);
       }
     }
+    const double markSize = markSizeFor(result.cutCount());
     for (const WallChange& change : result.changes) {
       for (std::size_t i = 1; i < change.pieces.size(); ++i) {
         const AcGePoint3d& cut = change.pieces[i].start;
-        addMark(picture, cut, MarkShape::Dot, palette::kMark, markSizeFor(result.cutCount()));
+        addMark(picture, cut, MarkShape::Dot, palette::kMark, markSize);
       }
     }
     for (const NamedBreak& named : result.named) {

@@ -161,13 +161,13 @@ class MergeCommand : public DrawingCommand {
       addLine(picture, line.start, line.end, turn ? palette::kThird : palette::kFirst, kPieceWidth);
       turn = !turn;
     }
+    const double markSize = markSizeFor(absorbedCount(merged));
     // Where lines met before: the ends of those that are gone, inside the survivor.
     for (const MergedLine& line : merged) {
       for (const std::size_t absorbed : line.absorbed) {
         for (const AcGePoint3d& end : {found.lines[absorbed].start, found.lines[absorbed].end}) {
           if (!end.isEqualTo(line.start) && !end.isEqualTo(line.end)) {
-            addMark(picture, end, MarkShape::Dot, palette::kSecond,
-                    markSizeFor(absorbedCount(merged)));
+            addMark(picture, end, MarkShape::Dot, palette::kSecond, markSize);
           }
         }
       }

@@ -8,6 +8,7 @@
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
+#include "commands/PointIndex.h"
 #include "commands/WallBodies.h"
 #include "commands/WallChanges.h"
 #include "commands/WallLines.h"
@@ -71,7 +72,7 @@ class OutlineCommand : public DrawingCommand {
     }
     const Capture capture = setProjectScale(m_options, drawing);
     const std::vector<BodyWall> walls = makeWalls(drawing, found.lines, m_widths);
-    std::vector<OutlineLine> lines = flatten(showWalls(walls));
+    std::vector<OutlineLine> lines = flatten(showWalls(walls, capture.distance));
     Picture picture;
     if (job.hasPicture()) {
       picture = paint(drawing, walls, lines, capture);
@@ -89,17 +90,58 @@ class OutlineCommand : public DrawingCommand {
   }
 
  private:
+  /// The connections of all outlines, to find those that are drawn twice: two walls that continue
+  /// each other are joined by the same line from both sides.
+  class Connections {
+   public:
+    explicit Connections(const std::vector<WallOutline>& outlines)
+        : m_all(allOf(outlines)), m_starts(startsOf(m_all)), m_isKept(m_all.size(), false) {}
+
+    /// Whether the next connection, in the order of the outlines, is one that was kept before.
+    bool isNextKnown() {
+      const std::size_t next = m_next++;
+      const WallDrawingSeg& seg = m_all[next];
+      bool isKnown = false;
+      for (const AcGePoint3d& end : {seg.ptStart, seg.ptEnd}) {
+        m_starts.visitIn(PointBox(end, AcGeContext::gTol.equalPoint()), [&](std::size_t other) {
+          isKnown = isKnown || (m_isKept[other] && isSame(m_all[other], seg));
+        });
+      }
+      m_isKept[next] = !isKnown && !(seg.ptStart == seg.ptEnd);
+      return isKnown;
+    }
+
+   private:
+    static bool isSame(const WallDrawingSeg& a, const WallDrawingSeg& b) {
+      return (a.ptStart == b.ptStart && a.ptEnd == b.ptEnd) ||
+             (a.ptStart == b.ptEnd && a.ptEnd == b.ptStart);
+    }
+    static std::vector<WallDrawingSeg> allOf(const std::vector<WallOutline>& outlines) {
+      std::vector<WallDrawingSeg> all;
+      for (const WallOutline& outline : outlines) {
+        all.insert(all.end(), outline.connections.begin(), outline.connections.end());
+      }
+      return all;
+    }
+    static std::vector<AcGePoint3d> startsOf(const std::vector<WallDrawingSeg>& segs) {
+      std::vector<AcGePoint3d> starts;
+      for (const WallDrawingSeg& seg : segs) {
+        starts.push_back(seg.ptStart);
+      }
+      return starts;
+    }
+
+    std::vector<WallDrawingSeg> m_all;
+    PointIndex m_starts;
+    std::vector<bool> m_isKept;
+    std::size_t m_next = 0;
+  };
+
   static std::vector<OutlineLine> flatten(const std::vector<WallOutline>& outlines) {
     std::vector<OutlineLine> lines;
+    Connections connections(outlines);
     const auto add = [&](std::size_t wall, LineRole role, const WallDrawingSeg& seg) {
-      // Two walls that continue each other are joined by the same line from both sides.
-      const bool isKnown =
-          role == LineRole::Connection &&
-          std::any_of(lines.begin(), lines.end(), [&](const OutlineLine& line) {
-            return line.role == role &&
-                   ((line.seg.ptStart == seg.ptStart && line.seg.ptEnd == seg.ptEnd) ||
-                    (line.seg.ptStart == seg.ptEnd && line.seg.ptEnd == seg.ptStart));
-          });
+      const bool isKnown = role == LineRole::Connection && connections.isNextKnown();
       if (!isKnown && !(seg.ptStart == seg.ptEnd)) {
         lines.push_back({wall, role, seg, ""});
       }

@@ -71,7 +71,7 @@ class SolidCommand : public DrawingCommand {
     }
     const Capture capture = setProjectScale(m_options, drawing);
     const std::vector<BodyWall> walls = makeWalls(drawing, found.lines, m_widths);
-    const std::vector<PrepareFrom2dTo3dData> ends = prepareWalls(walls);
+    const std::vector<PrepareFrom2dTo3dData> ends = prepareWalls(walls, capture.distance);
     std::vector<WallPrism> prisms;
     for (std::size_t i = 0; i < walls.size(); ++i) {
       prisms.push_back(makePrism(walls[i], ends[i], m_height));

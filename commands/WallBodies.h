@@ -56,9 +56,10 @@ struct WallOutline {
   std::vector<WallDrawingSeg> connections;
 };
 
-/// Shows every wall among all others.
-std::vector<WallOutline> showWalls(const std::vector<BodyWall>& walls);
-/// The end faces of every wall among all others.
-std::vector<PrepareFrom2dTo3dData> prepareWalls(const std::vector<BodyWall>& walls);
+/// Shows every wall among all others. `captureDistance` is that of the current project.
+std::vector<WallOutline> showWalls(const std::vector<BodyWall>& walls, double captureDistance);
+/// The end faces of every wall among all others. `captureDistance` as above.
+std::vector<PrepareFrom2dTo3dData> prepareWalls(const std::vector<BodyWall>& walls,
+                                                double captureDistance);
 
 }  // namespace quoin::commands

@@ -219,6 +219,12 @@ class CEndPointIndex {
   }
 
  private:
+  /// A place among equal ones, 0 to `last`. NaN is the first: it comes from a distance that is
+  /// beyond all numbers where there are no places per unit, so that all are in the first one.
+  static std::uint32_t PlaceWithin(double place, double last) {
+    return static_cast<std::uint32_t>(std::min(std::max(0.0, place), last));
+  }
+
   static constexpr std::size_t kEndsPerRow = 2;
   /// Rows with more ends than this are sorted as a whole, and searched by halving.
   static constexpr std::uint32_t kCrowdedRow = 32;
@@ -233,8 +239,7 @@ class CEndPointIndex {
     std::uint32_t rows = 1;
 
     std::size_t RowOf(double y) const {
-      const double row = (y - minY) * rowsPerUnit;
-      return firstRow + static_cast<std::uint32_t>(std::clamp(row, 0.0, rows - 1.0));
+      return firstRow + PlaceWithin((y - minY) * rowsPerUnit, rows - 1.0);
     }
   };
 
@@ -255,8 +260,7 @@ class CEndPointIndex {
    private:
     friend class CEndPointIndex;
     std::size_t StripOf(double x) const {
-      return static_cast<std::uint32_t>(
-          std::clamp((x - m_minX) * m_stripsPerUnit, 0.0, m_lastStrip));
+      return PlaceWithin((x - m_minX) * m_stripsPerUnit, m_lastStrip);
     }
 
     std::size_t m_endsPerColumn = 0;

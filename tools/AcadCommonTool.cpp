@@ -1,5 +1,6 @@
 #include "AcadCommonTool.h"
 
+#include <cmath>
 #include <cstdint>
 
 #include "acedads.h"
@@ -58,7 +59,9 @@ AcGePoint3d CAcadCommonTool::GetAngleLockPnt(const AcGePoint3d& basePnt,
                                              const AcGePoint3d& curPnt) {
   const AcGeVector3d vec = curPnt - basePnt;
   const double angle = AcGeVector3d::kXAxis.angleTo(vec, AcGeVector3d::kZAxis);
-  const std::int32_t steps = static_cast<std::int32_t>((angle + kHalfLockStep) / kLockStep);
+  // NaN has no direction; the length that follows makes the point NaN all the same.
+  const std::int32_t steps =
+      std::isnan(angle) ? 0 : static_cast<std::int32_t>((angle + kHalfLockStep) / kLockStep);
   AcGeVector3d vecLocked = AcGeVector3d::kXAxis;
   vecLocked.rotateBy(steps * kLockStep, AcGeVector3d::kZAxis);
   vecLocked.normalize();

@@ -38,7 +38,9 @@ struct Box {
   double maxY = -std::numeric_limits<double>::infinity();
 
   void add(const AcGePoint2d& point) {
-    if (std::isfinite(point.x) && std::isfinite(point.y)) {
+    // Farther out the size of the box and what is worked out from it would overflow.
+    constexpr double kFarthest = 1.0e150;
+    if (std::fabs(point.x) <= kFarthest && std::fabs(point.y) <= kFarthest) {
       minX = std::min(minX, point.x);
       minY = std::min(minY, point.y);
       maxX = std::max(maxX, point.x);

@@ -42,10 +42,16 @@ struct Course {
 };
 using Points = std::vector<AcGePoint3d>;
 
+/// How many chords stand for an arc; none for an angle that is NaN.
+int chordsOf(double sweep) {
+  const double chords = std::ceil(std::fabs(sweep) / kChordAngle);
+  return std::isfinite(chords) ? static_cast<int>(chords) : 0;
+}
+
 void appendArc(Points& course, const AcGePoint3d& center, const AcGeVector3d& normal, double radius,
                double startAngle, double sweep) {
   const AcGeMatrix3d plane = AcGeMatrix3d().setToPlaneToWorld(normal);
-  const int chords = std::max(1, static_cast<int>(std::ceil(sweep / kChordAngle)));
+  const int chords = std::max(1, chordsOf(sweep));
   for (int i = 0; i <= chords; ++i) {
     const double angle = startAngle + sweep * i / chords;
     course.push_back(center +
@@ -71,7 +77,7 @@ void appendPolyline(Points& course, const AcDbPolyline& polyline) {
     // The centre lies on the chord's perpendicular bisector; a bulge is the tangent of a quarter
     // of the arc's angle.
     const double sweep = 4.0 * std::atan(bulge);
-    const int chords = static_cast<int>(std::ceil(std::fabs(sweep) / kChordAngle));
+    const int chords = chordsOf(sweep);
     if (chords > 1 && !start.isEqualTo(end)) {
       const double offset = (1.0 - bulge * bulge) / (4.0 * bulge);
       const AcGePoint2d center = start + (end - start) * 0.5 + (end - start).perpVector() * offset;

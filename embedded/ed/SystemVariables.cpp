@@ -1,7 +1,9 @@
 #include "embedded/ed/SystemVariables.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <optional>
 
 #include "acutmem.h"
@@ -91,7 +93,10 @@ bool writeValue(const VariableRow& row, const VariableValue& value, resbuf& resu
   switch (row.type) {
     case VariableType::Short:
       written.restype = RTSHORT;
-      written.resval.rint = static_cast<short>(value.numbers[0]);
+      // A drawing may give more than a short number holds.
+      written.resval.rint = static_cast<short>(
+          std::clamp<double>(value.numbers[0], std::numeric_limits<short>::min(),
+                             std::numeric_limits<short>::max()));
       break;
     case VariableType::Real:
       written.restype = RTREAL;

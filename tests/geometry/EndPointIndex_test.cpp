@@ -212,6 +212,18 @@ TEST(EndPointIndex, CoordinatesThatAreNoFiniteNumbersMissNothing) {
   EXPECT_GT(accepted, 1000u);
 }
 
+TEST(EndPointIndex, LinesAtTheEndsOfTheNumbersMissNothing) {
+  std::mt19937_64 random(85);
+  std::size_t accepted = 0;
+  for (int round = 0; round < 2000; ++round) {
+    std::vector<WallLineLikeSeg> lines = quoin::test::extremeWallLines(random, 2 + round % 12);
+    for (const double captureDistance : {10.0, 1e300, kInfinity}) {
+      ASSERT_NO_FATAL_FAILURE(expectNoneMissing(lines, captureDistance, accepted));
+    }
+  }
+  EXPECT_GT(accepted, 1000u);
+}
+
 /// What VisitContacts() says of each end, by its number; every end once.
 std::vector<std::uint32_t> contactsOf(std::vector<WallLineLikeSeg>& lines, double captureDistance) {
   const CEndPointIndex index(pointersTo(lines), captureDistance, CEndPointIndex::eForPoints);
@@ -294,6 +306,16 @@ TEST(EndPointIndex, RandomSetsHaveAllTheirContacts) {
     }
   }
   EXPECT_GT(named, 1000);
+}
+
+TEST(EndPointIndex, LinesAtTheEndsOfTheNumbersHaveAllTheirContacts) {
+  std::mt19937_64 random(86);
+  int named = 0;
+  for (int round = 0; round < 2000; ++round) {
+    std::vector<WallLineLikeSeg> lines = quoin::test::extremeWallLines(random, 2 + round % 12);
+    named += expectContactsNameAllThatIsNear(lines, 10.0);
+  }
+  EXPECT_GT(named, 100);
 }
 
 TEST(EndPointIndex, NumberedByPlaceEveryLineHasANumberAndEveryEndItsLines) {

@@ -149,6 +149,22 @@ TEST(BreakWallOracle, UnevenSetsGiveTheSameBits) {
   EXPECT_GT(pieces, 1000u);
 }
 
+TEST(BreakWallOracle, SetsAtTheEndsOfTheNumbersGiveTheSameBits) {
+  RunningHost host;
+  std::mt19937_64 random(29);
+  std::size_t pieces = 0;
+  for (int round = 0; round < 1000; ++round) {
+    const std::vector<WallLineLikeSeg> lines = quoin::test::extremeWallLines(random, 2 + round % 20);
+    for (const double scale : quoin::test::projectScales()) {
+      host.setScale(scale);
+      const std::vector<Piece> expected = quoin::oracle::breakWallLines(lines, {}, scale);
+      ASSERT_NO_FATAL_FAILURE(expectSameBits(breakWithModule(lines), expected, lines)) << round;
+      pieces += expected.size();
+    }
+  }
+  EXPECT_GT(pieces, 100u);
+}
+
 TEST(BreakWallLaws, PiecesCoverTheirLineWithoutGapInItsDirection) {
   RunningHost host;
   std::mt19937_64 random(23);

@@ -238,6 +238,23 @@ TEST(MergeOracle, UnevenSetsGiveTheSameBits) {
   }
 }
 
+TEST(MergeOracle, SetsAtTheEndsOfTheNumbersGiveTheSameBits) {
+  RunningHost host;
+  std::mt19937_64 random(68);
+  std::size_t merges = 0;
+  for (int round = 0; round < 1000; ++round) {
+    MergeSet set;
+    for (const auto& line : quoin::test::extremeWallLines(random, 2 + round % 20)) {
+      set.add(line.ptStart, line.ptEnd);
+    }
+    for (const double scale : quoin::test::projectScales()) {
+      host.setScale(scale);
+      ASSERT_NO_FATAL_FAILURE(expectSameBits(set, scale, merges)) << round;
+    }
+  }
+  EXPECT_GT(merges, 100u);
+}
+
 TEST(MergeLaws, ARecordWithoutNumbersThatStandsTwiceChangesNothingForTheOthers) {
   // With it every search is made anew instead of once for all.
   RunningHost host{10.0};

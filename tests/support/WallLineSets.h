@@ -129,6 +129,26 @@ inline std::vector<WallLineLikeSeg> unevenWallLines(std::mt19937_64& random, int
   return lines;
 }
 
+/// Lines at the ends of the numbers, in z too: their spans, lengths and squares overflow or vanish.
+inline std::vector<WallLineLikeSeg> extremeWallLines(std::mt19937_64& random, int count) {
+  constexpr double kLargest = std::numeric_limits<double>::max();
+  constexpr double kLeast = std::numeric_limits<double>::denorm_min();
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  // The plain ones more often, so that ends do meet.
+  const std::vector<double> values{0.0,    0.0,    0.0,    5.0,   5.0,      -5.0,      kLeast,
+                                   -1e-310, 1e-160, 1e160,  1e308, -1e308,   1e308,     -1e308,
+                                   1e300,  kLargest, -kLargest, kInfinity, -kInfinity, std::nan("")};
+  // A set of few values has overflowing spans and nothing that is not finite.
+  const std::size_t kinds = random() % 2 == 0 ? values.size() : values.size() - 3;
+  const auto any = [&] { return values[random() % kinds]; };
+  const auto height = [&] { return random() % 4 == 0 ? any() : 0.0; };
+  std::vector<WallLineLikeSeg> lines;
+  for (int i = 0; i < count; ++i) {
+    lines.emplace_back(AcGePoint3d(any(), any(), height()), AcGePoint3d(any(), any(), height()));
+  }
+  return lines;
+}
+
 /// A block of rooms: a frame, verticals, and horizontals between neighbouring verticals whose
 /// ends fall short of them or run over by less than the capture distance of scale 1.
 inline std::vector<WallLineLikeSeg> cityBlock(std::mt19937_64& random) {

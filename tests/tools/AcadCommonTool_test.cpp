@@ -74,6 +74,12 @@ TEST(AngleLock, APointOnItselfStaysThere) {
   EXPECT_EQ(quoin::test::text(CAcadCommonTool::GetAngleLockPnt(base, base)), "1,2,3");
 }
 
+TEST(AngleLock, APointThatIsNoNumberIsLockedToNone) {
+  const double noNumber = std::nan("");
+  EXPECT_TRUE(std::isnan(CAcadCommonTool::GetAngleLockPnt({}, {noNumber, 1.0, 0.0}).x));
+  EXPECT_TRUE(std::isnan(CAcadCommonTool::GetAngleLockPnt({0.0, noNumber, 0.0}, {1.0, 1.0, 0.0}).y));
+}
+
 TEST(AngleLock, HeightCountsInTheDistanceAndIsDropped) {
   const AcGePoint3d base(0, 0, 7);
   EXPECT_EQ(quoin::test::text(CAcadCommonTool::GetAngleLockPnt(base, AcGePoint3d(3, 0, 11))),
