@@ -132,7 +132,7 @@ class BreakCommand : public DrawingCommand {
       algorithm.AppendWallBreakPnt(algorithm.GetSrcWallLines()[named.line], points);
       result.named.push_back(named);
     }
-    algorithm.SplitWallLines();
+    Progress::during("Breaking walls", [&] { algorithm.SplitWallLines(); });
     Progress::checkInterrupt();
 
     const std::vector<WallLineLikeSeg*>& pieces = algorithm.GetNewWallLines();

@@ -41,10 +41,10 @@ ChosenEntities chooseEntities(Drawing& drawing, const std::set<std::wstring>& la
 
 void changeEach(const Drawing& drawing, const ChosenEntities& chosen,
                 const std::function<void(AcDbEntity&)>& change) {
-  constexpr std::size_t kBetweenLooks = 1024;  // entities between two looks at Ctrl-C
+  Progress progress("Changing the drawing");
   std::size_t count = 0;
   for (const AcDbObjectId& id : chosen.entities) {
-    if (++count % kBetweenLooks == 0) {
+    if (!progress.step(++count, chosen.entities.size())) {
       Progress::checkInterrupt();
     }
     const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);

@@ -163,7 +163,7 @@ class DrawCommand : public DrawingCommand {
                    .get()] = static_cast<std::size_t>(&line - lines.data());
       algorithm.GetSrcWallLines().push_back(records.back().get());
     }
-    algorithm.CalcNewWallLine(from, to);
+    Progress::during("Drawing a wall", [&] { algorithm.CalcNewWallLine(from, to); });
     const auto& modified = algorithm.GetSrcModifyiedWallLines();
     const std::set<const WallLineLikeSeg*> passed(modified.begin(), modified.end());
     for (std::unique_ptr<WallLineLikeSeg>& record : records) {

@@ -94,7 +94,15 @@ AcDbObjectId Drawing::modelSpaceId() {
 
 void Drawing::forEachEntity(const AcDbObjectId& block,
                             const std::function<void(AcDbObjectId)>& visit) {
-  forEachEntityOf(block, visit);
+  // Records are a little more than entities; blocks inside come and go in no time.
+  Progress progress("Looking at " + m_file.filename().string());
+  std::size_t count = 0;
+  forEachEntityOf(block, [&](const AcDbObjectId& id) {
+    if (!progress.step(++count, m_info.recordCount)) {
+      Progress::checkInterrupt();
+    }
+    visit(id);
+  });
 }
 
 std::vector<LayerContent> Drawing::layers() {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <thread>
 
 #include "commands/CommandError.h"
@@ -258,8 +259,19 @@ void DrawingCommand::run() {
       addOutcome(jobs[i], report);
     });
   };
-  const std::vector<Outcome> outcomes =
-      jobs.size() == 1 ? std::vector<Outcome>{workOn(0)} : workSideBySide(jobs, m_options, workOn);
+  // Of several drawings the summary tells what became of each, after Ctrl-C too.
+  std::optional<os::StopDelay> untilTold;
+  if (jobs.size() > 1) {
+    untilTold.emplace();
+  }
+  const std::vector<Outcome> outcomes = jobs.size() == 1
+                                            ? std::vector<Outcome>{workOn(0)}
+                                            : workSideBySide(jobs, m_options, workOn);
+  for (std::size_t i = 0; i < jobs.size(); ++i) {
+    if (outcomes[i].isDone() && !jobs[i].output.empty() && !jobs[i].isDryRun) {
+      os::noteFileWritten();  // by a worker
+    }
+  }
   Printer(m_options, jobs).print(outcomes, name());
   const auto failed = std::find_if(outcomes.begin(), outcomes.end(),
                                    [](const Outcome& outcome) { return !outcome.isDone(); });

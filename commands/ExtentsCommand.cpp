@@ -4,6 +4,7 @@
 #include "EntityTool.h"
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
+#include "commands/Progress.h"
 #include "commands/RoughExtents.h"
 #include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
@@ -44,7 +45,11 @@ class ExtentsCommand : public DrawingCommand {
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     const Census census = take(drawing);
     AcDbExtents extents;
-    if (!CEntityTool::GetEntExtents(&drawing.database(), extents, m_isAll)) {
+    bool isMeasured = false;
+    Progress::during("Measuring", [&] {
+      isMeasured = CEntityTool::GetEntExtents(&drawing.database(), extents, m_isAll);
+    });
+    if (!isMeasured) {
       throw CommandError(ExitCode::InputUnreadable, job.input + ": it has no model space");
     }
     if (job.hasPicture()) {

@@ -99,7 +99,7 @@ class MergeCommand : public DrawingCommand {
     for (const AcGePoint3d& point : keepAt) {
       algorithm.AppendBreakPnt(point);
     }
-    algorithm.MergeGougeLines();
+    Progress::during("Merging lines", [&] { algorithm.MergeGougeLines(); });
     Progress::checkInterrupt();
 
     std::vector<MergedLine> merged;
@@ -118,7 +118,12 @@ class MergeCommand : public DrawingCommand {
 
   static void apply(Drawing& drawing, const std::vector<SingleLine>& lines,
                     const std::vector<MergedLine>& merged) {
+    Progress progress("Changing the drawing");
+    std::size_t done = 0;
     for (const MergedLine& line : merged) {
+      if (!progress.step(++done, merged.size())) {
+        Progress::checkInterrupt();
+      }
       setLineEnds(drawing, lines[line.survivor].entity, line.start, line.end);
       for (const std::size_t absorbed : line.absorbed) {
         eraseEntity(drawing, lines[absorbed].entity);

@@ -9,6 +9,7 @@
 #include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
 #include "commands/PointIndex.h"
+#include "commands/Progress.h"
 #include "commands/WallBodies.h"
 #include "commands/WallChanges.h"
 #include "commands/WallLines.h"
@@ -77,7 +78,12 @@ class OutlineCommand : public DrawingCommand {
     if (job.hasPicture()) {
       picture = paint(drawing, walls, lines, capture);
     }
+    Progress progress("Changing the drawing");
+    std::size_t done = 0;
     for (OutlineLine& line : lines) {
+      if (!progress.step(++done, lines.size())) {
+        Progress::checkInterrupt();
+      }
       auto entity = std::make_unique<AcDbLine>(line.seg.ptStart, line.seg.ptEnd);
       entity->setDatabaseDefaults(&drawing.database());
       entity->setLayer(os::fromUtf8(m_outLayer).c_str());

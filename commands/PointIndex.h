@@ -19,9 +19,7 @@ namespace quoin::commands {
 /// empty, as nothing is at such a distance.
 struct PointBox {
   PointBox(const AcGePoint3d& place, double distance);
-  bool holds(double x, double y) const {
-    return x >= minX && x <= maxX && y >= minY && y <= maxY;
-  }
+  bool holds(double x, double y) const { return x >= minX && x <= maxX && y >= minY && y <= maxY; }
 
   double minX;
   double maxX;

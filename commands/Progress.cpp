@@ -2,7 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <condition_variable>
 #include <cstdio>
+#include <mutex>
+#include <thread>
 
 #include "commands/CommandError.h"
 #include "embedded/os/Process.h"
@@ -13,6 +17,49 @@ namespace {
 // Work that ends sooner needs no progress; more often than this nobody can read it.
 constexpr std::chrono::milliseconds kPatience{700};
 constexpr std::chrono::milliseconds kInterval{100};
+constexpr std::size_t kStepsPerLook = 1024;
+
+void clearLine() {
+  fmt::print(stderr, "\r\033[K");
+  std::fflush(stderr);
+}
+
+/// Shows how long something has been running for as long as it lives. Work that runs meanwhile
+/// starts no processes: they would get a copy of this one's state in the middle of a step.
+class Stopwatch {
+ public:
+  explicit Stopwatch(const std::string& work) : m_thread([this, work] { show(work); }) {}
+  ~Stopwatch() {
+    {
+      const std::lock_guard<std::mutex> lock(m_mutex);
+      m_isOver = true;
+    }
+    m_end.notify_one();
+    m_thread.join();
+  }
+  Stopwatch(const Stopwatch&) = delete;
+  Stopwatch& operator=(const Stopwatch&) = delete;
+
+ private:
+  void show(const std::string& work) {
+    const auto begin = std::chrono::steady_clock::now();
+    std::unique_lock<std::mutex> lock(m_mutex);
+    if (m_end.wait_for(lock, kPatience, [this] { return m_isOver; })) {
+      return;
+    }
+    do {
+      const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - begin;
+      fmt::print(stderr, "\r{} {:.0f} s", work, passed.count());
+      std::fflush(stderr);
+    } while (!m_end.wait_for(lock, kInterval, [this] { return m_isOver; }));
+    clearLine();
+  }
+
+  std::mutex m_mutex;
+  std::condition_variable m_end;
+  bool m_isOver = false;
+  std::thread m_thread;  // the last, since it uses the others
+};
 }  // namespace
 
 bool Progress::s_isSilent = false;
@@ -22,7 +69,7 @@ Progress::Progress(std::string work)
 
 Progress::~Progress() {
   if (m_isShown) {
-    fmt::print(stderr, "\r\033[K");
+    clearLine();
   }
 }
 
@@ -36,6 +83,20 @@ bool Progress::report(double fraction) {
     m_isShown = true;
   }
   return !os::isInterrupted();
+}
+
+bool Progress::step(std::size_t done, std::size_t all) {
+  return done % kStepsPerLook != 0 ||
+         report(std::min(1.0, static_cast<double>(done) / static_cast<double>(all)));
+}
+
+void Progress::during(const std::string& work, const std::function<void()>& run) {
+  if (s_isSilent || !os::isErrorStreamTerminal()) {
+    run();
+    return;
+  }
+  const Stopwatch stopwatch(work);
+  run();
 }
 
 void Progress::checkInterrupt() {

@@ -4,6 +4,7 @@
 #include "EntityTool.h"
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
+#include "commands/Progress.h"
 #include "commands/SpaceChange.h"
 #include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
@@ -43,7 +44,8 @@ class ToOriginCommand : public DrawingCommand {
   std::string name() const override { return "to-origin"; }
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     AcDbExtents before;
-    CEntityTool::GetEntExtents(&drawing.database(), before, false);
+    Progress::during("Measuring",
+                     [&] { CEntityTool::GetEntExtents(&drawing.database(), before, false); });
     if (before.isFresh()) {
       throw CommandError(ExitCode::NothingToDo, drawing.file().string() +
                                                     ": nothing shows in model space, so it has no "

@@ -55,7 +55,12 @@ class TrimAxesCommand : public DrawingCommand {
     if (job.hasPicture()) {
       picture = paint(drawing, axes);
     }
+    Progress progress("Changing the drawing");
+    std::size_t done = 0;
     for (const TrimmedAxis& axis : axes) {
+      if (!progress.step(++done, axes.size())) {
+        Progress::checkInterrupt();
+      }
       if (axis.isChanged()) {
         setLineEnds(drawing, axis.line->entity, axis.start, axis.end);
       }
@@ -72,7 +77,7 @@ class TrimAxesCommand : public DrawingCommand {
     for (const SingleLine& line : lines) {
       algorithm.AppendSrcAxisLine(new AxisLikeLineSeg{line.start, line.end});
     }
-    algorithm.CutAxisLines();
+    Progress::during("Cutting axes", [&] { algorithm.CutAxisLines(); });
     Progress::checkInterrupt();
     std::vector<TrimmedAxis> axes;
     for (std::size_t i = 0; i < lines.size(); ++i) {

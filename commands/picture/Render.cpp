@@ -12,6 +12,7 @@
 
 #include "commands/CommandError.h"
 #include "commands/OutputFile.h"
+#include "commands/Progress.h"
 
 namespace quoin::commands {
 
@@ -148,7 +149,12 @@ class Painter {
     cairo_clip(m_cairo);
     cairo_set_line_cap(m_cairo, CAIRO_LINE_CAP_ROUND);
     cairo_set_line_join(m_cairo, CAIRO_LINE_JOIN_ROUND);
+    Progress progress("Painting the picture");
+    std::size_t done = 0;
     for (const Path& path : m_picture.paths) {
+      if (!progress.step(++done, m_picture.paths.size())) {
+        Progress::checkInterrupt();
+      }
       paintPath(path);
     }
     for (const Label& label : m_picture.labels) {

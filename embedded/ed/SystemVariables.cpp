@@ -94,9 +94,8 @@ bool writeValue(const VariableRow& row, const VariableValue& value, resbuf& resu
     case VariableType::Short:
       written.restype = RTSHORT;
       // A drawing may give more than a short number holds.
-      written.resval.rint = static_cast<short>(
-          std::clamp<double>(value.numbers[0], std::numeric_limits<short>::min(),
-                             std::numeric_limits<short>::max()));
+      written.resval.rint = static_cast<short>(std::clamp<double>(
+          value.numbers[0], std::numeric_limits<short>::min(), std::numeric_limits<short>::max()));
       break;
     case VariableType::Real:
       written.restype = RTREAL;

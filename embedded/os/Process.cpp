@@ -31,6 +31,9 @@ std::atomic<pid_t> s_workingFor{0};  // the process that this one works for, if 
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free,
               "they are used in a signal handler");
 
+/// Of a worker that was asked to stop when it had written a file.
+constexpr int kExitAfterWriting = kExitInterrupted + 1;
+
 constexpr std::string_view kNothingWritten = "interrupted; every file is as it was";
 constexpr std::string_view kWritten = "interrupted; the files that were written before stay";
 
@@ -48,7 +51,7 @@ constexpr std::string_view kWritten = "interrupted; the files that were written 
     isSaid = say("\n") > 0 && isSaid;
     static_cast<void>(isSaid);  // nobody listens: the exit code says it too
   }
-  _exit(kExitInterrupted);
+  _exit(s_workingFor != 0 && s_hasWritten ? kExitAfterWriting : kExitInterrupted);
 }
 
 void onRequest(int signalNumber, siginfo_t* info, void* /*context*/) {
@@ -182,6 +185,10 @@ bool takeAnswer(const Worker& worker, std::string& text) {
 std::string endText(int state) {
   if (WIFEXITED(state) && WEXITSTATUS(state) == kExitInterrupted) {
     return "interrupted";
+  }
+  if (WIFEXITED(state) && WEXITSTATUS(state) == kExitAfterWriting) {
+    noteFileWritten();
+    return "interrupted when it had written a file";
   }
   if (!WIFSIGNALED(state)) {
     return WIFEXITED(state) && WEXITSTATUS(state) != 0

@@ -58,16 +58,16 @@ TEST(PointIndex, FindsEveryPointAtADistance) {
 
 TEST(PointIndex, FindsThemAtTheEndsOfTheNumbersToo) {
   std::vector<AcGePoint3d> points;
-  const std::vector<double> values{0.0,      kLeast,    -kLeast,   1e-160,    1.0,
-                                   1e308,    -1e308,    kLargest,  -kLargest, kInfinity,
-                                   -kInfinity, std::nan("")};
+  const std::vector<double> values{0.0,       kLeast,    -kLeast,    1e-160,
+                                   1.0,       1e308,     -1e308,     kLargest,
+                                   -kLargest, kInfinity, -kInfinity, std::nan("")};
   for (const double x : values) {
     for (const double y : values) {
       points.emplace_back(x, y, 0.0);
     }
   }
-  for (const double distance : {0.0, kLeast, 1.0, 1e300, kLargest, kInfinity, -1.0, -kInfinity,
-                                std::nan("")}) {
+  for (const double distance :
+       {0.0, kLeast, 1.0, 1e300, kLargest, kInfinity, -1.0, -kInfinity, std::nan("")}) {
     compareWithAll(points, distance);
   }
 }

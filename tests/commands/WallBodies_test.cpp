@@ -88,8 +88,7 @@ TEST(WallBodies, AreShownAsAmongAllWallsBitForBit) {
   test::RunningHost host;
   std::mt19937_64 random(20261123);
   for (int round = 0; round < 60; ++round) {
-    const std::vector<BodyWall> walls =
-        wallsAlong(test::randomWallLines(random, 2 + round % 30));
+    const std::vector<BodyWall> walls = wallsAlong(test::randomWallLines(random, 2 + round % 30));
     for (const double scale : test::projectScales()) {
       host.setScale(scale);
       compareWithAll(walls, scale);

@@ -222,6 +222,27 @@ TEST(StopRequestInAFork, SaysThatAFileWasWrittenBefore) {
       ExitedWithCode(130), "^quoin: interrupted; the files that were written before stay\n$");
 }
 
+TEST(StopRequestInAFork, SaysThatAWorkerWroteAFileBefore) {
+  const test::TemporaryFolder folder;
+  EXPECT_EXIT(
+      {
+        watchForInterrupt();
+        runSideBySide(
+            1, 1,
+            [&](std::size_t) {
+              AtomicFile file((folder.path() / "plan.dxf").string());
+              file.commit();
+              kill(getppid(), SIGINT);
+              while (!isInterrupted()) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(10));
+              }
+              return std::string();  // which nobody hears: the process ends with the file
+            },
+            kNobodyListens);
+      },
+      ExitedWithCode(130), "^quoin: interrupted; the files that were written before stay\n$");
+}
+
 TEST_F(StopRequest, EndsTheWorkersToo) {
   EXPECT_EXIT(
       {

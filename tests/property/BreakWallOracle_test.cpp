@@ -154,7 +154,8 @@ TEST(BreakWallOracle, SetsAtTheEndsOfTheNumbersGiveTheSameBits) {
   std::mt19937_64 random(29);
   std::size_t pieces = 0;
   for (int round = 0; round < 1000; ++round) {
-    const std::vector<WallLineLikeSeg> lines = quoin::test::extremeWallLines(random, 2 + round % 20);
+    const std::vector<WallLineLikeSeg> lines =
+        quoin::test::extremeWallLines(random, 2 + round % 20);
     for (const double scale : quoin::test::projectScales()) {
       host.setScale(scale);
       const std::vector<Piece> expected = quoin::oracle::breakWallLines(lines, {}, scale);

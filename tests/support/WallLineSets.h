@@ -135,9 +135,10 @@ inline std::vector<WallLineLikeSeg> extremeWallLines(std::mt19937_64& random, in
   constexpr double kLeast = std::numeric_limits<double>::denorm_min();
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   // The plain ones more often, so that ends do meet.
-  const std::vector<double> values{0.0,    0.0,    0.0,    5.0,   5.0,      -5.0,      kLeast,
-                                   -1e-310, 1e-160, 1e160,  1e308, -1e308,   1e308,     -1e308,
-                                   1e300,  kLargest, -kLargest, kInfinity, -kInfinity, std::nan("")};
+  const std::vector<double> values{0.0,      0.0,       0.0,       5.0,        5.0,
+                                   -5.0,     kLeast,    -1e-310,   1e-160,     1e160,
+                                   1e308,    -1e308,    1e308,     -1e308,     1e300,
+                                   kLargest, -kLargest, kInfinity, -kInfinity, std::nan("")};
   // A set of few values has overflowing spans and nothing that is not finite.
   const std::size_t kinds = random() % 2 == 0 ? values.size() : values.size() - 3;
   const auto any = [&] { return values[random() % kinds]; };

@@ -77,7 +77,8 @@ TEST(AngleLock, APointOnItselfStaysThere) {
 TEST(AngleLock, APointThatIsNoNumberIsLockedToNone) {
   const double noNumber = std::nan("");
   EXPECT_TRUE(std::isnan(CAcadCommonTool::GetAngleLockPnt({}, {noNumber, 1.0, 0.0}).x));
-  EXPECT_TRUE(std::isnan(CAcadCommonTool::GetAngleLockPnt({0.0, noNumber, 0.0}, {1.0, 1.0, 0.0}).y));
+  EXPECT_TRUE(
+      std::isnan(CAcadCommonTool::GetAngleLockPnt({0.0, noNumber, 0.0}, {1.0, 1.0, 0.0}).y));
 }
 
 TEST(AngleLock, HeightCountsInTheDistanceAndIsDropped) {
