@@ -81,6 +81,7 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName, int, bool, co
       return Acad::eNotApplicable;
     }
     database.clear();
+    database.store.setCodePage(database.codePage);
     const os::FileFacts version =
         dxf::readDrawing(os::toUtf8(fileName), database.store, progressOf(database));
     if (version.kind == os::FileFacts::Kind::Regular) {

@@ -64,6 +64,7 @@ void DatabaseImpl::clear() {
 
 void DatabaseImpl::reset() {
   clear();
+  store.setCodePage({});
   store.load(dxf::newDrawingTemplate(), "");
 }
 

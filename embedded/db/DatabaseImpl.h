@@ -71,6 +71,7 @@ struct DatabaseImpl {
   /// What the file of `path` was when it was read or saved; none for pipes and new drawings.
   std::optional<os::FileFacts> version;
   hostx::Progress progress;
+  std::string codePage;  // for what is read, whatever it says; empty for what it says
   bool wasRead = false;
 
   /// Blocks of dimensions and tables that transforms took along.

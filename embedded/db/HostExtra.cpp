@@ -5,6 +5,7 @@
 #include "embedded/db/EntityGeometry.h"
 #include "embedded/db/Misuse.h"
 #include "embedded/db/Registry.h"
+#include "embedded/os/CodePage.h"
 #include "embedded/os/Utf8.h"
 #include "hostextents.h"
 
@@ -126,6 +127,22 @@ std::vector<std::wstring> warnings(const AcDbDatabase* database) {
     }
   }
   return texts;
+}
+
+bool isKnownCodePage(const ACHAR* name) {
+  return name && *name && os::CodePage::isKnown(os::toUtf8(name));
+}
+
+Acad::ErrorStatus setCodePage(AcDbDatabase* database, const ACHAR* name) {
+  if (!database || !name || (*name && !isKnownCodePage(name))) {
+    return Acad::eInvalidInput;
+  }
+  DatabaseImpl& impl = Access::of(*database);
+  if (impl.wasRead) {
+    return Acad::eNotApplicable;
+  }
+  impl.codePage = os::toUtf8(name);
+  return Acad::eOk;
 }
 
 void setProgress(AcDbDatabase* database, Progress progress) {

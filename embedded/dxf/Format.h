@@ -45,6 +45,8 @@ struct Format {
   Version version = Version::R2018;
   /// $DWGCODEPAGE as the file spells it ("ANSI_936"); used for text before R2007.
   std::string codePage = "ANSI_1252";
+  /// Whether somebody named the code page in the file's stead: it holds for all its text then.
+  bool isCodePageGiven = false;
   /// Binary files up to R12 spell a group code in one byte (255 opens a two-byte code),
   /// later ones in two.
   bool narrowGroupCodes = false;
@@ -54,7 +56,7 @@ struct Format {
   /// ASCII: group codes are padded with blanks on the left to this many columns.
   int groupCodeColumns = 3;
 
-  bool textIsUtf8() const { return version >= Version::R2007; }
+  bool textIsUtf8() const { return version >= Version::R2007 && !isCodePageGiven; }
   bool hasSubclassMarkers() const { return version >= Version::R13; }
   bool hasOwners() const { return version >= Version::R2000 || version == Version::R14; }
 };

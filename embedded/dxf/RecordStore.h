@@ -112,6 +112,9 @@ class HOST_API RecordStore {
   /// Fails: throws FileError with line (ASCII) or offset (binary), record and cause; the
   /// store is empty then. A stop that `progress` asks for throws eUserBreak.
   void load(std::string buffer, const std::string& fileName, const Progress& progress = {});
+  /// The code page of all text of the drawings that are loaded from now on, whatever they say
+  /// themselves; empty for what they say. A name that os::CodePage knows.
+  void setCodePage(std::string name) { m_givenCodePage = std::move(name); }
   /// Hands the file's bytes, in order, to `write`: unchanged stretches as whole blocks.
   /// An untouched store gives exactly the bytes it was loaded from.
   /// Fails: throws FileError with eUserBreak when `progress` answers false; what `write`
@@ -220,6 +223,7 @@ class HOST_API RecordStore {
   std::vector<AcDbStub*> m_objects;
   std::deque<std::string> m_kindNames;  // never moves: kindName() hands out views
   std::string m_fileName;
+  std::string m_givenCodePage;
   std::vector<Warning> m_warnings;
 };
 

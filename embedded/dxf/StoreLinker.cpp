@@ -5,6 +5,7 @@
 #include "embedded/dxf/StoreLoader.h"
 #include "embedded/dxf/TagText.h"
 #include "embedded/os/CaseFold.h"
+#include "embedded/os/CodePage.h"
 
 namespace quoin::dxf {
 namespace {
@@ -53,8 +54,14 @@ void StoreLoader::readHeader() {
                std::string(releaseName(format.version)));
     }
   }
-  if (const std::string_view codePage = headerText("$DWGCODEPAGE"); !codePage.empty()) {
+  if (!m_store.m_givenCodePage.empty()) {
+    format.codePage = m_store.m_givenCodePage;
+    format.isCodePageGiven = true;
+  } else if (const std::string_view codePage = headerText("$DWGCODEPAGE"); !codePage.empty()) {
     format.codePage = std::string(codePage);
+    if (!format.textIsUtf8() && !os::CodePage::isKnown(codePage)) {
+      warn(0, {}, "code page '" + std::string(codePage) + "' is unknown; read as ANSI_1252");
+    }
   } else if (format.form == Form::Ascii && m_firstTag != 0) {
     format.codePage = "UTF-8";  // nothing else begins with a byte order mark
   }

@@ -19,7 +19,9 @@ struct FileInfo {
   std::wstring format;   // "DXF"
   std::wstring release;  // "R2010"
   std::wstring acadVersion;
-  std::wstring codePage;  // as the file names it; text from R2007 on is UTF-8 whatever it says
+  /// As setCodePage() gave it, else as the file names it; text from R2007 on is UTF-8 whatever
+  /// the file says.
+  std::wstring codePage;
   bool isBinary = false;
   bool isTextUtf8 = false;
   Adesk::UInt64 fileBytes = 0;
@@ -56,6 +58,16 @@ HOST_API std::wstring backupFolder();
 /// What reading found odd but could live with (layers that no table lists, double handles),
 /// in words.
 HOST_API std::vector<std::wstring> warnings(const AcDbDatabase* database);
+
+/// Names the code page of all text of the file that this database is going to read, for files
+/// that name none or the wrong one: "ANSI_936", "gbk", "cp1252", "shift_jis", "utf-8", in any
+/// case. The file keeps what it says; new text is written in the code page that is named here.
+/// An empty name leaves it to the file.
+/// Fails: eInvalidInput (no database, a code page that nobody knows), eNotApplicable (the
+/// database holds a drawing that was read).
+HOST_API Acad::ErrorStatus setCodePage(AcDbDatabase* database, const ACHAR* name);
+/// Whether setCodePage() takes the name.
+HOST_API bool isKnownCodePage(const ACHAR* name);
 
 /// Called while a file is read or saved, with 0 to 1; answering false stops the work with
 /// eUserBreak, and every file stays whole. An empty function takes it away.

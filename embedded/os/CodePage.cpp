@@ -97,6 +97,14 @@ const std::map<std::string, const char*, std::less<>>& namedConverters() {
                                                                         {"ASCII", "CP1252"},
                                                                         {"USASCII", "CP1252"},
                                                                         {"ANSI", "CP1252"},
+                                                                        {"GB18030", "GBK"},
+                                                                        {"EUCCN", "GBK"},
+                                                                        {"EUCKR", "CP949"},
+                                                                        {"UHC", "CP949"},
+                                                                        {"KOI8R", "KOI8-R"},
+                                                                        {"LATIN1", "ISO-8859-1"},
+                                                                        {"LATIN2", "ISO-8859-2"},
+                                                                        {"CP65001", "UTF-8"},
                                                                         {"ANSI65001", "UTF-8"}};
   return names;
 }
@@ -106,6 +114,9 @@ std::string converterNameOf(std::string_view name) {
   const std::string plain = plainName(name);
   if (const auto found = namedConverters().find(plain); found != namedConverters().end()) {
     return found->second;
+  }
+  if (!plain.empty() && plain.find_first_not_of("0123456789") == std::string::npos) {
+    return converterNameOf("CP" + plain);  // "936"
   }
   struct Prefix {
     std::string_view text;

@@ -255,6 +255,63 @@ TEST(CodePages, NamesAreWrittenAsTheFileSpellsThem) {
   EXPECT_EQ(hostx::layerName(entitiesOf(again.db()).at(0)), L"墙体");
 }
 
+TEST(CodePages, TheCodePageThatSomebodyNamesHoldsForAllTextAndTheFileKeepsItsOwn) {
+  for (const char* version : {"AC1015", "AC1027"}) {
+    std::string text = smallR2000(lineTags("40"));
+    text.replace(text.find("AC1015"), 6, version);
+    text.replace(text.find("8 Walls", text.find("5 40")), 7, "8 \xC7\xBD\xCC\xE5");
+    const std::string bytes = asciiDxf(text);
+    for (const wchar_t* name : {L"gbk", L"ANSI_936", L"cp936", L"936", L"GB2312"}) {
+      AcDbDatabase database(false, true);
+      ASSERT_EQ(hostx::setCodePage(&database, name), Acad::eOk);
+      const TemporaryFolder folder;
+      const std::string path = folder.put("plan.dxf", bytes);
+      ASSERT_EQ(database.readDwgFile(os::fromUtf8(path).c_str()), Acad::eOk);
+      EXPECT_EQ(hostx::layerName(entitiesOf(database).at(0)), L"墙体") << version;
+      EXPECT_EQ(hostx::fileInfo(&database).codePage, name);
+      EXPECT_FALSE(hostx::fileInfo(&database).isTextUtf8);
+      auto* const line = new AcDbLine;
+      line->setLayer(L"墙体");
+      append(database, line);
+      const std::string saved = folder.file("saved.dxf");
+      ASSERT_EQ(database.saveAs(os::fromUtf8(saved).c_str()), Acad::eOk);
+      const std::string written = folder.get("saved.dxf");
+      const std::string layer = "  8\r\n\xC7\xBD\xCC\xE5\r\n";
+      const std::size_t first = written.find(layer);
+      ASSERT_NE(first, std::string::npos);
+      EXPECT_NE(written.find(layer, first + 1), std::string::npos);
+      EXPECT_NE(written.find("ANSI_1252"), std::string::npos);
+    }
+  }
+}
+
+TEST(CodePages, ANameThatNobodyKnowsIsRefused) {
+  AcDbDatabase database(false, true);
+  for (const wchar_t* name : {L"nobody", L"cp99999", L"-", L"墙"}) {
+    EXPECT_EQ(hostx::setCodePage(&database, name), Acad::eInvalidInput);
+    EXPECT_FALSE(hostx::isKnownCodePage(name));
+  }
+  for (const wchar_t* name : {L"cp1252", L"windows-1251", L"shift_jis", L"Big5", L"utf-8",
+                              L"euc-kr", L"latin1", L"iso-8859-15", L"koi8-r", L"gb18030"}) {
+    EXPECT_EQ(hostx::setCodePage(&database, name), Acad::eOk) << name;
+    EXPECT_TRUE(hostx::isKnownCodePage(name)) << name;
+  }
+  EXPECT_EQ(hostx::setCodePage(&database, L""), Acad::eOk);
+  EXPECT_EQ(hostx::setCodePage(nullptr, L"gbk"), Acad::eInvalidInput);
+  EXPECT_EQ(hostx::setCodePage(&database, nullptr), Acad::eInvalidInput);
+  const Drawing drawing(smallDrawing(lineTags("40")));
+  EXPECT_EQ(hostx::setCodePage(&drawing.db(), L"gbk"), Acad::eNotApplicable);
+}
+
+TEST(CodePages, AnUnknownOneThatTheFileNamesIsWarnedOf) {
+  std::string text = smallR2000(lineTags("40"));
+  text.replace(text.find("ANSI_1252"), 9, "ANSI_9999");
+  const Drawing drawing(asciiDxf(text));
+  const std::vector<std::wstring> warnings = hostx::warnings(&drawing.db());
+  ASSERT_EQ(warnings.size(), 1U);
+  EXPECT_EQ(warnings[0], L"code page 'ANSI_9999' is unknown; read as ANSI_1252");
+}
+
 TEST(BinaryFiles, NewRecordsAreBinaryToo) {
   const Drawing drawing(binaryDxf(smallR2000(lineTags("40")), false));
   ASSERT_EQ(drawing.status, Acad::eOk) << errorOf(drawing);
