@@ -46,6 +46,7 @@ struct RecordStore::Impl {
   std::vector<SectionPlace> sections;
   std::vector<HeaderVariable> header;
   std::size_t eofAt = 0;
+  bool lacksEof = false;  // what stands at eofAt is no EOF
   HandleIndex handles;
   std::unordered_map<std::string_view, std::uint16_t> kindNumbers;
   // Looked up by address only; nothing is ever written in the order of these.

@@ -62,6 +62,13 @@ void StoreLoader::scan() {
     RawTag tag;
     const ReadResult result = readTag(at, end, m_layout, tag);
     const std::size_t offset = offsetOf(at);
+    if (isWholeWithoutEof(offset)) {
+      finish(offset);
+      m_data.eofAt = offset;
+      m_data.lacksEof = true;
+      warn(offset, {}, "the file ends without EOF; its sections are whole");
+      return;
+    }
     if (result == ReadResult::End) {
       fail(Acad::eBadDxfFile, "the file is cut off: it ends without EOF", offset);
     }
@@ -80,6 +87,21 @@ void StoreLoader::scan() {
       report(kScanShare * static_cast<double>(offset) / static_cast<double>(m_data.buffer.size()));
     }
   }
+}
+
+/// Whether nothing of a drawing is missing but its end: the last section that its release has was
+/// there, no section is open, and only blanks or a beginning of EOF follow.
+bool StoreLoader::isWholeWithoutEof(std::size_t offset) const {
+  constexpr std::size_t kMostBlanks = 64;
+  constexpr std::string_view kEnd = "0EOF";
+  const Section last = m_sawSubclass ? Section::Objects : Section::Entities;
+  if (m_inSection || !m_sectionSeen[static_cast<std::size_t>(last)] ||
+      m_data.buffer.size() - offset > kMostBlanks) {
+    return false;
+  }
+  std::string rest(std::string_view(m_data.buffer).substr(offset));
+  std::erase_if(rest, [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; });
+  return rest.size() < kEnd.size() && kEnd.starts_with(rest);
 }
 
 void StoreLoader::capture(const RawTag& tag, std::size_t offset) {

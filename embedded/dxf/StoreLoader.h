@@ -57,6 +57,7 @@ class StoreLoader {
 
   // --- the pass -------------------------------------------------------------------------
   void scan();
+  bool isWholeWithoutEof(std::size_t offset) const;
   void capture(const RawTag& tag, std::size_t offset);
   void captureHeader(const RawTag& tag, std::size_t offset);
   void begin(std::string_view kind, std::size_t offset);

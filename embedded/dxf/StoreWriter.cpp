@@ -33,6 +33,9 @@ void StoreWriter::run(const std::function<void(std::string_view)>& write,
   collectBlocks();
   collectObjects();
   collectChanged();
+  if (m_data.lacksEof && !m_patches.empty()) {
+    endFile();
+  }
   std::stable_sort(m_patches.begin(), m_patches.end(), [](const Patch& left, const Patch& right) {
     return std::pair(left.offset, left.rank) < std::pair(right.offset, right.rank);
   });
@@ -66,6 +69,19 @@ void StoreWriter::run(const std::function<void(std::string_view)>& write,
   }
   copyUpTo(file.size());
   report(file.size());
+}
+
+/// Gives a drawing that changed the end that its file lacks.
+void StoreWriter::endFile() {
+  const std::string_view file = m_data.buffer;
+  const Format& format = m_store.format();
+  const std::size_t at = m_data.eofAt;
+  if (format.form == Form::Ascii && !format.lineEnd.ends_with(file[at - 1])) {
+    insert(at, Rank::SubEntity, format.lineEnd);
+  }
+  std::string end;
+  putAscii(end, 0, "EOF", format);
+  m_patches.push_back({at, file.size() - at, Rank::Replacement, keep(std::move(end))});
 }
 
 void StoreWriter::insert(std::size_t offset, Rank rank, std::string_view bytes) {

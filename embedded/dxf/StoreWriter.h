@@ -37,6 +37,7 @@ class StoreWriter {
   void collectTables();
   void collectBlocks();
   void collectObjects();
+  void endFile();
 
   /// A record that the file has not, with its sub-entities.
   void insertRecord(const AcDbStub& stub, std::size_t offset, Rank rank);

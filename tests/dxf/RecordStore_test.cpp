@@ -388,5 +388,52 @@ TEST(RecordStore, ProgressRunsFromZeroToOneAndCanStopTheLoad) {
   EXPECT_EQ(store.table("LAYER"), nullptr);
 }
 
+// --- files without an end -----------------------------------------------------------------------
+
+constexpr std::string_view kWhole = "0 SECTION\n2 ENTITIES\n0 LINE\n8 0\n0 ENDSEC\n";
+
+TEST(MissingEof, AFileWhoseSectionsAreWholeIsReadWithAWarningAndComesBackAsItWas) {
+  std::string noLineEnd = asciiDxf(kWhole);
+  noLineEnd.resize(noLineEnd.size() - 2);
+  for (const std::string& bytes :
+       {asciiDxf(kWhole), noLineEnd, asciiDxf(kWhole) + "\r\n\r\n", asciiDxf(kWhole) + "  0",
+        asciiDxf(kWhole) + "  0\r\n", asciiDxf(kWhole) + "  0\r\nEO", asciiDxf(kWhole, "\n"),
+        asciiDxf(kWhole, "\r"), test::binaryDxf(kWhole, true), test::binaryDxf(kWhole, false)}) {
+    RecordStore store;
+    loadBytes(store, bytes);
+    EXPECT_EQ(store.modelSpace().entities.size(), 1U);
+    ASSERT_EQ(store.warnings().size(), 1U);
+    EXPECT_EQ(store.warnings()[0].text, "the file ends without EOF; its sections are whole");
+    EXPECT_EQ(savedBytes(store), bytes);
+  }
+}
+
+TEST(MissingEof, IsWrittenWhenTheDrawingChanges) {
+  const std::string text(kWhole);
+  const std::string changed = "0 SECTION\n2 ENTITIES\n0 LINE\n8 0\n0 POINT\n8 0\n0 ENDSEC\n";
+  std::string noLineEnd = asciiDxf(text);
+  noLineEnd.resize(noLineEnd.size() - 2);
+  for (const std::string& bytes : {asciiDxf(text), noLineEnd, asciiDxf(text) + "  0\r\nEO"}) {
+    RecordStore store;
+    loadBytes(store, bytes);
+    store.appendEntity(store.modelSpace(), asciiDxf("0 POINT\n8 0\n"), 0);
+    EXPECT_EQ(savedBytes(store), asciiDxf(changed + "0 EOF\n"));
+    store.appendObject(asciiDxf("0 DICTIONARY\n"), 0);
+    EXPECT_EQ(savedBytes(store),
+              asciiDxf(changed + "0 SECTION\n2 OBJECTS\n0 DICTIONARY\n0 ENDSEC\n0 EOF\n"));
+  }
+}
+
+TEST(MissingEof, AFileCutInsideASectionOrInFrontOfTheEntitiesIsRefused) {
+  for (const char* text : {"0 SECTION\n2 ENTITIES\n0 LINE\n8 0\n",
+                           "0 SECTION\n2 HEADER\n9 $ACADVER\n1 AC1015\n0 ENDSEC\n",
+                           "0 SECTION\n2 ENTITIES\n0 LINE\n5 A\n100 AcDbEntity\n8 0\n0 ENDSEC\n",
+                           "0 SECTION\n2 ENTITIES\n0 ENDSEC\n0 SECTION\n",
+                           "0 SECTION\n2 ENTITIES\n0 ENDSEC\n0 LINE\n"}) {
+    RecordStore store;
+    EXPECT_THROW(loadBytes(store, asciiDxf(text)), FileError) << text;
+  }
+}
+
 }  // namespace
 }  // namespace quoin::dxf
