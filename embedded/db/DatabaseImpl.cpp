@@ -234,6 +234,26 @@ DatabaseImpl::Names& DatabaseImpl::names(TableKind kind) {
   return *known;
 }
 
+/// The bytes of an entity's layer name; empty where it names none.
+std::string_view DatabaseImpl::layerValueOf(const AcDbStub& stub) const {
+  dxf::TagCursor cursor(stub.bytes(), format());
+  dxf::TagView tag;
+  bool isInGroup = false;
+  while (cursor.next(tag) && tag.code != kEmbeddedCode && tag.code < kFirstXDataCode) {
+    if (tag.code == kMarkerCode && dxf::trimmedValue(tag) != place::kEntity.marker) {
+      break;  // a layer that stands here needs a closer look
+    }
+    if (tag.code == kGroupCode) {
+      isInGroup = dxf::trimmedValue(tag).starts_with('{');
+    } else if (tag.code == code::kLayer && !isInGroup) {
+      return tag.value;
+    }
+  }
+  const TagList tags = tagsOf(stub);
+  const std::size_t index = tags.find(code::kLayer, place::kEntity.in(tags));
+  return index == TagList::kNone ? std::string_view() : tags[index].value;
+}
+
 void DatabaseImpl::addUnlistedLayers(Names& known) {
   std::unordered_set<std::string_view> seen;
   const std::size_t count = store.stubs().size();  // placeholders are added behind these
@@ -242,12 +262,9 @@ void DatabaseImpl::addUnlistedLayers(Names& known) {
     if (!isEntity(stub) || !stub.data) {
       continue;
     }
-    dxf::TagCursor cursor(stub.bytes(), format());
-    dxf::TagView tag;
-    while (cursor.next(tag) && tag.code != code::kLayer) {
-    }
-    if (tag.code == code::kLayer && seen.insert(tag.value).second) {
-      const std::wstring name = dxf::textOf(tag, format());
+    const std::string_view layer = layerValueOf(stub);
+    if (!layer.empty() && seen.insert(layer).second) {
+      const std::wstring name = dxf::textOf({code::kLayer, layer, 0, 0}, format());
       if (!known.contains(os::foldCase(name))) {
         addUnlisted(TableKind::Layer, name, known);
       }

@@ -160,6 +160,7 @@ struct DatabaseImpl {
   using Names = std::unordered_map<std::wstring, std::vector<AcDbStub*>>;  // folded names
   Names& names(TableKind kind);
   void addUnlistedLayers(Names& known);
+  std::string_view layerValueOf(const AcDbStub& stub) const;
   AcDbStub* addUnlisted(TableKind kind, std::wstring_view name, Names& known);
   void describeUnlisted(const AcDbStub& stub, TableKind kind, std::wstring_view name);
 

@@ -77,6 +77,28 @@ void setColor(RecordEdit& edit, const Place& place, const AcCmColor& color) {
   }
 }
 
+void copyColor(RecordEdit& edit, const TagList& from) {
+  const TagRange range = place::kEntity.in(from);
+  if (from.find(code::kTrueColor, range) == TagList::kNone ||
+      edit.tags().format().version < dxf::Version::R2004) {
+    setColor(edit, place::kEntity, colorOf(from, place::kEntity));
+    return;
+  }
+  for (const int integerCode : {code::kColor, code::kTrueColor}) {
+    const std::size_t index = from.find(integerCode, range);
+    if (index == TagList::kNone) {
+      edit.remove(place::kEntity, integerCode);
+    } else {
+      edit.setInteger(place::kEntity, integerCode, from.integerAt(index));
+    }
+  }
+  if (const auto name = from.text(code::kColorName, range)) {
+    edit.setText(place::kEntity, code::kColorName, *name);
+  } else {
+    edit.remove(place::kEntity, code::kColorName);
+  }
+}
+
 bool isHiddenLayer(std::wstring_view name) {
   return name.substr(name.rfind(L'|') + 1).starts_with(L'*');
 }
@@ -399,7 +421,7 @@ Acad::ErrorStatus AcDbEntity::setPropertiesFrom(const AcDbEntity* entity,
     return changeWithParts(*this, doSubents, [&](RecordEdit& edit) {
       const dxf::Version version = edit.tags().format().version;
       edit.setText(place::kEntity, code::kLayer, layer, L"0");
-      quoin::db::setColor(edit, place::kEntity, colorOf(from, place::kEntity));
+      copyColor(edit, from);
       quoin::db::setLinetype(edit, linetypeNameOf(from));
       if (version >= dxf::Version::R13) {
         edit.setDouble(place::kEntity, code::kLinetypeScale,

@@ -12,6 +12,10 @@ AcCmColor colorOf(const TagList& tags, const Place& place);
 /// By layer takes an entity's colour tags away.
 void setColor(RecordEdit& edit, const Place& place, const AcCmColor& color);
 
+/// Gives an entity the colour of another, with the nearest index that its writer chose beside a
+/// true colour.
+void copyColor(RecordEdit& edit, const TagList& from);
+
 /// Whether a layer is one that the host keeps from its users: its own name (behind the bar of
 /// an external reference) begins with an asterisk.
 bool isHiddenLayer(std::wstring_view name);

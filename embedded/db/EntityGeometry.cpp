@@ -97,7 +97,8 @@ Acad::ErrorStatus transformRecord(RecordEdit& edit, const AcGeMatrix3d& matrix) 
     return row->transform(edit, matrix);
   }
   const TransformSchema* const schema = schemaOf(kind);
-  return schema ? transformBySchema(*schema, edit, matrix) : Acad::eNotApplicable;
+  return schema && isReadable(*schema, edit.tags()) ? transformBySchema(*schema, edit, matrix)
+                                                    : Acad::eNotApplicable;
 }
 
 /// The new bytes of an entity's record.
@@ -234,9 +235,14 @@ bool isFinite(const AcGeMatrix3d& matrix) {
   return true;
 }
 
-bool hasTransform(std::string_view kind) {
+bool hasTransform(const DatabaseImpl& database, const AcDbStub& stub) {
+  const std::string_view kind = database.kindOf(stub);
   const KindGeometry* const row = geometryOf(kind);
-  return (row && row->transform) || schemaOf(kind);
+  if (row && row->transform) {
+    return true;
+  }
+  const TransformSchema* const schema = schemaOf(kind);
+  return schema && (schema->subclassesNeeded == 1 || isReadable(*schema, database.tagsOf(stub)));
 }
 
 const KindGeometry* geometryOf(std::string_view kind) {

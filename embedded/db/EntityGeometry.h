@@ -31,8 +31,9 @@ struct KindGeometry {
 
 /// The kind's row; null for a kind that the table does not have.
 const KindGeometry* geometryOf(std::string_view kind);
-/// Whether a kind can be transformed, by its row or by its schema (TransformSchema.h).
-bool hasTransform(std::string_view kind);
+/// Whether an entity can be transformed, by its kind's row or by its schema (TransformSchema.h).
+/// Fails: throws FileError.
+bool hasTransform(const DatabaseImpl& database, const AcDbStub& stub);
 
 /// The font of a text whose record names its style (7); the usual one where the style is not
 /// there.

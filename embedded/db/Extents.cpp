@@ -7,6 +7,7 @@
 #include "embedded/db/ExtentsShapes.h"
 #include "embedded/db/LightVertices.h"
 #include "embedded/db/PlaneFields.h"
+#include "embedded/db/PolylineKind.h"
 
 // --- AcDbExtents ----------------------------------------------------------------------------
 
@@ -185,14 +186,13 @@ Acad::ErrorStatus extentsOfPolyline(const Drawn& entity, const AcGeMatrix3d& toW
 Acad::ErrorStatus extentsOfHeavyPolyline(const Drawn& entity, const AcGeMatrix3d& toWorld,
                                          ExtentsWalk&, AcDbExtents& box) {
   constexpr std::int64_t kClosed = 1;
-  constexpr std::int64_t kIsSpatial = 8 | 16 | 64;  // 3D polyline, mesh, faces
-  constexpr std::int64_t kIsFaceOnly = 128;         // a vertex that lists corners of a face
+  constexpr std::int64_t kIsFaceOnly = 128;  // a vertex that lists corners of a face
   constexpr std::int64_t kIsLocation = 64;
   constexpr std::int64_t kIsFrame = 16;
   const TagList& tags = entity.tags;
   const TagRange range = place::kPolyline2d.in(tags);
   const std::int64_t flags = tags.integer(code::kFlags, range, 0);
-  const bool isFlat = (flags & kIsSpatial) == 0;
+  const bool isFlat = polylineKindOf(tags) == PolylineKind::Flat;
   const AcGeMatrix3d plane = isFlat ? toWorld * planeToWorld(normalOf(tags, range)) : toWorld;
   const double defaultStart = tags.number(kStartWidth, range, 0.0);
   const double defaultEnd = tags.number(kEndWidth, range, 0.0);

@@ -32,6 +32,23 @@ constexpr std::int64_t kAddedByCurveFit = 1;
 constexpr std::int64_t kAddedBySplineFit = 8;
 constexpr std::int64_t kSplineFrame = 16;
 
+/// The width of vertices that name none: their polyline's.
+double usualWidth(const AcDb2dVertex& vertex, int code) {
+  const ObjectImpl& impl = Access::of(vertex);
+  const AcDbStub* const owner = impl.stub ? impl.stub->owner : nullptr;
+  if (owner && impl.database->kindOf(*owner) == "POLYLINE") {
+    const TagList tags = impl.database->tagsOf(*owner);
+    return tags.number(code, place::kPolyline2d.in(tags), 0.0);
+  }
+  return impl.partOf ? numberOf(*impl.partOf, place::kPolyline2d, code) : 0.0;
+}
+
+double widthOf(const AcDb2dVertex& vertex, int code) {
+  const TagList& tags = tagsOf(vertex);
+  const std::size_t index = tags.find(code, place::kVertex2d.in(tags));
+  return index == TagList::kNone ? usualWidth(vertex, code) : tags.doubleAt(index);
+}
+
 /// The vertex at one end of a polyline that is part of its course.
 Acad::ErrorStatus vertexAtEnd(const AcDbObject& polyline, bool atStart, AcGePoint3d& position) {
   Acad::ErrorStatus status = Acad::eDegenerateGeometry;
@@ -117,19 +134,19 @@ Acad::ErrorStatus AcDb2dVertex::setBulge(double bulge) {
 }
 
 double AcDb2dVertex::startWidth() const {
-  return numberOf(*this, place::kVertex2d, kStartWidth);
+  return widthOf(*this, kStartWidth);
 }
 
 Acad::ErrorStatus AcDb2dVertex::setStartWidth(double width) {
-  return setNumber(*this, place::kVertex2d, kStartWidth, width, 0.0);
+  return setNumber(*this, place::kVertex2d, kStartWidth, width, usualWidth(*this, kStartWidth));
 }
 
 double AcDb2dVertex::endWidth() const {
-  return numberOf(*this, place::kVertex2d, kEndWidth);
+  return widthOf(*this, kEndWidth);
 }
 
 Acad::ErrorStatus AcDb2dVertex::setEndWidth(double width) {
-  return setNumber(*this, place::kVertex2d, kEndWidth, width, 0.0);
+  return setNumber(*this, place::kVertex2d, kEndWidth, width, usualWidth(*this, kEndWidth));
 }
 
 AcDb3dPolylineVertex::AcDb3dPolylineVertex() = default;

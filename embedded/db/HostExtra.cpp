@@ -180,7 +180,12 @@ bool hasTypedClass(const AcDbObjectId& id) {
 
 bool canTransform(const AcDbObjectId& id) {
   const AcDbStub* const stub = stubOf(id);
-  return stub && hasTransform(DatabaseImpl::of(*stub).kindOf(*stub));
+  try {
+    return stub && hasTransform(DatabaseImpl::of(*stub), *stub);
+  } catch (...) {
+    statusOfException();
+    return false;
+  }
 }
 
 bool hasExtents(const AcDbObjectId& id) {

@@ -16,9 +16,13 @@ struct Place {
   std::span<const int> order;
   /// Whether look-ups go on into the subclasses behind (AcDbArc behind AcDbCircle).
   bool beyond = false;
+  /// Whether these are the tags that all entities share, which may stand elsewhere.
+  bool isShared = false;
 
   TagRange in(const TagList& tags) const {
-    return beyond ? tags.subclassAndBeyond(marker) : tags.subclass(marker);
+    return isShared ? tags.shared()
+           : beyond ? tags.subclassAndBeyond(marker)
+                    : tags.subclass(marker);
   }
 };
 
@@ -80,7 +84,7 @@ inline constexpr std::array kBlock{8, 2, 70, 10, 20, 30, 3, 1};
 }  // namespace order
 
 namespace place {
-inline constexpr Place kEntity{"AcDbEntity", order::kEntity};
+inline constexpr Place kEntity{"AcDbEntity", order::kEntity, false, true};
 inline constexpr Place kPoint{"AcDbPoint", order::kPoint};
 inline constexpr Place kLine{"AcDbLine", order::kLine};
 inline constexpr Place kFace{"AcDbFace", order::kFace};

@@ -51,7 +51,8 @@ std::size_t RecordEdit::offsetOf(std::size_t index) const {
 std::size_t RecordEdit::insertionIndex(const Place& place, int code) const {
   const TagList& tags = *m_tags;
   TagRange range = place.in(tags);
-  std::size_t at = range.first;
+  const bool isHead = place.isShared && range.first == tags.head().first;
+  std::size_t at = isHead ? range.last : range.first;
   if (!tags.hasMarkers()) {
     // The stretch of common tags comes first, then all that is the kind's own.
     const std::size_t split = behindCommonTags(tags);
@@ -84,6 +85,29 @@ void RecordEdit::replace(TagRange range, std::string bytes) {
   m_splices.push_back({offsetOf(range.first), offsetOf(range.last), -1, std::move(bytes)});
 }
 
+void RecordEdit::put(const Place& place, std::size_t index, int code, std::string bytes) {
+  if (index == TagList::kNone) {
+    insert(place, code, std::move(bytes));
+    return;
+  }
+  replace({index, index + 1}, std::move(bytes));
+  if (place.isShared && m_tags->hasMarkers()) {
+    // What stood there twice must not say two things.
+    removeAll(place, code, index);
+  }
+}
+
+void RecordEdit::removeAll(const Place& place, int code, std::size_t but) {
+  const TagList& tags = *m_tags;
+  const TagRange range = place.in(tags);
+  const TagRange where = range.takesStrays ? tags.body() : range;
+  for (std::size_t i = where.first; i < where.last; ++i) {
+    if (i != but && tags[i].code == code && tags.isIn(i, range)) {
+      replace({i, i + 1}, {});
+    }
+  }
+}
+
 void RecordEdit::insertBefore(std::size_t index, std::string bytes) {
   replace({index, index}, std::move(bytes));
 }
@@ -95,17 +119,14 @@ void RecordEdit::noteNumber(double value) {
 void RecordEdit::setDouble(const Place& place, int code, double value,
                            std::optional<double> absent) {
   const std::size_t index = m_tags->find(code, place.in(*m_tags));
-  if (index != TagList::kNone) {
-    setDoubleAt(index, value);
-    return;
-  }
-  if (absent && isSameNumber(*absent, value)) {
+  if (index == TagList::kNone ? absent && isSameNumber(*absent, value)
+                              : isSameNumber(m_tags->doubleAt(index), value)) {
     return;
   }
   noteNumber(value);
   std::string bytes;
   dxf::putDouble(bytes, code, value, m_tags->format());
-  insert(place, code, std::move(bytes));
+  put(place, index, code, std::move(bytes));
 }
 
 void RecordEdit::setDoubleAt(std::size_t index, double value) {
@@ -147,11 +168,7 @@ void RecordEdit::setInteger(const Place& place, int code, std::int64_t value,
   }
   std::string bytes;
   dxf::putInteger(bytes, code, value, m_tags->format());
-  if (index == TagList::kNone) {
-    insert(place, code, std::move(bytes));
-  } else {
-    replace({index, index + 1}, std::move(bytes));
-  }
+  put(place, index, code, std::move(bytes));
 }
 
 void RecordEdit::setText(const Place& place, int code, std::wstring_view value,
@@ -162,11 +179,7 @@ void RecordEdit::setText(const Place& place, int code, std::wstring_view value,
   }
   std::string bytes;
   dxf::putText(bytes, code, value, m_tags->format());
-  if (index == TagList::kNone) {
-    insert(place, code, std::move(bytes));
-  } else {
-    replace({index, index + 1}, std::move(bytes));
-  }
+  put(place, index, code, std::move(bytes));
 }
 
 void RecordEdit::setHandle(const Place& place, int code, std::uint64_t handle) {
@@ -180,11 +193,7 @@ void RecordEdit::setHandle(const Place& place, int code, std::uint64_t handle) {
   }
   std::string bytes;
   dxf::putHandle(bytes, code, handle, m_tags->format());
-  if (index == TagList::kNone) {
-    insert(place, code, std::move(bytes));
-  } else {
-    replace({index, index + 1}, std::move(bytes));
-  }
+  put(place, index, code, std::move(bytes));
 }
 
 void RecordEdit::setPoint(const Place& place, int code, const AcGePoint3d& point,
@@ -210,11 +219,7 @@ void RecordEdit::setVector(const Place& place, int code, const AcGeVector3d& vec
 }
 
 void RecordEdit::remove(const Place& place, int code) {
-  const TagRange range = place.in(*m_tags);
-  for (std::size_t i = m_tags->find(code, range); i != TagList::kNone;
-       i = m_tags->find(code, range, i + 1)) {
-    replace({i, i + 1}, {});
-  }
+  removeAll(place, code, TagList::kNone);
 }
 
 std::string RecordEdit::bytes() const {

@@ -13,6 +13,7 @@
 #include "dbpl.h"
 #include "dbspline.h"
 #include "dbsymtb.h"
+#include "embedded/db/PolylineKind.h"
 
 namespace quoin::db {
 namespace {
@@ -210,24 +211,33 @@ const ClassEntry* firstEntry(std::string_view kind) {
   return found == byKind.end() ? nullptr : found->second;
 }
 
-const ClassEntry* polylineEntry(const TagList& tags) {
-  constexpr std::int64_t kIs3d = 8;
-  constexpr std::int64_t kIsMesh = 16 | 64;
-  const std::int64_t flags = tags.integer(code::kFlags, tags.body(), 0);
-  if (flags & kIsMesh) {
-    return nullptr;
-  }
-  return entryOf(flags & kIs3d ? AcDb3dPolyline::desc() : AcDb2dPolyline::desc());
+const ClassEntry* polylineEntry(PolylineKind kind, AcRxClass* flat, AcRxClass* spatial) {
+  return kind == PolylineKind::Mesh ? nullptr
+                                    : entryOf(kind == PolylineKind::Spatial ? spatial : flat);
 }
 
+const ClassEntry* vertexEntry(PolylineKind owner, const TagList& tags) {
+  constexpr std::int64_t kIsOfMesh = 64 | 128;
+  const bool isOfMesh = (tags.integer(code::kFlags, tags.body(), 0) & kIsOfMesh) != 0;
+  return isOfMesh ? nullptr
+                  : polylineEntry(owner, AcDb2dVertex::desc(), AcDb3dPolylineVertex::desc());
+}
+
+/// A vertex without its polyline: its own flags are all there is.
 const ClassEntry* vertexEntry(const TagList& tags) {
-  constexpr std::int64_t kIs3d = 32;
-  constexpr std::int64_t kIsMesh = 64 | 128;
-  const std::int64_t flags = tags.integer(code::kFlags, tags.body(), 0);
-  if (flags & kIsMesh) {
-    return nullptr;
-  }
-  return entryOf(flags & kIs3d ? AcDb3dPolylineVertex::desc() : AcDb2dVertex::desc());
+  constexpr std::int64_t kIsSpatial = 32;
+  const bool isSpatial = (tags.integer(code::kFlags, tags.body(), 0) & kIsSpatial) != 0;
+  return vertexEntry(isSpatial ? PolylineKind::Spatial : PolylineKind::Flat, tags);
+}
+
+/// What a vertex is its polyline says: some writers leave the vertices' flags out.
+const ClassEntry* vertexEntry(const AcDbStub& stub) {
+  const DatabaseImpl& database = DatabaseImpl::of(stub);
+  const TagList tags = database.tagsOf(stub);
+  const AcDbStub* const owner = stub.role == dxf::Role::SubEntity ? stub.owner : nullptr;
+  return owner && database.kindOf(*owner) == "POLYLINE"
+             ? vertexEntry(polylineKindOf(database.tagsOf(*owner)), tags)
+             : vertexEntry(tags);
 }
 
 const ClassEntry* referenceEntry(const TagList& tags) {
@@ -257,7 +267,7 @@ const ClassEntry* entryOf(const AcRxClass* descriptor) {
 
 const ClassEntry* entryOf(std::string_view kind, const TagList& tags) {
   if (kind == "POLYLINE") {
-    return polylineEntry(tags);
+    return polylineEntry(polylineKindOf(tags), AcDb2dPolyline::desc(), AcDb3dPolyline::desc());
   }
   if (kind == "VERTEX") {
     return vertexEntry(tags);
@@ -278,7 +288,10 @@ const ClassEntry* entryOf(const AcDbStub& stub) {
     case dxf::Role::Entity:
     case dxf::Role::SubEntity: {
       const std::string_view kind = database.kindOf(stub);
-      const bool needsTags = kind == "POLYLINE" || kind == "VERTEX" || kind == "INSERT";
+      if (kind == "VERTEX") {
+        return vertexEntry(stub);
+      }
+      const bool needsTags = kind == "POLYLINE" || kind == "INSERT";
       return needsTags ? entryOf(kind, database.tagsOf(stub)) : firstEntry(kind);
     }
     case dxf::Role::Object:

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "embedded/dxf/FileError.h"
+#include "embedded/dxf/SharedTags.h"
 #include "embedded/os/CaseFold.h"
 
 namespace quoin::db {
@@ -93,6 +94,15 @@ TagRange TagList::subclass(std::string_view marker) const {
   return range;
 }
 
+TagRange TagList::shared() const {
+  TagRange range = subclass("AcDbEntity");
+  if (m_hasMarkers) {
+    range = range.first == body().first ? head() : range;
+    range.takesStrays = true;
+  }
+  return range;
+}
+
 TagRange TagList::xData(std::wstring_view appName) const {
   for (std::size_t i = m_xDataBegin; i < m_tags.size(); ++i) {
     if (m_tags[i].code == kAppNameCode && os::sameName(textAt(i), appName)) {
@@ -125,7 +135,33 @@ std::size_t TagList::find(int code, TagRange range, std::size_t from) const {
       return i;
     }
   }
+  if (range.takesStrays && from == 0) {
+    for (std::size_t i = body().first; i < m_bodyEnd; ++i) {
+      if (m_tags[i].code == code && isStray(i, range)) {
+        return i;
+      }
+    }
+  }
   return kNone;
+}
+
+/// What an extension record holds (AcDbXrecord, as attributes of many lines have) is its own.
+bool TagList::isStray(std::size_t index, TagRange range) const {
+  const bool isInside = index >= range.first && index < range.last;
+  if (isInside || index >= m_bodyEnd || m_isForeign[index] ||
+      !dxf::isSharedTag(dxf::trimmedValue((*this)[0]), m_tags[index].code)) {
+    return false;
+  }
+  std::size_t marker = index;
+  while (marker > m_headEnd && m_tags[marker].code != kMarkerCode) {
+    --marker;
+  }
+  return m_tags[marker].code != kMarkerCode || dxf::trimmedValue((*this)[marker]) != "AcDbXrecord";
+}
+
+bool TagList::isIn(std::size_t index, TagRange range) const {
+  const bool isInside = index >= range.first && index < range.last;
+  return isInside ? isOwn(index) : range.takesStrays && isStray(index, range);
 }
 
 double TagList::number(int code, TagRange range, double otherwise) const {
@@ -159,12 +195,18 @@ std::size_t TagList::handleTag() const {
   constexpr int kHandleCode = 5;
   constexpr int kDimStyleHandleCode = 105;
   const bool isDimStyle = !m_tags.empty() && dxf::trimmedValue((*this)[0]) == "DIMSTYLE";
-  return find(isDimStyle ? kDimStyleHandleCode : kHandleCode, head());
+  return isDimStyle ? find(kDimStyleHandleCode, head()) : findInHead(kHandleCode);
 }
 
 std::size_t TagList::ownerTag() const {
   constexpr int kOwnerCode = 330;
-  return find(kOwnerCode, head());
+  return findInHead(kOwnerCode);
+}
+
+/// A tag of the head; in entities it may have gone astray.
+std::size_t TagList::findInHead(int code) const {
+  const std::size_t index = find(code, head());
+  return index == kNone && m_hasMarkers ? find(code, shared()) : index;
 }
 
 }  // namespace quoin::db

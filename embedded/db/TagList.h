@@ -28,6 +28,8 @@ inline constexpr int kAppNameCode = 1001;
 struct TagRange {
   std::size_t first = 0;
   std::size_t last = 0;
+  /// Whether tags that all entities share count where they stand behind other markers too.
+  bool takesStrays = false;
   bool isEmpty() const { return first >= last; }
 };
 
@@ -60,6 +62,9 @@ class TagList {
   TagRange subclass(std::string_view marker) const;
   /// As subclass(), but up to the end of the body: the subclass and those that derive from it.
   TagRange subclassAndBeyond(std::string_view marker) const;
+  /// What all entities share: the tags behind AcDbEntity (those before the first marker where
+  /// that one is missing), and strays.
+  TagRange shared() const;
   /// Extended data, application names included.
   TagRange xData() const { return {m_xDataBegin, m_tags.size()}; }
   /// The data of one application (in any case), its name (1001) included; empty if it has
@@ -70,9 +75,12 @@ class TagList {
   TagRange group(std::string_view name) const;
 
   // --- look-up ------------------------------------------------------------------------------
-  /// The first tag of the range with this code, from `from` on; kNone if there is none.
+  /// The first tag of the range with this code, from `from` on; kNone if there is none. A stray
+  /// is found where the range has no such tag, and from 0 on only.
   std::size_t find(int code, TagRange range, std::size_t from = 0) const;
   bool isOwn(std::size_t index) const { return !m_isForeign[index]; }
+  /// Whether look-ups in the range by this tag's code consider it.
+  bool isIn(std::size_t index, TagRange range) const;
 
   double doubleAt(std::size_t index) const { return dxf::doubleOf((*this)[index], *m_format); }
   std::int64_t integerAt(std::size_t index) const {
@@ -92,10 +100,13 @@ class TagList {
 
   /// Index of the record's own handle (5, or 105 in dimension styles); kNone if it has none.
   std::size_t handleTag() const;
-  /// Index of the owner's tag (330 in the head); kNone if there is none.
+  /// Index of the owner's tag (330); kNone if there is none.
   std::size_t ownerTag() const;
 
  private:
+  bool isStray(std::size_t index, TagRange range) const;
+  std::size_t findInHead(int code) const;
+
   std::string_view m_bytes;
   const dxf::Format* m_format;
   /// A tag as offsets: a polyline may have millions of them.

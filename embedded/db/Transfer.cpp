@@ -148,7 +148,7 @@ class Transferrer {
   }
 
   void putBody(std::string_view kind, bool isEntity) {
-    const TagRange common = isEntity ? m_source.subclass(place::kEntity.marker) : TagRange{0, 0};
+    const TagRange common = isEntity ? place::kEntity.in(m_source) : TagRange{};
     bool isSpacePut = !isEntity;
     for (std::size_t i = m_source.body().first; i < m_source.body().last; ++i) {
       if (isOfHead(i)) {
@@ -159,8 +159,8 @@ class Transferrer {
       if (isMarker && !m_target.hasSubclassMarkers()) {
         continue;
       }
-      const bool isCommon = i >= common.first && i < common.last && m_source.isOwn(i);
-      if (isCommon && !isSpacePut) {
+      const bool isCommon = isEntity && m_source.isIn(i, common);
+      if (!isSpacePut && i >= common.first && (isCommon || i >= common.last)) {
         putSpace();
         isSpacePut = true;
       }

@@ -103,7 +103,7 @@ constexpr std::array kSchemas{
     TransformSchema{"RAY", {}, true, kRay},
     TransformSchema{"XLINE", {}, true, kXline},
     TransformSchema{"SPLINE", "AcDbSpline", true, kSpline},
-    TransformSchema{"HELIX", "AcDbSpline", false, kHelix},
+    TransformSchema{"HELIX", "AcDbSpline", false, kHelix, 2},
     TransformSchema{"MLINE", "AcDbMline", false, kMultiline},
     TransformSchema{"LEADER", "AcDbLeader", false, kLeader},
     TransformSchema{"TOLERANCE", "AcDbFcf", false, kTolerance},
@@ -116,15 +116,26 @@ constexpr std::array kSchemas{
     TransformSchema{"SECTIONOBJECT", {}, false, kSection},
     TransformSchema{"POSITIONMARKER", {}, false, kPositionMarker},
     TransformSchema{"GEOPOSITIONMARKER", {}, false, kPositionMarker},
-    TransformSchema{"ACAD_TABLE", {}, false, kTable},
-    TransformSchema{"DIMENSION", "AcDbDimension", false, kDimension},
-    TransformSchema{"ARC_DIMENSION", "AcDbDimension", false, kDimension},
-    TransformSchema{"LARGE_RADIAL_DIMENSION", "AcDbDimension", false, kDimension}};
+    TransformSchema{"ACAD_TABLE", {}, false, kTable, 2},
+    TransformSchema{"DIMENSION", "AcDbDimension", false, kDimension, 2},
+    TransformSchema{"ARC_DIMENSION", "AcDbDimension", false, kDimension, 2},
+    TransformSchema{"LARGE_RADIAL_DIMENSION", "AcDbDimension", false, kDimension, 2}};
 
 /// The tags of a subclass; nothing where the record has others but not this one.
 TagRange stretchOf(const TagList& tags, std::string_view marker) {
   const TagRange range = tags.subclass(marker);
   return tags.hasMarkers() && range.first == tags.body().first ? TagRange{} : range;
+}
+
+/// How many of the schema's subclasses a record with markers has.
+int subclassesIn(const TransformSchema& schema, const TagList& tags) {
+  int count = 0;
+  std::string_view marker;
+  for (const Rule& rule : schema.rules) {
+    count += rule.marker != marker && !stretchOf(tags, rule.marker).isEmpty() ? 1 : 0;
+    marker = rule.marker;
+  }
+  return count;
 }
 
 /// Sets the point whose x stands at the tag. A z that is not there is 0, and is written where
@@ -197,6 +208,11 @@ const TransformSchema* schemaOf(std::string_view kind) {
   const auto found = std::find_if(kSchemas.begin(), kSchemas.end(),
                                   [&](const TransformSchema& row) { return row.kind == kind; });
   return found == kSchemas.end() ? nullptr : &*found;
+}
+
+bool isReadable(const TransformSchema& schema, const TagList& tags) {
+  return !tags.hasMarkers() || schema.subclassesNeeded == 1 ||
+         subclassesIn(schema, tags) >= schema.subclassesNeeded;
 }
 
 TransformParts::TransformParts(const AcGeVector3d& normal, const AcGeMatrix3d& map)
@@ -302,6 +318,7 @@ Acad::ErrorStatus transformBySchema(const TransformSchema& schema, RecordEdit& e
   if (!schema.isAffine && !parts.isSimilar) {
     return Acad::eCannotScaleNonUniformly;
   }
+  const bool isElsewhere = tags.hasMarkers() && subclassesIn(schema, tags) == 0;
   std::string_view marker;
   TagRange range;
   // Where there are no markers, rules of several subclasses see the same tags.
@@ -309,7 +326,7 @@ Acad::ErrorStatus transformBySchema(const TransformSchema& schema, RecordEdit& e
   for (const Rule& rule : schema.rules) {
     if (rule.marker != marker) {
       marker = rule.marker;
-      range = stretchOf(tags, marker);
+      range = isElsewhere ? tags.body() : stretchOf(tags, marker);
     }
     if (rule.meaning == Length && !parts.isSimilar && tags.number(rule.code, range, 0.0) != 0.0) {
       return Acad::eCannotScaleNonUniformly;  // a length has a direction then

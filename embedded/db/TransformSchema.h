@@ -43,12 +43,18 @@ struct TransformSchema {
   /// Whether it keeps its nature under maps that change angles.
   bool isAffine = false;
   std::span<const Rule> rules;
+  /// How many of the rules' subclasses a record with markers must have. Where one is enough, a
+  /// record that has none of them has its tags behind markers of other names, wherever they are.
+  int subclassesNeeded = 1;
 };
 
 /// The kind's schema; null for a kind that the table does not have.
 const TransformSchema* schemaOf(std::string_view kind);
 
-/// Runs a schema on a record.
+/// Whether the schema finds the tags of this record: its subclasses are there, or it has none.
+bool isReadable(const TransformSchema& schema, const TagList& tags);
+
+/// Runs a schema on a record that is readable by it.
 /// Fails: eCannotScaleNonUniformly; the edit is to be thrown away then.
 Acad::ErrorStatus transformBySchema(const TransformSchema& schema, RecordEdit& edit,
                                     const AcGeMatrix3d& matrix);

@@ -7,6 +7,7 @@
 #include "embedded/db/EntityGeometry.h"
 #include "embedded/db/LightVertices.h"
 #include "embedded/db/PlaneMap.h"
+#include "embedded/db/PolylineKind.h"
 
 namespace quoin::db {
 namespace {
@@ -154,20 +155,9 @@ Acad::ErrorStatus transformPolyline(RecordEdit& edit, const AcGeMatrix3d& matrix
   return transformPlane(edit, place::kPolyline, plane);
 }
 
-namespace {
-
-constexpr std::int64_t kIsSpatial = 8 | 16 | 64;  // 3D polyline, mesh, faces
-
-bool isFlat(const TagList& polyline) {
-  const TagRange range = place::kPolyline2d.in(polyline);
-  return (polyline.integer(code::kFlags, range, 0) & kIsSpatial) == 0;
-}
-
-}  // namespace
-
 Acad::ErrorStatus transformHeavyPolyline(RecordEdit& edit, const AcGeMatrix3d& matrix) {
   const TagList& tags = edit.tags();
-  if (!isFlat(tags)) {
+  if (polylineKindOf(tags) != PolylineKind::Flat) {
     return Acad::eOk;  // its vertices say everything
   }
   constexpr int kHeight = 30;  // z of the point whose x and y mean nothing
@@ -193,7 +183,7 @@ Acad::ErrorStatus transformVertex(RecordEdit& edit, const TagList& owner,
     return Acad::eOk;  // it lists the corners of a face
   }
   const AcGePoint3d point = tags.point(kPoint, range);
-  if (!isFlat(owner)) {
+  if (polylineKindOf(owner) != PolylineKind::Flat) {
     edit.setPoint(vertex, kPoint, matrix * point);
     return Acad::eOk;
   }

@@ -6,6 +6,7 @@
 
 #include "embedded/dxf/FileError.h"
 #include "embedded/dxf/FormatDetector.h"
+#include "embedded/dxf/SharedTags.h"
 
 namespace quoin::dxf {
 namespace {
@@ -128,7 +129,7 @@ void StoreLoader::capture(const RawTag& tag, std::size_t offset) {
       break;
     case 5:
     case 105:
-      if (m_pending.handle == 0 && !m_pending.sawSubclass && m_pending.keepsHandle &&
+      if (m_pending.handle == 0 && isOfEntity(tag.code) && m_pending.keepsHandle &&
           (tag.code == 105) == m_pending.handleIs105) {
         m_pending.handle = handleFromText(value);
         if (m_pending.handle == 0) {
@@ -137,25 +138,52 @@ void StoreLoader::capture(const RawTag& tag, std::size_t offset) {
       }
       break;
     case kPaperSpaceCode:
-      if (!m_pending.sawSpaceFlag) {
+      if (!m_pending.sawSpaceFlag && isOfEntity(tag.code)) {
         m_pending.sawSpaceFlag = true;
         m_pending.inPaperSpace = integerOf({tag.code, value, 0, 0}, m_store.m_format) == 1;
       }
       break;
     case 100:
       m_pending.sawSubclass = true;
+      m_pending.isInGroup = false;
+      m_pending.part =
+          trimmed(value) == "AcDbEntity" ? Pending::Part::Entity : Pending::Part::Other;
+      break;
+    case 101:
+      m_pending.part = Pending::Part::Embedded;
       break;
     case 102:
-      m_pending.groupDepth += value.starts_with('{') ? 1 : m_pending.groupDepth > 0 ? -1 : 0;
+      m_pending.isInGroup = trimmed(value).starts_with('{');
       break;
     case 330:
-      if (m_pending.owner == 0 && !m_pending.sawSubclass && m_pending.groupDepth == 0) {
+      if (m_pending.owner == 0 && isOfEntity(tag.code)) {
         m_pending.owner = handleFromText(value);
       }
       break;
     default:
       break;
   }
+}
+
+/// Whether a tag that all entities share counts as such where it stands: in front of the markers,
+/// behind AcDbEntity, and elsewhere in entities that have no use of their own for the code.
+bool StoreLoader::isOfEntity(int code) const {
+  if (m_pending.isInGroup) {
+    return false;
+  }
+  switch (m_pending.part) {
+    case Pending::Part::Head:
+      return true;
+    case Pending::Part::Embedded:
+      return false;
+    case Pending::Part::Entity:
+    case Pending::Part::Other:
+      break;
+  }
+  const Role role = m_pending.stub->role;
+  const bool isEntity = role == Role::Entity || role == Role::SubEntity;
+  return isEntity && (m_pending.part == Pending::Part::Entity ||
+                      isSharedTag(m_store.kindName(*m_pending.stub), code));
 }
 
 void StoreLoader::captureHeader(const RawTag& tag, std::size_t offset) {

@@ -33,7 +33,9 @@ class StoreLoader {
     bool inPaperSpace = false;
     bool sawSpaceFlag = false;
     bool sawName = false;
-    int groupDepth = 0;  // inside "102 {..."
+    bool isInGroup = false;  // "102 {..."
+    enum class Part : std::uint8_t { Head, Entity, Other, Embedded };
+    Part part = Part::Head;  // of the record: in front of the markers, behind AcDbEntity, ...
     std::size_t begin = 0;
     std::string_view name;  // first group 2
     std::uint64_t handle = 0;
@@ -59,6 +61,7 @@ class StoreLoader {
   void scan();
   bool isWholeWithoutEof(std::size_t offset) const;
   void capture(const RawTag& tag, std::size_t offset);
+  bool isOfEntity(int code) const;
   void captureHeader(const RawTag& tag, std::size_t offset);
   void begin(std::string_view kind, std::size_t offset);
   void beginSection(std::size_t offset);

@@ -85,8 +85,9 @@ HOST_API std::wstring kindName(const AcDbObjectId& id);
 /// Whether the host has a class for this kind; else the object is a plain AcDbEntity or
 /// AcDbObject that keeps all its data.
 HOST_API bool hasTypedClass(const AcDbObjectId& id);
-/// Whether transformBy and getGeomExtents know this kind.
+/// Whether transformBy knows this kind and finds what it needs in the record.
 HOST_API bool canTransform(const AcDbObjectId& id);
+/// Whether getGeomExtents knows this kind.
 HOST_API bool hasExtents(const AcDbObjectId& id);
 /// Where the object stands in the file that was read: the line (from 1) of an ASCII file, the
 /// byte offset in a binary one; 0 for a new object.

@@ -31,6 +31,20 @@ class RandomEdits {
     m_others = entitiesOf(m_drawing->db()).size();
   }
 
+  /// Lets the lines that the drawing has, and nothing else, be edited too. Their numbers are 1 to
+  /// their count.
+  void adopt() {
+    for (const AcDbObjectId& id : entitiesOf(m_drawing->db())) {
+      const AcDbObjectPointer<AcDbLine> line(id);
+      ASSERT_EQ(line.openStatus(), Acad::eOk);
+      ASSERT_EQ(line->startPoint().z, static_cast<double>(++m_last));
+      m_ids[m_last] = id;
+      m_model[m_last] = {line->startPoint(), line->endPoint(), line->colorIndex(),
+                         taken(line->layer())};
+    }
+    m_others = 0;
+  }
+
   void run(int steps) {
     for (int i = 0; i < steps && !testing::Test::HasFailure(); ++i) {
       step();
@@ -225,6 +239,33 @@ TEST(RandomEditing, OfSmallDrawingsFollowsTheModel) {
     for (unsigned seed = 1; seed <= 10; ++seed) {
       SCOPED_TRACE("seed " + std::to_string(seed));
       RandomEdits(bytes, seed).run(60);
+      ASSERT_FALSE(HasFailure());
+    }
+  }
+}
+
+TEST(RandomEditing, OfDrawingsInOldSpellingsFollowsTheModel) {
+  const NoMisuse noMisuse;
+  const char* const heads[] = {"100 AcDbEntity\n100 AcDbLine\n8 Walls\n62 256\n370 -1\n6 ByLayer\n",
+                               "100 AcDbEntity\n62 1\n100 AcDbLine\n8 Walls\n",
+                               "8 Walls\n100 AcDbLine\n62 3\n",
+                               "100 AcDbLine\n8 Walls\n62 3\n",
+                               "100 AcDbEntity\n8 Walls\n62 4\n100 AcDbLine\n62 256\n8 0\n",
+                               "8 Walls\n"};
+  std::string lines;
+  int number = 0;
+  for (const char* head : heads) {
+    const std::string digit = std::to_string(++number);
+    lines += "0 LINE\n5 4" + digit + "\n" + head + "10 1.5\n20 0.0\n30 " + digit +
+             ".0\n11 2.0\n21 0.0\n31 0.0\n";
+  }
+  for (const std::string& bytes :
+       {smallDrawing(lines), binaryDxf(smallR2000(lines), false), asciiDxf(entitiesOnly(lines))}) {
+    for (unsigned seed = 1; seed <= 10; ++seed) {
+      SCOPED_TRACE("seed " + std::to_string(seed));
+      RandomEdits edits(bytes, seed);
+      edits.adopt();
+      edits.run(60);
       ASSERT_FALSE(HasFailure());
     }
   }
