@@ -69,10 +69,15 @@ PolylineShape readHeavy3d(const AcDb3dPolyline& polyline) {
 }
 
 void setVertex(AcDb2dVertex& entity, const PolylineVertex& vertex) {
+  // Only what differs is written, so that the rest of the record stays as it is spelled.
   entity.setPosition(vertex.own);
   entity.setBulge(vertex.bulge);
-  entity.setStartWidth(vertex.startWidth);
-  entity.setEndWidth(vertex.endWidth);
+  if (entity.startWidth() != vertex.startWidth) {
+    entity.setStartWidth(vertex.startWidth);
+  }
+  if (entity.endWidth() != vertex.endWidth) {
+    entity.setEndWidth(vertex.endWidth);
+  }
 }
 
 void setVertex(AcDb3dPolylineVertex& entity, const PolylineVertex& vertex) {

@@ -47,34 +47,41 @@ class Changer {
     const std::vector<std::vector<PolylineVertex>> rest = restOf(shape, first, last);
 
     // New entities are made before the polyline changes, from what it still is.
-    std::vector<std::unique_ptr<AcDbLine>> lines;
+    std::vector<std::unique_ptr<AcDbEntity>> made;
     std::vector<WallPiece*> pieces;
+    const bool keepsFirst = rest.empty() && isWide(shape, *first);
     for (auto change = first; change != last; ++change) {
       for (WallPiece& piece : change->pieces) {
-        lines.push_back(makeLine(*entity.object(), shape, piece));
         pieces.push_back(&piece);
+        made.push_back(keepsFirst && made.empty()
+                           ? nullptr
+                           : makePiece(*entity.object(), shape, *change, piece));
       }
     }
     for (std::size_t i = 1; i < rest.size(); ++i) {
       appendEntity(m_drawing, block, makePolylineLike(*entity.object(), rest[i]));
     }
+    std::size_t next = 0;
     if (!rest.empty()) {
       reducePolyline(*entity.object(), rest.front(), m_drawing);
       entity.close();
-      for (std::size_t i = 0; i < lines.size(); ++i) {
-        pieces[i]->handle = appendEntity(m_drawing, block, std::move(lines[i]));
+    } else {
+      // Nothing is left of the polyline: the first piece takes its place and handle.
+      if (keepsFirst) {
+        reducePolyline(*entity.object(), widePiece(shape, *first, *pieces.front()), m_drawing);
+        entity.close();
+      } else {
+        AcDbEntity* old = nullptr;
+        entity.release(old);
+        check(old->handOverTo(made.front().get()), m_drawing, id, "replace the polyline by lines");
+        delete old;
+        made.front().release()->close();
       }
-      return;
+      pieces.front()->handle = handleText(id);
+      next = 1;
     }
-    // Nothing is left of the polyline: the first line takes its place and handle.
-    AcDbEntity* old = nullptr;
-    entity.release(old);
-    check(old->handOverTo(lines.front().get()), m_drawing, id, "replace the polyline by lines");
-    delete old;
-    lines.front().release()->close();
-    pieces.front()->handle = handleText(id);
-    for (std::size_t i = 1; i < lines.size(); ++i) {
-      pieces[i]->handle = appendEntity(m_drawing, block, std::move(lines[i]));
+    for (; next < made.size(); ++next) {
+      pieces[next]->handle = appendEntity(m_drawing, block, std::move(made[next]));
     }
   }
 
@@ -86,6 +93,47 @@ class Changer {
     if (!sameBits(line.endPoint(), piece.end)) {
       check(line.setEndPoint(piece.end), m_drawing, source, "move the line's end");
     }
+  }
+
+  static bool isWide(const PolylineShape& shape, const WallChange& change) {
+    const PolylineVertex& vertex = shape.vertices[static_cast<std::size_t>(change.source.segment)];
+    return vertex.startWidth != 0.0 || vertex.endWidth != 0.0;
+  }
+
+  /// A piece of a segment with a width is a polyline, since lines have none.
+  static std::unique_ptr<AcDbEntity> makePiece(const AcDbEntity& polyline,
+                                               const PolylineShape& shape, const WallChange& change,
+                                               const WallPiece& piece) {
+    if (isWide(shape, change)) {
+      return makePolylineLike(polyline, widePiece(shape, change, piece));
+    }
+    return makeLine(polyline, shape, piece);
+  }
+
+  /// The vertices of a piece, with its share of the taper.
+  static std::vector<PolylineVertex> widePiece(const PolylineShape& shape, const WallChange& change,
+                                               const WallPiece& piece) {
+    const auto segment = static_cast<std::size_t>(change.source.segment);
+    const PolylineVertex& from = shape.vertices[segment];
+    const PolylineVertex& to = shape.segmentEnd(segment);
+    const double length = from.world.distanceTo(to.world);
+    const AcGeMatrix3d toPlane = AcGeMatrix3d().setToWorldToPlane(shape.normal);
+    const auto vertexAt = [&](const AcGePoint3d& point) {
+      PolylineVertex vertex;
+      vertex.world = point;
+      vertex.own = sameBits(point, from.world) ? from.own
+                   : sameBits(point, to.world) ? to.own
+                                               : toPlane * point;
+      const double share = from.world.distanceTo(point) / length;
+      const double width = from.startWidth == from.endWidth
+                               ? from.startWidth
+                               : from.startWidth + (from.endWidth - from.startWidth) * share;
+      vertex.startWidth = vertex.endWidth = width;
+      return vertex;
+    };
+    std::vector<PolylineVertex> vertices{vertexAt(piece.start), vertexAt(piece.end)};
+    vertices.front().endWidth = vertices.back().startWidth;
+    return vertices;
   }
 
   static std::unique_ptr<AcDbLine> makeLine(const AcDbEntity& polyline, const PolylineShape& shape,

@@ -1,6 +1,6 @@
 // Turns the pieces of wall lines into changes of the drawing: a LINE becomes its first piece
-// and copies of itself, a segment of a polyline becomes lines while the rest of the polyline
-// stays a polyline.
+// and copies of itself, a segment of a polyline becomes lines (polylines where it has a
+// width) while the rest of the polyline stays a polyline.
 #pragma once
 
 #include <memory>
@@ -31,9 +31,10 @@ struct WallChange {
 
 /// Changes the drawing and fills in the pieces' handles. Changes of one entity stand together,
 /// in ascending segment order. Every piece keeps its source's layer, colour, linetype, line
-/// weight, thickness and extended data; the first piece of a LINE keeps its handle; what is
-/// left of a polyline in front keeps the polyline's, and where nothing is left the first line
-/// takes it over.
+/// weight, thickness and extended data; the pieces of a polyline's segment with a width are
+/// polylines with their share of it, others are lines. The first piece of a LINE keeps its handle;
+/// what is left of a polyline in front keeps the polyline's, and where nothing is left the first
+/// piece takes it over.
 /// Fails: throws CommandError (EntityFailed).
 void applyWallChanges(Drawing& drawing, std::vector<WallChange>& changes);
 

@@ -25,7 +25,7 @@ import ezdxf
 from ezdxf import recover
 
 NOTHING_TO_DO = 4  # quoin's exit code for a drawing without wall lines
-BROKEN = {"LINE", "LWPOLYLINE", "POLYLINE"}  # what breaking may replace by lines
+BROKEN = {"LINE", "LWPOLYLINE", "POLYLINE"}  # what breaking may replace by pieces
 
 
 class Content:
