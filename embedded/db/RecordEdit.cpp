@@ -91,9 +91,13 @@ void RecordEdit::put(const Place& place, std::size_t index, int code, std::strin
     return;
   }
   replace({index, index + 1}, std::move(bytes));
+  removeTwins(place, code, index);
+}
+
+/// What all entities share and stood there twice must not say two things.
+void RecordEdit::removeTwins(const Place& place, int code, std::size_t of) {
   if (place.isShared && m_tags->hasMarkers()) {
-    // What stood there twice must not say two things.
-    removeAll(place, code, index);
+    removeAll(place, code, of);
   }
 }
 
@@ -119,14 +123,21 @@ void RecordEdit::noteNumber(double value) {
 void RecordEdit::setDouble(const Place& place, int code, double value,
                            std::optional<double> absent) {
   const std::size_t index = m_tags->find(code, place.in(*m_tags));
-  if (index == TagList::kNone ? absent && isSameNumber(*absent, value)
-                              : isSameNumber(m_tags->doubleAt(index), value)) {
+  if (index != TagList::kNone) {
+    const bool isChange = !isSameNumber(m_tags->doubleAt(index), value);
+    setDoubleAt(index, value);
+    if (isChange) {
+      removeTwins(place, code, index);
+    }
+    return;
+  }
+  if (absent && isSameNumber(*absent, value)) {
     return;
   }
   noteNumber(value);
   std::string bytes;
   dxf::putDouble(bytes, code, value, m_tags->format());
-  put(place, index, code, std::move(bytes));
+  insert(place, code, std::move(bytes));
 }
 
 void RecordEdit::setDoubleAt(std::size_t index, double value) {

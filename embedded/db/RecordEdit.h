@@ -73,6 +73,7 @@ class RecordEdit {
   };
   /// Replaces the tag at the index, or inserts one where that is kNone.
   void put(const Place& place, std::size_t index, int code, std::string bytes);
+  void removeTwins(const Place& place, int code, std::size_t of);
   void removeAll(const Place& place, int code, std::size_t but);
   std::size_t insertionIndex(const Place& place, int code) const;
   std::size_t offsetOf(std::size_t index) const;
