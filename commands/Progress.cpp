@@ -19,8 +19,11 @@ constexpr std::chrono::milliseconds kPatience{700};
 constexpr std::chrono::milliseconds kInterval{100};
 constexpr std::size_t kStepsPerLook = 1024;
 
+/// Back to the begin of a line that is empty: another work's line may have been longer.
+constexpr const char* kNewLine = "\r\033[K";
+
 void clearLine() {
-  fmt::print(stderr, "\r\033[K");
+  fmt::print(stderr, "{}", kNewLine);
   std::fflush(stderr);
 }
 
@@ -49,7 +52,7 @@ class Stopwatch {
     }
     do {
       const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - begin;
-      fmt::print(stderr, "\r{} {:.0f} s", work, passed.count());
+      fmt::print(stderr, "{}{} {:.0f} s", kNewLine, work, passed.count());
       std::fflush(stderr);
     } while (!m_end.wait_for(lock, kInterval, [this] { return m_isOver; }));
     clearLine();
@@ -77,7 +80,7 @@ bool Progress::report(double fraction) {
   const auto now = std::chrono::steady_clock::now();
   if (!s_isSilent && now - m_begin > kPatience && now - m_shown > kInterval &&
       os::isErrorStreamTerminal()) {
-    fmt::print(stderr, "\r{} {:3.0f} %", m_work, fraction * 100.0);
+    fmt::print(stderr, "{}{} {:3.0f} %", kNewLine, m_work, fraction * 100.0);
     std::fflush(stderr);
     m_shown = now;
     m_isShown = true;

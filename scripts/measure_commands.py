@@ -38,7 +38,7 @@ COMMANDS = {
     "merge": ("rooms", ["merge", "{plan}", "--layer", WALLS], "dxf", True),
     "merge, JSON": ("rooms", ["merge", "{plan}", "--layer", WALLS, "--report", "json"],
                     "dxf", False),
-    "draw": ("rooms", ["draw", "{plan}", "--path", "-500,1900", "300000,1900", "--layer", WALLS],
+    "draw": ("rooms", ["draw", "{plan}", "--path", "-500,1900 300000,1900", "--layer", WALLS],
              "dxf", True),
     "trim-axes, grid": ("grid", ["trim-axes", "{plan}", "--layer", "S-GRID"], "dxf", True),
     "trim-axes, at an angle": ("slanted", ["trim-axes", "{plan}", "--layer", "S-GRID"], "dxf",
