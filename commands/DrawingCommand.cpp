@@ -264,9 +264,8 @@ void DrawingCommand::run() {
   if (jobs.size() > 1) {
     untilTold.emplace();
   }
-  const std::vector<Outcome> outcomes = jobs.size() == 1
-                                            ? std::vector<Outcome>{workOn(0)}
-                                            : workSideBySide(jobs, m_options, workOn);
+  const std::vector<Outcome> outcomes =
+      jobs.size() == 1 ? std::vector<Outcome>{workOn(0)} : workSideBySide(jobs, m_options, workOn);
   for (std::size_t i = 0; i < jobs.size(); ++i) {
     if (outcomes[i].isDone() && !jobs[i].output.empty() && !jobs[i].isDryRun) {
       os::noteFileWritten();  // by a worker
