@@ -94,7 +94,9 @@ class BreakCommand : public DrawingCommand {
     job.save(drawing);
     job.render(picture);
     tell(drawing, result, report);
-    addJson(result, report.json);
+    if (report.isJson()) {
+      addJson(result, report.json);
+    }
   }
 
  private:

@@ -92,7 +92,9 @@ class DrawCommand : public DrawingCommand {
     job.save(drawing);
     job.render(picture);
     tell(drawing, capture, drawn, report);
-    addJson(capture, drawn, report.json);
+    if (report.isJson()) {
+      addJson(capture, drawn, report.json);
+    }
   }
 
  private:

@@ -70,7 +70,9 @@ class MergeCommand : public DrawingCommand {
     }
     // Handles are asked for before erasing takes the lines away.
     tell(drawing, layers, found, merged, capture, report);
-    addJson(layers, found, merged, capture, report.json);
+    if (report.isJson()) {
+      addJson(layers, found, merged, capture, report.json);
+    }
     apply(drawing, found.lines, merged);
     job.save(drawing);
     job.render(picture);

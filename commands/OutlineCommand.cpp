@@ -92,7 +92,9 @@ class OutlineCommand : public DrawingCommand {
     job.save(drawing);
     job.render(picture);
     tell(drawing, layers, walls, lines, capture, report);
-    addJson(layers, walls, lines, capture, report.json);
+    if (report.isJson()) {
+      addJson(layers, walls, lines, capture, report.json);
+    }
   }
 
  private:

@@ -81,7 +81,9 @@ class SolidCommand : public DrawingCommand {
       job.render(paint(drawing, prisms));
     }
     tell(drawing, capture, ends, prisms, report);
-    addJson(capture, ends, prisms, report.json);
+    if (report.isJson()) {
+      addJson(capture, ends, prisms, report.json);
+    }
   }
 
  private:

@@ -68,7 +68,9 @@ class TrimAxesCommand : public DrawingCommand {
     job.save(drawing);
     job.render(picture);
     tell(drawing, layers, found, axes, report);
-    addJson(layers, found, axes, report.json);
+    if (report.isJson()) {
+      addJson(layers, found, axes, report.json);
+    }
   }
 
  private:
