@@ -11,6 +11,7 @@
 
 #include "ProjectScale.h"
 #include "commands/CommandError.h"
+#include "commands/OutputFile.h"
 #include "commands/picture/Render.h"
 #include "embedded/os/Utf8.h"
 #include "embedded/product/HostApplication.h"
@@ -32,6 +33,20 @@ std::string fileKey(const std::string& file) {
   const std::filesystem::path whole =
       std::filesystem::weakly_canonical(std::filesystem::absolute(file, ignored), ignored);
   return whole.empty() ? file : whole.string();
+}
+
+/// A drawing under the name of another format would deceive whoever opens it.
+void checkDrawingName(const std::string& file) {
+  const std::string ending = lowerCaseExtension(file);
+  for (const std::string_view other :
+       {".dwg", ".png", ".svg", ".pdf", ".jpg", ".jpeg", ".obj", ".json"}) {
+    if (ending == other) {
+      throw CommandError(ExitCode::Usage,
+                         fmt::format("{}: drawings are written as DXF, not as {}{}", file,
+                                     ending.substr(1),
+                                     isPictureFile(file) ? "; --picture makes pictures" : ""));
+    }
+  }
 }
 
 void makeFolder(const std::string& folder) {
@@ -88,8 +103,17 @@ void CommonOptions::declareFiles(CLI::App& command) {
   declareOutput(command,
                 "The drawing to write, in PLAN's version and form; of several drawings: a folder, "
                 "or a name with {name} in it; - is the standard output");
-  command.add_flag("--in-place", isInPlace,
-                   "Write PLAN itself; the old drawing stays beside it as .bak");
+  CLI::Option* const inPlace =
+      command.add_flag("--in-place", isInPlace,
+                       "Write PLAN itself; the old drawing stays beside it as .bak, .2.bak, ...");
+  // A setting of the host, which keeps the old drawings.
+  command
+      .add_option_function<std::string>(
+          "--backup-dir",
+          [](const std::string& folder) { hostx::setBackupFolder(os::fromUtf8(folder)); },
+          "Where --in-place keeps the old drawing instead")
+      ->type_name("DIR")
+      ->needs(inPlace);
   command.add_flag("--dry-run", isDryRun, "Report what would change and write no drawing");
   declarePicture(command, "Make a picture of the result");
 }
@@ -172,6 +196,9 @@ std::vector<DrawingJob> CommonOptions::drawingJobs() const {
   for (const std::string& plan : plans) {
     DrawingJob job{plan, isInPlace ? plan : placeFor(plan, output, resultEnding),
                    placeFor(plan, picture, ".png"), isInPlace, isDryRun};
+    if (m_writesDrawing && resultEnding.empty() && !isInPlace) {
+      checkDrawingName(job.output);
+    }
     for (const std::string& file : {isInPlace ? std::string() : job.output, job.picture}) {
       if (file.empty() || isStandardStream(file)) {
         continue;

@@ -11,6 +11,7 @@
 
 #include "commands/CommandError.h"
 #include "commands/Progress.h"
+#include "embedded/os/File.h"
 #include "embedded/os/Process.h"
 #include "embedded/os/Utf8.h"
 
@@ -184,18 +185,42 @@ class Printer {
   std::FILE* m_stream;
 };
 
+/// Looks, before a drawing is read, whether its results can be written where they go: a file is
+/// begun there and given up.
+void checkPlaces(const DrawingJob& job) {
+  const bool writesFile = !job.isDryRun && !job.isInPlace && !job.writesToStandardOutput();
+  for (const std::string& file : {writesFile ? job.output : std::string(), job.picture}) {
+    try {
+      if (!file.empty()) {
+        const os::AtomicFile begun(file);
+      }
+    } catch (const os::FileFailure& failure) {
+      throw CommandError(ExitCode::OutputUnwritable, failure.message());
+    }
+  }
+}
+
 /// Where the drawing and the picture went: the last words of every report.
-void addOutcome(const DrawingJob& job, Report& report) {
+void addOutcome(const DrawingJob& job, Drawing& drawing, Report& report) {
+  const hostx::SaveResult saved = hostx::lastSave(&drawing.database());
   if (job.isDryRun) {
     report.line("dry run: no drawing written");
+  } else if (saved.isUnchanged) {
+    report.line("nothing to change: {} is left as it is", job.output);
   } else if (!job.output.empty()) {
     report.line("written: {}", job.output == kStandardStream ? "standard output" : job.output);
+  }
+  if (!saved.backup.empty()) {
+    report.line("before: {}", os::toUtf8(saved.backup));
   }
   if (job.hasPicture()) {
     report.line("picture: {}", job.picture);
   }
   report.json["output"] =
-      job.isDryRun || job.output.empty() ? nlohmann::json() : nlohmann::json(job.output);
+      job.isDryRun || saved.isUnchanged || job.output.empty() ? nlohmann::json()
+                                                              : nlohmann::json(job.output);
+  report.json["backup"] =
+      saved.backup.empty() ? nlohmann::json() : nlohmann::json(os::toUtf8(saved.backup));
   report.json["picture"] = job.hasPicture() ? nlohmann::json(job.picture) : nlohmann::json();
 }
 
@@ -250,13 +275,14 @@ void DrawingCommand::run() {
   }
   const auto workOn = [&](std::size_t i) {
     return tryWork(m_options.wanted(), [&](Report& report) {
+      checkPlaces(jobs[i]);
       Drawing drawing(jobs[i].input);
       report.json["input"] = fileJson(drawing);
       for (const std::wstring& warning : hostx::warnings(&drawing.database())) {
         report.warn(os::toUtf8(warning));
       }
       work(drawing, jobs[i], report);
-      addOutcome(jobs[i], report);
+      addOutcome(jobs[i], drawing, report);
     });
   };
   // Of several drawings the summary tells what became of each, after Ctrl-C too.

@@ -421,8 +421,11 @@ class ErrorTest(CliTest):
         self.fails(5, "break", self.plan(), "--layer", "*", "-o", self.path("no/where/o.dxf"))
 
     def test_a_dwg_name_is_refused(self):
-        self.fails(5, "break", self.plan(), "--layer", "*", "-o", self.path("o.dwg"))
-        self.assertFalse(self.path("o.dwg").exists())
+        # Before anything is read: the drawing need not even be there.
+        for name in ("o.dwg", "o.SVG", "o.png", "o.pdf", "o.obj"):
+            message = self.fails(2, "break", self.path("none.dxf"), "-o", self.path(name))
+            self.assertIn("drawings are written as DXF", message)
+            self.assertFalse(self.path(name).exists())
 
     def test_words_that_make_no_sense(self):
         self.fails(2, "break")

@@ -36,9 +36,9 @@ class BackupTest(SavingTest):
     def test_two_runs_in_place_keep_the_original(self):
         plan = self.plan()
         original = plan.read_bytes()
-        self.paint(plan, 10)
+        self.assertIn(f"before: {plan}.bak\n", self.paint(plan, 10))
         first = plan.read_bytes()
-        self.paint(plan, 20)
+        self.assertIn(f"before: {plan}.2.bak\n", self.paint(plan, 20))
         self.assertEqual(self.path("plan.dxf.bak").read_bytes(), original)
         self.assertEqual(self.path("plan.dxf.2.bak").read_bytes(), first)
 
@@ -46,7 +46,8 @@ class BackupTest(SavingTest):
         plan = self.plan()
         self.paint(plan, 10)
         before = plan.stat()
-        self.paint(plan, 10)
+        text = self.paint(plan, 10)
+        self.assertIn(f"nothing to change: {plan} is left as it is\n", text)
         self.assertEqual(self.names(), ["plan.dxf", "plan.dxf.bak"])
         after = plan.stat()
         self.assertEqual((after.st_ino, after.st_mtime_ns), (before.st_ino, before.st_mtime_ns))
@@ -55,6 +56,40 @@ class BackupTest(SavingTest):
         self.run_ok("break", self.path("once.dxf"), "--layer", "A-WALL-EXT", "-o",
                     self.path("twice.dxf"))
         self.assertEqual(self.path("twice.dxf").read_bytes(), self.path("once.dxf").read_bytes())
+
+    def test_backups_go_where_they_are_told(self):
+        plan = self.plan()
+        self.path("old").mkdir()
+        self.paint(plan, 10, "--backup-dir", self.path("old"))
+        self.paint(plan, 20, "--backup-dir", self.path("old"))
+        self.assertEqual(self.names(), ["old", "plan.dxf"])
+        self.assertEqual(self.path("old/plan.dxf.bak").read_bytes(), FLAT.read_bytes())
+        self.run_ok("restore", plan, "--backup-dir", self.path("old"), "--from",
+                    self.path("old/plan.dxf.bak"))
+        self.assertEqual(plan.read_bytes(), FLAT.read_bytes())
+        message = self.fails(5, "paint", plan, "--layer", "A-WALL*", "--rgb", "9,9,9",
+                             "--in-place", "--backup-dir", self.path("none"))
+        self.assertIn("there is no folder", message)
+        self.assertEqual(plan.read_bytes(), FLAT.read_bytes())
+
+
+class PlacesTest(SavingTest):
+    """What can be known before a drawing is read is looked at before."""
+
+    def test_where_the_picture_cannot_go_no_drawing_is_written(self):
+        plan = self.plan()
+        os.mkfifo(self.path("pipe.png"))
+        for picture in ("none/x.png", "pipe.png"):
+            self.fails(5, "break", plan, "-o", self.path("o.dxf"), "--picture",
+                       self.path(picture))
+            self.fails(5, "break", plan, "--in-place", "--picture", self.path(picture))
+        self.assertEqual(self.names(), ["pipe.png", "plan.dxf"])
+        self.assertEqual(plan.read_bytes(), FLAT.read_bytes())
+
+    def test_a_missing_folder_of_results_is_told_before_reading(self):
+        message = self.fails(5, "break", self.path("pipe"), "-o", self.path("none/o.dxf"))
+        self.assertIn("there is no folder", message)
+        self.fails(2, "break", self.plan(), "-o", self.path("o.dxf"), "--backup-dir", self.folder)
 
 
 class RestoreTest(SavingTest):
@@ -120,7 +155,6 @@ class TwoRunsTest(SavingTest):
         for i in range(8000):
             space.add_line((i, 0), (i, 16))
         plan = self.save("large.dxf")
-        refused = 0
         factor = 1
         for _ in range(6):
             runs = [subprocess.Popen([cli.QUOIN, "rescale", plan, "--drawing-factor", "2"],
@@ -131,12 +165,10 @@ class TwoRunsTest(SavingTest):
                 self.assertIn(code, (0, 5), text)
                 factor *= 2 if code == 0 else 1
                 if code == 5:
-                    refused += 1
                     self.assertIn(b"since it was read", text)
         lines = list(cli.read(plan)[0].modelspace())
         self.assertEqual(len(lines), 8000)
         self.assertEqual({round(line.dxf.end.y / factor, 9) for line in lines}, {16.0})
-        self.assertGreater(refused, 0)
         self.assertFalse([name for name in self.names() if name.endswith(".tmp")])
 
 
@@ -222,6 +254,10 @@ class WaitingTest(SavingTest):
         self.assertIn("the file is empty", self.fails(3, "info", "/dev/null"))
 
     def test_a_pipe_without_end_stops_at_the_memory(self):
+        with open(cli.QUOIN, "rb") as program:
+            if b"__asan_init" in program.read():
+                self.skipTest("the address sanitizer takes any amount of address space")
+
         def with_little_memory():
             resource.setrlimit(resource.RLIMIT_AS, (1 << 30, 1 << 30))
 

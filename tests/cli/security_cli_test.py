@@ -35,11 +35,11 @@ class PlantedTest(cli.CliTest):
         result = subprocess.run(arguments, cwd=self.folder, env=environment, check=False,
                                 capture_output=True)
         self.assertEqual(result.returncode, 0, result.stderr)
-        # The trap works: whoever is asked to look there is caught.
+        # The trap works: whoever is asked to look there is caught, at the latest by its names.
         environment["LD_LIBRARY_PATH"] = str(self.folder)
         result = subprocess.run(arguments, cwd=self.folder, env=environment, check=False,
                                 capture_output=True)
-        self.assertEqual(result.returncode, 99, result.stderr)
+        self.assertIn(result.returncode, (99, 127), result.stderr)
 
     def picture(self, name="x.png"):
         self.run_ok("break", FLAT, "--dry-run", "--picture", self.path(name))

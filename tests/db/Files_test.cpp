@@ -105,6 +105,38 @@ TEST(SaveFile, KeepsABackupWhereAsked) {
   EXPECT_EQ(drawing.folder.get("plan.dxf.bak"), before);
   EXPECT_NE(drawing.folder.get("plan.dxf"), before);
   EXPECT_FALSE(hostx::isModified(&drawing.db()));
+  EXPECT_EQ(hostx::lastSave(&drawing.db()).backup,
+            os::fromUtf8(drawing.folder.file("plan.dxf.bak")));
+  // Once more: there is nothing to write, and so nothing to keep.
+  EXPECT_EQ(drawing.db().saveAs(os::fromUtf8(drawing.path).c_str(), true), Acad::eOk);
+  EXPECT_TRUE(hostx::lastSave(&drawing.db()).isUnchanged);
+  EXPECT_EQ(drawing.folder.names(), (std::set<std::string>{"plan.dxf", "plan.dxf.bak"}));
+}
+
+TEST(SaveFile, ADrawingThatSomebodyHasChangedSinceIsNotReplaced) {
+  const Drawing drawing(smallDrawing(lineTags("40")));
+  append(drawing.db(), new AcDbLine);
+  drawing.folder.put("plan.dxf", "theirs");
+  EXPECT_EQ(drawing.db().saveAs(os::fromUtf8(drawing.path).c_str(), true),
+            Acad::eFileSharingViolation);
+  EXPECT_NE(errorOf(drawing).find("changed it since it was read"), std::string::npos);
+  EXPECT_EQ(drawing.folder.get("plan.dxf"), "theirs");
+  // Elsewhere it may go; and what it has saved itself is no change by somebody.
+  const std::wstring other = os::fromUtf8(drawing.folder.file("other.dxf"));
+  EXPECT_EQ(drawing.db().saveAs(other.c_str()), Acad::eOk);
+  append(drawing.db(), new AcDbLine);
+  EXPECT_EQ(drawing.db().saveAs(other.c_str()), Acad::eOk);
+}
+
+TEST(SaveFile, BackupsGoWhereTheHostIsTold) {
+  const Drawing drawing(smallDrawing(lineTags("40")));
+  const std::string before = drawing.folder.get("plan.dxf");
+  std::filesystem::create_directory(drawing.folder.path() / "old");
+  append(drawing.db(), new AcDbLine);
+  hostx::setBackupFolder(os::fromUtf8(drawing.folder.file("old")));
+  EXPECT_EQ(drawing.db().saveAs(os::fromUtf8(drawing.path).c_str(), true), Acad::eOk);
+  hostx::setBackupFolder(L"");
+  EXPECT_EQ(drawing.folder.get("old/plan.dxf.bak"), before);
 }
 
 TEST(SaveFile, RefusesNamesThatPromiseAnotherFormat) {
