@@ -41,10 +41,10 @@ void checkDrawingName(const std::string& file) {
   for (const std::string_view other :
        {".dwg", ".png", ".svg", ".pdf", ".jpg", ".jpeg", ".obj", ".json"}) {
     if (ending == other) {
-      throw CommandError(ExitCode::Usage,
-                         fmt::format("{}: drawings are written as DXF, not as {}{}", file,
-                                     ending.substr(1),
-                                     isPictureFile(file) ? "; --picture makes pictures" : ""));
+      throw CommandError(
+          ExitCode::Usage,
+          fmt::format("{}: drawings are written as DXF, not as {}{}", file, ending.substr(1),
+                      isPictureFile(file) ? "; --picture makes pictures" : ""));
     }
   }
 }

@@ -216,9 +216,9 @@ void addOutcome(const DrawingJob& job, Drawing& drawing, Report& report) {
   if (job.hasPicture()) {
     report.line("picture: {}", job.picture);
   }
-  report.json["output"] =
-      job.isDryRun || saved.isUnchanged || job.output.empty() ? nlohmann::json()
-                                                              : nlohmann::json(job.output);
+  report.json["output"] = job.isDryRun || saved.isUnchanged || job.output.empty()
+                              ? nlohmann::json()
+                              : nlohmann::json(job.output);
   report.json["backup"] =
       saved.backup.empty() ? nlohmann::json() : nlohmann::json(os::toUtf8(saved.backup));
   report.json["picture"] = job.hasPicture() ? nlohmann::json(job.picture) : nlohmann::json();

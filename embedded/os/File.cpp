@@ -417,6 +417,7 @@ void AtomicFile::takeOverPermissions(FileSystem::Handle handle) const {
 void AtomicFile::commit() {
   writeBuffer();
   if (m_options.keepBackup && isSameAsTarget()) {
+    checkVersion();  // the same change by somebody else is not this one
     m_isUnchanged = true;
     m_version = m_targetFacts;
     discard();

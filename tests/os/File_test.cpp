@@ -487,8 +487,11 @@ TEST(AtomicFile, AFileThatIsNotTheOneThatWasReadIsNotReplaced) {
     EXPECT_NE(failure.message().find(words), std::string::npos) << failure.message();
   };
   save(path, "alt");  // as many bytes, another file
+  options.keepBackup = true;
   expectRefusal("changed it since it was read");
   EXPECT_EQ(folder.get("plan.dxf"), "alt");
+  save(path, "new");  // what would be written stands there: by somebody else all the same
+  expectRefusal("changed it since it was read");
   std::filesystem::remove(path);
   expectRefusal("taken it away since it was read");
   EXPECT_EQ(folder.names(), Names{});
