@@ -8,6 +8,7 @@
 #include "BreakWallAlgorithm.h"
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
+#include "commands/Junctions.h"
 #include "commands/LayerChoice.h"
 #include "commands/Progress.h"
 #include "commands/WallChanges.h"
@@ -37,6 +38,9 @@ struct BreakResult {
   std::vector<NamedBreak> named;
   std::vector<WallChange> changes;
   std::size_t heldByLock = 0;  // lines on locked layers that would have been cut
+  std::size_t heldInside = 0;  // the same of blocks and multilines
+  std::vector<Sliver> slivers;
+  OpenJunctions second;  // what a second run would cut
 
   std::size_t pieceCount() const {
     std::size_t count = 0;
@@ -59,6 +63,9 @@ class BreakCommand : public DrawingCommand {
         "Layers with wall lines, * and ? allowed; may be repeated. Default: "
         "layers whose name has a word for wall (wall, mur, muro, Wand, 墙, ...)");
     m_options.declareScale(*command);
+    m_options.declareInBlocks(*command);
+    command->add_flag("--same-layer", m_isSameLayer,
+                      "A line is cut only by ends of lines on its own layer");
     addRepeated(*command, "--at", m_at,
                 "Also cut the wall line nearest to this point, at the foot of the point; may be "
                 "repeated",
@@ -83,9 +90,11 @@ class BreakCommand : public DrawingCommand {
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     BreakResult result;
     result.layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
-    result.walls = collectWallLines(drawing, result.layers);
-    result.capture = setProjectScale(m_options, drawing);
-    split(result, m_asked);
+    result.walls = collectWallLines(drawing, result.layers, m_options.takesInside);
+    checkAnyWallLine(drawing, result.layers, result.walls);
+    result.capture = setCapture(m_options.capture, drawing);
+    split(result);
+    lookAtPieces(result);
     // The picture's background is what the drawing was.
     Picture picture = !job.hasPicture() ? Picture() : paint(drawing, result);
     if (!job.isDryRun) {
@@ -93,7 +102,11 @@ class BreakCommand : public DrawingCommand {
     }
     job.save(drawing);
     job.render(picture);
+    for (const WallChange& change : result.changes) {
+      addSlivers(result.slivers, change.pieces, change.handle, result.capture.distance);
+    }
     tell(drawing, result, report);
+    warnOfUnits(m_options.capture, drawing, result.walls.lines, report);
     if (report.isJson()) {
       addJson(result, report.json);
     }
@@ -104,6 +117,9 @@ class BreakCommand : public DrawingCommand {
     NamedBreak named{asked, asked, 0};
     double least = HUGE_VAL;
     for (std::size_t i = 0; i < lines.size(); ++i) {
+      if (lines[i].within) {
+        continue;
+      }
       const AcGePoint3d foot = AcGeLineSeg3d(lines[i].start, lines[i].end).closestPointTo(asked);
       // Points are given in plan: their height is not looked at.
       const double distance = std::hypot(foot.x - asked.x, foot.y - asked.y);
@@ -113,26 +129,43 @@ class BreakCommand : public DrawingCommand {
         named.line = i;
       }
     }
+    if (least == HUGE_VAL) {
+      throw CommandError(ExitCode::NothingToDo, "there is no wall line to cut with --at");
+    }
     return named;
   }
 
-  static void split(BreakResult& result, const std::vector<AcGePoint3d>& asked) {
+  /// Breaks the lines, each layer's among themselves where the options say so.
+  void split(BreakResult& result) const {
+    const std::vector<WallLine>& lines = result.walls.lines;
+    std::map<std::wstring, std::vector<std::size_t>> groups;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      groups[m_isSameLayer ? lines[i].layer() : std::wstring()].push_back(i);
+    }
+    for (const AcGePoint3d& point : m_asked) {
+      result.named.push_back(findNearest(lines, point));
+    }
+    for (const auto& [layer, group] : groups) {
+      splitGroup(result, group);
+    }
+  }
+
+  static void splitGroup(BreakResult& result, const std::vector<std::size_t>& group) {
     const std::vector<WallLine>& lines = result.walls.lines;
     CBreakWallAlgorithm algorithm;
     std::map<const WallLineLikeSeg*, std::size_t> numberOf;
-    for (std::size_t i = 0; i < lines.size(); ++i) {
+    for (const std::size_t i : group) {
       algorithm.GetSrcWallLines().push_back(new WallLineLikeSeg(lines[i].start, lines[i].end));
       numberOf[algorithm.GetSrcWallLines().back()] = i;
     }
-    for (const AcGePoint3d& point : asked) {
-      if (lines.empty()) {
-        throw CommandError(ExitCode::NothingToDo, "there is no wall line to cut with --at");
+    for (const NamedBreak& named : result.named) {
+      const auto record = std::lower_bound(group.begin(), group.end(), named.line);
+      if (record != group.end() && *record == named.line) {
+        AcArray<AcGePoint3d> points;
+        points.append(named.foot);
+        algorithm.AppendWallBreakPnt(
+            algorithm.GetSrcWallLines()[static_cast<std::size_t>(record - group.begin())], points);
       }
-      const NamedBreak named = findNearest(lines, point);
-      AcArray<AcGePoint3d> points;
-      points.append(named.foot);
-      algorithm.AppendWallBreakPnt(algorithm.GetSrcWallLines()[named.line], points);
-      result.named.push_back(named);
     }
     Progress::during("Breaking walls", [&] { algorithm.SplitWallLines(); });
     Progress::checkInterrupt();
@@ -149,12 +182,26 @@ class BreakCommand : public DrawingCommand {
       if (change.pieces.size() < 2) {
         continue;  // cut at its own end: the line stays as it is
       }
+      if (line.within) {
+        ++result.heldInside;
+        continue;
+      }
       if (line.isLocked) {
         ++result.heldByLock;
         continue;
       }
       result.changes.push_back(std::move(change));
     }
+  }
+
+  /// What a second run would cut: pieces end at feet, where other lines may now be near them.
+  void lookAtPieces(BreakResult& result) const {
+    // Twice the run time is not worth a sentence in large drawings.
+    constexpr std::size_t kMostLines = 100000;
+    if (result.changes.empty() || m_isSameLayer || result.walls.lines.size() > kMostLines) {
+      return;
+    }
+    result.second = findOpenJunctions(linesAfter(result.walls.lines, result.changes), true);
   }
 
   Picture paint(Drawing& drawing, const BreakResult& result) const {
@@ -169,7 +216,7 @@ class BreakCommand : public DrawingCommand {
       changed.emplace(change.source.entity, change.source.segment);
     }
     for (const WallLine& line : result.walls.lines) {
-      if (!line.isPolylineSegment()) {
+      if (!line.isPolylineSegment() && !line.within) {
         lineEntities.insert(line.entity);
       }
     }
@@ -221,18 +268,18 @@ class BreakCommand : public DrawingCommand {
       report.line("break asked for at {}: cuts {} at {}", pointText(named.asked),
                   describe(drawing, result.walls.lines[named.line].entity), pointText(named.foot));
     }
-    if (result.walls.arcSegments > 0) {
-      report.line("{} of polylines {} left as they are",
-                  countText(result.walls.arcSegments, "arc segment"),
-                  result.walls.arcSegments == 1 ? "is" : "are");
-    }
     if (result.heldByLock > 0) {
       report.line("not cut, on locked layers: {}", countText(result.heldByLock, "line"));
     }
-    report.list(result.walls.skipped.size(), [&](std::size_t i) {
-      const SkippedEntity& skipped = result.walls.skipped[i];
-      return fmt::format("skipped: {} {}", describe(drawing, skipped.entity), skipped.reason);
-    });
+    if (result.heldInside > 0) {
+      report.line("not cut, inside blocks or multilines: {}", countText(result.heldInside, "line"));
+    }
+    tellSlivers(result.slivers, report);
+    if (result.second.lines > 0) {
+      report.line("a second run would cut {} more, at pieces of this one",
+                  countText(result.second.lines, "line"));
+    }
+    tellLeftOut(drawing, result.walls, true, report);
   }
 
   static void addJson(const BreakResult& result, nlohmann::json& report) {
@@ -242,18 +289,17 @@ class BreakCommand : public DrawingCommand {
                    {"linesCut", result.changes.size()},
                    {"breakPoints", result.cutCount()},
                    {"pieces", result.pieceCount()},
-                   {"arcSegments", result.walls.arcSegments},
                    {"heldByLockedLayers", result.heldByLock},
-                   {"changes", changesJson(result.changes)},
-                   {"skipped", nlohmann::json::array()}});
-    for (const SkippedEntity& skipped : result.walls.skipped) {
-      report["skipped"].push_back(
-          {{"source", handleText(skipped.entity)}, {"reason", skipped.reason}});
-    }
+                   {"heldInside", result.heldInside},
+                   {"slivers", sliversJson(result.slivers)},
+                   {"secondRun", result.second.lines},
+                   {"changes", changesJson(result.changes)}});
+    addLeftOut(result.walls, report);
   }
 
   std::vector<std::string> m_at;
   std::vector<AcGePoint3d> m_asked;
+  bool m_isSameLayer = false;
 };
 
 }  // namespace

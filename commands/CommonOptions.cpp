@@ -9,12 +9,10 @@
 #include <string_view>
 #include <thread>
 
-#include "ProjectScale.h"
 #include "commands/CommandError.h"
 #include "commands/OutputFile.h"
 #include "commands/picture/Render.h"
 #include "embedded/os/Utf8.h"
-#include "embedded/product/HostApplication.h"
 
 namespace quoin::commands {
 
@@ -122,10 +120,10 @@ void CommonOptions::declareLayers(CLI::App& command, const std::string& what) {
   addRepeated(command, "--layer", layers, what, "GLOB");
 }
 
-void CommonOptions::declareScale(CLI::App& command) {
-  command.add_option("--project-scale", projectScale,
-                     "The project's scale S; lines closer than 10/S drawing units touch. "
-                     "Default: what makes that 10 mm");
+void CommonOptions::declareInBlocks(CLI::App& command) {
+  command.add_flag("--in-blocks", takesInside,
+                   "Lines that blocks and multilines show take part, as they stand in the plan; "
+                   "they are not changed themselves");
 }
 
 bool CommonOptions::isResultFolder(const std::string& place) const {
@@ -235,27 +233,6 @@ std::size_t CommonOptions::jobCount() const {
   return jobs > 0 ? jobs : std::max<std::size_t>(std::thread::hardware_concurrency(), 1);
 }
 
-Capture setProjectScale(const CommonOptions& options, const Drawing& drawing) {
-  const double defaultDistance = kDefaultCaptureMillimeters / drawing.millimetersPerUnit();
-  const double scale = options.projectScale.value_or(kCaptureLength / defaultDistance);
-  HostApplication::current()->platform().projects().current()->setScale(scale);
-  return {scale, GetCaptureDistance(scale), !options.projectScale};
-}
-
-std::string captureText(const Capture& capture, const Drawing& drawing) {
-  std::string text = fmt::format("{:g} {}", capture.distance, drawing.unitName());
-  if (capture.isDefault) {
-    if (drawing.info().units == AcDb::kUnitsUndefined) {
-      text += " (the drawing has no units: taken as millimetres)";
-    } else if (drawing.info().units != AcDb::kUnitsMillimeters) {
-      text += fmt::format(" ({:g} mm)", kDefaultCaptureMillimeters);
-    }
-  } else {
-    text += fmt::format(" (project scale {:g})", capture.projectScale);
-  }
-  return text;
-}
-
 AcGePoint3d parsePoint(const std::string& text) {
   double values[3] = {0.0, 0.0, 0.0};
   const char* at = text.data();
@@ -306,10 +283,6 @@ nlohmann::json fileJson(const Drawing& drawing) {
           {"release", os::toUtf8(drawing.info().release)},
           {"binary", drawing.info().isBinary},
           {"units", drawing.unitName()}};
-}
-
-nlohmann::json captureJson(const Capture& capture) {
-  return {{"distance", capture.distance}, {"projectScale", capture.projectScale}};
 }
 
 void printJson(const nlohmann::json& report, std::FILE* stream) {

@@ -5,11 +5,11 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "commands/Capture.h"
 #include "commands/Drawing.h"
 #include "commands/DrawingJob.h"
 #include "commands/Report.h"
@@ -28,7 +28,9 @@ struct CommonOptions {
   bool isVerbose = false;
   std::size_t jobs = 1;
   std::vector<std::string> layers;
-  std::optional<double> projectScale;
+  CaptureOptions capture;
+  /// Lines that blocks and multilines show take part.
+  bool takesInside = false;
   /// What replaces the ending of PLAN's name in a folder; empty: the result is named as PLAN is.
   std::string resultEnding;
 
@@ -39,7 +41,8 @@ struct CommonOptions {
   void declareFiles(CLI::App& command);
   CLI::Option* declareOutput(CLI::App& command, const std::string& what);
   void declareLayers(CLI::App& command, const std::string& what);
-  void declareScale(CLI::App& command);
+  void declareScale(CLI::App& command) { capture.declare(command); }
+  void declareInBlocks(CLI::App& command);
 
   /// The drawings to work on and where their results go.
   /// Fails: throws CommandError (Usage) unless there is one place for each result, which is no
@@ -69,22 +72,6 @@ CLI::Option* addRepeated(CLI::App& command, const std::string& names,
                          std::vector<std::string>& values, const std::string& what,
                          const std::string& type);
 
-/// How near lines must come to count as touching.
-struct Capture {
-  double projectScale;
-  double distance;  // drawing units
-  bool isDefault;   // chosen from the drawing's units
-};
-
-/// The capture distance that a drawing gets unless the user sets the project's scale: 10 mm.
-inline constexpr double kDefaultCaptureMillimeters = 10.0;
-
-/// Sets the host's current project to the scale of the options, or to the one that makes the
-/// capture distance 10 mm in the drawing's units.
-Capture setProjectScale(const CommonOptions& options, const Drawing& drawing);
-/// "10 mm in the drawing (project scale 1)".
-std::string captureText(const Capture& capture, const Drawing& drawing);
-
 /// "X,Y" or "X,Y,Z".
 /// Fails: throws CommandError (Usage).
 AcGePoint3d parsePoint(const std::string& text);
@@ -96,7 +83,6 @@ std::string namesText(const std::set<std::wstring>& names);
 nlohmann::json namesJson(const std::set<std::wstring>& names);
 nlohmann::json pointJson(const AcGePoint3d& point);
 nlohmann::json fileJson(const Drawing& drawing);
-nlohmann::json captureJson(const Capture& capture);
 /// The version of the reports' form (docs/report.schema.json); it grows when a reader must change.
 inline constexpr int kReportVersion = 1;
 /// Prints a report; bytes of names that are no UTF-8 are replaced.

@@ -10,6 +10,7 @@
 #include "DrawWallAlgorithm/DrawWallLikeAlgorithm.h"
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
+#include "commands/Junctions.h"
 #include "commands/LayerChoice.h"
 #include "commands/Progress.h"
 #include "commands/WallChanges.h"
@@ -58,6 +59,9 @@ class DrawCommand : public DrawingCommand {
                 "layers whose name has a word for wall, and the layer of the new lines",
                 "GLOB");
     m_options.declareScale(*command);
+    m_options.declareInBlocks(*command);
+    command->add_flag("--same-layer", m_isSameLayer,
+                      "Only wall lines on the layer of the new lines cut them and are cut");
     command->footer(
         "Examples:\n"
         "  quoin draw plan.dxf --from 0,2500 --to 9000,2500 --layer A-WALL-NEW -o drawn.dxf\n"
@@ -67,11 +71,20 @@ class DrawCommand : public DrawingCommand {
   }
 
   std::string name() const override { return "draw"; }
-  void prepare() override { m_paths = paths(); }
+  void prepare() override {
+    if (m_isSameLayer && !m_options.layers.empty()) {
+      throw CommandError(ExitCode::Usage, "--same-layer and --walls exclude each other");
+    }
+    m_paths = paths();
+  }
 
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
-    const Capture capture = setProjectScale(m_options, drawing);
+    const Capture capture = setCapture(m_options.capture, drawing);
     const std::set<std::wstring> layers = wallLayers(drawing);
+    const WallLines before = collectWallLines(drawing, layers, m_options.takesInside);
+    if (!m_options.layers.empty()) {
+      checkAnyWallLine(drawing, layers, before);
+    }
 
     Picture picture = newPicture(drawing, "wall lines drawn",
                                  fmt::format("on layer {}; lines closer than {} touch", m_layer,
@@ -91,9 +104,19 @@ class DrawCommand : public DrawingCommand {
     }
     job.save(drawing);
     job.render(picture);
+    const std::vector<Sliver> slivers = sliversOf(drawn, capture.distance);
     tell(drawing, capture, drawn, report);
+    tellSlivers(slivers, report);
+    tellLeftOut(drawing, before, true, report);
+    if (before.lines.empty()) {
+      report.warn(fmt::format("there is no wall line on {}: nothing is cut", namesText(layers)));
+    }
+    warnOfUnits(m_options.capture, drawing, before.lines, report);
     if (report.isJson()) {
       addJson(capture, drawn, report.json);
+      addLeftOut(before, report.json);
+      report.json["wallLines"] = before.lines.size();
+      report.json["slivers"] = sliversJson(slivers);
     }
   }
 
@@ -142,7 +165,7 @@ class DrawCommand : public DrawingCommand {
       return chooseLayers(drawing.layers(), m_options.layers, drawing);
     }
     for (const LayerContent& layer : drawing.layers()) {
-      if (looksLikeWalls(layer.name)) {
+      if (!m_isSameLayer && looksLikeWalls(layer.name)) {
         layers.insert(layer.name);
       }
     }
@@ -152,7 +175,8 @@ class DrawCommand : public DrawingCommand {
   DrawnLine drawLine(Drawing& drawing, const std::set<std::wstring>& layers,
                      const AcGePoint3d& from, const AcGePoint3d& to) const {
     DrawnLine drawn{from, to, 0, {}, {}};
-    const std::vector<WallLine> lines = collectWallLines(drawing, layers).lines;
+    const std::vector<WallLine> lines =
+        collectWallLines(drawing, layers, m_options.takesInside).lines;
     // Records that the calculation modifies pass to the algorithm, the others stay ours.
     std::vector<std::unique_ptr<WallLineLikeSeg>> records;
     std::map<const WallLineLikeSeg*, std::size_t> numberOf;
@@ -176,6 +200,9 @@ class DrawCommand : public DrawingCommand {
     drawn.captured = modified.size();
     for (const WallLineLikeSeg* far : algorithm.GetSrcNewWallLines()) {
       const WallLine& line = lines[numberOf.at(far->pSrcLine)];
+      if (line.within) {
+        continue;  // shown by a block or a multiline: it cuts and stays
+      }
       drawn.changes.push_back({line,
                                handleText(line.entity),
                                os::toUtf8(hostx::kindName(line.entity)),
@@ -186,6 +213,18 @@ class DrawCommand : public DrawingCommand {
       drawn.pieces.push_back({piece->ptStart, piece->ptEnd, appendPiece(drawing, *piece)});
     }
     return drawn;
+  }
+
+  static std::vector<Sliver> sliversOf(const std::vector<DrawnLine>& drawn,
+                                       double captureDistance) {
+    std::vector<Sliver> slivers;
+    for (const DrawnLine& line : drawn) {
+      for (const WallChange& change : line.changes) {
+        addSlivers(slivers, change.pieces, change.handle, captureDistance);
+      }
+      addSlivers(slivers, line.pieces, "the new line", captureDistance);
+    }
+    return slivers;
   }
 
   std::string appendPiece(Drawing& drawing, const WallLineLikeSeg& piece) const {
@@ -254,6 +293,7 @@ class DrawCommand : public DrawingCommand {
   std::vector<std::string> m_path;
   std::vector<std::vector<AcGePoint3d>> m_paths;
   bool m_isAngleLocked = false;
+  bool m_isSameLayer = false;
 };
 
 }  // namespace

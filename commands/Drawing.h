@@ -40,6 +40,9 @@ class Drawing {
   /// "mm", "m", "in", ...; "units" where the drawing has none.
   std::string unitName() const;
 
+  /// Takes the drawing for one in these units, whatever it says; the file stays as it is.
+  void takeUnits(AcDb::UnitsValue units) { m_info.units = units; }
+
   AcDbObjectId modelSpaceId();
   /// Calls `visit` for every entity of a block that is not erased, in file order.
   void forEachEntity(const AcDbObjectId& block, const std::function<void(AcDbObjectId)>& visit);

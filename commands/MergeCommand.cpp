@@ -62,7 +62,8 @@ class MergeCommand : public DrawingCommand {
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
     const SingleLines found = collectSingleLines(drawing, layers, true);
-    const Capture capture = setProjectScale(m_options, drawing);
+    checkAnyLine(drawing, layers, found);
+    const Capture capture = setCapture(m_options.capture, drawing);
     const std::vector<MergedLine> merged = merge(found.lines, m_keepPoints);
     Picture picture;
     if (job.hasPicture()) {
@@ -70,6 +71,7 @@ class MergeCommand : public DrawingCommand {
     }
     // Handles are asked for before erasing takes the lines away.
     tell(drawing, layers, found, merged, capture, report);
+    warnOfUnits(m_options.capture, drawing, wallLinesOf(found), report);
     if (report.isJson()) {
       addJson(layers, found, merged, capture, report.json);
     }
@@ -208,7 +210,7 @@ class MergeCommand : public DrawingCommand {
       return fmt::format("  {} absorbed {}",
                          nameText(drawing, found.lines[merged[i].survivor].entity), absorbed);
     });
-    tellSkipped(drawing, found, report);
+    tellLeftOut(drawing, found, false, report);
   }
 
   static void addJson(const std::set<std::wstring>& layers, const SingleLines& found,
@@ -218,8 +220,8 @@ class MergeCommand : public DrawingCommand {
                    {"layers", namesJson(layers)},
                    {"lines", found.lines.size()},
                    {"absorbed", absorbedCount(merged)},
-                   {"changes", nlohmann::json::array()},
-                   {"skipped", skippedJson(found)}});
+                   {"changes", nlohmann::json::array()}});
+    addLeftOut(found, report);
     for (const MergedLine& line : merged) {
       nlohmann::json absorbed = nlohmann::json::array();
       for (const std::size_t number : line.absorbed) {

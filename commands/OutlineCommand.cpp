@@ -7,6 +7,7 @@
 
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
+#include "commands/Junctions.h"
 #include "commands/LayerChoice.h"
 #include "commands/PointIndex.h"
 #include "commands/Progress.h"
@@ -48,6 +49,7 @@ class OutlineCommand : public DrawingCommand {
                             "Layers with the reference lines, * and ? allowed; may be repeated");
     command->get_option("--layer")->required();
     m_options.declareScale(*command);
+    m_options.declareInBlocks(*command);
     m_widths.declare(*command);
     command->add_option("--out-layer", m_outLayer, "The layer of the outline")
         ->type_name("NAME")
@@ -65,13 +67,9 @@ class OutlineCommand : public DrawingCommand {
   std::string name() const override { return "outline"; }
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
-    const WallLines found = collectWallLines(drawing, layers);
-    if (found.lines.empty()) {
-      throw CommandError(ExitCode::NothingToDo,
-                         fmt::format("{}: no LINE and no straight polyline segment on {}",
-                                     drawing.file().string(), namesText(layers)));
-    }
-    const Capture capture = setProjectScale(m_options, drawing);
+    const WallLines found = collectWallLines(drawing, layers, m_options.takesInside);
+    checkAnyWallLine(drawing, layers, found);
+    const Capture capture = setCapture(m_options.capture, drawing);
     const std::vector<BodyWall> walls = makeWalls(drawing, found.lines, m_widths);
     std::vector<OutlineLine> lines = flatten(showWalls(walls, capture.distance));
     Picture picture;
@@ -92,8 +90,12 @@ class OutlineCommand : public DrawingCommand {
     job.save(drawing);
     job.render(picture);
     tell(drawing, layers, walls, lines, capture, report);
+    tellLeftOut(drawing, found, true, report);
+    warnOfReferenceLines(drawing, found.lines, report);
+    warnOfUnits(m_options.capture, drawing, found.lines, report);
     if (report.isJson()) {
       addJson(layers, walls, lines, capture, report.json);
+      addLeftOut(found, report.json);
     }
   }
 

@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 
+#include "commands/CommandError.h"
+#include "commands/CommonOptions.h"
+#include "commands/InsideWalls.h"
 #include "dbents.h"
 #include "dbobjptr.h"
 
@@ -32,8 +35,15 @@ SingleLines collectSingleLines(Drawing& drawing, const std::set<std::wstring>& l
     if (!layers.count(layer)) {
       return;
     }
+    if (hostx::kindName(id) != L"LINE") {
+      if (!showsOtherLines(id)) {
+        ++found.countOfKind[hostx::kindName(id)];
+      }
+      return;
+    }
     AcDbObjectPointer<AcDbLine> line(id, AcDb::kForRead);
     if (line.openStatus() != Acad::eOk) {
+      found.skipped.push_back({id, "cannot be opened"});
       return;
     }
     const AcGePoint3d start = line->startPoint();
@@ -55,7 +65,17 @@ SingleLines collectSingleLines(Drawing& drawing, const std::set<std::wstring>& l
                              line->thickness()});
     }
   });
+  countInside(drawing, layers, found);
   return found;
+}
+
+void checkAnyLine(const Drawing& drawing, const std::set<std::wstring>& layers,
+                  const SingleLines& found) {
+  if (found.lines.empty()) {
+    throw CommandError(ExitCode::NothingToDo,
+                       fmt::format("{}: no LINE to work on on {}; there is {}",
+                                   drawing.file().string(), namesText(layers), leftOutText(found)));
+  }
 }
 
 void setLineEnds(Drawing& drawing, const AcDbObjectId& id, const AcGePoint3d& start,
@@ -72,19 +92,13 @@ void eraseEntity(Drawing& drawing, const AcDbObjectId& id) {
   check(entity->erase(), drawing, id, "erase the entity");
 }
 
-void tellSkipped(const Drawing& drawing, const SingleLines& found, Report& report) {
-  report.list(found.skipped.size(), [&](std::size_t i) {
-    const SkippedEntity& skipped = found.skipped[i];
-    return fmt::format("skipped: {} {}", describe(drawing, skipped.entity), skipped.reason);
-  });
-}
-
-nlohmann::json skippedJson(const SingleLines& found) {
-  nlohmann::json json = nlohmann::json::array();
-  for (const SkippedEntity& skipped : found.skipped) {
-    json.push_back({{"source", handleText(skipped.entity)}, {"reason", skipped.reason}});
+std::vector<WallLine> wallLinesOf(const SingleLines& found) {
+  std::vector<WallLine> walls;
+  walls.reserve(found.lines.size());
+  for (const SingleLine& line : found.lines) {
+    walls.push_back({line.start, line.end, line.entity, WallLine::kWholeEntity, false, {}});
   }
-  return json;
+  return walls;
 }
 
 }  // namespace quoin::commands

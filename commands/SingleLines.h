@@ -25,23 +25,27 @@ struct SingleLine {
   double thickness = 0.0;
 };
 
-struct SingleLines {
+struct SingleLines : LeftOut {
   std::vector<SingleLine> lines;
-  std::vector<SkippedEntity> skipped;
 };
 
 /// The LINE entities on the layers in file order. Lines on locked layers and of no length are
-/// skipped with the reason, with `onlyLevel` those with ends at different heights too.
+/// skipped with the reason, with `onlyLevel` those with ends at different heights too; everything
+/// else on the layers is counted.
 SingleLines collectSingleLines(Drawing& drawing, const std::set<std::wstring>& layers,
                                bool onlyLevel);
+
+/// Fails: throws CommandError (NothingToDo) that names what is on the layers instead where there
+/// is no line.
+void checkAnyLine(const Drawing& drawing, const std::set<std::wstring>& layers,
+                  const SingleLines& found);
 
 /// Fails: throws CommandError (EntityFailed).
 void setLineEnds(Drawing& drawing, const AcDbObjectId& id, const AcGePoint3d& start,
                  const AcGePoint3d& end);
 void eraseEntity(Drawing& drawing, const AcDbObjectId& id);
 
-/// Names those that were skipped.
-void tellSkipped(const Drawing& drawing, const SingleLines& found, Report& report);
-nlohmann::json skippedJson(const SingleLines& found);
+/// Their ends alone.
+std::vector<WallLine> wallLinesOf(const SingleLines& found);
 
 }  // namespace quoin::commands

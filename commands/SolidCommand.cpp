@@ -7,6 +7,7 @@
 
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
+#include "commands/Junctions.h"
 #include "commands/LayerChoice.h"
 #include "commands/WallBodies.h"
 #include "commands/WallLines.h"
@@ -39,6 +40,7 @@ class SolidCommand : public DrawingCommand {
                             "Layers with the reference lines, * and ? allowed; may be repeated");
     command->get_option("--layer")->required();
     m_options.declareScale(*command);
+    m_options.declareInBlocks(*command);
     m_widths.declare(*command);
     command->footer(
         "Walls stand on their reference lines' height. Bodies are closed; those of walls that\n"
@@ -63,13 +65,9 @@ class SolidCommand : public DrawingCommand {
 
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
-    const WallLines found = collectWallLines(drawing, layers);
-    if (found.lines.empty()) {
-      throw CommandError(ExitCode::NothingToDo,
-                         fmt::format("{}: no LINE and no straight polyline segment on {}",
-                                     drawing.file().string(), namesText(layers)));
-    }
-    const Capture capture = setProjectScale(m_options, drawing);
+    const WallLines found = collectWallLines(drawing, layers, m_options.takesInside);
+    checkAnyWallLine(drawing, layers, found);
+    const Capture capture = setCapture(m_options.capture, drawing);
     const std::vector<BodyWall> walls = makeWalls(drawing, found.lines, m_widths);
     const std::vector<PrepareFrom2dTo3dData> ends = prepareWalls(walls, capture.distance);
     std::vector<WallPrism> prisms;
@@ -81,8 +79,12 @@ class SolidCommand : public DrawingCommand {
       job.render(paint(drawing, prisms));
     }
     tell(drawing, capture, ends, prisms, report);
+    tellLeftOut(drawing, found, true, report);
+    warnOfReferenceLines(drawing, found.lines, report);
+    warnOfUnits(m_options.capture, drawing, found.lines, report);
     if (report.isJson()) {
       addJson(capture, ends, prisms, report.json);
+      addLeftOut(found, report.json);
     }
   }
 

@@ -45,11 +45,7 @@ class TrimAxesCommand : public DrawingCommand {
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
     const SingleLines found = collectSingleLines(drawing, layers, false);
-    if (found.lines.empty()) {
-      throw CommandError(
-          ExitCode::NothingToDo,
-          fmt::format("{}: no LINE on {}", drawing.file().string(), namesText(layers)));
-    }
+    checkAnyLine(drawing, layers, found);
     const std::vector<TrimmedAxis> axes = trim(found.lines);
     Picture picture;
     if (job.hasPicture()) {
@@ -133,15 +129,15 @@ class TrimAxesCommand : public DrawingCommand {
     report.line("layers: {}", namesText(layers));
     report.line("{}, {} cut to their outermost crossings", countText(axes.size(), "grid line"),
                 changedCount(axes));
-    tellSkipped(drawing, found, report);
+    tellLeftOut(drawing, found, false, report);
   }
 
   static void addJson(const std::set<std::wstring>& layers, const SingleLines& found,
                       const std::vector<TrimmedAxis>& axes, nlohmann::json& report) {
     report.update({{"layers", namesJson(layers)},
                    {"lines", axes.size()},
-                   {"changes", nlohmann::json::array()},
-                   {"skipped", skippedJson(found)}});
+                   {"changes", nlohmann::json::array()}});
+    addLeftOut(found, report);
     for (const TrimmedAxis& axis : axes) {
       if (axis.isChanged()) {
         const std::string handle = handleText(axis.line->entity);

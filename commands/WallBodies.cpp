@@ -158,7 +158,7 @@ std::vector<BodyWall> makeWalls(const Drawing& drawing, const std::vector<WallLi
   std::vector<BodyWall> walls;
   for (const WallLine& line : lines) {
     std::optional<WallWidths> widths = widthsOfEntity(line.entity);
-    const std::wstring layer = hostx::layerName(line.entity);
+    const std::wstring layer = line.layer();
     for (const LayerWidth& width : ofLayer) {
       if (!widths && matchesGlob(layer, width.pattern)) {
         widths = width.widths;

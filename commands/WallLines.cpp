@@ -1,9 +1,15 @@
 #include "commands/WallLines.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
+#include "commands/CommandError.h"
+#include "commands/CommonOptions.h"
+#include "commands/InsideWalls.h"
 #include "commands/Polylines.h"
 #include "dbobjptr.h"
+#include "embedded/os/Utf8.h"
 
 namespace quoin::commands {
 
@@ -17,6 +23,8 @@ class Collector {
   void add(const AcDbObjectId& id, const std::wstring& layer) {
     AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
     if (entity.openStatus() != Acad::eOk) {
+      result.skipped.push_back(
+          {id, "cannot be opened: " + os::toUtf8(acadErrorStatusText(entity.openStatus()))});
       return;
     }
     const bool isLocked = m_lockedLayers.count(layer) != 0;
@@ -26,9 +34,11 @@ class Collector {
       return;
     }
     if (const AcDbLine* line = AcDbLine::cast(entity.object())) {
-      addSegment({line->startPoint(), line->endPoint(), id, WallLine::kWholeEntity, isLocked});
+      addSegment({line->startPoint(), line->endPoint(), id, WallLine::kWholeEntity, isLocked, {}});
     } else if (isPolyline(*entity.object())) {
       addPolyline(readPolyline(*entity.object()), id, isLocked);
+    } else if (!showsOtherLines(id)) {
+      ++result.countOfKind[hostx::kindName(id)];
     }
   }
 
@@ -55,8 +65,12 @@ class Collector {
         ++result.arcSegments;
         continue;
       }
-      addSegment(
-          {shape.vertices[i].world, shape.segmentEnd(i).world, id, static_cast<int>(i), isLocked});
+      addSegment({shape.vertices[i].world,
+                  shape.segmentEnd(i).world,
+                  id,
+                  static_cast<int>(i),
+                  isLocked,
+                  {}});
     }
   }
 
@@ -65,7 +79,8 @@ class Collector {
 
 }  // namespace
 
-WallLines collectWallLines(Drawing& drawing, const std::set<std::wstring>& layers) {
+WallLines collectWallLines(Drawing& drawing, const std::set<std::wstring>& layers,
+                           bool takesInside) {
   std::set<std::wstring> locked;
   for (const LayerContent& layer : drawing.layers()) {
     if (layer.isLocked) {
@@ -79,7 +94,19 @@ WallLines collectWallLines(Drawing& drawing, const std::set<std::wstring>& layer
       collector.add(id, layer);
     }
   });
-  return std::move(collector.result);
+  WallLines walls = std::move(collector.result);
+  takesInside ? takeInside(drawing, layers, walls) : countInside(drawing, layers, walls);
+  return walls;
+}
+
+void checkAnyWallLine(const Drawing& drawing, const std::set<std::wstring>& layers,
+                      const WallLines& walls) {
+  if (walls.lines.empty()) {
+    throw CommandError(
+        ExitCode::NothingToDo,
+        fmt::format("{}: no LINE and no straight polyline segment on {}; there is {}",
+                    drawing.file().string(), namesText(layers), leftOutText(walls)));
+  }
 }
 
 }  // namespace quoin::commands

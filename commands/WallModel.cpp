@@ -112,8 +112,11 @@ bool WallPrism::isHiddenInJoint(std::size_t face) const {
 WallPrism makePrism(const BodyWall& wall, const PrepareFrom2dTo3dData& ends, double height) {
   WallPrism prism;
   prism.source = wall.line.entity;
-  prism.layer = os::toUtf8(hostx::layerName(wall.line.entity));
+  prism.layer = os::toUtf8(wall.line.layer());
   prism.name = prism.layer + "_" + handleText(wall.line.entity);
+  if (wall.line.within) {
+    prism.name += "_in_" + handleText(wall.line.within->entity);
+  }
   if (wall.line.isPolylineSegment()) {
     prism.name += fmt::format("_{}", wall.line.segment);
   }
