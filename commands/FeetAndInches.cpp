@@ -158,7 +158,7 @@ std::optional<double> writtenMillimeters(std::wstring_view text) {
   while (!reader.isAtEnd()) {
     if (!isDigit(plain[reader.at()])) {
       reader.moveTo(reader.at() + 1);
-    } else if (const std::optional<double> length = lengthAt(reader)) {
+    } else if (const std::optional<double> length = lengthAt(reader); length && *length > 0.0) {
       return length;
     }
   }

@@ -39,8 +39,8 @@ TEST(FaceSpacing, TheNearestOfSeveralCounts) {
 }
 
 TEST(FaceSpacing, LinesThatOnlyTouchOrContinueOrCrossAreNoPair) {
-  EXPECT_THAT(faceSpacings({line(0, 0, 100, 0), line(100, 5, 200, 5), line(100, 0, 200, 0),
-                            line(50, -50, 50, 50)}),
+  EXPECT_THAT(faceSpacings({line(-100, 0, 0, 0), line(0, 0, 100, 0), line(100, 5, 200, 5),
+                            line(200, 0, 300, 0), line(50, -50, 50, 50)}),
               IsEmpty());
 }
 
