@@ -95,6 +95,11 @@ class BreakCommand : public DrawingCommand {
     result.capture = setCapture(m_options.capture, drawing);
     split(result);
     lookAtPieces(result);
+    if (report.isJson()) {
+      for (WallChange& change : result.changes) {
+        change.report = sourceJson(drawing, change.source.entity);
+      }
+    }
     // The picture's background is what the drawing was.
     Picture picture = !job.hasPicture() ? Picture() : paint(drawing, result);
     if (!job.isDryRun) {
@@ -173,8 +178,7 @@ class BreakCommand : public DrawingCommand {
     const std::vector<WallLineLikeSeg*>& pieces = algorithm.GetNewWallLines();
     for (std::size_t i = 0; i < pieces.size();) {
       const WallLine& line = lines[numberOf.at(pieces[i]->pSrcLine)];
-      WallChange change{
-          line, handleText(line.entity), os::toUtf8(hostx::kindName(line.entity)), {}};
+      WallChange change{line, {}};
       const WallLineLikeSeg* const source = pieces[i]->pSrcLine;
       for (; i < pieces.size() && pieces[i]->pSrcLine == source; ++i) {
         change.pieces.push_back({pieces[i]->ptStart, pieces[i]->ptEnd, ""});

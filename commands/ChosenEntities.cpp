@@ -69,4 +69,12 @@ nlohmann::json kindsJson(const ChosenEntities& chosen) {
   return kinds;
 }
 
+nlohmann::json changesJson(const Drawing& drawing, const ChosenEntities& chosen) {
+  nlohmann::json changes = nlohmann::json::array();
+  for (const AcDbObjectId& id : chosen.entities) {
+    changes.push_back(sourceJson(drawing, id));
+  }
+  return changes;
+}
+
 }  // namespace quoin::commands

@@ -31,5 +31,7 @@ void changeEach(const Drawing& drawing, const ChosenEntities& chosen,
 /// "3 LINE, 1 TEXT".
 std::string kindsText(const ChosenEntities& chosen);
 nlohmann::json kindsJson(const ChosenEntities& chosen);
+/// Each entity for itself (sourceJson).
+nlohmann::json changesJson(const Drawing& drawing, const ChosenEntities& chosen);
 
 }  // namespace quoin::commands

@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace quoin::commands {
@@ -15,6 +16,8 @@ class Command {
   /// Runs it with the options that the command line gave.
   /// Fails: throws CommandError.
   virtual void run() = 0;
+  /// Where the words behind "--" go; null where they are words like all others.
+  virtual std::vector<std::string>* passedOn() { return nullptr; }
 };
 
 std::unique_ptr<Command> makeBreakCommand();
@@ -32,5 +35,7 @@ std::unique_ptr<Command> makeToOriginCommand();
 std::unique_ptr<Command> makeRescaleCommand();
 std::unique_ptr<Command> makeRestoreCommand();
 std::unique_ptr<Command> makeRunCommand();
+std::unique_ptr<Command> makeHelpCommand();
+std::unique_ptr<Command> makeCompletionCommand();
 
 }  // namespace quoin::commands

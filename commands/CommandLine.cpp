@@ -4,13 +4,13 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <numeric>
-#include <string_view>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "commands/Command.h"
 #include "commands/CommandError.h"
+#include "commands/Usage.h"
 #include "embedded/product/HostApplication.h"
 
 namespace quoin::commands {
@@ -35,66 +35,61 @@ constexpr const char* kExitCodes =
     "  71   internal error\n"
     "  130  interrupted; every file is whole\n";
 
-/// How many letters must be put in, taken out or changed to make one word of the other.
-std::size_t editDistance(std::string_view from, std::string_view to) {
-  std::vector<std::size_t> row(to.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 1; i <= from.size(); ++i) {
-    std::size_t diagonal = std::exchange(row[0], i);
-    for (std::size_t j = 1; j <= to.size(); ++j) {
-      const std::size_t changed = diagonal + (from[i - 1] == to[j - 1] ? 0 : 1);
-      diagonal = row[j];
-      row[j] = std::min({row[j] + 1, row[j - 1] + 1, changed});
-    }
-  }
-  return row.back();
-}
+/// All subcommands in the order of the help.
+using Commands = std::vector<std::pair<CLI::App*, std::unique_ptr<Command>>>;
 
-/// Stops with the nearest command's name where the first word is none of the commands.
-void checkCommandName(const CLI::App& app, std::string_view word) {
-  std::string nearest;
-  std::size_t distance = 3;  // more letters apart is another word
-  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
-    const std::size_t found = editDistance(word, command->get_name());
-    if (found == 0) {
-      return;
-    }
-    if (found < distance) {
-      distance = found;
-      nearest = command->get_name();
-    }
-  }
-  throw CommandError(
-      ExitCode::Usage,
-      fmt::format("there is no command \"{}\"{}; quoin --help lists the commands", word,
-                  nearest.empty() ? "" : fmt::format(", did you mean \"{}\"?", nearest)));
-}
-
-int runChecked(int argc, const char* const* argv) {
-  CLI::App app(kDescription, "quoin");
-  app.set_version_flag("--version", std::string("quoin ") + QUOIN_VERSION);
-  app.footer(kExitCodes);
-  app.require_subcommand(1);
-
-  std::vector<std::pair<CLI::App*, std::unique_ptr<Command>>> commands;
+Commands declareCommands(CLI::App& app) {
+  Commands commands;
   for (std::unique_ptr<Command> (*make)() :
        {&makeBreakCommand, &makeDrawCommand, &makeMergeCommand, &makeTrimAxesCommand,
         &makeOutlineCommand, &makeSolidCommand, &makeStyleCommand, &makePaintCommand,
         &makeMatchPropertiesCommand, &makeExtentsCommand, &makeToOriginCommand, &makeRescaleCommand,
-        &makeRestoreCommand, &makeRunCommand, &makeInfoCommand}) {
+        &makeRestoreCommand, &makeRunCommand, &makeInfoCommand, &makeHelpCommand,
+        &makeCompletionCommand}) {
     std::unique_ptr<Command> command = make();
     CLI::App* const declared = command->declare(app);
     commands.emplace_back(declared, std::move(command));
   }
-  if (argc > 1 && argv[1][0] != '-') {
-    checkCommandName(app, argv[1]);
+  return commands;
+}
+
+/// Takes the words behind "--" away for a command that hands them on.
+void passWordsOn(std::vector<std::string>& words, const Commands& commands) {
+  const auto dashes = std::find(words.begin(), words.end(), "--");
+  for (const auto& [declared, command] : commands) {
+    if (dashes != words.end() && words.front() == declared->get_name() && command->passedOn()) {
+      command->passedOn()->assign(dashes + 1, words.end());
+      words.erase(dashes, words.end());
+      return;
+    }
   }
+}
+
+/// Finds what the words ask for. False where it was help or the version, which are printed.
+/// Fails: throws CommandError (Usage).
+bool parse(CLI::App& app, std::vector<std::string> words) {
+  if (!words.empty() && words.front().front() != '-' && !findCommand(app, words.front())) {
+    throw CommandError(ExitCode::Usage, noCommand(words.front(), app));
+  }
+  std::reverse(words.begin(), words.end());  // the parser takes them from the end
   try {
-    app.parse(argc, argv);
+    app.parse(words);
+  } catch (const CLI::Success& asked) {
+    app.exit(asked);
+    return false;
   } catch (const CLI::ParseError& error) {
-    // Help and version are no errors; everything else is one kind of error.
-    return app.exit(error) == 0 ? static_cast<int>(ExitCode::Ok)
-                                : static_cast<int>(ExitCode::Usage);
+    throw CommandError(ExitCode::Usage, usageMessage(error, app));
+  }
+  return true;
+}
+
+void runWords(CLI::App& app, std::vector<std::string> words) {
+  const Commands commands = declareCommands(app);
+  if (!words.empty()) {
+    passWordsOn(words, commands);
+  }
+  if (!parse(app, std::move(words))) {
+    return;
   }
   // The algorithms read the project's scale: without a project they must not run.
   HostApplication* const host = HostApplication::current();
@@ -106,7 +101,6 @@ int runChecked(int argc, const char* const* argv) {
       command->run();
     }
   }
-  return static_cast<int>(ExitCode::Ok);
 }
 
 /// Where nobody can be told the exit code says it; so nothing is thrown here.
@@ -114,15 +108,27 @@ void printError(const std::string& message) {
   std::fprintf(stderr, "quoin: %s\n", message.c_str());
 }
 
+int runChecked(int argc, const char* const* argv) {
+  CLI::App app(kDescription, "quoin");
+  app.set_version_flag("-V,--version", std::string("quoin ") + QUOIN_VERSION);
+  app.footer(kExitCodes);
+  app.require_subcommand(1);
+  try {
+    runWords(app, {argv + 1, argv + std::max(argc, 1)});
+    return static_cast<int>(ExitCode::Ok);
+  } catch (const CommandError& error) {
+    std::fflush(stdout);
+    printError(error.what() + (error.code == ExitCode::Usage ? "; " + helpHint(reachedCommand(app))
+                                                             : std::string()));
+    return static_cast<int>(error.code);
+  }
+}
+
 }  // namespace
 
 int runCommandLine(int argc, const char* const* argv) {
   try {
     return runChecked(argc, argv);
-  } catch (const CommandError& error) {
-    std::fflush(stdout);
-    printError(error.what());
-    return static_cast<int>(error.code);
   } catch (const std::exception& error) {
     if (std::ferror(stdout) != 0) {
       // A report could not be printed. The program looks at the stream at its end, and says so.

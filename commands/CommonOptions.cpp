@@ -11,6 +11,7 @@
 
 #include "commands/CommandError.h"
 #include "commands/OutputFile.h"
+#include "commands/Usage.h"
 #include "commands/picture/Render.h"
 #include "embedded/os/Utf8.h"
 
@@ -76,7 +77,7 @@ void CommonOptions::declarePlans(CLI::App& command) {
   command.add_option("--jobs", jobs, "How many drawings at a time; 0 for one a processor core")
       ->capture_default_str();
   command.add_option("--report", report, "text or json")
-      ->check(CLI::IsMember({"text", "json"}))
+      ->check(oneOf({"text", "json"}))
       ->capture_default_str();
   CLI::Option* const quiet =
       command.add_flag("-q,--quiet", isQuiet, "Print errors and warnings alone");
@@ -276,6 +277,14 @@ nlohmann::json namesJson(const std::set<std::wstring>& names) {
 
 nlohmann::json pointJson(const AcGePoint3d& point) {
   return {point.x + 0.0, point.y + 0.0, point.z + 0.0};  // a zero has no sign
+}
+
+nlohmann::json lineJson(const std::string& handle, const AcGePoint3d& start,
+                        const AcGePoint3d& end) {
+  return {{"handle", handle},
+          {"start", pointJson(start)},
+          {"end", pointJson(end)},
+          {"length", start.distanceTo(end)}};
 }
 
 nlohmann::json fileJson(const Drawing& drawing) {

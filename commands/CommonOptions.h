@@ -82,6 +82,9 @@ std::string namesText(const std::set<std::wstring>& names);
 /// Parts of JSON reports.
 nlohmann::json namesJson(const std::set<std::wstring>& names);
 nlohmann::json pointJson(const AcGePoint3d& point);
+/// A line that is the result of a change: its handle, ends and length.
+nlohmann::json lineJson(const std::string& handle, const AcGePoint3d& start,
+                        const AcGePoint3d& end);
 nlohmann::json fileJson(const Drawing& drawing);
 /// The version of the reports' form (docs/report.schema.json); it grows when a reader must change.
 inline constexpr int kReportVersion = 1;

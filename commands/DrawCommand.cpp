@@ -204,9 +204,8 @@ class DrawCommand : public DrawingCommand {
         continue;  // shown by a block or a multiline: it cuts and stays
       }
       drawn.changes.push_back({line,
-                               handleText(line.entity),
-                               os::toUtf8(hostx::kindName(line.entity)),
-                               {{line.start, far->ptStart, ""}, {far->ptStart, far->ptEnd, ""}}});
+                               {{line.start, far->ptStart, ""}, {far->ptStart, far->ptEnd, ""}},
+                               sourceJson(drawing, line.entity)});
     }
     applyWallChanges(drawing, drawn.changes);
     for (const WallLineLikeSeg* piece : algorithm.GetNewWallLines()) {
@@ -282,7 +281,7 @@ class DrawCommand : public DrawingCommand {
       report["drawn"].push_back({{"from", pointJson(line.from)},
                                  {"to", pointJson(line.to)},
                                  {"captured", line.captured},
-                                 {"pieces", piecesJson(line.pieces)},
+                                 {"results", piecesJson(line.pieces)},
                                  {"changes", changesJson(line.changes)}});
     }
   }

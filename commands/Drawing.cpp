@@ -3,12 +3,15 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdio>
 
 #include "acutmem.h"
 #include "commands/CommandError.h"
 #include "commands/Progress.h"
 #include "dbobjptr.h"
 #include "dbsymtb.h"
+#include "embedded/db/DrawingStream.h"
+#include "embedded/os/Process.h"
 #include "embedded/os/Utf8.h"
 
 namespace quoin::commands {
@@ -42,11 +45,13 @@ std::size_t LayerContent::count() const {
 }
 
 Drawing::Drawing(const std::filesystem::path& file)
-    : m_file(file), m_database(std::make_unique<AcDbDatabase>(false, true)) {
+    : m_file(file == kStandardStream ? "standard input" : file),
+      m_database(std::make_unique<AcDbDatabase>(false, true)) {
   Acad::ErrorStatus status;
   {
-    const FileProgress progress(m_database.get(), "Reading " + file.filename().string());
-    status = m_database->readDwgFile(os::fromUtf8(file.string()).c_str());
+    const FileProgress progress(m_database.get(), "Reading " + m_file.filename().string());
+    const std::string path = file == kStandardStream ? os::standardInputPath() : file.string();
+    status = m_database->readDwgFile(os::fromUtf8(path).c_str());
   }
   if (status == Acad::eUserBreak) {
     Progress::checkInterrupt();
@@ -159,6 +164,26 @@ void Drawing::saveAs(const std::filesystem::path& file, bool keepBackup) {
   }
 }
 
+void Drawing::writeToStandardOutput() {
+  Progress::checkInterrupt();
+  const Acad::ErrorStatus status = writePieces(*m_database, [](std::string_view piece) {
+    std::fwrite(piece.data(), 1, piece.size(), stdout);
+  });
+  if (status == Acad::eUserBreak) {
+    Progress::checkInterrupt();
+  }
+  if (status != Acad::eOk) {
+    throw CommandError(
+        ExitCode::OutputUnwritable,
+        fileMessage(m_database.get(), status, "standard output", "write the drawing"));
+  }
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    throw CommandError(ExitCode::OutputUnwritable,
+                       "standard output: cannot write the drawing: the reader is gone, or the disk "
+                       "is full");
+  }
+}
+
 AcDbObjectId modelSpaceOf(AcDbDatabase& database) {
   AcDbBlockTable* table = nullptr;
   AcDbObjectId id;
@@ -222,6 +247,14 @@ std::string handleText(const AcDbObjectId& id) {
     return "";
   }
   return fmt::format("{:X}", static_cast<Adesk::UInt64>(handle));
+}
+
+nlohmann::json sourceJson(const Drawing& drawing, const AcDbObjectId& id) {
+  nlohmann::json json = {{"source", handleText(id)}, {"kind", os::toUtf8(hostx::kindName(id))}};
+  if (const Adesk::UInt64 place = hostx::lineNumber(id); place != 0) {
+    json[drawing.info().isBinary ? "byte" : "line"] = place;
+  }
+  return json;
 }
 
 std::string nameText(const Drawing& drawing, const AcDbObjectId& id) {

@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -25,9 +26,12 @@ struct LayerContent {
   std::size_t count() const;
 };
 
+/// What stands for the standard input or output among the names of files.
+inline constexpr const char* kStandardStream = "-";
+
 class Drawing {
  public:
-  /// Reads the file.
+  /// Reads the file; kStandardStream is the standard input.
   /// Fails: throws CommandError (InputUnreadable, Interrupted) with file, line and cause.
   explicit Drawing(const std::filesystem::path& file);
   ~Drawing();
@@ -52,6 +56,9 @@ class Drawing {
   /// Saves under a name; the file there is the old one or the new one, whole, at every moment.
   /// Fails: throws CommandError (OutputUnwritable, Interrupted).
   void saveAs(const std::filesystem::path& file, bool keepBackup);
+  /// Writes the drawing's bytes to the standard output.
+  /// Fails: throws CommandError (OutputUnwritable, Interrupted).
+  void writeToStandardOutput();
 
  private:
   std::filesystem::path m_file;
@@ -71,6 +78,9 @@ std::string fileMessage(const AcDbDatabase* database, Acad::ErrorStatus status,
 std::string describe(const Drawing& drawing, const AcDbObjectId& id);
 /// The handle in hexadecimal, as drawing files spell it; "" where the file gives none.
 std::string handleText(const AcDbObjectId& id);
+/// What every JSON report says of an entity: its handle as "source" ("" where the file gives none),
+/// its "kind", and the "line" (or "byte") of the file where it stands.
+nlohmann::json sourceJson(const Drawing& drawing, const AcDbObjectId& id);
 /// The handle, or "line 1742" where the file gives none: how lists of entities name one.
 std::string nameText(const Drawing& drawing, const AcDbObjectId& id);
 /// Fails: throws CommandError (EntityFailed) that names the entity and the status.

@@ -7,7 +7,9 @@ namespace quoin::commands {
 
 void DrawingJob::save(Drawing& drawing) const {
   Progress::checkInterrupt();
-  if (!isDryRun) {
+  if (writesToStandardOutput()) {
+    drawing.writeToStandardOutput();
+  } else if (!isDryRun) {
     drawing.saveAs(output, isInPlace);
   }
 }

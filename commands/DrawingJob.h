@@ -8,9 +8,6 @@
 
 namespace quoin::commands {
 
-/// What stands for the standard input or output among the names of files.
-inline constexpr const char* kStandardStream = "-";
-
 struct DrawingJob {
   std::string input;
   std::string output;   // empty: no drawing is written

@@ -107,7 +107,9 @@ class MatchPropertiesCommand : public DrawingCommand {
       job.render(pictureOf(drawing, source, layers, chosen));
     }
     tell(drawing, source, properties, layers, chosen, report);
-    addJson(source, properties, layers, chosen, report.json);
+    if (report.isJson()) {
+      addJson(drawing, source, properties, layers, chosen, report.json);
+    }
   }
 
  private:
@@ -188,9 +190,9 @@ class MatchPropertiesCommand : public DrawingCommand {
     }
   }
 
-  static void addJson(const AcDbObjectId& source, const Properties& properties,
-                      const std::set<std::wstring>& layers, const ChosenEntities& chosen,
-                      nlohmann::json& report) {
+  static void addJson(const Drawing& drawing, const AcDbObjectId& source,
+                      const Properties& properties, const std::set<std::wstring>& layers,
+                      const ChosenEntities& chosen, nlohmann::json& report) {
     report.update({{"from", handleText(source)},
                    {"properties",
                     {{"layer", properties.layer},
@@ -201,7 +203,8 @@ class MatchPropertiesCommand : public DrawingCommand {
                    {"layers", namesJson(layers)},
                    {"changed", chosen.entities.size()},
                    {"kinds", kindsJson(chosen)},
-                   {"heldByLockedLayers", chosen.onLockedLayers}});
+                   {"heldByLockedLayers", chosen.onLockedLayers},
+                   {"changes", changesJson(drawing, chosen)}});
   }
 
   std::string m_handle;

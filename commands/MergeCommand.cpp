@@ -73,7 +73,7 @@ class MergeCommand : public DrawingCommand {
     tell(drawing, layers, found, merged, capture, report);
     warnOfUnits(m_options.capture, drawing, wallLinesOf(found), report);
     if (report.isJson()) {
-      addJson(layers, found, merged, capture, report.json);
+      addJson(drawing, layers, found, merged, capture, report.json);
     }
     apply(drawing, found.lines, merged);
     job.save(drawing);
@@ -213,9 +213,9 @@ class MergeCommand : public DrawingCommand {
     tellLeftOut(drawing, found, false, report);
   }
 
-  static void addJson(const std::set<std::wstring>& layers, const SingleLines& found,
-                      const std::vector<MergedLine>& merged, const Capture& capture,
-                      nlohmann::json& report) {
+  static void addJson(const Drawing& drawing, const std::set<std::wstring>& layers,
+                      const SingleLines& found, const std::vector<MergedLine>& merged,
+                      const Capture& capture, nlohmann::json& report) {
     report.update({{"capture", captureJson(capture)},
                    {"layers", namesJson(layers)},
                    {"lines", found.lines.size()},
@@ -225,12 +225,14 @@ class MergeCommand : public DrawingCommand {
     for (const MergedLine& line : merged) {
       nlohmann::json absorbed = nlohmann::json::array();
       for (const std::size_t number : line.absorbed) {
-        absorbed.push_back(handleText(found.lines[number].entity));
+        absorbed.push_back(sourceJson(drawing, found.lines[number].entity));
       }
-      report["changes"].push_back({{"survivor", handleText(found.lines[line.survivor].entity)},
-                                   {"start", pointJson(line.start)},
-                                   {"end", pointJson(line.end)},
-                                   {"absorbed", std::move(absorbed)}});
+      const AcDbObjectId& survivor = found.lines[line.survivor].entity;
+      nlohmann::json change = sourceJson(drawing, survivor);
+      change["results"] =
+          nlohmann::json::array({lineJson(handleText(survivor), line.start, line.end)});
+      change["absorbed"] = std::move(absorbed);
+      report["changes"].push_back(std::move(change));
     }
   }
 

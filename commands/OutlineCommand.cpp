@@ -94,7 +94,7 @@ class OutlineCommand : public DrawingCommand {
     warnOfReferenceLines(drawing, found.lines, report);
     warnOfUnits(m_options.capture, drawing, found.lines, report);
     if (report.isJson()) {
-      addJson(layers, walls, lines, capture, report.json);
+      addJson(drawing, layers, walls, lines, capture, report.json);
       addLeftOut(found, report.json);
     }
   }
@@ -220,9 +220,9 @@ class OutlineCommand : public DrawingCommand {
                 countText(count(lines, LineRole::Connection), "connection"));
   }
 
-  void addJson(const std::set<std::wstring>& layers, const std::vector<BodyWall>& walls,
-               const std::vector<OutlineLine>& lines, const Capture& capture,
-               nlohmann::json& report) const {
+  void addJson(const Drawing& drawing, const std::set<std::wstring>& layers,
+               const std::vector<BodyWall>& walls, const std::vector<OutlineLine>& lines,
+               const Capture& capture, nlohmann::json& report) const {
     report.update({{"capture", captureJson(capture)},
                    {"layers", namesJson(layers)},
                    {"outLayer", m_outLayer},
@@ -232,15 +232,16 @@ class OutlineCommand : public DrawingCommand {
     for (std::size_t i = 0; i < walls.size(); ++i) {
       nlohmann::json results = nlohmann::json::array();
       for (; next < lines.size() && lines[next].wall == i; ++next) {
-        results.push_back({{"handle", lines[next].handle},
-                           {"role", nameOf(lines[next].role)},
-                           {"start", pointJson(lines[next].seg.ptStart)},
-                           {"end", pointJson(lines[next].seg.ptEnd)}});
+        results.push_back(
+            lineJson(lines[next].handle, lines[next].seg.ptStart, lines[next].seg.ptEnd));
+        results.back()["role"] = nameOf(lines[next].role);
       }
-      report["changes"].push_back({{"source", handleText(walls[i].line.entity)},
-                                   {"left", walls[i].widths.left},
-                                   {"right", walls[i].widths.right},
-                                   {"results", std::move(results)}});
+      nlohmann::json change = sourceJson(drawing, walls[i].line.entity);
+      change["left"] = walls[i].widths.left;
+      change["right"] = walls[i].widths.right;
+      change["length"] = walls[i].line.start.distanceTo(walls[i].line.end);
+      change["results"] = std::move(results);
+      report["changes"].push_back(std::move(change));
     }
   }
 

@@ -85,7 +85,9 @@ class PaintCommand : public DrawingCommand {
       job.render(pictureOf(drawing, layers, chosen, rgb));
     }
     tell(drawing, layers, chosen, rgb, report);
-    addJson(drawing, layers, chosen, rgb, report.json);
+    if (report.isJson()) {
+      addJson(drawing, layers, chosen, rgb, report.json);
+    }
   }
 
  private:
@@ -141,7 +143,8 @@ class PaintCommand : public DrawingCommand {
                    {"isTrueColor", knowsTrueColors(drawing)},
                    {"painted", chosen.entities.size()},
                    {"kinds", kindsJson(chosen)},
-                   {"heldByLockedLayers", chosen.onLockedLayers}});
+                   {"heldByLockedLayers", chosen.onLockedLayers},
+                   {"changes", changesJson(drawing, chosen)}});
   }
 
   std::string m_rgb;

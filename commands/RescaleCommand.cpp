@@ -8,6 +8,7 @@
 #include "commands/DrawingCommand.h"
 #include "commands/SpaceChange.h"
 #include "commands/Units.h"
+#include "commands/Usage.h"
 #include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
@@ -69,12 +70,12 @@ class RescaleCommand : public DrawingCommand {
     factors
         ->add_option("--to-units", m_toUnits,
                      "Scale from the drawing's units to these, and say so in the drawing")
-        ->check(CLI::IsMember(names));
+        ->check(oneOf(names));
     factors->require_option(1);
     command
         ->add_option("--from-units", m_fromUnits,
                      "What the units are, where the drawing names none or wrong ones")
-        ->check(CLI::IsMember(names));
+        ->check(oneOf(names));
     command->add_flag("--leave-behind", m_isLeavingBehind,
                       "Save even if entities that cannot be scaled stay as they are");
     command->footer(

@@ -6,6 +6,7 @@
 #include "commands/DrawingCommand.h"
 #include "commands/Progress.h"
 #include "commands/SpaceChange.h"
+#include "commands/Usage.h"
 #include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
@@ -27,8 +28,8 @@ class ToOriginCommand : public DrawingCommand {
         "to-origin", "Move a drawing so that a corner or the centre of its extents is at 0,0");
     m_options.declareFiles(*command);
     command->add_option("--at", m_at, "Which point comes to the origin")
-        ->check(CLI::IsMember(kPositions))
-        ->type_name("left-top|left-bottom|right-top|right-bottom|center")
+        ->check(oneOf({"left-top", "left-bottom", "right-top", "right-bottom", "center"}))
+        ->type_name("POINT")
         ->required();
     command->add_flag("--leave-behind", m_isLeavingBehind,
                       "Save even if entities that cannot be moved stay where they are");

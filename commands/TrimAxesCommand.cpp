@@ -1,6 +1,8 @@
 // quoin trim-axes: cuts grid lines to their outermost crossings with each other.
 #include <fmt/format.h>
 
+#include <cmath>
+
 #include "AxisLineCutAlg.h"
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
@@ -33,20 +35,32 @@ class TrimAxesCommand : public DrawingCommand {
     m_options.declareLayers(*command,
                             "Layers with the grid lines, * and ? allowed; may be repeated");
     command->get_option("--layer")->required();
+    command
+        ->add_option("--overhang", m_overhang,
+                     "How far a grid line goes on beyond its outermost crossings, drawing units, "
+                     "so that its bubble stays attached; never beyond its old end")
+        ->capture_default_str();
     command->footer(
         "A grid line with fewer than two crossings stays as it is. Lines on locked layers are\n"
         "left alone and cut nothing.\n\n"
         "Example:\n"
-        "  quoin trim-axes plan.dxf --layer 'S-GRID*' -o trimmed.dxf --picture trimmed.png");
+        "  quoin trim-axes plan.dxf --layer 'S-GRID*' --overhang 800 -o trimmed.dxf");
     return command;
   }
 
   std::string name() const override { return "trim-axes"; }
+  void prepare() override {
+    if (!(m_overhang >= 0.0) || !std::isfinite(m_overhang)) {
+      throw CommandError(ExitCode::Usage,
+                         fmt::format("--overhang {}: a length is 0 or more", m_overhang));
+    }
+  }
+
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
     const SingleLines found = collectSingleLines(drawing, layers, false);
     checkAnyLine(drawing, layers, found);
-    const std::vector<TrimmedAxis> axes = trim(found.lines);
+    const std::vector<TrimmedAxis> axes = trim(found.lines, m_overhang);
     Picture picture;
     if (job.hasPicture()) {
       picture = paint(drawing, axes);
@@ -65,12 +79,20 @@ class TrimAxesCommand : public DrawingCommand {
     job.render(picture);
     tell(drawing, layers, found, axes, report);
     if (report.isJson()) {
-      addJson(layers, found, axes, report.json);
+      addJson(drawing, layers, found, axes, m_overhang, report.json);
     }
   }
 
  private:
-  static std::vector<TrimmedAxis> trim(const std::vector<SingleLine>& lines) {
+  /// The crossing, moved by the overhang towards the end that the line had, and not beyond it.
+  static AcGePoint3d withOverhang(const AcGePoint3d& crossing, const AcGePoint3d& end,
+                                  double overhang) {
+    const AcGeVector3d cutOff = end - crossing;
+    const double length = cutOff.length();
+    return length <= overhang ? end : crossing + cutOff * (overhang / length);
+  }
+
+  static std::vector<TrimmedAxis> trim(const std::vector<SingleLine>& lines, double overhang) {
     AxisLineCutAlg algorithm;
     for (const SingleLine& line : lines) {
       algorithm.AppendSrcAxisLine(new AxisLikeLineSeg{line.start, line.end});
@@ -80,7 +102,12 @@ class TrimAxesCommand : public DrawingCommand {
     std::vector<TrimmedAxis> axes;
     for (std::size_t i = 0; i < lines.size(); ++i) {
       const AxisLikeLineSeg& trimmed = *algorithm.GetDestAxisLines()[i];
-      axes.push_back({&lines[i], trimmed.ptStart, trimmed.ptEnd});
+      if (overhang > 0.0) {
+        axes.push_back({&lines[i], withOverhang(trimmed.ptStart, lines[i].start, overhang),
+                        withOverhang(trimmed.ptEnd, lines[i].end, overhang)});
+      } else {
+        axes.push_back({&lines[i], trimmed.ptStart, trimmed.ptEnd});
+      }
     }
     return axes;
   }
@@ -132,23 +159,25 @@ class TrimAxesCommand : public DrawingCommand {
     tellLeftOut(drawing, found, false, report);
   }
 
-  static void addJson(const std::set<std::wstring>& layers, const SingleLines& found,
-                      const std::vector<TrimmedAxis>& axes, nlohmann::json& report) {
+  static void addJson(const Drawing& drawing, const std::set<std::wstring>& layers,
+                      const SingleLines& found, const std::vector<TrimmedAxis>& axes,
+                      double overhang, nlohmann::json& report) {
     report.update({{"layers", namesJson(layers)},
                    {"lines", axes.size()},
+                   {"overhang", overhang},
                    {"changes", nlohmann::json::array()}});
     addLeftOut(found, report);
     for (const TrimmedAxis& axis : axes) {
       if (axis.isChanged()) {
-        const std::string handle = handleText(axis.line->entity);
-        report["changes"].push_back(
-            {{"source", handle},
-             {"results", nlohmann::json::array({{{"handle", handle},
-                                                 {"start", pointJson(axis.start)},
-                                                 {"end", pointJson(axis.end)}}})}});
+        nlohmann::json change = sourceJson(drawing, axis.line->entity);
+        change["results"] =
+            nlohmann::json::array({lineJson(handleText(axis.line->entity), axis.start, axis.end)});
+        report["changes"].push_back(std::move(change));
       }
     }
   }
+
+  double m_overhang = 0.0;
 };
 
 }  // namespace

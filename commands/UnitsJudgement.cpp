@@ -196,24 +196,6 @@ std::vector<double> readDimensions(Drawing& drawing) {
 
 }  // namespace
 
-const std::vector<NamedUnit>& namedUnits() {
-  static const std::vector<NamedUnit> kUnits{{"mm", AcDb::kUnitsMillimeters, 1.0},
-                                             {"cm", AcDb::kUnitsCentimeters, 10.0},
-                                             {"m", AcDb::kUnitsMeters, 1000.0},
-                                             {"in", AcDb::kUnitsInches, 25.4},
-                                             {"ft", AcDb::kUnitsFeet, 304.8}};
-  return kUnits;
-}
-
-const NamedUnit* unitNamed(std::string_view name) {
-  for (const NamedUnit& unit : namedUnits()) {
-    if (name == unit.name) {
-      return &unit;
-    }
-  }
-  return nullptr;
-}
-
 UnitsEvidence gatherUnitsEvidence(Drawing& drawing, const std::vector<WallLine>& walls) {
   UnitsEvidence evidence;
   evidence.named = drawing.info().units;

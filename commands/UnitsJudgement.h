@@ -10,19 +10,10 @@
 #include <vector>
 
 #include "commands/Drawing.h"
+#include "commands/Units.h"
 #include "commands/WallLines.h"
 
 namespace quoin::commands {
-
-/// A unit that commands know by name: mm, cm, m, in, ft.
-struct NamedUnit {
-  const char* name;
-  AcDb::UnitsValue value;
-  double millimeters;
-};
-const std::vector<NamedUnit>& namedUnits();
-/// Null for a name that is none of them.
-const NamedUnit* unitNamed(std::string_view name);
 
 /// What a drawing shows of its unit.
 struct UnitsEvidence {

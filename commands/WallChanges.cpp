@@ -221,9 +221,7 @@ std::string appendEntity(Drawing& drawing, const AcDbObjectId& block,
 nlohmann::json piecesJson(const std::vector<WallPiece>& pieces) {
   nlohmann::json json = nlohmann::json::array();
   for (const WallPiece& piece : pieces) {
-    json.push_back({{"handle", piece.handle},
-                    {"start", pointJson(piece.start)},
-                    {"end", pointJson(piece.end)}});
+    json.push_back(lineJson(piece.handle, piece.start, piece.end));
   }
   return json;
 }
@@ -231,8 +229,8 @@ nlohmann::json piecesJson(const std::vector<WallPiece>& pieces) {
 nlohmann::json changesJson(const std::vector<WallChange>& changes) {
   nlohmann::json json = nlohmann::json::array();
   for (const WallChange& change : changes) {
-    nlohmann::json entry = {
-        {"source", change.handle}, {"kind", change.kind}, {"results", piecesJson(change.pieces)}};
+    nlohmann::json entry = change.report;
+    entry["results"] = piecesJson(change.pieces);
     if (change.source.isPolylineSegment()) {
       entry["segment"] = change.source.segment;
     }

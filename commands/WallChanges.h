@@ -24,9 +24,9 @@ struct WallPiece {
 /// A wall line and the pieces that take its place, at least two.
 struct WallChange {
   WallLine source;
-  std::string handle;  // the source's
-  std::string kind;    // "LINE", "LWPOLYLINE", ...
   std::vector<WallPiece> pieces;
+  /// What reports say of the source, as it was before the change (sourceJson).
+  nlohmann::json report = nlohmann::json();
 };
 
 /// Changes the drawing and fills in the pieces' handles. Changes of one entity stand together,

@@ -131,4 +131,9 @@ SaveResult writeDrawing(const RecordStore& store, const std::string& path,
   return result;
 }
 
+void writePieces(const RecordStore& store, const std::function<void(std::string_view)>& sink,
+                 const Progress& progress) {
+  codecNamed("DXF").write(store, sink, progress);
+}
+
 }  // namespace quoin::dxf

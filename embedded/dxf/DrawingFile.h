@@ -3,7 +3,9 @@
 // are made of.
 #pragma once
 
+#include <functional>
 #include <string>
+#include <string_view>
 
 #include <optional>
 
@@ -45,5 +47,11 @@ struct SaveResult {
 HOST_API SaveResult writeDrawing(const RecordStore& store, const std::string& path,
                                  const SaveOptions& options = {}, const Progress& progress = {},
                                  os::FileSystem& files = os::systemFiles());
+
+/// Hands the bytes to `sink` that writeDrawing() would write.
+/// Fails: throws FileError with eUserBreak, and what `sink` throws.
+HOST_API void writePieces(const RecordStore& store,
+                          const std::function<void(std::string_view)>& sink,
+                          const Progress& progress = {});
 
 }  // namespace quoin::dxf

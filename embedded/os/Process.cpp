@@ -273,6 +273,10 @@ std::vector<SideResult> runSideBySide(std::size_t count, std::size_t jobs,
   return results;
 }
 
+std::string standardInputPath() {
+  return "/dev/stdin";
+}
+
 std::filesystem::path programPath() {
   std::error_code error;
   const std::filesystem::path path = std::filesystem::read_symlink("/proc/self/exe", error);

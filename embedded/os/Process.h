@@ -17,6 +17,9 @@
 
 namespace quoin::os {
 
+/// The path under which the standard input is read as a file.
+HOST_API std::string standardInputPath();
+
 /// The path of the program that runs; empty where the system does not tell.
 HOST_API std::filesystem::path programPath();
 
