@@ -1,11 +1,13 @@
 #!/usr/bin/python3
-"""End-to-end runs over several drawings, and about what all commands have in common.
+"""End-to-end runs about the manners of the command line: several drawings, streams, help, errors.
 
 usage: manners_cli_test.py [UNITTEST ARGUMENT...]
 The environment is that of quoin_cli_test.py, whose helpers it uses.
 """
 
 import json
+import shutil
+import subprocess
 import sys
 import unittest
 
@@ -44,6 +46,76 @@ class SeveralDrawingsTest(cli.CliTest):
         space.add_line((500123.125, 4649776.0625), (500200.5, 4649776.0625))
         text = self.run_ok("info", self.save("utm.dxf"))
         self.assertIn("500123.125,4649776.0625,0 to 500200.5,4649776.0625,0", text)
+
+
+class PipesTest(cli.CliTest):
+    def test_a_drawing_goes_through_a_pipe(self):
+        space = self.draw("a.dxf")
+        space.add_line((0, 0), (1000, 0), dxfattribs={"layer": "WALL"})
+        space.add_line((400, 0), (400, 800), dxfattribs={"layer": "WALL"})
+        plan = self.save("a.dxf")
+        self.run_ok("break", plan, "-o", self.path("file.dxf"))
+        piped = subprocess.run([cli.QUOIN, "break", "-", "-o", "-"], input=plan.read_bytes(),
+                               capture_output=True, check=False)
+        self.assertEqual(piped.returncode, 0, piped.stderr)
+        self.assertEqual(piped.stdout, self.path("file.dxf").read_bytes())
+        self.assertIn(b"1 of them cut", piped.stderr)
+
+
+class HelpTest(cli.CliTest):
+    def test_help_version_and_hints(self):
+        self.assertEqual(self.run_ok("help", "break"), self.run_ok("break", "--help"))
+        self.assertEqual(self.run_ok("-V"), self.run_ok("--version"))
+        self.assertIn("did you mean break?", self.fails(2, "help", "brek"))
+
+    def test_what_is_mistyped_is_suggested(self):
+        for words, hint in ((("break", "p.dxf", "--laier", "X"), "did you mean --layer?"),
+                            (("info", "p.dxf", "--report", "jsn"), "did you mean json?"),
+                            (("info",), "PLAN is missing"),
+                            (("solid", "p.dxf", "-o", "m.obj", "--layer", "x", "--height", "abc"),
+                             "'abc' is not a number"),
+                            (("break", "p.dxf", "--quiet", "--verbose", "--dry-run"),
+                             "exclude each other")):
+            message = self.fails(2, *words)
+            self.assertTrue(message.startswith("quoin: "), message)
+            self.assertIn(hint, message)
+            self.assertIn(f"quoin {words[0]} --help", message)
+
+    @unittest.skipUnless(shutil.which("groff"), "no groff here")
+    def test_the_manual_page_has_no_mistakes(self):
+        page = self.run_ok("help", "--man").encode()
+        run = subprocess.run(["groff", "-man", "-Kutf8", "-Tutf8", "-ww", "-z"], input=page,
+                             capture_output=True, check=False)
+        self.assertEqual(run.stderr, b"")
+
+    def test_bash_completes_commands_options_and_values(self):
+        script = self.path("quoin.bash")
+        script.write_text(self.run_ok("completion", "bash"))
+        for line, expected in ((["quoin", "br"], ["break"]),
+                               (["quoin", "break", "--lay"], ["--layer"]),
+                               (["quoin", "info", "--report", "j"], ["json"]),
+                               (["quoin", "style", "m"], ["mline"])):
+            program = (f"source {script}; COMP_WORDS=({' '.join(line)}); "
+                       f"COMP_CWORD={len(line) - 1}; _quoin; printf '%s\\n' \"${{COMPREPLY[@]}}\"")
+            shown = subprocess.run(["bash", "-c", program], capture_output=True, text=True,
+                                   check=False)
+            self.assertEqual((shown.stdout.split(), shown.stderr), (expected, ""))
+
+
+class OverhangTest(cli.CliTest):
+    def test_axes_go_on_beyond_their_crossings_but_not_beyond_their_ends(self):
+        space = self.draw("grid.dxf")
+        for x in (0, 6000):
+            space.add_line((x, -900), (x, 5300), dxfattribs={"layer": "GRID"})
+        for y in (0, 5000):
+            space.add_line((-900, y), (6900, y), dxfattribs={"layer": "GRID"})
+        self.run_ok("trim-axes", self.save("grid.dxf"), "--layer", "GRID", "--overhang", "500",
+                    "-o", self.path("o.dxf"))
+        after = [line[:2] for line in cli.lines_of(cli.read(self.path("o.dxf"))[0])]
+        self.assertEqual(after[0], ((0, -500, 0), (0, 5300, 0)))
+        self.assertEqual(after[2], ((-500, 0, 0), (6500, 0, 0)))
+        self.fails(2, "trim-axes", self.path("grid.dxf"), "--layer", "GRID", "--overhang", "-1",
+                   "--dry-run")
 
 
 if __name__ == "__main__":
