@@ -108,7 +108,8 @@ class BreakCommand : public DrawingCommand {
     job.save(drawing);
     job.render(picture);
     for (const WallChange& change : result.changes) {
-      addSlivers(result.slivers, change.pieces, change.handle, result.capture.distance);
+      addSlivers(result.slivers, change.pieces, handleText(change.source.entity),
+                 result.capture.distance);
     }
     tell(drawing, result, report);
     warnOfUnits(m_options.capture, drawing, result.walls.lines, report);

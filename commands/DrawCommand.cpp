@@ -219,7 +219,7 @@ class DrawCommand : public DrawingCommand {
     std::vector<Sliver> slivers;
     for (const DrawnLine& line : drawn) {
       for (const WallChange& change : line.changes) {
-        addSlivers(slivers, change.pieces, change.handle, captureDistance);
+        addSlivers(slivers, change.pieces, handleText(change.source.entity), captureDistance);
       }
       addSlivers(slivers, line.pieces, "the new line", captureDistance);
     }
