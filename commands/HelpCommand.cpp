@@ -24,21 +24,23 @@ class HelpCommand : public Command {
   }
 
   void run() override {
-    fmt::print("{}",
-               m_isManual ? manualPage(*m_program) : named().help("", CLI::AppFormatMode::Normal));
+    fmt::print("{}", m_isManual ? manualPage(*m_program) : helpOfNamed());
   }
 
  private:
-  CLI::App& named() const {
+  /// What `quoin WORDS --help` prints.
+  std::string helpOfNamed() const {
     CLI::App* reached = m_program;
+    std::string path = m_program->get_name();
     for (const std::string& word : m_words) {
       CLI::App* const next = findCommand(*reached, word);
       if (!next) {
         throw CommandError(ExitCode::Usage, noCommand(word, *reached));
       }
       reached = next;
+      path += " " + reached->get_name();
     }
-    return *reached;
+    return reached->get_formatter()->make_help(reached, path, CLI::AppFormatMode::Normal);
   }
 
   CLI::App* m_program = nullptr;

@@ -73,7 +73,7 @@ void checkAnyLine(const Drawing& drawing, const std::set<std::wstring>& layers,
                   const SingleLines& found) {
   if (found.lines.empty()) {
     throw CommandError(ExitCode::NothingToDo,
-                       fmt::format("{}: no LINE to work on on {}; there is {}",
+                       fmt::format("{}: no LINE to work on, on {}; what is there: {}",
                                    drawing.file().string(), namesText(layers), leftOutText(found)));
   }
 }

@@ -104,7 +104,7 @@ void checkAnyWallLine(const Drawing& drawing, const std::set<std::wstring>& laye
   if (walls.lines.empty()) {
     throw CommandError(
         ExitCode::NothingToDo,
-        fmt::format("{}: no LINE and no straight polyline segment on {}; there is {}",
+        fmt::format("{}: no LINE and no straight polyline segment on {}; what is there: {}",
                     drawing.file().string(), namesText(layers), leftOutText(walls)));
   }
 }

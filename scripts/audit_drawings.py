@@ -126,7 +126,7 @@ def break_and_compare(quoin, source, folder):
         return f"{source.name}: no lines at all", True
     if run.returncode != 0:
         return f"{source.name}: exit code {run.returncode}: {run.stderr.strip()}", False
-    report = json.loads(run.stdout)
+    report = json.loads(run.stdout)["drawings"][0]
     try:
         complaints, _ = compare(source, written)
     except ezdxf.DXFError as error:

@@ -66,7 +66,7 @@ def hardening_complaints(text, name, fortified):
 def link_complaints(rules):
     """What is wrong with the search paths in the link commands of a build.ninja file."""
     count = 0
-    for places in re.findall(r"-Wl,-rpath,(\S*)", rules):
+    for places in re.findall(r"-Wl,-rpath,\"?([^\s\"]*)", rules):
         count += 1
         for place in places.replace("\\$$", "$").split(":"):
             if wrong := wrong_place(place):
@@ -103,6 +103,7 @@ def self_test():
             "  3: 0 0 FUNC GLOBAL DEFAULT UND __stack_chk_fail@GLIBC_2.4\n"
             "  4: 0 0 FUNC GLOBAL DEFAULT UND __memcpy_chk@GLIBC_2.3.4\n")
     assert not [*link_complaints(r"LINK_FLAGS = -Wl,-rpath,\$$ORIGIN/../lib:\$$ORIGIN -pie")]
+    assert not [*link_complaints(r'LINK_FLAGS = -Wl,-rpath,"\$$ORIGIN/../lib:\$$ORIGIN" -pie')]
     assert [*link_complaints(r"-Wl,-rpath,\$$ORIGIN:::::: -pie")] and [*link_complaints("-pie")]
     name = "libquoinhost.so"
     assert not [*path_complaints(good), *hardening_complaints(good, name, True)]

@@ -166,7 +166,7 @@ class InsideTest(cli.CliTest):
                       self.run_ok("break", plan, "--dry-run", "--in-blocks"))
         report = self.report("draw", plan, "--layer", "A-WALL", "--from", "100,900", "--to",
                              "100,1100", "--in-blocks", "-o", self.path("d.dxf"))
-        self.assertEqual(len(report["drawn"][0]["pieces"]), 2)
+        self.assertEqual(len(report["drawn"][0]["results"]), 2)
         self.assertEqual(report["drawn"][0]["changes"], [])
 
     def test_blocks_inside_themselves_deep_and_in_vast_arrays_end(self):

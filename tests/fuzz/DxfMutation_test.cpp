@@ -166,7 +166,8 @@ TEST(DxfMutation, DamagedDrawingsAreMeasuredAndNeverCrash) {
       EXPECT_NO_THROW(measured += probeDrawing(Mutator(number).mutated(seed)) ? 1 : 0);
     }
   }
-  EXPECT_GT(measured, 200);
+  // Inputs that are all refused at once would test nothing.
+  EXPECT_GT(measured, 100);
 }
 
 }  // namespace

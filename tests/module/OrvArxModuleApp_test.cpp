@@ -84,6 +84,9 @@ TEST_F(ModuleAppTest, UnloadingWithoutInitialisationMakesAndDeletesOneWatcher) {
 
 TEST_F(ModuleAppTest, UnloadingLeavesNoWatcherInMemory) {
   using quoin::test::HeapWatch;
+  // What the host makes at first use and keeps is made by now.
+  ASSERT_EQ(send(AcRx::kInitAppMsg), AcRx::kRetOK);
+  ASSERT_EQ(send(AcRx::kUnloadAppMsg), AcRx::kRetOK);
   for (const bool isInitialised : {true, false}) {
     UserInputStateWatcherDoor::Instance() = nullptr;
     const long alive = HeapWatch::handedOut - HeapWatch::takenBack;
