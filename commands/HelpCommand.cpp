@@ -23,9 +23,7 @@ class HelpCommand : public Command {
     return command;
   }
 
-  void run() override {
-    fmt::print("{}", m_isManual ? manualPage(*m_program) : helpOfNamed());
-  }
+  void run() override { fmt::print("{}", m_isManual ? manualPage(*m_program) : helpOfNamed()); }
 
  private:
   /// What `quoin WORDS --help` prints.
