@@ -230,7 +230,7 @@ std::optional<UnitsDoubt> doubtUnits(const UnitsEvidence& evidence) {
     }
     if (unit) {
       return UnitsDoubt{
-          unit, fmt::format("{}, but the texts of its dimensions make {} of each unit", says,
+          unit, fmt::format("{}, but by the texts of its dimensions a unit is 1 {}", says,
                             unit->name)};
     }
   }

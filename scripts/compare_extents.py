@@ -45,6 +45,9 @@ def explanation(entity):
     fitted = 2 | 4  # curve fit or spline fit vertices
     if kind == "POLYLINE" and entity.dxf.flags & fitted:
         return "ezdxf measures the frame of smoothed polylines, we what is shown"
+    if kind == "INSERT" and any(part.dxf.get("invisible") for part in entity.block() or ()
+                                if part.dxf.is_supported("invisible")):
+        return "ezdxf counts the invisible parts of a block, we what is shown"
     return ""
 
 
