@@ -45,8 +45,9 @@ struct Insert {
 
   std::size_t cells() const { return columns * rows; }
   AcGeMatrix3d cell(std::size_t index) const {
-    const AcGeVector3d move = columnStep * static_cast<double>(index % columns) +
-                              rowStep * static_cast<double>(index / columns);
+    const std::size_t row = index / columns;
+    const AcGeVector3d move = columnStep * static_cast<double>(index - row * columns) +
+                              rowStep * static_cast<double>(row);
     return AcGeMatrix3d().setToTranslation(move) * transform;
   }
 };

@@ -229,9 +229,8 @@ std::optional<UnitsDoubt> doubtUnits(const UnitsEvidence& evidence) {
       return std::nullopt;
     }
     if (unit) {
-      return UnitsDoubt{
-          unit, fmt::format("{}, but by the texts of its dimensions a unit is 1 {}", says,
-                            unit->name)};
+      return UnitsDoubt{unit, fmt::format("{}, but by the texts of its dimensions a unit is 1 {}",
+                                          says, unit->name)};
     }
   }
   const std::size_t pairs = evidence.spacings.size();

@@ -223,11 +223,11 @@ class PlanPainter {
                 double startAngle, double endAngle, const AcGeMatrix3d& toWorld) {
     const AcGeMatrix3d plane = AcGeMatrix3d().setToPlaneToWorld(normal);
     double sweep = endAngle - startAngle;
-    while (sweep <= 0.0 && std::isfinite(sweep)) {
-      sweep += 2.0 * kPi;
-    }
     if (!std::isfinite(sweep)) {
       return;
+    }
+    if (sweep <= 0.0) {
+      sweep = std::fmod(sweep, 2.0 * kPi) + 2.0 * kPi;
     }
     const int chords = std::max(2, static_cast<int>(std::ceil(std::min(sweep, 7.0) / kChordAngle)));
     std::vector<AcGePoint3d> points;

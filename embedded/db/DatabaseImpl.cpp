@@ -58,6 +58,7 @@ void DatabaseImpl::clear() {
   m_unlistedBytes.clear();
   erasedEntries.clear();
   m_extentsMemory = {};
+  m_layerSpellings.clear();
   wasRead = false;
   changes = savedChanges = 0;
 }
@@ -307,6 +308,34 @@ AcDbStub* DatabaseImpl::record(TableKind kind, std::wstring_view name, bool eras
 
 std::wstring DatabaseImpl::layerNameOf(const TagList& tags) const {
   return tags.text(code::kLayer, place::kEntity.in(tags)).value_or(L"0");
+}
+
+const std::wstring& DatabaseImpl::layerSpelling(const std::wstring& name) {
+  if (m_layerSpellingsAt != changes) {
+    m_layerSpellings.clear();
+    m_layerSpellingsAt = changes;
+  }
+  const auto kept = m_layerSpellings.find(name);
+  if (kept != m_layerSpellings.end()) {
+    return kept->second;
+  }
+  std::wstring spelling = name;
+  const Names& known = names(TableKind::Layer);
+  if (const auto found = known.find(os::foldCase(name)); found != known.end()) {
+    bool isFirst = true;
+    for (const AcDbStub* const stub : found->second) {
+      std::wstring own = isErased(*stub) ? std::wstring() : recordName(*stub);
+      if (own == name) {  // a table may list both spellings
+        spelling = name;
+        break;
+      }
+      if (isFirst && !own.empty()) {
+        spelling = std::move(own);
+        isFirst = false;
+      }
+    }
+  }
+  return m_layerSpellings.emplace(name, std::move(spelling)).first->second;
 }
 
 void DatabaseImpl::ensureRecord(TableKind kind, std::wstring_view name, bool always) {

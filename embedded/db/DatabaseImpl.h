@@ -132,6 +132,9 @@ struct DatabaseImpl {
 
   /// The layer of an entity's record; its name where the tags name none is "0".
   std::wstring layerNameOf(const TagList& tags) const;
+  /// The name as the layer table spells it: names that differ in case only are one layer. A name
+  /// of no layer stays as it is.
+  const std::wstring& layerSpelling(const std::wstring& name);
   AcDbStub* layer(std::wstring_view name) { return record(TableKind::Layer, name); }
   /// Every record of this kind that a drawing's new record names and lacks is made with the
   /// settings of a new one, in files that have such a table at all; `always` makes the table
@@ -165,6 +168,9 @@ struct DatabaseImpl {
   void describeUnlisted(const AcDbStub& stub, TableKind kind, std::wstring_view name);
 
   std::array<std::unique_ptr<Names>, kTableKinds> m_names;
+  /// By the names that were asked for, while the drawing is as it was at that count of changes.
+  std::unordered_map<std::wstring, std::wstring> m_layerSpellings;
+  std::uint64_t m_layerSpellingsAt = 0;
   ExtentsMemory m_extentsMemory;
   /// Heads of tables that the file lacks.
   std::deque<AcDbStub> m_ownHeads;

@@ -225,9 +225,11 @@ std::wstring layerName(const AcDbObjectId& id) {
   if (!stub) {
     return {};
   }
-  const DatabaseImpl& database = DatabaseImpl::of(*stub);
+  DatabaseImpl& database = DatabaseImpl::of(*stub);
   try {
-    return database.isEntity(*stub) ? database.layerNameOf(database.tagsOf(*stub)) : std::wstring();
+    return database.isEntity(*stub)
+               ? database.layerSpelling(database.layerNameOf(database.tagsOf(*stub)))
+               : std::wstring();
   } catch (...) {
     statusOfException();
     return {};

@@ -317,6 +317,19 @@ class BreakTest(CliTest):
         report = self.report("break", self.save("l.dxf"), "-o", self.path("o.dxf"))
         self.assertEqual((report["linesCut"], report["heldByLockedLayers"]), (1, 1))
 
+    def test_layer_names_that_differ_in_case_are_one_layer(self):
+        space = self.draw("case.dxf")
+        self.documents["case.dxf"].layers.new("WALL-A").lock()
+        space.add_line((0, 0), (1000, 0), dxfattribs={"layer": "wall-a"})
+        space.add_line((400, 0), (400, 800), dxfattribs={"layer": "Wall"})
+        plan = self.save("case.dxf")
+        layers = {layer["name"].upper(): layer["kinds"]
+                  for layer in self.report("info", plan)["layers"]}
+        self.assertEqual(layers["WALL-A"], {"LINE": 1})
+        self.assertEqual(layers["WALL"], {"LINE": 1})
+        report = self.report("break", plan, "-o", self.path("o.dxf"))
+        self.assertEqual((report["wallLines"], report["heldByLockedLayers"]), (2, 1))
+
     def test_a_layer_without_lines_is_told_and_nothing_is_written(self):
         self.draw("none.dxf").add_circle((0, 0), 5, dxfattribs={"layer": "WALL"})
         plan = self.save("none.dxf")
