@@ -48,6 +48,22 @@ void checkDrawingName(const std::string& file) {
   }
 }
 
+/// Allows the names that drawings can be read with.
+CLI::Validator knownCodePage() {
+  return CLI::Validator(
+      [](const std::string& name) {
+        if (hostx::isKnownCodePage(os::fromUtf8(name).c_str())) {
+          return std::string();
+        }
+        return fmt::format(
+            "'{}' is no code page that is known; there are utf-8, gbk, big5, shift_jis, johab, "
+            "euc-kr, koi8-r, macintosh, and those with a number: cp1252, ansi_936, dos850, "
+            "iso8859-1",
+            name);
+      },
+      "");
+}
+
 void makeFolder(const std::string& folder) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
@@ -79,6 +95,12 @@ void CommonOptions::declarePlans(CLI::App& command) {
   command.add_option("--report", report, "text or json")
       ->check(oneOf({"text", "json"}))
       ->capture_default_str();
+  command
+      .add_option("--code-page", codePage,
+                  "What PLAN's text is written in, where it says nothing or is wrong: gbk, big5, "
+                  "shift_jis, cp1251, utf-8, ...")
+      ->type_name("NAME")
+      ->check(knownCodePage());
   CLI::Option* const quiet =
       command.add_flag("-q,--quiet", isQuiet, "Print errors and warnings alone");
   command.add_flag("-v,--verbose", isVerbose, "Name every change in the text report")

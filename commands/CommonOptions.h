@@ -26,6 +26,7 @@ struct CommonOptions {
   std::string report = "text";
   bool isQuiet = false;
   bool isVerbose = false;
+  std::string codePage;  // of the drawings' text; empty: as they say themselves
   std::size_t jobs = 1;
   std::vector<std::string> layers;
   CaptureOptions capture;
@@ -34,7 +35,8 @@ struct CommonOptions {
   /// What replaces the ending of PLAN's name in a folder; empty: the result is named as PLAN is.
   std::string resultEnding;
 
-  /// Adds PLAN... and what tells how the run is reported: --report, --quiet, --verbose, --jobs.
+  /// Adds PLAN... with --code-page, and what tells how the run goes and is reported: --report,
+  /// --quiet, --verbose, --jobs.
   void declarePlans(CLI::App& command);
   void declarePicture(CLI::App& command, const std::string& what);
   /// Adds all of the above with -o, --in-place and --dry-run.

@@ -44,9 +44,12 @@ std::size_t LayerContent::count() const {
   return sum;
 }
 
-Drawing::Drawing(const std::filesystem::path& file)
+Drawing::Drawing(const std::filesystem::path& file, const std::string& codePage)
     : m_file(file == kStandardStream ? "standard input" : file),
       m_database(std::make_unique<AcDbDatabase>(false, true)) {
+  if (hostx::setCodePage(m_database.get(), os::fromUtf8(codePage).c_str()) != Acad::eOk) {
+    throw CommandError(ExitCode::Usage, fmt::format("no code page '{}' is known", codePage));
+  }
   Acad::ErrorStatus status;
   {
     const FileProgress progress(m_database.get(), "Reading " + m_file.filename().string());

@@ -31,9 +31,11 @@ inline constexpr const char* kStandardStream = "-";
 
 class Drawing {
  public:
-  /// Reads the file; kStandardStream is the standard input.
-  /// Fails: throws CommandError (InputUnreadable, Interrupted) with file, line and cause.
-  explicit Drawing(const std::filesystem::path& file);
+  /// Reads the file; kStandardStream is the standard input. Its text is in `codePage`, or where
+  /// that is empty in what the file names.
+  /// Fails: throws CommandError (InputUnreadable, Interrupted) with file, line and cause; Usage for
+  /// a code page that nobody knows.
+  explicit Drawing(const std::filesystem::path& file, const std::string& codePage = "");
   ~Drawing();
 
   AcDbDatabase& database() { return *m_database; }

@@ -276,7 +276,7 @@ void DrawingCommand::run() {
   const auto workOn = [&](std::size_t i) {
     return tryWork(m_options.wanted(), [&](Report& report) {
       checkPlaces(jobs[i]);
-      Drawing drawing(jobs[i].input);
+      Drawing drawing(jobs[i].input, m_options.codePage);
       report.json["input"] = fileJson(drawing);
       for (const std::wstring& warning : hostx::warnings(&drawing.database())) {
         report.warn(os::toUtf8(warning));

@@ -48,6 +48,47 @@ class SeveralDrawingsTest(cli.CliTest):
         self.assertIn("500123.125,4649776.0625,0 to 500200.5,4649776.0625,0", text)
 
 
+class CodePageTest(cli.CliTest):
+    def plan(self):
+        """A drawing in GBK that does not say so."""
+        space = self.draw("gbk.dxf", "R2000")
+        document = self.documents["gbk.dxf"]
+        document.encoding = "gbk"
+        document.layers.add("墙")
+        space.add_line((0, 0), (1000, 0), dxfattribs={"layer": "墙"})
+        space.add_line((400, 0), (400, 800), dxfattribs={"layer": "墙"})
+        whole = self.save("gbk.dxf").read_bytes()
+        begin = whole.index(b"  9\n$DWGCODEPAGE")
+        end = whole.index(b"  9\n", begin + 4)
+        self.assertIn("墙".encode("gbk"), whole)
+        self.path("gbk.dxf").write_bytes(whole[:begin] + whole[end:])
+        return self.path("gbk.dxf")
+
+    def test_a_drawing_that_names_none_is_read_in_the_one_given(self):
+        plan = self.plan()
+        self.fails(4, "break", plan, "--dry-run")
+        report = self.report("break", plan, "-o", self.path("o.dxf"), "--code-page", "GBK")
+        self.assertEqual((report["layers"], report["linesCut"]), (["墙"], 1))
+        written = self.path("o.dxf").read_bytes()
+        self.assertNotIn(b"$DWGCODEPAGE", written)
+        self.assertEqual(written.count("墙".encode("gbk")),
+                         plan.read_bytes().count("墙".encode("gbk")) + 1)
+
+    def test_every_command_takes_it_from_a_pipe_too(self):
+        plan = self.plan()
+        for command in ("info", "extents"):
+            self.run_ok(command, plan, "--code-page", "ansi_936")
+        piped = subprocess.run([cli.QUOIN, "break", "-", "-o", "-", "--code-page", "gbk"],
+                               input=plan.read_bytes(), capture_output=True, check=False)
+        self.assertEqual(piped.returncode, 0, piped.stderr)
+        self.assertIn("墙", piped.stderr.decode())
+
+    def test_one_that_nobody_knows_is_refused_with_names_that_are(self):
+        message = self.fails(2, "info", self.plan(), "--code-page", "gibberish")
+        self.assertIn("--code-page: 'gibberish' is no code page that is known; there are utf-8, "
+                      "gbk", message)
+
+
 class PipesTest(cli.CliTest):
     def test_a_drawing_goes_through_a_pipe(self):
         space = self.draw("a.dxf")
