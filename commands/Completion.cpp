@@ -186,8 +186,8 @@ std::string fishScript(const Commands& commands) {
 }  // namespace
 
 const std::vector<std::string>& shellsWithCompletion() {
-  static const std::vector<std::string> s_shells{"bash", "zsh", "fish"};
-  return s_shells;
+  static const std::vector<std::string> kShells{"bash", "zsh", "fish"};
+  return kShells;
 }
 
 std::string completionScript(const CLI::App& program, const std::string& shell) {

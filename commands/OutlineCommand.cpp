@@ -135,6 +135,7 @@ class OutlineCommand : public DrawingCommand {
     }
     static std::vector<AcGePoint3d> startsOf(const std::vector<WallDrawingSeg>& segs) {
       std::vector<AcGePoint3d> starts;
+      starts.reserve(segs.size());
       for (const WallDrawingSeg& seg : segs) {
         starts.push_back(seg.ptStart);
       }
