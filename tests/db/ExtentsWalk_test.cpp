@@ -74,7 +74,7 @@ TEST(ExtentsWalk, BlocksThatShowMoreThanAnybodyCouldVisitCountWithTheirBoxes) {
   const Drawing drawing(drawingOf(nested(30, 10), insert("B30", 0.0) + insert("B30", 0.0) + kLine));
   const std::vector<AcDbExtents> boxes = boxesOf(drawing);
   ASSERT_EQ(boxes.size(), 3u);
-  for (const int i : {0, 1}) {
+  for (const std::size_t i : {0U, 1U}) {
     EXPECT_EQ(boxes[i].minPoint(), AcGePoint3d(30.0, 0.0, 0.0));
     EXPECT_EQ(boxes[i].maxPoint(), AcGePoint3d(301.0, 1.0, 0.0));
   }

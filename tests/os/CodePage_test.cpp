@@ -142,7 +142,8 @@ std::string respelled(const CodePage& page, const std::string& bytes) {
     spelled.push_back(bytes[at]);
     bool isLead = false;
     for (unsigned trail = 0; trail < 256 && byteAt(at) >= 0x80; ++trail) {
-      isLead = isLead || page.characterOf(static_cast<std::uint16_t>(byteAt(at) << 8 | trail)) != 0;
+      isLead = isLead ||
+               page.characterOf(static_cast<std::uint16_t>(unsigned{byteAt(at)} << 8 | trail)) != 0;
     }
     ++at;
     if (isLead && at < bytes.size() && byteAt(at) >= 0x80) {
