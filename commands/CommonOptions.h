@@ -88,7 +88,7 @@ nlohmann::json pointJson(const AcGePoint3d& point);
 nlohmann::json lineJson(const std::string& handle, const AcGePoint3d& start,
                         const AcGePoint3d& end);
 nlohmann::json fileJson(const Drawing& drawing);
-/// The version of the reports' form (docs/report.schema.json); it grows when a reader must change.
+/// The version of the reports' form; it grows when a reader must change.
 inline constexpr int kReportVersion = 1;
 /// Prints a report; bytes of names that are no UTF-8 are replaced.
 void printJson(const nlohmann::json& report, std::FILE* stream = stdout);
