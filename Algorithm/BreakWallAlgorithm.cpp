@@ -312,9 +312,6 @@ void CBreakWallAlgorithm::SplitWallLines() {
       for (const CEndPointIndex::End& end : batch) {
         ReadAhead(*m_srcWallLines[end.Line()]);
       }
-      for (const CEndPointIndex::End& end : ends.first(std::min(ends.size(), kBatch))) {
-        AskFor(*m_srcWallLines[end.Line()]);
-      }
       atHand.clear();
       near.Clear();
       for (const CEndPointIndex::End& start : batch) {

@@ -1,6 +1,8 @@
 // Intersecting star-shaped polygons whose outlines cross at few edges or at nearly all. Peer:
-// GEOS's intersection of ready geometries alone.
+// GEOS's intersection of the same numbers.
 #include <memory>
+#include <utility>
+#include <vector>
 
 #include "GeomPolygon.h"
 #include "bench/Geos.h"
@@ -23,13 +25,12 @@ struct Polygons {
   CGeomPolygon second;
 };
 
-struct Geometries {
-  Geometries(std::size_t edges, bool sameCentre)
-      : first(context.polygon(star(edges, 0, sameCentre))),
-        second(context.polygon(star(edges, 1, sameCentre))) {}
+struct Outlines {
+  Outlines(std::size_t edges, bool sameCentre)
+      : first(star(edges, 0, sameCentre)), second(star(edges, 1, sameCentre)) {}
   GeosContext context;
-  GeosContext::Owned first;
-  GeosContext::Owned second;
+  std::vector<std::pair<double, double>> first;
+  std::vector<std::pair<double, double>> second;
 };
 
 std::size_t intersectByModule(Polygons& polygons) {
@@ -37,10 +38,12 @@ std::size_t intersectByModule(Polygons& polygons) {
   polygons.first.IntersectWith(polygons.second, intersects);
   return polygons.first.GetPolygonVertextArray().size();
 }
-std::size_t intersectByGeos(Geometries& geometries) {
-  const GeosContext& context = geometries.context;
-  const GeosContext::Owned result = context.own(
-      GEOSIntersection_r(context.handle(), geometries.first.get(), geometries.second.get()));
+std::size_t intersectByGeos(Outlines& outlines) {
+  const GeosContext& context = outlines.context;
+  const GeosContext::Owned first = context.polygon(outlines.first);
+  const GeosContext::Owned second = context.polygon(outlines.second);
+  const GeosContext::Owned result =
+      context.own(GEOSIntersection_r(context.handle(), first.get(), second.get()));
   return static_cast<std::size_t>(GEOSGetNumCoordinates_r(context.handle(), result.get())) - 1;
 }
 
@@ -56,7 +59,7 @@ void registerPolygon() {
           intersectByModule, edges > 1000 ? 20 : 100);
       measure(
           workload, "intersection", edges,
-          [=](std::size_t size) { return std::make_unique<Geometries>(size, sameCentre); },
+          [=](std::size_t size) { return std::make_unique<Outlines>(size, sameCentre); },
           intersectByGeos, edges > 1000 ? 20 : 100);
     }
   }

@@ -2,8 +2,6 @@
 
 #include <stdexcept>
 
-#include "DoublePair.h"
-
 namespace {
 
 /// So many that a column's width comes out right to within this part.
@@ -133,17 +131,15 @@ void CEndPointIndex::MakeRows(bool inOrder) {
 /// Finds the column's bounds and rows and puts its ends into them; `inOrder`: each row in order.
 void CEndPointIndex::MakeRowsOf(Column& column, std::span<End> ends, bool inOrder,
                                 std::vector<End>& moved) {
-  CDoublePair min(ends.front().x, ends.front().y);
-  CDoublePair max = min;
+  column.minX = column.maxX = ends.front().x;
+  column.minY = ends.front().y;
+  double maxY = column.minY;
   for (const End& end : ends) {
-    const CDoublePair xy(end.x, end.y);
-    min = Min(min, xy);
-    max = Max(max, xy);
+    column.minX = std::min(column.minX, end.x);
+    column.maxX = std::max(column.maxX, end.x);
+    column.minY = std::min(column.minY, end.y);
+    maxY = std::max(maxY, end.y);
   }
-  column.minX = min.First();
-  column.maxX = max.First();
-  column.minY = min.Second();
-  const double maxY = max.Second();
   column.firstRow = static_cast<std::uint32_t>(m_rowFirst.size() - 1);
   column.rows = static_cast<std::uint32_t>(ends.size() / kEndsPerRow + 1);
   const double rowsPerUnit = column.rows / (maxY - column.minY);

@@ -6,7 +6,6 @@
 #include <cmath>
 #include <utility>
 
-#include "embedded/db/OutlineCrossings.h"
 #include "gegbl.h"
 
 namespace quoin::db {
@@ -43,6 +42,9 @@ struct GeometryDeleter {
   void operator()(GEOSGeometry* geometry) const { GEOSGeom_destroy_r(geos(), geometry); }
 };
 using Geometry = std::unique_ptr<GEOSGeometry, GeometryDeleter>;
+
+/// The corners of an outline, x and y in turn; the last corner is the first.
+using RingBuffer = std::vector<double>;
 
 RingBuffer ringBuffer(const RegionLoop& loop, const RegionPlane& plane) {
   RingBuffer buffer;
@@ -226,29 +228,6 @@ double reachOf(const GEOSGeometry* polygon, const RegionPlane& plane) {
   return reach;
 }
 
-/// The library's own point, so that it does not show who found the crossing.
-bool crossingPoint(const double* own, const double* other, double* point) {
-  return GEOSSegmentIntersection_r(geos(), own[0], own[1], own[2], own[3], other[0], other[1],
-                                   other[2], other[3], point, point + 1) == 1;
-}
-
-/// The intersection of two polygons without holes whose outlines cross clearly; null otherwise.
-Geometry clearIntersection(const GEOSGeometry* polygon, const RingBuffer& other) {
-  RingBuffer own;
-  for (const auto& [x, y] : cornersOf(GEOSGetExteriorRing_r(geos(), polygon))) {
-    own.insert(own.end(), {x, y});
-  }
-  const auto rings = quoin::db::clearIntersection(own, other, crossingPoint);
-  if (!rings) {
-    return nullptr;
-  }
-  std::vector<GEOSGeometry*> polygons;
-  for (const RingBuffer& ring : *rings) {
-    polygons.push_back(polygonOf(ringOf(ring)).release());
-  }
-  return collected(std::move(polygons));
-}
-
 }  // namespace
 
 // --- the plane --------------------------------------------------------------------------------
@@ -377,11 +356,7 @@ Acad::ErrorStatus RegionShape::combined(const RegionShape& other, AcDb::BoolOper
   }
   // In this plane's coordinates.
   Geometry combination;
-  if (operation == AcDb::kBoolIntersect && own.size() == 1 && otherFaces.size() == 1 &&
-      otherFaces.front().size() == 1 && GEOSGetNumInteriorRings_r(geos(), own.front()) == 0) {
-    combination = clearIntersection(own.front(), ringBuffer(otherFaces.front().front(), m_plane));
-  }
-  const Geometry operand = combination ? nullptr : quoin::db::geometryOf(otherFaces, m_plane);
+  const Geometry operand = quoin::db::geometryOf(otherFaces, m_plane);
   if (operand) {
     switch (operation) {
       case AcDb::kBoolUnite:
