@@ -8,9 +8,11 @@
 #include "BreakWallAlgorithm.h"
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
+#include "commands/Explode.h"
 #include "commands/Junctions.h"
 #include "commands/LayerChoice.h"
 #include "commands/Progress.h"
+#include "commands/ReportFields.h"
 #include "commands/WallChanges.h"
 #include "commands/WallLines.h"
 #include "commands/Words.h"
@@ -37,8 +39,10 @@ struct BreakResult {
   Capture capture{};
   std::vector<NamedBreak> named;
   std::vector<WallChange> changes;
-  std::size_t heldByLock = 0;  // lines on locked layers that would have been cut
-  std::size_t heldInside = 0;  // the same of blocks and multilines
+  std::size_t heldByLock = 0;       // lines on locked layers that would have been cut
+  std::vector<std::size_t> inside;  // lines that blocks and multilines show and that would be cut
+  std::vector<ExplodedEntity> exploded;
+  std::vector<LeftWhole> leftWhole;
   std::vector<Sliver> slivers;
   OpenJunctions second;  // what a second run would cut
 
@@ -63,7 +67,7 @@ class BreakCommand : public DrawingCommand {
         "Layers with wall lines, * and ? allowed; may be repeated. Default: "
         "layers whose name has a word for wall (wall, mur, muro, Wand, 墙, ...)");
     m_options.declareScale(*command);
-    m_options.declareInBlocks(*command);
+    m_options.declareInBlocks(*command, "what shows a line that is cut is exploded");
     command->add_flag("--same-layer", m_isSameLayer,
                       "A line is cut only by ends of lines on its own layer");
     addRepeated(*command, "--at", m_at,
@@ -93,7 +97,7 @@ class BreakCommand : public DrawingCommand {
     result.walls = collectWallLines(drawing, result.layers, m_options.takesInside);
     checkAnyWallLine(drawing, result.layers, result.walls);
     result.capture = setCapture(m_options.capture, drawing);
-    split(result);
+    splitAll(drawing, result);
     lookAtPieces(result);
     if (report.isJson()) {
       for (WallChange& change : result.changes) {
@@ -106,24 +110,24 @@ class BreakCommand : public DrawingCommand {
       applyWallChanges(drawing, result.changes);
     }
     job.save(drawing);
-    job.render(picture);
+    job.render(picture, report);
     for (const WallChange& change : result.changes) {
-      addSlivers(result.slivers, change.pieces, handleText(change.source.entity),
-                 result.capture.distance);
+      addSlivers(result.slivers, change, result.capture.distance);
     }
     tell(drawing, result, report);
     warnOfUnits(m_options.capture, drawing, result.walls.lines, report);
     if (report.isJson()) {
-      addJson(result, report.json);
+      addJson(drawing, result, report.json);
     }
   }
 
  private:
-  static NamedBreak findNearest(const std::vector<WallLine>& lines, const AcGePoint3d& asked) {
+  static NamedBreak findNearest(const std::vector<WallLine>& lines, const Exploder& exploder,
+                                const AcGePoint3d& asked) {
     NamedBreak named{asked, asked, 0};
     double least = HUGE_VAL;
     for (std::size_t i = 0; i < lines.size(); ++i) {
-      if (lines[i].within) {
+      if (lines[i].within && exploder.isLeftWhole(lines[i].within->entity)) {
         continue;
       }
       const AcGePoint3d foot = AcGeLineSeg3d(lines[i].start, lines[i].end).closestPointTo(asked);
@@ -141,19 +145,38 @@ class BreakCommand : public DrawingCommand {
     return named;
   }
 
-  /// Breaks the lines, each layer's among themselves where the options say so.
-  void split(BreakResult& result) const {
+  /// Breaks the lines. What shows lines that are cut is exploded first, and all are broken anew:
+  /// the same lines, which stand in model space then.
+  void splitAll(Drawing& drawing, BreakResult& result) const {
+    Exploder exploder(drawing, result.layers);
+    result.walls.isInsideCut = m_options.takesInside;
+    split(result, exploder);
+    while (exploder.explode(result.walls, result.inside)) {
+      result.walls.lines = collectWallLines(drawing, result.layers, true).lines;
+      split(result, exploder);
+    }
+    result.exploded = exploder.exploded();
+    result.leftWhole = exploder.leftWhole(result.walls, result.inside);
+  }
+
+  /// Breaks the lines as they are, each layer's among themselves where the options say so.
+  void split(BreakResult& result, const Exploder& exploder) const {
+    result.named.clear();
+    result.changes.clear();
+    result.inside.clear();
+    result.heldByLock = 0;
     const std::vector<WallLine>& lines = result.walls.lines;
     std::map<std::wstring, std::vector<std::size_t>> groups;
     for (std::size_t i = 0; i < lines.size(); ++i) {
       groups[m_isSameLayer ? lines[i].layer() : std::wstring()].push_back(i);
     }
     for (const AcGePoint3d& point : m_asked) {
-      result.named.push_back(findNearest(lines, point));
+      result.named.push_back(findNearest(lines, exploder, point));
     }
     for (const auto& [layer, group] : groups) {
       splitGroup(result, group);
     }
+    std::sort(result.inside.begin(), result.inside.end());
   }
 
   static void splitGroup(BreakResult& result, const std::vector<std::size_t>& group) {
@@ -178,7 +201,8 @@ class BreakCommand : public DrawingCommand {
 
     const std::vector<WallLineLikeSeg*>& pieces = algorithm.GetNewWallLines();
     for (std::size_t i = 0; i < pieces.size();) {
-      const WallLine& line = lines[numberOf.at(pieces[i]->pSrcLine)];
+      const std::size_t index = numberOf.at(pieces[i]->pSrcLine);
+      const WallLine& line = lines[index];
       WallChange change{line, {}};
       const WallLineLikeSeg* const source = pieces[i]->pSrcLine;
       for (; i < pieces.size() && pieces[i]->pSrcLine == source; ++i) {
@@ -187,12 +211,12 @@ class BreakCommand : public DrawingCommand {
       if (change.pieces.size() < 2) {
         continue;  // cut at its own end: the line stays as it is
       }
-      if (line.within) {
-        ++result.heldInside;
-        continue;
-      }
       if (line.isLocked) {
         ++result.heldByLock;
+        continue;
+      }
+      if (line.within) {
+        result.inside.push_back(index);
         continue;
       }
       result.changes.push_back(std::move(change));
@@ -249,12 +273,11 @@ class BreakCommand : public DrawingCommand {
     for (const NamedBreak& named : result.named) {
       addMark(picture, named.asked, MarkShape::Cross, palette::kMark, 6.0);
     }
-    picture.legend = {
-        {"wall, not cut", palette::kWall, false, MarkShape::Dot, kWallWidth},
-        {"pieces of a cut wall,", palette::kFirst, false, MarkShape::Dot, kPieceWidth},
-        {"told apart", palette::kSecond, false, MarkShape::Dot, kPieceWidth},
-        {"break point", palette::kMark, true, MarkShape::Dot},
-        {"rest of the plan", palette::kPlan, false, MarkShape::Dot, 2.0}};
+    picture.legend = {{"wall, not cut", palette::kWall, false, MarkShape::Dot, kWallWidth},
+                      {"piece of a cut wall", palette::kFirst, false, MarkShape::Dot, kPieceWidth},
+                      {"the next piece", palette::kSecond, false, MarkShape::Dot, kPieceWidth},
+                      {"break point", palette::kMark, true, MarkShape::Dot},
+                      {"rest of the plan", palette::kPlan, false, MarkShape::Dot, 2.0}};
     if (!result.named.empty()) {
       picture.legend.push_back({"point asked for", palette::kMark, true, MarkShape::Cross});
     }
@@ -276,9 +299,11 @@ class BreakCommand : public DrawingCommand {
     if (result.heldByLock > 0) {
       report.line("not cut, on locked layers: {}", countText(result.heldByLock, "line"));
     }
-    if (result.heldInside > 0) {
-      report.line("not cut, inside blocks or multilines: {}", countText(result.heldInside, "line"));
+    if (!result.inside.empty()) {
+      report.line("not cut, inside blocks or multilines: {}",
+                  countText(result.inside.size(), "line"));
     }
+    tellExploded(drawing, result.exploded, result.leftWhole, report);
     tellSlivers(result.slivers, report);
     if (result.second.lines > 0) {
       report.line("a second run would cut {} more, at pieces of this one",
@@ -287,19 +312,20 @@ class BreakCommand : public DrawingCommand {
     tellLeftOut(drawing, result.walls, true, report);
   }
 
-  static void addJson(const BreakResult& result, nlohmann::json& report) {
+  static void addJson(const Drawing& drawing, const BreakResult& result, nlohmann::json& report) {
     report.update({{"capture", captureJson(result.capture)},
                    {"layers", namesJson(result.layers)},
-                   {"wallLines", result.walls.lines.size()},
-                   {"linesCut", result.changes.size()},
+                   {"lines", result.walls.lines.size()},
+                   {"changed", result.changes.size()},
                    {"breakPoints", result.cutCount()},
                    {"pieces", result.pieceCount()},
                    {"heldByLockedLayers", result.heldByLock},
-                   {"heldInside", result.heldInside},
+                   {"heldInside", result.inside.size()},
                    {"slivers", sliversJson(result.slivers)},
                    {"secondRun", result.second.lines},
                    {"changes", changesJson(result.changes)}});
-    addLeftOut(result.walls, report);
+    addExploded(drawing, result.exploded, result.leftWhole, report);
+    addLeftOut(drawing, result.walls, report);
   }
 
   std::vector<std::string> m_at;

@@ -8,6 +8,8 @@
 #include "ProjectScale.h"
 #include "commands/CommandError.h"
 #include "commands/UnitsJudgement.h"
+#include "commands/Usage.h"
+#include "commands/Words.h"
 #include "embedded/product/HostApplication.h"
 
 namespace quoin::commands {
@@ -39,6 +41,10 @@ double GivenLength::inUnitsOf(const Drawing& drawing) const {
   return millimeters == 0.0 ? value : value * millimeters / drawing.millimetersPerUnit();
 }
 
+double GivenLength::inMillimeters(const Drawing& drawing) const {
+  return value * (millimeters == 0.0 ? drawing.millimetersPerUnit() : millimeters);
+}
+
 std::optional<GivenLength> parseLength(const std::string& text) {
   std::size_t letters = text.size();
   while (letters > 0 && text[letters - 1] >= 'a' && text[letters - 1] <= 'z') {
@@ -65,7 +71,7 @@ void CaptureOptions::declare(CLI::App& command) {
       command
           .add_option("--units", units,
                       "What a drawing unit is, where the drawing names none or a wrong one")
-          ->check(CLI::IsMember(names));
+          ->check(oneOf(names));
   CLI::Option* const toleranceOption =
       command
           .add_option("--tolerance", tolerance,
@@ -93,9 +99,12 @@ Capture setCapture(const CaptureOptions& options, Drawing& drawing) {
     capture.projectScale = parseAboveZero(options.projectScale).value_or(0.0);
   } else if (!options.tolerance.empty()) {
     capture.source = Capture::Source::Tolerance;
-    capture.projectScale = kCaptureLength / parseLength(options.tolerance)->inUnitsOf(drawing);
+    const GivenLength given = *parseLength(options.tolerance);
+    capture.millimeters = given.inMillimeters(drawing);
+    capture.projectScale = kCaptureLength / given.inUnitsOf(drawing);
   } else {
     capture.source = Capture::Source::Units;
+    capture.millimeters = kDefaultCaptureMillimeters;
     capture.projectScale =
         kCaptureLength / (kDefaultCaptureMillimeters / drawing.millimetersPerUnit());
   }
@@ -105,22 +114,22 @@ Capture setCapture(const CaptureOptions& options, Drawing& drawing) {
     throw CommandError(ExitCode::Usage,
                        fmt::format("no lines are closer than {} {}: give another --tolerance or "
                                    "--project-scale",
-                                   capture.distance, drawing.unitName()));
+                                   numberText(capture.distance), drawing.unitName()));
   }
   HostApplication::current()->platform().projects().current()->setScale(capture.projectScale);
   return capture;
 }
 
 std::string captureText(const Capture& capture, const Drawing& drawing) {
-  std::string text = fmt::format("{:g} {}", capture.distance, drawing.unitName());
+  std::string text = numberText(capture.distance) + " " + drawing.unitName();
   if (capture.source == Capture::Source::ProjectScale) {
-    return text + fmt::format(" (project scale {:g})", capture.projectScale);
+    return text + " (project scale " + numberText(capture.projectScale) + ")";
   }
   const AcDb::UnitsValue units = drawing.info().units;
   if (units == AcDb::kUnitsUndefined && capture.source == Capture::Source::Units) {
     text += " (the drawing has no units: taken as millimetres)";
   } else if (units != AcDb::kUnitsUndefined && units != AcDb::kUnitsMillimeters) {
-    text += fmt::format(" ({:g} mm)", capture.distance * drawing.millimetersPerUnit());
+    text += " (" + numberText(capture.millimeters) + " mm)";
   }
   return text;
 }

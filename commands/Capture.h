@@ -24,6 +24,7 @@ struct GivenLength {
   double millimeters;
 
   double inUnitsOf(const Drawing& drawing) const;
+  double inMillimeters(const Drawing& drawing) const;
 };
 /// "5mm", "0.2 in", "5"; nothing for what is no length above zero.
 std::optional<GivenLength> parseLength(const std::string& text);
@@ -41,8 +42,9 @@ struct CaptureOptions {
 
 struct Capture {
   double projectScale;
-  double distance;    // drawing units
-  std::string units;  // what these are taken for
+  double distance;     // drawing units
+  double millimeters;  // what was asked for; 0 with --project-scale
+  std::string units;   // what these are taken for
   /// Set by --tolerance or --project-scale, or chosen from the drawing's units.
   enum class Source { Units, Tolerance, ProjectScale } source;
 };

@@ -5,6 +5,7 @@
 #include "commands/CommandError.h"
 #include "commands/CommonOptions.h"
 #include "commands/Progress.h"
+#include "commands/ReportFields.h"
 #include "dbobjptr.h"
 #include "embedded/os/Utf8.h"
 
@@ -51,30 +52,6 @@ void changeEach(const Drawing& drawing, const ChosenEntities& chosen,
     check(entity.openStatus(), drawing, id, "open");
     change(*entity.object());
   }
-}
-
-std::string kindsText(const ChosenEntities& chosen) {
-  std::string text;
-  for (const auto& [kind, count] : chosen.countOfKind) {
-    text += fmt::format("{}{} {}", text.empty() ? "" : ", ", count, os::toUtf8(kind));
-  }
-  return text;
-}
-
-nlohmann::json kindsJson(const ChosenEntities& chosen) {
-  nlohmann::json kinds = nlohmann::json::object();
-  for (const auto& [kind, count] : chosen.countOfKind) {
-    kinds[os::toUtf8(kind)] = count;
-  }
-  return kinds;
-}
-
-nlohmann::json changesJson(const Drawing& drawing, const ChosenEntities& chosen) {
-  nlohmann::json changes = nlohmann::json::array();
-  for (const AcDbObjectId& id : chosen.entities) {
-    changes.push_back(sourceJson(drawing, id));
-  }
-  return changes;
 }
 
 }  // namespace quoin::commands

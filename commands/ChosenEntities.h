@@ -3,7 +3,6 @@
 
 #include <functional>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <set>
 #include <string>
 #include <vector>
@@ -27,11 +26,5 @@ ChosenEntities chooseEntities(Drawing& drawing, const std::set<std::wstring>& la
 /// Fails: throws CommandError (EntityFailed) that names the entity which does not open.
 void changeEach(const Drawing& drawing, const ChosenEntities& chosen,
                 const std::function<void(AcDbEntity&)>& change);
-
-/// "3 LINE, 1 TEXT".
-std::string kindsText(const ChosenEntities& chosen);
-nlohmann::json kindsJson(const ChosenEntities& chosen);
-/// Each entity for itself (sourceJson).
-nlohmann::json changesJson(const Drawing& drawing, const ChosenEntities& chosen);
 
 }  // namespace quoin::commands

@@ -15,6 +15,8 @@ enum class ExitCode : int {
   OutputUnwritable = 5,  // the drawing, picture or model cannot be written
   EntityFailed = 6,      // an entity cannot be changed as asked
   NoProject = 7,         // the host has no project open
+  CommandFailed = 8,     // a client module's command threw or crashed
+  ModuleUnloadable = 70,
   InternalError = 71,
   Interrupted = 130
 };

@@ -31,6 +31,7 @@ constexpr const char* kExitCodes =
     "  5    the drawing, picture or model cannot be written\n"
     "  6    an entity cannot be changed as asked\n"
     "  7    no project is open\n"
+    "  8    a client module's command failed\n"
     "  70   a module cannot be loaded\n"
     "  71   internal error\n"
     "  130  interrupted; every file is whole\n";

@@ -26,7 +26,8 @@ OptionWords optionWordsOf(const CLI::Option& option) {
   }
   words.description = option.get_description();
   words.isRequired = option.get_required();
-  words.isRepeatable = option.get_multi_option_policy() == CLI::MultiOptionPolicy::TakeAll;
+  words.isRepeatable = option.get_multi_option_policy() == CLI::MultiOptionPolicy::TakeAll ||
+                       (words.isPositional() && option.get_items_expected_max() > 1);
   return words;
 }
 

@@ -87,7 +87,8 @@ CLI::Option* addRepeated(CLI::App& command, const std::string& names,
 
 void CommonOptions::declarePlans(CLI::App& command) {
   command
-      .add_option("PLAN", plans, "Drawings to read (DXF, ASCII or binary); - is the standard input")
+      .add_option("DRAWING", plans,
+                  "Drawings to read (DXF, ASCII or binary); - is the standard input")
       ->type_name("")
       ->required();
   command.add_option("--jobs", jobs, "How many drawings at a time; 0 for one a processor core")
@@ -96,9 +97,10 @@ void CommonOptions::declarePlans(CLI::App& command) {
       ->check(oneOf({"text", "json"}))
       ->capture_default_str();
   command
-      .add_option("--code-page", codePage,
-                  "What PLAN's text is written in, where it says nothing or is wrong: gbk, big5, "
-                  "shift_jis, cp1251, utf-8, ...")
+      .add_option(
+          "--code-page", codePage,
+          "What DRAWING's text is written in, where it says nothing or is wrong: gbk, big5, "
+          "shift_jis, cp1251, utf-8, ...")
       ->type_name("NAME")
       ->check(knownCodePage());
   CLI::Option* const quiet =
@@ -121,12 +123,13 @@ CLI::Option* CommonOptions::declareOutput(CLI::App& command, const std::string& 
 
 void CommonOptions::declareFiles(CLI::App& command) {
   declarePlans(command);
-  declareOutput(command,
-                "The drawing to write, in PLAN's version and form; of several drawings: a folder, "
-                "or a name with {name} in it; - is the standard output");
-  CLI::Option* const inPlace =
-      command.add_flag("--in-place", isInPlace,
-                       "Write PLAN itself; the old drawing stays beside it as .bak, .2.bak, ...");
+  declareOutput(
+      command,
+      "The drawing to write, in DRAWING's version and form; of several drawings: a folder, "
+      "or a name with {name} in it; - is the standard output");
+  CLI::Option* const inPlace = command.add_flag(
+      "--in-place", isInPlace,
+      "Write DRAWING itself; the old drawing stays beside it as .bak, .2.bak, ...");
   // A setting of the host, which keeps the old drawings.
   command
       .add_option_function<std::string>(
@@ -143,10 +146,10 @@ void CommonOptions::declareLayers(CLI::App& command, const std::string& what) {
   addRepeated(command, "--layer", layers, what, "GLOB");
 }
 
-void CommonOptions::declareInBlocks(CLI::App& command) {
-  command.add_flag("--in-blocks", takesInside,
-                   "Lines that blocks and multilines show take part, as they stand in the plan; "
-                   "they are not changed themselves");
+void CommonOptions::declareInBlocks(CLI::App& command, const std::string& outcome) {
+  command.add_flag(
+      "--in-blocks", takesInside,
+      "Lines that blocks and multilines show take part, as they stand in the plan; " + outcome);
 }
 
 bool CommonOptions::isResultFolder(const std::string& place) const {
@@ -287,37 +290,6 @@ std::string namesText(const std::set<std::wstring>& names) {
     text += (text.empty() ? "" : ", ") + os::toUtf8(name);
   }
   return text;
-}
-
-nlohmann::json namesJson(const std::set<std::wstring>& names) {
-  nlohmann::json json = nlohmann::json::array();
-  for (const std::wstring& name : names) {
-    json.push_back(os::toUtf8(name));
-  }
-  return json;
-}
-
-nlohmann::json pointJson(const AcGePoint3d& point) {
-  return {point.x + 0.0, point.y + 0.0, point.z + 0.0};  // a zero has no sign
-}
-
-nlohmann::json lineJson(const std::string& handle, const AcGePoint3d& start,
-                        const AcGePoint3d& end) {
-  return {{"handle", handle},
-          {"start", pointJson(start)},
-          {"end", pointJson(end)},
-          {"length", start.distanceTo(end)}};
-}
-
-nlohmann::json fileJson(const Drawing& drawing) {
-  return {{"file", drawing.file().string()},
-          {"release", os::toUtf8(drawing.info().release)},
-          {"binary", drawing.info().isBinary},
-          {"units", drawing.unitName()}};
-}
-
-void printJson(const nlohmann::json& report, std::FILE* stream) {
-  fmt::print(stream, "{}\n", report.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
 }
 
 }  // namespace quoin::commands

@@ -3,8 +3,6 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
-#include <nlohmann/json.hpp>
 #include <set>
 #include <string>
 #include <vector>
@@ -32,10 +30,11 @@ struct CommonOptions {
   CaptureOptions capture;
   /// Lines that blocks and multilines show take part.
   bool takesInside = false;
-  /// What replaces the ending of PLAN's name in a folder; empty: the result is named as PLAN is.
+  /// What replaces the ending of DRAWING's name in a folder; empty: the result is named as DRAWING
+  /// is.
   std::string resultEnding;
 
-  /// Adds PLAN... with --code-page, and what tells how the run goes and is reported: --report,
+  /// Adds DRAWING... with --code-page, and what tells how the run goes and is reported: --report,
   /// --quiet, --verbose, --jobs.
   void declarePlans(CLI::App& command);
   void declarePicture(CLI::App& command, const std::string& what);
@@ -44,7 +43,9 @@ struct CommonOptions {
   CLI::Option* declareOutput(CLI::App& command, const std::string& what);
   void declareLayers(CLI::App& command, const std::string& what);
   void declareScale(CLI::App& command) { capture.declare(command); }
-  void declareInBlocks(CLI::App& command);
+  /// `outcome` says what becomes of what shows them.
+  void declareInBlocks(CLI::App& command,
+                       const std::string& outcome = "they are not changed themselves");
 
   /// The drawings to work on and where their results go.
   /// Fails: throws CommandError (Usage) unless there is one place for each result, which is no
@@ -80,17 +81,5 @@ AcGePoint3d parsePoint(const std::string& text);
 
 /// Names in a row, separated by commas.
 std::string namesText(const std::set<std::wstring>& names);
-
-/// Parts of JSON reports.
-nlohmann::json namesJson(const std::set<std::wstring>& names);
-nlohmann::json pointJson(const AcGePoint3d& point);
-/// A line that is the result of a change: its handle, ends and length.
-nlohmann::json lineJson(const std::string& handle, const AcGePoint3d& start,
-                        const AcGePoint3d& end);
-nlohmann::json fileJson(const Drawing& drawing);
-/// The version of the reports' form; it grows when a reader must change.
-inline constexpr int kReportVersion = 1;
-/// Prints a report; bytes of names that are no UTF-8 are replaced.
-void printJson(const nlohmann::json& report, std::FILE* stream = stdout);
 
 }  // namespace quoin::commands

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <string_view>
+
 #include "commands/CommandTree.h"
 
 namespace quoin::commands {
@@ -92,66 +94,65 @@ std::vector<std::string> firstWords(const CommandWords& command, const Commands&
   return words;
 }
 
-std::string bashScript(const Commands& commands, const CommandWords& program) {
-  const auto reply = [](const std::string& words) {
-    return fmt::format("COMPREPLY=($(compgen -W {} -- \"$word\"))", quoted(words));
+/// How one of the two shells says what the others say too.
+struct Dialect {
+  std::string_view head;
+  std::string_view words;    // the words of the line
+  std::string_view current;  // the number of the one that is completed
+  int first;                 // the number of the first behind the program
+  std::string_view reset;    // what is offered at the begin
+  std::string (*offer)(const std::string& words);
+  std::string_view offerFiles;  // empty where names of files are offered by themselves
+  std::string_view end;
+};
+
+constexpr Dialect kBash{"# bash completion for quoin: made by `quoin completion bash`.\n",
+                        "COMP_WORDS",
+                        "COMP_CWORD",
+                        1,
+                        "  COMPREPLY=()\n",
+                        [](const std::string& words) {
+                          return fmt::format("COMPREPLY=($(compgen -W {} -- \"$word\"))",
+                                             quoted(words));
+                        },
+                        "",
+                        "complete -o bashdefault -o default -F _quoin quoin\n"};
+
+constexpr Dialect kZsh{
+    "#compdef quoin\n# zsh completion for quoin: made by `quoin completion zsh`.\n", "words",
+    "CURRENT", 2, "", [](const std::string& words) { return "compadd -- " + words; }, "_files",
+    // Read as a function of its own, it is called; read by `source`, known.
+    "if [[ $funcstack[1] == _quoin ]]; then _quoin; else compdef _quoin quoin; fi\n"};
+
+/// Walks along the words to the command that they reach, `key`; then offers what it takes.
+std::string wordsScript(const Dialect& shell, const Commands& commands,
+                        const CommandWords& program) {
+  const auto offer = [&](const std::vector<std::string>& words) {
+    return shell.offer(fmt::format("{}", fmt::join(words, " ")));
   };
   std::string script = fmt::format(
-      "# bash completion for quoin: made by `quoin completion bash`.\n"
-      "_quoin() {{\n"
-      "  local word=${{COMP_WORDS[COMP_CWORD]}} before=${{COMP_WORDS[COMP_CWORD - 1]}} key= i\n"
-      "  COMPREPLY=()\n"
-      "  for ((i = 1; i < COMP_CWORD; i++)); do\n"
-      "    case \"$key ${{COMP_WORDS[i]}}\" in\n"
-      "      {}) key=\"${{key:+$key }}${{COMP_WORDS[i]}}\" ;;\n"
+      "{0}_quoin() {{\n"
+      "  local word=${{{1}[{2}]}} before=${{{1}[{2} - 1]}} key= i\n{5}"
+      "  for ((i = {3}; i < {2}; i++)); do\n"
+      "    case \"$key ${{{1}[i]}}\" in\n"
+      "      {4}) key=\"${{key:+$key }}${{{1}[i]}}\" ;;\n"
       "    esac\n"
       "  done\n"
       "  case \"$key $before\" in\n",
-      steps(commands));
-  script += valueCases(commands, reply);
-  script += "  esac\n  case \"$key\" in\n";
-  script += fmt::format("    '') {} ;;\n",
-                        reply(fmt::format("{} {}", fmt::join(childrenOf("", commands), " "),
-                                          fmt::join(optionNames(program), " "))));
+      shell.head, shell.words, shell.current, shell.first, steps(commands), shell.reset);
+  script += valueCases(commands, shell.offer);
+  std::vector<std::string> begin = childrenOf("", commands);
+  const std::vector<std::string> options = optionNames(program);
+  begin.insert(begin.end(), options.begin(), options.end());
+  script += fmt::format("  esac\n  case \"$key\" in\n    '') {} ;;\n", offer(begin));
   for (const CommandWords& command : commands) {
     const std::vector<std::string> first = firstWords(command, commands);
-    script += fmt::format(
-        "    {})\n      if [[ $word == -* ]]; then {}\n      {}fi ;;\n", quoted(command.name),
-        reply(fmt::format("{}", fmt::join(optionNames(command), " "))),
-        first.empty()
-            ? ""
-            : fmt::format("else {}\n      ", reply(fmt::format("{}", fmt::join(first, " ")))));
+    const std::string other = first.empty() ? std::string(shell.offerFiles) : offer(first);
+    script += fmt::format("    {})\n      if [[ $word == -* ]]; then {}\n      {}fi ;;\n",
+                          quoted(command.name), offer(optionNames(command)),
+                          other.empty() ? "" : fmt::format("else {}\n      ", other));
   }
-  // Where nothing is offered bash completes names of files.
-  return script + "  esac\n}\ncomplete -o bashdefault -o default -F _quoin quoin\n";
-}
-
-std::string zshScript(const Commands& commands, const CommandWords& program) {
-  const auto reply = [](const std::string& words) { return "compadd -- " + words; };
-  std::string script = fmt::format(
-      "#compdef quoin\n"
-      "# zsh completion for quoin: made by `quoin completion zsh`.\n"
-      "_quoin() {{\n"
-      "  local word=${{words[CURRENT]}} before=${{words[CURRENT - 1]}} key= i\n"
-      "  for ((i = 2; i < CURRENT; i++)); do\n"
-      "    case \"$key ${{words[i]}}\" in\n"
-      "      {}) key=\"${{key:+$key }}${{words[i]}}\" ;;\n"
-      "    esac\n"
-      "  done\n"
-      "  case \"$key $before\" in\n",
-      steps(commands));
-  script += valueCases(commands, reply);
-  script += "  esac\n  case \"$key\" in\n";
-  script += fmt::format("    '') compadd -- {} {} ;;\n", fmt::join(childrenOf("", commands), " "),
-                        fmt::join(optionNames(program), " "));
-  for (const CommandWords& command : commands) {
-    const std::vector<std::string> first = firstWords(command, commands);
-    script += fmt::format(
-        "    {})\n      if [[ $word == -* ]]; then compadd -- {}\n      else {}; fi ;;\n",
-        quoted(command.name), fmt::join(optionNames(command), " "),
-        first.empty() ? "_files" : fmt::format("compadd -- {}", fmt::join(first, " ")));
-  }
-  return script + "  esac\n}\ncompdef _quoin quoin\n";
+  return script + fmt::format("  esac\n}}\n{}", shell.end);
 }
 
 std::string fishScript(const Commands& commands) {
@@ -193,8 +194,8 @@ const std::vector<std::string>& shellsWithCompletion() {
 std::string completionScript(const CLI::App& program, const std::string& shell) {
   const Commands commands = commandsOf(program);
   const CommandWords words = wordsOf(program);
-  return shell == "bash"  ? bashScript(commands, words)
-         : shell == "zsh" ? zshScript(commands, words)
+  return shell == "bash"  ? wordsScript(kBash, commands, words)
+         : shell == "zsh" ? wordsScript(kZsh, commands, words)
                           : fishScript(commands);
 }
 

@@ -13,6 +13,7 @@
 #include "commands/Junctions.h"
 #include "commands/LayerChoice.h"
 #include "commands/Progress.h"
+#include "commands/ReportFields.h"
 #include "commands/WallChanges.h"
 #include "commands/WallLines.h"
 #include "commands/WallWords.h"
@@ -103,7 +104,7 @@ class DrawCommand : public DrawingCommand {
       paint(picture, drawn);
     }
     job.save(drawing);
-    job.render(picture);
+    job.render(picture, report);
     const std::vector<Sliver> slivers = sliversOf(drawn, capture.distance);
     tell(drawing, capture, drawn, report);
     tellSlivers(slivers, report);
@@ -114,8 +115,8 @@ class DrawCommand : public DrawingCommand {
     warnOfUnits(m_options.capture, drawing, before.lines, report);
     if (report.isJson()) {
       addJson(capture, drawn, report.json);
-      addLeftOut(before, report.json);
-      report.json["wallLines"] = before.lines.size();
+      addLeftOut(drawing, before, report.json);
+      report.json["lines"] = before.lines.size();
       report.json["slivers"] = sliversJson(slivers);
     }
   }
@@ -219,9 +220,9 @@ class DrawCommand : public DrawingCommand {
     std::vector<Sliver> slivers;
     for (const DrawnLine& line : drawn) {
       for (const WallChange& change : line.changes) {
-        addSlivers(slivers, change.pieces, handleText(change.source.entity), captureDistance);
+        addSlivers(slivers, change, captureDistance);
       }
-      addSlivers(slivers, line.pieces, "the new line", captureDistance);
+      addSlivers(slivers, line.pieces, "the new line", nullptr, captureDistance);
     }
     return slivers;
   }
@@ -277,13 +278,16 @@ class DrawCommand : public DrawingCommand {
     report.update({{"capture", captureJson(capture)},
                    {"layer", m_layer},
                    {"drawn", nlohmann::json::array()}});
+    std::size_t changed = 0;
     for (const DrawnLine& line : drawn) {
+      changed += line.changes.size();
       report["drawn"].push_back({{"from", pointJson(line.from)},
                                  {"to", pointJson(line.to)},
                                  {"captured", line.captured},
                                  {"results", piecesJson(line.pieces)},
                                  {"changes", changesJson(line.changes)}});
     }
+    report["changed"] = changed;
   }
 
   std::string m_layer;

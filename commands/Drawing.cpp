@@ -100,6 +100,12 @@ AcDbObjectId Drawing::modelSpaceId() {
   return id;
 }
 
+std::vector<AcDbObjectId> Drawing::entities(const AcDbObjectId& block) {
+  std::vector<AcDbObjectId> ids;
+  forEachEntity(block, [&](const AcDbObjectId& id) { ids.push_back(id); });
+  return ids;
+}
+
 void Drawing::forEachEntity(const AcDbObjectId& block,
                             const std::function<void(AcDbObjectId)>& visit) {
   // Records are a little more than entities; blocks inside come and go in no time.
@@ -250,14 +256,6 @@ std::string handleText(const AcDbObjectId& id) {
     return "";
   }
   return fmt::format("{:X}", static_cast<Adesk::UInt64>(handle));
-}
-
-nlohmann::json sourceJson(const Drawing& drawing, const AcDbObjectId& id) {
-  nlohmann::json json = {{"source", handleText(id)}, {"kind", os::toUtf8(hostx::kindName(id))}};
-  if (const Adesk::UInt64 place = hostx::lineNumber(id); place != 0) {
-    json[drawing.info().isBinary ? "byte" : "line"] = place;
-  }
-  return json;
 }
 
 std::string nameText(const Drawing& drawing, const AcDbObjectId& id) {

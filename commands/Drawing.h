@@ -6,7 +6,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -52,6 +51,8 @@ class Drawing {
   AcDbObjectId modelSpaceId();
   /// Calls `visit` for every entity of a block that is not erased, in file order.
   void forEachEntity(const AcDbObjectId& block, const std::function<void(AcDbObjectId)>& visit);
+  /// All of them, in that order.
+  std::vector<AcDbObjectId> entities(const AcDbObjectId& block);
   /// All layers in table order.
   std::vector<LayerContent> layers();
 
@@ -80,9 +81,6 @@ std::string fileMessage(const AcDbDatabase* database, Acad::ErrorStatus status,
 std::string describe(const Drawing& drawing, const AcDbObjectId& id);
 /// The handle in hexadecimal, as drawing files spell it; "" where the file gives none.
 std::string handleText(const AcDbObjectId& id);
-/// What every JSON report says of an entity: its handle as "source" ("" where the file gives none),
-/// its "kind", and the "line" (or "byte") of the file where it stands.
-nlohmann::json sourceJson(const Drawing& drawing, const AcDbObjectId& id);
 /// The handle, or "line 1742" where the file gives none: how lists of entities name one.
 std::string nameText(const Drawing& drawing, const AcDbObjectId& id);
 /// Fails: throws CommandError (EntityFailed) that names the entity and the status.

@@ -14,11 +14,15 @@ void DrawingJob::save(Drawing& drawing) const {
   }
 }
 
-void DrawingJob::render(const Picture& drawn) const {
-  if (hasPicture()) {
-    Progress::checkInterrupt();
-    renderPicture(drawn, picture);
+void DrawingJob::render(const Picture& drawn, Report& report) const {
+  if (!hasPicture()) {
+    return;
   }
+  for (const std::string& warning : drawn.warnings) {
+    report.warn("picture: " + warning);
+  }
+  Progress::checkInterrupt();
+  renderPicture(drawn, picture);
 }
 
 }  // namespace quoin::commands

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "commands/Drawing.h"
+#include "commands/Report.h"
 #include "commands/picture/Picture.h"
 
 namespace quoin::commands {
@@ -22,9 +23,9 @@ struct DrawingJob {
   /// Saves the drawing where it goes; nothing in a dry run.
   /// Fails: throws CommandError (OutputUnwritable, Interrupted).
   void save(Drawing& drawing) const;
-  /// Writes the picture if one was asked for.
+  /// Writes the picture if one was asked for, behind the drawing; what it leaves out is reported.
   /// Fails: throws CommandError (OutputUnwritable, Interrupted).
-  void render(const Picture& drawn) const;
+  void render(const Picture& drawn, Report& report) const;
 };
 
 }  // namespace quoin::commands

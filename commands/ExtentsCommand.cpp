@@ -5,6 +5,7 @@
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
 #include "commands/Progress.h"
+#include "commands/ReportFields.h"
 #include "commands/RoughExtents.h"
 #include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
@@ -53,7 +54,7 @@ class ExtentsCommand : public DrawingCommand {
       throw CommandError(ExitCode::InputUnreadable, job.input + ": it has no model space");
     }
     if (job.hasPicture()) {
-      job.render(pictureOf(drawing, extents));
+      job.render(pictureOf(drawing, extents), report);
     }
     tell(drawing, census, extents, report);
     warnOfRoughExtents(drawing, report);
@@ -146,17 +147,11 @@ class ExtentsCommand : public DrawingCommand {
 
   void addJson(const Census& census, const AcDbExtents& extents, nlohmann::json& report) const {
     report.update({{"all", m_isAll},
-                   {"extents", nullptr},
+                   {"extents", boxJson(extents)},
                    {"entities", census.entities},
                    {"onHiddenLayers", census.onHiddenLayers},
                    {"invisible", census.invisible},
-                   {"kindsWithoutExtents", nlohmann::json::object()}});
-    if (!extents.isFresh()) {
-      report["extents"] = {pointJson(extents.minPoint()), pointJson(extents.maxPoint())};
-    }
-    for (const auto& [kind, count] : census.withoutExtents) {
-      report["kindsWithoutExtents"][os::toUtf8(kind)] = count;
-    }
+                   {"kindsWithoutExtents", kindsJson(census.withoutExtents)}});
   }
 
   bool m_isAll = false;

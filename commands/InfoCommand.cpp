@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include "commands/DrawingCommand.h"
+#include "commands/ReportFields.h"
 #include "commands/RoughExtents.h"
 #include "commands/WallWords.h"
 #include "commands/Words.h"
@@ -73,23 +74,6 @@ class InfoCommand : public DrawingCommand {
     return state.empty() ? state : state + ")";
   }
 
-  /// "3 ARC, 12 LINE".
-  static std::string kindsText(const KindCounts& counts) {
-    std::string text;
-    for (const auto& [kind, count] : counts) {
-      text += fmt::format("{}{} {}", text.empty() ? "" : ", ", count, os::toUtf8(kind));
-    }
-    return text;
-  }
-
-  static nlohmann::json kindsJson(const KindCounts& counts) {
-    nlohmann::json kinds = nlohmann::json::object();
-    for (const auto& [kind, count] : counts) {
-      kinds[os::toUtf8(kind)] = count;
-    }
-    return kinds;
-  }
-
   static void tell(Drawing& drawing, const DrawingInfo& info, Report& report) {
     const hostx::FileInfo& file = drawing.info();
     report.line("{}", drawing.file().string());
@@ -132,13 +116,10 @@ class InfoCommand : public DrawingCommand {
                    {"bytes", file.fileBytes},
                    {"records", file.recordCount},
                    {"entities", info.entities},
-                   {"extents", nullptr},
+                   {"extents", boxJson(info.extents)},
                    {"kindsWithoutExtents", kindsJson(info.withoutExtents)},
                    {"kindsWithoutTransform", kindsJson(info.fixed)},
                    {"layers", nlohmann::json::array()}});
-    if (!info.extents.isFresh()) {
-      report["extents"] = {pointJson(info.extents.minPoint()), pointJson(info.extents.maxPoint())};
-    }
     for (const LayerContent& layer : info.layers) {
       report["layers"].push_back({{"name", os::toUtf8(layer.name)},
                                   {"off", layer.isOff},

@@ -1,14 +1,10 @@
 #include "commands/InsideWalls.h"
 
-#include <algorithm>
-#include <cmath>
 #include <map>
 #include <memory>
 #include <optional>
-#include <unordered_map>
 
-#include "commands/Polylines.h"
-#include "commands/Progress.h"
+#include "commands/BlockLines.h"
 #include "dbents.h"
 #include "dbobjptr.h"
 #include "dbsymtb.h"
@@ -19,268 +15,36 @@ namespace quoin::commands {
 
 namespace {
 
-constexpr const wchar_t* kLayerZero = L"0";
-
-/// How what stands in a block becomes a wall line of the plan.
-enum class Belongs { Never, ByItself, AsItsInsert };
-
-struct InnerLine {
-  AcGePoint3d start;
-  AcGePoint3d end;
-  AcDbObjectId entity;
-  int segment;
-  Belongs belongs;
-};
-
-/// An insert in a block or in model space, all cells of an array.
-struct Insert {
-  AcDbObjectId block;
-  AcDbObjectId entity;
-  std::wstring layer;
-  AcGeMatrix3d transform;
-  AcGeVector3d columnStep;
-  AcGeVector3d rowStep;
-  std::size_t columns = 1;
-  std::size_t rows = 1;
-
-  std::size_t cells() const { return columns * rows; }
-  AcGeMatrix3d cell(std::size_t index) const {
-    const std::size_t row = index / columns;
-    const AcGeVector3d move = columnStep * static_cast<double>(index - row * columns) +
-                              rowStep * static_cast<double>(row);
-    return AcGeMatrix3d().setToTranslation(move) * transform;
-  }
-};
-
-/// A block, read once.
-struct Content {
-  std::vector<InnerLine> lines;
-  std::vector<Insert> inserts;
-  /// How many lines one insert shows: those of chosen layers, and those of the insert's layer.
-  double byThemselves = 0.0;
-  double asTheInsert = 0.0;
-  enum class Count { Missing, Running, Done } count = Count::Missing;
-  bool isOpen = false;  // while its lines are taken: a block inside itself ends there
-
-  double linesOn(bool isInsertChosen) const {
-    return byThemselves + (isInsertChosen ? asTheInsert : 0.0);
-  }
-};
-
-Insert readInsert(const AcDbBlockReference& reference) {
-  Insert insert;
-  insert.block = reference.blockTableRecord();
-  insert.entity = reference.objectId();
-  insert.layer = hostx::layerName(insert.entity);
-  insert.transform = reference.blockTransform();
-  if (const AcDbMInsertBlock* array = AcDbMInsertBlock::cast(&reference)) {
-    const AcGeMatrix3d plane = AcGeMatrix3d().setToPlaneToWorld(reference.normal());
-    const double angle = reference.rotation();
-    insert.columns = std::max<std::size_t>(1, array->columns());
-    insert.rows = std::max<std::size_t>(1, array->rows());
-    insert.columnStep =
-        plane * AcGeVector3d(std::cos(angle), std::sin(angle), 0.0) * array->columnSpacing();
-    insert.rowStep =
-        plane * AcGeVector3d(-std::sin(angle), std::cos(angle), 0.0) * array->rowSpacing();
-  }
-  return insert;
-}
-
-/// Calls `add` with start, end and segment for every straight line of an entity.
-template <class Add>
-void forEachStraight(const AcDbEntity& entity, const Add& add) {
-  if (const AcDbLine* line = AcDbLine::cast(&entity)) {
-    add(line->startPoint(), line->endPoint(), WallLine::kWholeEntity);
-  } else if (isPolyline(entity)) {
-    const PolylineShape shape = readPolyline(entity);
-    for (std::size_t i = 0; !shape.isCurveFit && i < shape.segmentCount(); ++i) {
-      if (shape.vertices[i].bulge == 0.0) {
-        add(shape.vertices[i].world, shape.segmentEnd(i).world, static_cast<int>(i));
-      }
-    }
-  } else {
-    for (const auto& [start, end] : db::multilineElements(entity.objectId())) {
-      add(start, end, WallLine::kWholeEntity);
-    }
-  }
-}
-
-class Blocks {
- public:
-  Blocks(Drawing& drawing, const std::set<std::wstring>& layers)
-      : m_drawing(drawing), m_layers(layers) {}
-
-  bool isChosen(const std::wstring& layer) const { return m_layers.count(layer) != 0; }
-
-  Content& content(const AcDbObjectId& block) {
-    std::unique_ptr<Content>& known = m_contents[static_cast<AcDbStub*>(block)];
-    if (!known) {
-      known = std::make_unique<Content>();
-      read(block, *known);
-    }
-    return *known;
-  }
-
-  /// How many lines a block shows. Without recursion, since blocks nest as deep as a file likes.
-  const Content& counted(const AcDbObjectId& block) {
-    std::vector<std::pair<Content*, std::size_t>> open;
-    const auto begin = [&](const AcDbObjectId& id) {
-      Content& opened = content(id);
-      if (opened.count == Content::Count::Missing) {
-        opened.count = Content::Count::Running;
-        for (const InnerLine& line : opened.lines) {
-          (line.belongs == Belongs::ByItself ? opened.byThemselves : opened.asTheInsert) += 1.0;
-        }
-        open.emplace_back(&opened, 0);
-      }
-    };
-    begin(block);
-    while (!open.empty()) {
-      Content& top = *open.back().first;
-      if (open.back().second == top.inserts.size()) {
-        top.count = Content::Count::Done;
-        open.pop_back();
-        continue;
-      }
-      const Insert& insert = top.inserts[open.back().second];
-      const Content& inner = content(insert.block);
-      if (inner.count == Content::Count::Missing) {
-        begin(insert.block);
-        continue;
-      }
-      ++open.back().second;
-      if (inner.count == Content::Count::Done) {
-        const auto cells = static_cast<double>(insert.cells());
-        const Belongs belongs = belongingOf(insert.layer);
-        top.byThemselves += cells * inner.linesOn(belongs == Belongs::ByItself);
-        top.asTheInsert += belongs == Belongs::AsItsInsert ? cells * inner.asTheInsert : 0.0;
-      }
-    }
-    return content(block);
-  }
-
- private:
-  Belongs belongingOf(const std::wstring& layer) const {
-    return layer == kLayerZero ? Belongs::AsItsInsert
-           : isChosen(layer)   ? Belongs::ByItself
-                               : Belongs::Never;
-  }
-
-  void read(const AcDbObjectId& block, Content& content) {
-    m_drawing.forEachEntity(block, [&](const AcDbObjectId& id) {
-      const Belongs belongs = belongingOf(hostx::layerName(id));
-      const bool isInsert = hostx::kindName(id) == L"INSERT";
-      if (belongs == Belongs::Never && !isInsert) {
-        return;
-      }
-      const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-      if (entity.openStatus() != Acad::eOk || hostx::hasUnreadableNumber(entity.object())) {
-        return;
-      }
-      if (const AcDbBlockReference* reference = AcDbBlockReference::cast(entity.object())) {
-        if (!reference->blockTableRecord().isNull()) {
-          content.inserts.push_back(readInsert(*reference));
-        }
-        return;
-      }
-      forEachStraight(*entity.object(),
-                      [&](const AcGePoint3d& start, const AcGePoint3d& end, int segment) {
-                        if (!(start == end)) {
-                          content.lines.push_back({start, end, id, segment, belongs});
-                        }
-                      });
-    });
-  }
-
-  Drawing& m_drawing;
-  const std::set<std::wstring>& m_layers;
-  std::unordered_map<AcDbStub*, std::unique_ptr<Content>> m_contents;
-};
-
 /// Takes the lines of the inserts of model space where they stand in the plan.
 class Taker {
  public:
-  Taker(Blocks& blocks, WallLines& walls) : m_blocks(blocks), m_walls(walls) {}
+  Taker(BlockLines& blocks, const std::set<std::wstring>& locked, WallLines& walls)
+      : m_walk(blocks), m_locked(locked), m_walls(walls) {}
 
   void take(const Insert& insert) {
-    begin(insert, AcGeMatrix3d::kIdentity, insert.layer, insert.entity);
-    while (!m_open.empty() && !m_walls.isCutShort) {
-      step();
-    }
-    for (const Frame& frame : m_open) {
-      frame.content->isOpen = false;
-    }
-    m_open.clear();
+    m_walk.walk(insert, [&](const InnerLine& line) {
+      if (++m_taken > kMostInsideLines) {
+        m_walls.isCutShort = true;
+        return false;
+      }
+      add(line, insert.entity);
+      return true;
+    });
   }
 
  private:
-  /// An insert whose lines are being taken, cell by cell.
-  struct Frame {
-    const Insert* insert;
-    Content* content;
-    AcGeMatrix3d outer;
-    std::wstring layer;  // that layer 0 stands for
-    AcDbObjectId shownBy;
-    std::size_t cell = 0;
-    std::size_t next = 0;  // of the content's inserts
-    AcGeMatrix3d toWorld;
-  };
-
-  void begin(const Insert& insert, const AcGeMatrix3d& outer, const std::wstring& layer,
-             const AcDbObjectId& shownBy) {
-    const Content& counted = m_blocks.counted(insert.block);
-    Content& content = m_blocks.content(insert.block);
-    if (content.isOpen || !(counted.linesOn(m_blocks.isChosen(layer)) > 0.0)) {
-      return;
-    }
-    content.isOpen = true;
-    m_open.push_back({&insert, &content, outer, layer, shownBy, 0, 0, outer * insert.cell(0)});
-    takeLines();
-  }
-
-  void step() {
-    Frame& frame = m_open.back();
-    if (frame.next < frame.content->inserts.size()) {
-      const Insert& inner = frame.content->inserts[frame.next++];
-      const std::wstring layer = inner.layer == kLayerZero ? frame.layer : inner.layer;
-      begin(inner, AcGeMatrix3d(frame.toWorld), layer, frame.shownBy);
-      return;
-    }
-    if (++frame.cell < frame.insert->cells()) {
-      frame.next = 0;
-      frame.toWorld = frame.outer * frame.insert->cell(frame.cell);
-      takeLines();
-      return;
-    }
-    frame.content->isOpen = false;
-    m_open.pop_back();
-  }
-
-  void takeLines() {
-    constexpr std::size_t kBetweenLooks = 1024;  // cells between two looks at Ctrl-C
-    if (++m_looks % kBetweenLooks == 0) {
-      Progress::checkInterrupt();
-    }
-    const Frame& frame = m_open.back();
-    const bool isInsertChosen = m_blocks.isChosen(frame.layer);
-    for (const InnerLine& line : frame.content->lines) {
-      const bool asInsert = line.belongs == Belongs::AsItsInsert;
-      if (asInsert && !isInsertChosen) {
-        continue;
-      }
-      if (++m_taken > kMostInsideLines) {
-        m_walls.isCutShort = true;
-        return;
-      }
-      WallLine wall;
-      wall.start = frame.toWorld * line.start;
-      wall.end = frame.toWorld * line.end;
-      wall.entity = line.entity;
-      wall.segment = line.segment;
-      wall.within = shownBy(frame.shownBy, asInsert ? frame.layer : hostx::layerName(line.entity));
-      if (!(wall.start == wall.end)) {
-        m_walls.lines.push_back(std::move(wall));
-      }
+  void add(const InnerLine& line, const AcDbObjectId& insert) {
+    const BlockWalk::Frame& frame = m_walk.path().back();
+    WallLine wall;
+    wall.start = frame.toWorld * line.start;
+    wall.end = frame.toWorld * line.end;
+    wall.entity = line.entity;
+    wall.segment = line.segment;
+    wall.within = shownBy(
+        insert, line.belongs == Belongs::AsItsInsert ? frame.layer : hostx::layerName(line.entity));
+    wall.isLocked = m_locked.count(wall.within->layer) != 0;
+    if (!(wall.start == wall.end)) {
+      m_walls.lines.push_back(std::move(wall));
     }
   }
 
@@ -292,13 +56,14 @@ class Taker {
     return m_last;
   }
 
-  Blocks& m_blocks;
+  BlockWalk m_walk;
+  const std::set<std::wstring>& m_locked;
   WallLines& m_walls;
-  std::vector<Frame> m_open;
   std::shared_ptr<const ShownBy> m_last;
   std::size_t m_taken = 0;
-  std::size_t m_looks = 0;
 };
+
+}  // namespace
 
 std::string blockName(const AcDbObjectId& block) {
   const AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForRead);
@@ -309,13 +74,20 @@ std::string blockName(const AcDbObjectId& block) {
   return os::toUtf8(name);
 }
 
+namespace {
+
 /// Goes through the inserts and multilines of model space; `walls` null to count alone.
 class Finder {
  public:
-  Finder(Drawing& drawing, const std::set<std::wstring>& layers, LeftOut& found, WallLines* walls)
-      : m_drawing(drawing), m_blocks(drawing, layers), m_found(found), m_walls(walls) {
+  Finder(Drawing& drawing, const std::set<std::wstring>& layers,
+         const std::set<std::wstring>& locked, LeftOut& found, WallLines* walls)
+      : m_drawing(drawing),
+        m_blocks(drawing, layers),
+        m_locked(locked),
+        m_found(found),
+        m_walls(walls) {
     if (walls) {
-      m_taker.emplace(m_blocks, *walls);
+      m_taker.emplace(m_blocks, locked, *walls);
     }
   }
 
@@ -373,15 +145,17 @@ class Finder {
     ++m_found.multilines.times;
     m_found.multilines.lines += static_cast<double>(elements.size());
     const auto shownBy = std::make_shared<const ShownBy>(ShownBy{id, layer});
+    const bool isLocked = m_locked.count(layer) != 0;
     for (const auto& [start, end] : elements) {
       if (m_walls && !(start == end)) {
-        m_walls->lines.push_back({start, end, id, WallLine::kWholeEntity, false, shownBy});
+        m_walls->lines.push_back({start, end, id, WallLine::kWholeEntity, isLocked, shownBy});
       }
     }
   }
 
   Drawing& m_drawing;
-  Blocks m_blocks;
+  BlockLines m_blocks;
+  const std::set<std::wstring>& m_locked;
   LeftOut& m_found;
   WallLines* m_walls;
   std::optional<Taker> m_taker;
@@ -396,11 +170,12 @@ bool showsOtherLines(const AcDbObjectId& id) {
 }
 
 void countInside(Drawing& drawing, const std::set<std::wstring>& layers, LeftOut& found) {
-  Finder(drawing, layers, found, nullptr).run();
+  Finder(drawing, layers, {}, found, nullptr).run();
 }
 
-void takeInside(Drawing& drawing, const std::set<std::wstring>& layers, WallLines& walls) {
-  Finder(drawing, layers, walls, &walls).run();
+void takeInside(Drawing& drawing, const std::set<std::wstring>& layers,
+                const std::set<std::wstring>& locked, WallLines& walls) {
+  Finder(drawing, layers, locked, walls, &walls).run();
 }
 
 }  // namespace quoin::commands

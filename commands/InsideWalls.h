@@ -23,7 +23,12 @@ bool showsOtherLines(const AcDbObjectId& id);
 void countInside(Drawing& drawing, const std::set<std::wstring>& layers, LeftOut& found);
 
 /// As countInside(), and appends the lines to `walls`, each where it stands in the plan, with what
-/// shows it (WallLine::within).
-void takeInside(Drawing& drawing, const std::set<std::wstring>& layers, WallLines& walls);
+/// shows it (WallLine::within); those of one insert stand together, in the order of BlockWalk.
+/// `locked` are the layers that are locked.
+void takeInside(Drawing& drawing, const std::set<std::wstring>& layers,
+                const std::set<std::wstring>& locked, WallLines& walls);
+
+/// The name of a block, UTF-8.
+std::string blockName(const AcDbObjectId& block);
 
 }  // namespace quoin::commands

@@ -99,13 +99,18 @@ void warnOfReferenceLines(const Drawing& drawing, const std::vector<WallLine>& l
 }
 
 void addSlivers(std::vector<Sliver>& slivers, const std::vector<WallPiece>& pieces,
-                const std::string& source, double captureDistance) {
+                const std::string& source, const nlohmann::json& of, double captureDistance) {
   for (const WallPiece& piece : pieces) {
     const double length = piece.start.distanceTo(piece.end);
     if (length < captureDistance) {
-      slivers.push_back({source, piece.handle, length});
+      slivers.push_back({source, of, piece.handle, length});
     }
   }
+}
+
+void addSlivers(std::vector<Sliver>& slivers, const WallChange& change, double captureDistance) {
+  addSlivers(slivers, change.pieces, handleText(change.source.entity), change.report,
+             captureDistance);
 }
 
 void tellSlivers(const std::vector<Sliver>& slivers, Report& report) {
@@ -124,8 +129,7 @@ void tellSlivers(const std::vector<Sliver>& slivers, Report& report) {
 nlohmann::json sliversJson(const std::vector<Sliver>& slivers) {
   nlohmann::json json = nlohmann::json::array();
   for (const Sliver& sliver : slivers) {
-    json.push_back(
-        {{"source", sliver.source}, {"handle", sliver.handle}, {"length", sliver.length}});
+    json.push_back({{"of", sliver.of}, {"handle", sliver.handle}, {"length", sliver.length}});
   }
   return json;
 }

@@ -32,13 +32,16 @@ void warnOfReferenceLines(const Drawing& drawing, const std::vector<WallLine>& l
 
 /// A piece shorter than the capture distance.
 struct Sliver {
-  std::string source;  // handle of what was cut
+  std::string source;  // in words: handle of what was cut
+  nlohmann::json of;   // in reports: what was cut, null where it is new
   std::string handle;  // of the piece; empty in a dry run
   double length;
 };
 /// Appends the slivers among these pieces.
 void addSlivers(std::vector<Sliver>& slivers, const std::vector<WallPiece>& pieces,
-                const std::string& source, double captureDistance);
+                const std::string& source, const nlohmann::json& of, double captureDistance);
+/// Appends the slivers among the pieces of a change.
+void addSlivers(std::vector<Sliver>& slivers, const WallChange& change, double captureDistance);
 void tellSlivers(const std::vector<Sliver>& slivers, Report& report);
 nlohmann::json sliversJson(const std::vector<Sliver>& slivers);
 

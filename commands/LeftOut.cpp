@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "commands/ReportFields.h"
 #include "commands/Words.h"
 #include "embedded/os/Utf8.h"
 
@@ -39,18 +40,11 @@ std::string blockNames(const LeftOut& leftOut) {
   return text;
 }
 
-std::string kindsOf(const LeftOut& leftOut) {
-  std::string text;
-  for (const auto& [kind, count] : leftOut.countOfKind) {
-    text += fmt::format("{}{} {}", text.empty() ? "" : ", ", count, os::toUtf8(kind));
-  }
-  return text;
-}
-
 void tellInside(const LeftOut& leftOut, bool canTakeInside, Report& report) {
-  const std::string outcome = leftOut.isInsideTaken ? "taken along, not cut themselves"
-                              : canTakeInside       ? "not worked on; --in-blocks takes them along"
-                                                    : "not worked on";
+  const std::string outcome = leftOut.isInsideCut     ? "taken along"
+                              : leftOut.isInsideTaken ? "taken along, not cut themselves"
+                              : canTakeInside ? "not worked on; --in-blocks takes them along"
+                                              : "not worked on";
   if (!leftOut.blocks.empty()) {
     report.line("inside blocks on these layers: {} ({}): {}", linesText(linesInBlocks(leftOut)),
                 blockNames(leftOut), outcome);
@@ -72,7 +66,7 @@ void tellLeftOut(const Drawing& drawing, const LeftOut& leftOut, bool canTakeIns
     report.line("left out, arcs of polylines: {}", countText(leftOut.arcSegments, "segment"));
   }
   if (!leftOut.countOfKind.empty()) {
-    report.line("left out, of other kinds on these layers: {}", kindsOf(leftOut));
+    report.line("left out, of other kinds on these layers: {}", kindsText(leftOut.countOfKind));
   }
   tellInside(leftOut, canTakeInside, report);
   report.list(leftOut.skipped.size(), [&](std::size_t i) {
@@ -81,29 +75,31 @@ void tellLeftOut(const Drawing& drawing, const LeftOut& leftOut, bool canTakeIns
   });
 }
 
-void addLeftOut(const LeftOut& leftOut, nlohmann::json& report) {
-  report["arcSegments"] = leftOut.arcSegments;
-  report["otherEntities"] = nlohmann::json::object();
-  for (const auto& [kind, count] : leftOut.countOfKind) {
-    report["otherEntities"][os::toUtf8(kind)] = count;
+nlohmann::json skippedJson(const Drawing& drawing, const std::vector<SkippedEntity>& skipped) {
+  nlohmann::json json = nlohmann::json::array();
+  for (const SkippedEntity& one : skipped) {
+    json.push_back(sourceJson(drawing, one.entity));
+    json.back()["reason"] = one.reason;
   }
+  return json;
+}
+
+void addLeftOut(const Drawing& drawing, const LeftOut& leftOut, nlohmann::json& report) {
+  report["arcSegments"] = leftOut.arcSegments;
+  report["otherEntities"] = kindsJson(leftOut.countOfKind);
   report["insideBlocks"] = nlohmann::json::array();
   for (const InsideShare& share : leftOut.blocks) {
     report["insideBlocks"].push_back(
         {{"block", share.name}, {"inserts", share.times}, {"lines", share.lines}});
   }
   report["multilines"] = {{"count", leftOut.multilines.times}, {"lines", leftOut.multilines.lines}};
-  report["skipped"] = nlohmann::json::array();
-  for (const SkippedEntity& skipped : leftOut.skipped) {
-    report["skipped"].push_back(
-        {{"source", handleText(skipped.entity)}, {"reason", skipped.reason}});
-  }
+  report["skipped"] = skippedJson(drawing, leftOut.skipped);
 }
 
 std::string leftOutText(const LeftOut& leftOut) {
   std::vector<std::string> parts;
   if (!leftOut.countOfKind.empty()) {
-    parts.push_back(kindsOf(leftOut));
+    parts.push_back(kindsText(leftOut.countOfKind));
   }
   if (leftOut.arcSegments > 0) {
     parts.push_back(countText(leftOut.arcSegments, "arc segment") + " of polylines");

@@ -12,7 +12,7 @@
 
 namespace quoin::commands {
 
-/// An entity that would be worked on but for one thing.
+/// An entity that is left as it is, and why.
 struct SkippedEntity {
   AcDbObjectId entity;
   std::string reason;
@@ -37,6 +37,8 @@ struct LeftOut {
   InsideShare multilines;
   /// Blocks and multilines were taken along.
   bool isInsideTaken = false;
+  /// And cut like others (Explode.h).
+  bool isInsideCut = false;
   /// They hold more lines than are taken of a drawing.
   bool isCutShort = false;
 };
@@ -45,8 +47,10 @@ struct LeftOut {
 /// option.
 void tellLeftOut(const Drawing& drawing, const LeftOut& leftOut, bool canTakeInside,
                  Report& report);
+/// For reports: each as sourceJson says it, with its reason.
+nlohmann::json skippedJson(const Drawing& drawing, const std::vector<SkippedEntity>& skipped);
 /// The fields skipped, arcSegments, otherEntities, insideBlocks and multilines.
-void addLeftOut(const LeftOut& leftOut, nlohmann::json& report);
+void addLeftOut(const Drawing& drawing, const LeftOut& leftOut, nlohmann::json& report);
 /// "3 ARC, 1 HATCH, 12 lines inside blocks": for the message that there is nothing to work on;
 /// "nothing" where there is nothing at all.
 std::string leftOutText(const LeftOut& leftOut);

@@ -82,7 +82,7 @@ std::string manualPage(const CLI::App& program) {
   std::string page = fmt::format(
       ".TH QUOIN 1 \"\" \"quoin {}\" \"User Commands\"\n"
       ".SH NAME\nquoin \\- work on the walls of architectural plan drawings\n"
-      ".SH SYNOPSIS\n\\fBquoin\\fR \\fICOMMAND\\fR [options] \\fIPLAN\\fR...\n"
+      ".SH SYNOPSIS\n\\fBquoin\\fR \\fICOMMAND\\fR [options] \\fIDRAWING\\fR...\n"
       ".SH DESCRIPTION\n",
       plain(QUOIN_VERSION));
   page += unfilled(program.get_description());

@@ -7,6 +7,7 @@
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
+#include "commands/ReportFields.h"
 #include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
@@ -104,7 +105,7 @@ class MatchPropertiesCommand : public DrawingCommand {
     }
     job.save(drawing);
     if (job.hasPicture()) {
-      job.render(pictureOf(drawing, source, layers, chosen));
+      job.render(pictureOf(drawing, source, layers, chosen), report);
     }
     tell(drawing, source, properties, layers, chosen, report);
     if (report.isJson()) {
@@ -180,7 +181,7 @@ class MatchPropertiesCommand : public DrawingCommand {
     report.line("  material     {}", properties.material);
     report.line("layers: {}", namesText(layers));
     report.line("{} changed{}{}", countText(chosen.entities.size(), "entity", "entities"),
-                chosen.entities.empty() ? "" : ": ", kindsText(chosen));
+                chosen.entities.empty() ? "" : ": ", kindsText(chosen.countOfKind));
     if (const std::string lacking = leftOut(drawing); !lacking.empty()) {
       report.line("{} knows no {}", os::toUtf8(drawing.info().release), lacking);
     }
@@ -193,7 +194,7 @@ class MatchPropertiesCommand : public DrawingCommand {
   static void addJson(const Drawing& drawing, const AcDbObjectId& source,
                       const Properties& properties, const std::set<std::wstring>& layers,
                       const ChosenEntities& chosen, nlohmann::json& report) {
-    report.update({{"from", handleText(source)},
+    report.update({{"from", sourceJson(drawing, source)},
                    {"properties",
                     {{"layer", properties.layer},
                      {"colorIndex", properties.colorIndex},
@@ -202,9 +203,9 @@ class MatchPropertiesCommand : public DrawingCommand {
                      {"material", properties.material}}},
                    {"layers", namesJson(layers)},
                    {"changed", chosen.entities.size()},
-                   {"kinds", kindsJson(chosen)},
+                   {"kinds", kindsJson(chosen.countOfKind)},
                    {"heldByLockedLayers", chosen.onLockedLayers},
-                   {"changes", changesJson(drawing, chosen)}});
+                   {"changes", changesJson(drawing, chosen.entities)}});
   }
 
   std::string m_handle;

@@ -10,6 +10,7 @@
 #include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
 #include "commands/Progress.h"
+#include "commands/ReportFields.h"
 #include "commands/SingleLines.h"
 #include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
@@ -77,7 +78,7 @@ class MergeCommand : public DrawingCommand {
     }
     apply(drawing, found.lines, merged);
     job.save(drawing);
-    job.render(picture);
+    job.render(picture, report);
   }
 
  private:
@@ -185,8 +186,8 @@ class MergeCommand : public DrawingCommand {
       addMark(picture, point, MarkShape::Cross, palette::kMark, 6.0);
     }
     picture.legend = {{"line, not merged", palette::kWall, false, MarkShape::Dot, kWallWidth},
-                      {"merged lines,", palette::kFirst, false, MarkShape::Dot, kPieceWidth},
-                      {"told apart", palette::kThird, false, MarkShape::Dot, kPieceWidth},
+                      {"merged line", palette::kFirst, false, MarkShape::Dot, kPieceWidth},
+                      {"the next one", palette::kThird, false, MarkShape::Dot, kPieceWidth},
                       {"joint that is gone", palette::kSecond, true},
                       {"rest of the plan", palette::kPlan}};
     if (!m_keepPoints.empty()) {
@@ -219,9 +220,10 @@ class MergeCommand : public DrawingCommand {
     report.update({{"capture", captureJson(capture)},
                    {"layers", namesJson(layers)},
                    {"lines", found.lines.size()},
+                   {"changed", merged.size()},
                    {"absorbed", absorbedCount(merged)},
                    {"changes", nlohmann::json::array()}});
-    addLeftOut(found, report);
+    addLeftOut(drawing, found, report);
     for (const MergedLine& line : merged) {
       nlohmann::json absorbed = nlohmann::json::array();
       for (const std::size_t number : line.absorbed) {

@@ -11,6 +11,7 @@
 #include "commands/LayerChoice.h"
 #include "commands/PointIndex.h"
 #include "commands/Progress.h"
+#include "commands/ReportFields.h"
 #include "commands/WallBodies.h"
 #include "commands/WallChanges.h"
 #include "commands/WallLines.h"
@@ -88,14 +89,14 @@ class OutlineCommand : public DrawingCommand {
       line.handle = appendEntity(drawing, drawing.modelSpaceId(), std::move(entity));
     }
     job.save(drawing);
-    job.render(picture);
+    job.render(picture, report);
     tell(drawing, layers, walls, lines, capture, report);
     tellLeftOut(drawing, found, true, report);
     warnOfReferenceLines(drawing, found.lines, report);
     warnOfUnits(m_options.capture, drawing, found.lines, report);
     if (report.isJson()) {
       addJson(drawing, layers, walls, lines, capture, report.json);
-      addLeftOut(found, report.json);
+      addLeftOut(drawing, found, report.json);
     }
   }
 
@@ -227,8 +228,9 @@ class OutlineCommand : public DrawingCommand {
     report.update({{"capture", captureJson(capture)},
                    {"layers", namesJson(layers)},
                    {"outLayer", m_outLayer},
-                   {"walls", walls.size()},
-                   {"changes", nlohmann::json::array()}});
+                   {"lines", walls.size()},
+                   {"added", lines.size()},
+                   {"walls", nlohmann::json::array()}});
     std::size_t next = 0;
     for (std::size_t i = 0; i < walls.size(); ++i) {
       nlohmann::json results = nlohmann::json::array();
@@ -237,12 +239,9 @@ class OutlineCommand : public DrawingCommand {
             lineJson(lines[next].handle, lines[next].seg.ptStart, lines[next].seg.ptEnd));
         results.back()["role"] = nameOf(lines[next].role);
       }
-      nlohmann::json change = sourceJson(drawing, walls[i].line.entity);
-      change["left"] = walls[i].widths.left;
-      change["right"] = walls[i].widths.right;
-      change["length"] = walls[i].line.start.distanceTo(walls[i].line.end);
-      change["results"] = std::move(results);
-      report["changes"].push_back(std::move(change));
+      nlohmann::json wall = wallJson(drawing, walls[i]);
+      wall["results"] = std::move(results);
+      report["walls"].push_back(std::move(wall));
     }
   }
 

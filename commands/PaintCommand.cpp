@@ -8,6 +8,7 @@
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
+#include "commands/ReportFields.h"
 #include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
@@ -82,7 +83,7 @@ class PaintCommand : public DrawingCommand {
     changeEach(drawing, chosen, [&](AcDbEntity& entity) { paint(&entity); });
     job.save(drawing);
     if (job.hasPicture()) {
-      job.render(pictureOf(drawing, layers, chosen, rgb));
+      job.render(pictureOf(drawing, layers, chosen, rgb), report);
     }
     tell(drawing, layers, chosen, rgb, report);
     if (report.isJson()) {
@@ -124,7 +125,7 @@ class PaintCommand : public DrawingCommand {
                    const ChosenEntities& chosen, const Rgb& rgb, Report& report) {
     report.line("layers: {}", namesText(layers));
     report.line("{} painted {}{}{}", countText(chosen.entities.size(), "entity", "entities"),
-                rgb.text(), chosen.entities.empty() ? "" : ": ", kindsText(chosen));
+                rgb.text(), chosen.entities.empty() ? "" : ": ", kindsText(chosen.countOfKind));
     if (!knowsTrueColors(drawing)) {
       report.line("{} knows no true colours: colour {} of the palette is the nearest",
                   os::toUtf8(drawing.info().release), nearestIndex(rgb));
@@ -140,11 +141,11 @@ class PaintCommand : public DrawingCommand {
     report.update({{"layers", namesJson(layers)},
                    {"rgb", {rgb.red, rgb.green, rgb.blue}},
                    {"nearestIndex", nearestIndex(rgb)},
-                   {"isTrueColor", knowsTrueColors(drawing)},
-                   {"painted", chosen.entities.size()},
-                   {"kinds", kindsJson(chosen)},
+                   {"trueColor", knowsTrueColors(drawing)},
+                   {"changed", chosen.entities.size()},
+                   {"kinds", kindsJson(chosen.countOfKind)},
                    {"heldByLockedLayers", chosen.onLockedLayers},
-                   {"changes", changesJson(drawing, chosen)}});
+                   {"changes", changesJson(drawing, chosen.entities)}});
   }
 
   std::string m_rgb;

@@ -1,10 +1,14 @@
 #include "commands/Polylines.h"
 
+#include <bit>
 #include <functional>
+#include <new>
+#include <span>
 
 #include "acutmem.h"
 #include "commands/CommandError.h"
 #include "dbobjptr.h"
+#include "hostpolyline.h"
 
 namespace quoin::commands {
 
@@ -101,32 +105,36 @@ Acad::ErrorStatus reduceHeavy(Polyline& polyline, const std::vector<PolylineVert
   return status != Acad::eOk ? status : opened;
 }
 
-Acad::ErrorStatus reduceLight(AcDbPolyline& polyline, const std::vector<PolylineVertex>& vertices) {
-  while (polyline.numVerts() > vertices.size()) {
-    const Acad::ErrorStatus status = polyline.removeVertexAt(polyline.numVerts() - 1);
-    if (status != Acad::eOk) {
-      return status;
-    }
+Acad::ErrorStatus reduceLight(AcDbPolyline& polyline, std::span<const PolylineVertex> vertices) {
+  std::vector<hostx::LightPolylineVertex> wanted;
+  wanted.reserve(vertices.size());
+  for (const PolylineVertex& vertex : vertices) {
+    wanted.push_back({AcGePoint2d(vertex.own.x, vertex.own.y), vertex.bulge, vertex.startWidth,
+                      vertex.endWidth});
   }
-  const PolylineShape before = readLight(polyline);
-  for (unsigned int i = 0; i < polyline.numVerts(); ++i) {
-    // Only what differs is written, so that the rest of the record stays as it is spelled.
-    const PolylineVertex& is = before.vertices[i];
-    const PolylineVertex& wanted = vertices[i];
-    if (is.own.x != wanted.own.x || is.own.y != wanted.own.y) {
-      polyline.setPointAt(i, AcGePoint2d(wanted.own.x, wanted.own.y));
-    }
-    if (is.bulge != wanted.bulge) {
-      polyline.setBulgeAt(i, wanted.bulge);
-    }
-    if (is.startWidth != wanted.startWidth || is.endWidth != wanted.endWidth) {
-      polyline.setWidthsAt(i, wanted.startWidth, wanted.endWidth);
-    }
-  }
-  if (polyline.isClosed()) {
+  const Acad::ErrorStatus status = hostx::reduceVertices(polyline, wanted);
+  if (status == Acad::eOk && polyline.isClosed()) {
     polyline.setClosed(false);
   }
-  return Acad::eOk;
+  return status;
+}
+
+template <class Entity>
+std::unique_ptr<Entity> cloneOf(const Entity& entity) {
+  std::unique_ptr<Entity> copy(static_cast<Entity*>(entity.clone()));
+  if (!copy) {
+    throw std::bad_alloc();
+  }
+  return copy;
+}
+
+/// Layer, colour, linetype, line weight and the like, and extended data.
+void copyPropertiesAndXData(AcDbEntity& target, const AcDbEntity& source) {
+  target.setPropertiesFrom(&source);
+  if (resbuf* data = source.xData()) {
+    target.setXData(data);
+    acutRelRb(data);
+  }
 }
 
 }  // namespace
@@ -170,44 +178,79 @@ void reducePolyline(AcDbEntity& entity, const std::vector<PolylineVertex>& verti
   check(status, drawing, entity.objectId(), "take a segment out of the polyline");
 }
 
-std::unique_ptr<AcDbEntity> makePolylineLike(const AcDbEntity& entity,
-                                             const std::vector<PolylineVertex>& vertices) {
-  if (entity.isKindOf(AcDbPolyline::desc())) {
+// --- parts ------------------------------------------------------------------------------------
+
+PolylineParts::PolylineParts(const AcDbEntity& polyline, const PolylineShape& shape,
+                             const Drawing& drawing)
+    : m_polyline(polyline), m_shape(shape), m_drawing(drawing) {}
+
+void PolylineParts::reduce(AcDbPolyline& copy, std::span<const PolylineVertex> vertices) const {
+  check(reduceLight(copy, vertices), m_drawing, m_polyline.objectId(),
+        "make a part of the polyline");
+}
+
+std::unique_ptr<AcDbPolyline> PolylineParts::cloneOfAtLeast(std::size_t count) {
+  const AcDbPolyline& whole = *AcDbPolyline::cast(&m_polyline);
+  const std::size_t length = std::bit_ceil(count);
+  if (length >= m_shape.vertices.size()) {
+    return cloneOf(whole);
+  }
+  std::unique_ptr<AcDbPolyline>& shortened = m_shortened[length];
+  if (!shortened) {
+    shortened = cloneOf(whole);
+    reduce(*shortened, std::span(m_shape.vertices).first(length));
+  }
+  return cloneOf(*shortened);
+}
+
+template <class Vertex, class Polyline>
+void PolylineParts::appendVertices(Polyline& copy, const std::vector<PolylineVertex>& vertices) {
+  if (!m_vertex) {
+    m_vertex = std::make_unique<Vertex>();
+    m_vertex->setPropertiesFrom(&m_polyline);
+  }
+  for (const PolylineVertex& vertex : vertices) {
+    std::unique_ptr<Vertex> made = cloneOf(*Vertex::cast(m_vertex.get()));
+    setVertex(*made, vertex);
+    copy.appendVertex(made.release());
+  }
+}
+
+std::unique_ptr<AcDbEntity> PolylineParts::polyline(const std::vector<PolylineVertex>& vertices) {
+  if (m_polyline.isKindOf(AcDbPolyline::desc())) {
     // A clone keeps what a light polyline has beyond its vertices: elevation, widths, flags.
-    std::unique_ptr<AcDbPolyline> copy(static_cast<AcDbPolyline*>(entity.clone()));
-    reduceLight(*copy, vertices);
+    std::unique_ptr<AcDbPolyline> copy = cloneOfAtLeast(vertices.size());
+    reduce(*copy, vertices);
     return copy;
   }
-  if (const AcDb2dPolyline* flat = AcDb2dPolyline::cast(&entity)) {
+  if (const AcDb2dPolyline* flat = AcDb2dPolyline::cast(&m_polyline)) {
     auto copy = std::make_unique<AcDb2dPolyline>();
-    copyPropertiesAndXData(*copy, entity);
+    copyPropertiesAndXData(*copy, m_polyline);
     copy->setElevation(flat->elevation());
     copy->setThickness(flat->thickness());
     copy->setNormal(flat->normal());
-    for (const PolylineVertex& vertex : vertices) {
-      auto made = std::make_unique<AcDb2dVertex>(vertex.own, vertex.bulge, vertex.startWidth,
-                                                 vertex.endWidth);
-      made->setPropertiesFrom(&entity);
-      copy->appendVertex(made.release());
-    }
+    appendVertices<AcDb2dVertex>(*copy, vertices);
     return copy;
   }
   auto copy = std::make_unique<AcDb3dPolyline>();
-  copyPropertiesAndXData(*copy, entity);
-  for (const PolylineVertex& vertex : vertices) {
-    auto made = std::make_unique<AcDb3dPolylineVertex>(vertex.own);
-    made->setPropertiesFrom(&entity);
-    copy->appendVertex(made.release());
-  }
+  copyPropertiesAndXData(*copy, m_polyline);
+  appendVertices<AcDb3dPolylineVertex>(*copy, vertices);
   return copy;
 }
 
-void copyPropertiesAndXData(AcDbEntity& target, const AcDbEntity& source) {
-  target.setPropertiesFrom(&source);
-  if (resbuf* data = source.xData()) {
-    target.setXData(data);
-    acutRelRb(data);
+std::unique_ptr<AcDbLine> PolylineParts::line(const AcGePoint3d& start, const AcGePoint3d& end) {
+  if (!m_line) {
+    m_line = std::make_unique<AcDbLine>();
+    copyPropertiesAndXData(*m_line, m_polyline);
+    if (m_shape.thickness != 0.0) {
+      m_line->setThickness(m_shape.thickness);
+      m_line->setNormal(m_shape.normal);
+    }
   }
+  std::unique_ptr<AcDbLine> copy = cloneOf(*m_line);
+  copy->setStartPoint(start);
+  copy->setEndPoint(end);
+  return copy;
 }
 
 }  // namespace quoin::commands

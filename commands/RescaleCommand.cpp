@@ -6,6 +6,7 @@
 #include "EntityTool.h"
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
+#include "commands/ReportFields.h"
 #include "commands/SpaceChange.h"
 #include "commands/Units.h"
 #include "commands/Usage.h"
@@ -31,11 +32,6 @@ struct Scaling {
   AcDb::UnitsValue from = AcDb::kUnitsUndefined;
   std::string words;  // where the factor comes from
 };
-
-nlohmann::json boxJson(const AcDbExtents& box) {
-  return box.isFresh() ? nlohmann::json()
-                       : nlohmann::json{pointJson(box.minPoint()), pointJson(box.maxPoint())};
-}
 
 std::string boxText(const AcDbExtents& box) {
   return box.isFresh() ? "none" : pointText(box.minPoint()) + " to " + pointText(box.maxPoint());
@@ -119,11 +115,10 @@ class RescaleCommand : public DrawingCommand {
     // What is told from here on has happened.
     job.save(drawing);
     if (job.hasPicture()) {
-      job.render(pictureOf(drawing, scaling));
+      job.render(pictureOf(drawing, scaling), report);
     }
-    report.line("{} scaled", countText(changed.count, "entity", "entities"));
+    report.line("{} scaled", countText(changed.entities.size(), "entity", "entities"));
     report.json["drawingFactor"] = scaling.factor;
-    report.json["scaled"] = changed.count;
     tellSpaceChange(drawing, change, changed, report);
     if (job.isDryRun) {
       const AcDbExtents after = extentsOf(drawing);

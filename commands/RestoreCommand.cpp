@@ -3,7 +3,9 @@
 
 #include "commands/Command.h"
 #include "commands/CommandError.h"
-#include "commands/CommonOptions.h"
+#include "commands/Outcome.h"
+#include "commands/Progress.h"
+#include "commands/Usage.h"
 #include "embedded/os/Backups.h"
 #include "embedded/os/File.h"
 
@@ -32,8 +34,9 @@ class RestoreCommand : public Command {
         ->type_name("BACKUP");
     command->add_flag("--dry-run", m_isDryRun, "Name the backup and put nothing back");
     command->add_option("--report", m_report, "text or json")
-        ->check(CLI::IsMember({"text", "json"}))
+        ->check(oneOf({"text", "json"}))
         ->capture_default_str();
+    command->add_flag("-q,--quiet", m_isQuiet, "Print errors alone");
     command->footer(
         "What stands in FILE becomes its newest backup, and the one that is put back is none any\n"
         "more: the same command again undoes it. FILE.bak is the oldest backup, FILE.2.bak the\n"
@@ -48,21 +51,21 @@ class RestoreCommand : public Command {
     if (!m_from.empty() && m_files.size() > 1) {
       throw CommandError(ExitCode::Usage, "--from is the backup of one FILE, not of several");
     }
-    std::vector<Restored> found;
+    const Report::Wanted wanted{m_report == "json", false};
+    std::vector<Outcome> outcomes;
     for (const std::string& file : m_files) {
-      found.push_back(find(file));
+      outcomes.push_back(tryWork(file, wanted, [&](Outcome& outcome) {
+        Progress::checkInterrupt();  // those behind the one that was stopped are named too
+        Restored restored = find(file);
+        if (!m_isDryRun) {
+          putBack(restored);
+        }
+        outcome.written = m_isDryRun || restored.isSame ? "" : file;
+        tell(restored, outcome.report);
+      }));
     }
-    for (Restored& restored : found) {
-      if (!m_isDryRun) {
-        putBack(restored);
-      }
-      if (m_report == "text") {
-        printText(restored);
-      }
-    }
-    if (m_report == "json") {
-      printJson(jsonReport(found));
-    }
+    printOutcomes(outcomes, {"restore", wanted.json, m_isQuiet});
+    throwWhereFailed(outcomes);
   }
 
  private:
@@ -93,40 +96,33 @@ class RestoreCommand : public Command {
     }
   }
 
-  void printText(const Restored& restored) const {
+  void tell(const Restored& restored, Report& report) const {
     const std::string older =
         restored.older.empty() || !m_from.empty()
             ? ""
             : fmt::format("; an older one is {} (--from)", restored.older.back().path);
     if (m_isDryRun) {
-      fmt::print("{}: {} would be put back{}\n", restored.file, restored.backup.path, older);
+      report.line("{}: {} would be put back{}", restored.file, restored.backup.path, older);
     } else if (restored.isSame) {
-      fmt::print("{}: {} holds the same, nothing to put back{}\n", restored.file,
-                 restored.backup.path, older);
+      report.line("{}: {} holds the same, nothing to put back{}", restored.file,
+                  restored.backup.path, older);
     } else {
-      fmt::print(
-          "{}: {} is put back{}\n", restored.file, restored.backup.path,
+      report.line(
+          "{}: {} is put back{}", restored.file, restored.backup.path,
           restored.formerVersion.empty() ? "" : "; what stood there is " + restored.formerVersion);
     }
-  }
-
-  nlohmann::json jsonReport(const std::vector<Restored>& found) const {
-    nlohmann::json report = {{"command", "restore"}, {"files", nlohmann::json::array()}};
-    for (const Restored& restored : found) {
-      report["files"].push_back(
-          {{"file", restored.file},
-           {"from", restored.backup.path},
-           {"restored", !m_isDryRun && !restored.isSame},
-           {"backup", restored.formerVersion.empty() ? nlohmann::json()
-                                                     : nlohmann::json(restored.formerVersion)}});
-    }
-    return report;
+    const bool isRestored = !m_isDryRun && !restored.isSame;
+    report.json["from"] = restored.backup.path;
+    report.json["output"] = isRestored ? nlohmann::json(restored.file) : nlohmann::json();
+    report.json["backup"] =
+        restored.formerVersion.empty() ? nlohmann::json() : nlohmann::json(restored.formerVersion);
   }
 
   std::vector<std::string> m_files;
   std::string m_backupFolder;
   std::string m_from;
   bool m_isDryRun = false;
+  bool m_isQuiet = false;
   std::string m_report = "text";
 };
 

@@ -9,6 +9,7 @@
 #include "commands/DrawingCommand.h"
 #include "commands/Junctions.h"
 #include "commands/LayerChoice.h"
+#include "commands/ReportFields.h"
 #include "commands/WallBodies.h"
 #include "commands/WallLines.h"
 #include "commands/WallModel.h"
@@ -76,15 +77,15 @@ class SolidCommand : public DrawingCommand {
     }
     writeModel(prisms, job.output);
     if (job.hasPicture()) {
-      job.render(paint(drawing, prisms));
+      job.render(paint(drawing, prisms), report);
     }
     tell(drawing, capture, ends, prisms, report);
     tellLeftOut(drawing, found, true, report);
     warnOfReferenceLines(drawing, found.lines, report);
     warnOfUnits(m_options.capture, drawing, found.lines, report);
     if (report.isJson()) {
-      addJson(capture, ends, prisms, report.json);
-      addLeftOut(found, report.json);
+      addJson(drawing, layers, capture, walls, ends, report.json);
+      addLeftOut(drawing, found, report.json);
     }
   }
 
@@ -199,21 +200,25 @@ class SolidCommand : public DrawingCommand {
                 2 * ends.size() - freeEnds(ends));
   }
 
-  void addJson(const Capture& capture, const std::vector<PrepareFrom2dTo3dData>& ends,
-               const std::vector<WallPrism>& prisms, nlohmann::json& report) const {
+  void addJson(const Drawing& drawing, const std::set<std::wstring>& layers, const Capture& capture,
+               const std::vector<BodyWall>& walls, const std::vector<PrepareFrom2dTo3dData>& ends,
+               nlohmann::json& report) const {
     report.update({{"capture", captureJson(capture)},
+                   {"layers", namesJson(layers)},
+                   {"lines", walls.size()},
                    {"height", m_height},
                    {"walls", nlohmann::json::array()}});
-    for (std::size_t i = 0; i < prisms.size(); ++i) {
-      report["walls"].push_back({{"source", handleText(prisms[i].source)},
-                                 {"freeStart", ends[i].bHasStartWall},
-                                 {"freeEnd", ends[i].bHasEndWall},
-                                 {"start",
-                                  {pointJson(ends[i].ptStartLeft), pointJson(ends[i].ptStartMid),
-                                   pointJson(ends[i].ptStartRight)}},
-                                 {"end",
-                                  {pointJson(ends[i].ptEndLeft), pointJson(ends[i].ptEndMid),
-                                   pointJson(ends[i].ptEndRight)}}});
+    for (std::size_t i = 0; i < walls.size(); ++i) {
+      nlohmann::json wall = wallJson(drawing, walls[i]);
+      wall.update({{"freeStart", ends[i].bHasStartWall},
+                   {"freeEnd", ends[i].bHasEndWall},
+                   {"start",
+                    {pointJson(ends[i].ptStartLeft), pointJson(ends[i].ptStartMid),
+                     pointJson(ends[i].ptStartRight)}},
+                   {"end",
+                    {pointJson(ends[i].ptEndLeft), pointJson(ends[i].ptEndMid),
+                     pointJson(ends[i].ptEndRight)}}});
+      report["walls"].push_back(std::move(wall));
     }
   }
 

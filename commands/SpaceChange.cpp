@@ -6,6 +6,7 @@
 
 #include "commands/CommandError.h"
 #include "commands/Progress.h"
+#include "commands/ReportFields.h"
 #include "commands/Words.h"
 #include "dbobjptr.h"
 #include "embedded/os/Utf8.h"
@@ -25,17 +26,12 @@ std::string causeOf(Acad::ErrorStatus status, const std::string& action) {
   }
 }
 
-/// "2 3DSOLID, 1 REGION".
-std::string kindsText(const std::vector<LeftBehind>& left) {
+std::string leftKindsText(const std::vector<SkippedEntity>& left) {
   std::map<std::wstring, std::size_t> countOf;
-  for (const LeftBehind& one : left) {
+  for (const SkippedEntity& one : left) {
     ++countOf[hostx::kindName(one.entity)];
   }
-  std::string words;
-  for (const auto& [kind, count] : countOf) {
-    words += fmt::format("{}{} {}", words.empty() ? "" : ", ", count, os::toUtf8(kind));
-  }
-  return words;
+  return kindsText(countOf);
 }
 
 Acad::ErrorStatus changeEntity(const AcDbObjectId& id, const AcGeMatrix3d& matrix) {
@@ -68,10 +64,9 @@ bool isNothing(const SpaceChange& change) {
 
 SpaceChanged changeModelSpace(Drawing& drawing, const SpaceChange& change) {
   SpaceChanged changed;
-  std::vector<AcDbObjectId> ids;
-  drawing.forEachEntity(drawing.modelSpaceId(), [&](const AcDbObjectId& id) { ids.push_back(id); });
+  const std::vector<AcDbObjectId> ids = drawing.entities(drawing.modelSpaceId());
   if (isNothing(change)) {
-    changed.count = ids.size();
+    changed.entities = ids;
     return changed;
   }
   const AcGeMatrix3d matrix = matrixOf(change);
@@ -84,17 +79,17 @@ SpaceChanged changeModelSpace(Drawing& drawing, const SpaceChange& change) {
     }
     const Acad::ErrorStatus status = changeEntity(ids[i], matrix);
     if (status == Acad::eOk) {
-      ++changed.count;
+      changed.entities.push_back(ids[i]);
     } else {
       changed.left.push_back({ids[i], causeOf(status, change.action)});
     }
   }
   if (!changed.left.empty() && !change.isLeavingBehind) {
-    const LeftBehind& first = changed.left.front();
+    const SkippedEntity& first = changed.left.front();
     refuse(drawing,
            fmt::format("{} of {} ({}; the first is {}: {})", changed.left.size(),
-                       countText(ids.size(), "entity", "entities"), kindsText(changed.left),
-                       describe(drawing, first.entity), first.cause),
+                       countText(ids.size(), "entity", "entities"), leftKindsText(changed.left),
+                       describe(drawing, first.entity), first.reason),
            change);
   }
   if (db::transformViews(&drawing.database(), change.factor, change.move, changed.views) !=
@@ -103,6 +98,10 @@ SpaceChanged changeModelSpace(Drawing& drawing, const SpaceChange& change) {
                        fmt::format("{}: cannot {} the views, limits and extents: a number would "
                                    "become too large; nothing was written",
                                    drawing.file().string(), change.action));
+  }
+  // What is no entity keeps no drawing back.
+  for (const AcDbObjectId& id : db::placesThatStay(&drawing.database())) {
+    changed.left.push_back({id, "it is no entity, and the places in it do not follow"});
   }
   return changed;
 }
@@ -116,23 +115,21 @@ void tellSpaceChange(const Drawing& drawing, const SpaceChange& change, const Sp
   }
   if (!changed.left.empty()) {
     report.warn(fmt::format("left as they are, the host cannot {} them: {}", change.action,
-                            kindsText(changed.left)));
+                            leftKindsText(changed.left)));
     report.list(changed.left.size(), [&](std::size_t i) {
       return fmt::format("  {}: {}", describe(drawing, changed.left[i].entity),
-                         changed.left[i].cause);
+                         changed.left[i].reason);
     });
   }
+  if (!report.isJson()) {
+    return;
+  }
+  report.json["changed"] = changed.entities.size();
+  report.json["changes"] = changesJson(drawing, changed.entities);
   report.json["views"] = views.views;
   report.json["viewports"] = views.viewports;
   report.json["headerVariables"] = views.variables;
-  nlohmann::json left = nlohmann::json::array();
-  for (const LeftBehind& one : changed.left) {
-    left.push_back({{"handle", handleText(one.entity)},
-                    {"line", hostx::lineNumber(one.entity)},
-                    {"kind", os::toUtf8(hostx::kindName(one.entity))},
-                    {"cause", one.cause}});
-  }
-  report.json["leftBehind"] = std::move(left);
+  report.json["leftBehind"] = skippedJson(drawing, changed.left);
 }
 
 }  // namespace quoin::commands

@@ -2,11 +2,11 @@
 #pragma once
 
 #include <cstddef>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "commands/Drawing.h"
+#include "commands/LeftOut.h"
 #include "commands/Report.h"
 #include "embedded/db/ModelViews.h"
 #include "gevec3d.h"
@@ -22,15 +22,9 @@ struct SpaceChange {
   bool isLeavingBehind = false;
 };
 
-/// An entity that stays where it was, and why.
-struct LeftBehind {
-  AcDbObjectId entity;
-  std::string cause;
-};
-
 struct SpaceChanged {
-  std::size_t count = 0;  // of entities that follow
-  std::vector<LeftBehind> left;
+  std::vector<AcDbObjectId> entities;  // that follow, in file order
+  std::vector<SkippedEntity> left;     // that stay where they were
   db::ViewChanges views;
 };
 

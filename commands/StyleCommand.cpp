@@ -6,10 +6,10 @@
 #include "AcadCommonTool.h"
 #include "KxAcadBlockTool.h"
 #include "commands/CommandError.h"
+#include "commands/CurrentDrawing.h"
 #include "commands/DrawingCommand.h"
 #include "commands/StylePictures.h"
 #include "commands/Words.h"
-#include "dbapserv.h"
 #include "dbdict.h"
 #include "dbobjptr.h"
 #include "embedded/os/Utf8.h"
@@ -65,22 +65,6 @@ std::vector<Setting> settingsOf(const AcDbDimStyleTableRecord& style) {
           {"DIMDEC", "decimal places", integer(style.dimdec())},
           {"DIMRND", "rounding", numberText(style.dimrnd())}};
 }
-
-/// The host's working database for as long as this lives: where names of blocks are looked up
-/// for records that are in no drawing yet.
-class WorkingDatabase {
- public:
-  explicit WorkingDatabase(AcDbDatabase& database)
-      : m_before(acdbHostApplicationServices()->workingDatabase()) {
-    acdbHostApplicationServices()->setWorkingDatabase(&database);
-  }
-  ~WorkingDatabase() { acdbHostApplicationServices()->setWorkingDatabase(m_before); }
-  WorkingDatabase(const WorkingDatabase&) = delete;
-  WorkingDatabase& operator=(const WorkingDatabase&) = delete;
-
- private:
-  AcDbDatabase* m_before;
-};
 
 class StyleCommand : public DrawingCommand {
  public:
@@ -158,7 +142,7 @@ class StyleCommand : public DrawingCommand {
     const AcDbObjectPointer<AcDbMlineStyle> style(id, AcDb::kForRead);
     check(style.openStatus(), drawing, id, "read");
     job.save(drawing);
-    job.render(mlineSample(drawing, *style.object()));
+    job.render(mlineSample(drawing, *style.object()), report);
     const bool isNew = former.isNull();
     addMlineJson(*style.object(), id, isNew, report.json);
     report.line("multiline style {} ({}): {}", os::toUtf8(style->name()), handleText(id),
@@ -199,7 +183,7 @@ class StyleCommand : public DrawingCommand {
                            nlohmann::json& report) {
     report.update({{"name", os::toUtf8(style.name())},
                    {"handle", handleText(id)},
-                   {"isNew", isNew},
+                   {"new", isNew},
                    {"startCap", style.startSquareCap()},
                    {"endCap", style.endSquareCap()},
                    {"elements", nlohmann::json::array()}});
@@ -232,7 +216,7 @@ class StyleCommand : public DrawingCommand {
     const ACHAR* styleName = L"";
     style->getName(styleName);
     const std::string shownName = os::toUtf8(styleName);
-    job.render(dimensionSample(drawing, shownName, *style.object()));
+    job.render(dimensionSample(drawing, shownName, *style.object()), report);
     const bool isNew = former.isNull();
     const std::vector<Setting> settings = settingsOf(*style.object());
     const std::vector<std::string> warnings = dimWarnings(drawing, *style.object(), isNew);
@@ -272,7 +256,7 @@ class StyleCommand : public DrawingCommand {
                          const std::vector<Setting>& settings, nlohmann::json& report) {
     report.update({{"name", shownName},
                    {"handle", handleText(id)},
-                   {"isNew", isNew},
+                   {"new", isNew},
                    {"settings", nlohmann::json::object()}});
     for (const Setting& setting : settings) {
       report["settings"][setting.variable] = setting.value;

@@ -5,6 +5,7 @@
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
 #include "commands/Progress.h"
+#include "commands/ReportFields.h"
 #include "commands/SpaceChange.h"
 #include "commands/Usage.h"
 #include "commands/Words.h"
@@ -58,14 +59,13 @@ class ToOriginCommand : public DrawingCommand {
     const SpaceChanged changed = changeModelSpace(drawing, change);
     job.save(drawing);
     if (job.hasPicture()) {
-      job.render(pictureOf(drawing, base));
+      job.render(pictureOf(drawing, base), report);
     }
     report.line("{} of the extents was at {} {}", m_at, pointText(base), drawing.unitName());
-    report.line("{} moved by {}", countText(changed.count, "entity", "entities"),
+    report.line("{} moved by {}", countText(changed.entities.size(), "entity", "entities"),
                 pointText(movedBy(base)));
     report.json["at"] = m_at;
     report.json["basePoint"] = pointJson(base);
-    report.json["moved"] = changed.count;
     tellSpaceChange(drawing, change, changed, report);
   }
 

@@ -8,6 +8,7 @@
 #include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
 #include "commands/Progress.h"
+#include "commands/ReportFields.h"
 #include "commands/SingleLines.h"
 #include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
@@ -76,7 +77,7 @@ class TrimAxesCommand : public DrawingCommand {
       }
     }
     job.save(drawing);
-    job.render(picture);
+    job.render(picture, report);
     tell(drawing, layers, found, axes, report);
     if (report.isJson()) {
       addJson(drawing, layers, found, axes, m_overhang, report.json);
@@ -166,7 +167,7 @@ class TrimAxesCommand : public DrawingCommand {
                    {"lines", axes.size()},
                    {"overhang", overhang},
                    {"changes", nlohmann::json::array()}});
-    addLeftOut(found, report);
+    addLeftOut(drawing, found, report);
     for (const TrimmedAxis& axis : axes) {
       if (axis.isChanged()) {
         nlohmann::json change = sourceJson(drawing, axis.line->entity);
@@ -175,6 +176,7 @@ class TrimAxesCommand : public DrawingCommand {
         report["changes"].push_back(std::move(change));
       }
     }
+    report["changed"] = report["changes"].size();
   }
 
   double m_overhang = 0.0;

@@ -14,6 +14,7 @@
 #include "commands/LayerChoice.h"
 #include "commands/PointIndex.h"
 #include "commands/Progress.h"
+#include "commands/ReportFields.h"
 #include "dbobjptr.h"
 #include "embedded/os/Utf8.h"
 
@@ -149,6 +150,14 @@ void WidthOptions::declare(CLI::App& command) {
               "LAYER=W[,W]");
 }
 
+nlohmann::json wallJson(const Drawing& drawing, const BodyWall& wall) {
+  nlohmann::json json = sourceJson(drawing, wall.line.entity);
+  json["left"] = wall.widths.left;
+  json["right"] = wall.widths.right;
+  json["length"] = wall.line.start.distanceTo(wall.line.end);
+  return json;
+}
+
 std::vector<BodyWall> makeWalls(const Drawing& drawing, const std::vector<WallLine>& lines,
                                 const WidthOptions& options) {
   std::vector<LayerWidth> ofLayer;
@@ -156,8 +165,14 @@ std::vector<BodyWall> makeWalls(const Drawing& drawing, const std::vector<WallLi
     ofLayer.push_back(parseLayerWidth(text));
   }
   std::vector<BodyWall> walls;
+  AcDbObjectId entity;
+  std::optional<WallWidths> ofEntity;
   for (const WallLine& line : lines) {
-    std::optional<WallWidths> widths = widthsOfEntity(line.entity);
+    if (line.entity != entity) {  // the segments of a polyline stand together
+      entity = line.entity;
+      ofEntity = widthsOfEntity(entity);
+    }
+    std::optional<WallWidths> widths = ofEntity;
     const std::wstring layer = line.layer();
     for (const LayerWidth& width : ofLayer) {
       if (!widths && matchesGlob(layer, width.pattern)) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <map>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <set>
 #include <string>
@@ -37,6 +38,9 @@ struct BodyWall {
   WallLine line;
   WallWidths widths;
 };
+
+/// What JSON reports say of a wall: its reference line's entity, widths and length.
+nlohmann::json wallJson(const Drawing& drawing, const BodyWall& wall);
 
 /// The name under which entities carry their widths.
 inline constexpr const wchar_t* kWidthApplication = L"QUOIN";

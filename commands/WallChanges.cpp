@@ -7,6 +7,7 @@
 #include "commands/CommonOptions.h"
 #include "commands/Polylines.h"
 #include "commands/Progress.h"
+#include "commands/ReportFields.h"
 #include "dbobjptr.h"
 #include "dbsymtb.h"
 
@@ -49,17 +50,17 @@ class Changer {
     // New entities are made before the polyline changes, from what it still is.
     std::vector<std::unique_ptr<AcDbEntity>> made;
     std::vector<WallPiece*> pieces;
+    PolylineParts parts(*entity.object(), shape, m_drawing);
     const bool keepsFirst = rest.empty() && isWide(shape, *first);
     for (auto change = first; change != last; ++change) {
       for (WallPiece& piece : change->pieces) {
         pieces.push_back(&piece);
-        made.push_back(keepsFirst && made.empty()
-                           ? nullptr
-                           : makePiece(*entity.object(), shape, *change, piece));
+        made.push_back(keepsFirst && made.empty() ? nullptr
+                                                  : makePiece(parts, shape, *change, piece));
       }
     }
     for (std::size_t i = 1; i < rest.size(); ++i) {
-      appendEntity(m_drawing, block, makePolylineLike(*entity.object(), rest[i]));
+      appendEntity(m_drawing, block, parts.polyline(rest[i]));
     }
     std::size_t next = 0;
     if (!rest.empty()) {
@@ -101,13 +102,12 @@ class Changer {
   }
 
   /// A piece of a segment with a width is a polyline, since lines have none.
-  static std::unique_ptr<AcDbEntity> makePiece(const AcDbEntity& polyline,
-                                               const PolylineShape& shape, const WallChange& change,
-                                               const WallPiece& piece) {
+  static std::unique_ptr<AcDbEntity> makePiece(PolylineParts& parts, const PolylineShape& shape,
+                                               const WallChange& change, const WallPiece& piece) {
     if (isWide(shape, change)) {
-      return makePolylineLike(polyline, widePiece(shape, change, piece));
+      return parts.polyline(widePiece(shape, change, piece));
     }
-    return makeLine(polyline, shape, piece);
+    return parts.line(piece.start, piece.end);
   }
 
   /// The vertices of a piece, with its share of the taper.
@@ -134,17 +134,6 @@ class Changer {
     std::vector<PolylineVertex> vertices{vertexAt(piece.start), vertexAt(piece.end)};
     vertices.front().endWidth = vertices.back().startWidth;
     return vertices;
-  }
-
-  static std::unique_ptr<AcDbLine> makeLine(const AcDbEntity& polyline, const PolylineShape& shape,
-                                            const WallPiece& piece) {
-    auto line = std::make_unique<AcDbLine>(piece.start, piece.end);
-    copyPropertiesAndXData(*line, polyline);
-    if (shape.thickness != 0.0) {
-      line->setThickness(shape.thickness);
-      line->setNormal(shape.normal);
-    }
-    return line;
   }
 
   /// The runs of segments that are not cut, in order; that of a closed polyline across its

@@ -87,7 +87,7 @@ WallLines collectWallLines(Drawing& drawing, const std::set<std::wstring>& layer
       locked.insert(layer.name);
     }
   }
-  Collector collector(std::move(locked));
+  Collector collector(locked);
   drawing.forEachEntity(drawing.modelSpaceId(), [&](const AcDbObjectId& id) {
     const std::wstring layer = hostx::layerName(id);
     if (layers.count(layer)) {
@@ -95,7 +95,7 @@ WallLines collectWallLines(Drawing& drawing, const std::set<std::wstring>& layer
     }
   });
   WallLines walls = std::move(collector.result);
-  takesInside ? takeInside(drawing, layers, walls) : countInside(drawing, layers, walls);
+  takesInside ? takeInside(drawing, layers, locked, walls) : countInside(drawing, layers, walls);
   return walls;
 }
 

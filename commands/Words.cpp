@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include "embedded/os/Utf8.h"
+
 namespace quoin::commands {
 
 std::string numberText(double value) {
@@ -14,6 +16,14 @@ std::string pointText(const AcGePoint3d& point) {
 
 std::string countText(std::size_t count, const std::string& one, const std::string& many) {
   return fmt::format("{} {}", count, count == 1 ? one : many.empty() ? one + "s" : many);
+}
+
+std::string kindsText(const std::map<std::wstring, std::size_t>& countOfKind) {
+  std::string text;
+  for (const auto& [kind, count] : countOfKind) {
+    text += fmt::format("{}{} {}", text.empty() ? "" : ", ", count, os::toUtf8(kind));
+  }
+  return text;
 }
 
 }  // namespace quoin::commands

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <string>
 
 #include "gepnt3d.h"
@@ -15,5 +16,8 @@ std::string pointText(const AcGePoint3d& point);
 /// "1 wall line", "2 wall lines"; for words that take more than an s: countText(n, "entity",
 /// "entities").
 std::string countText(std::size_t count, const std::string& one, const std::string& many = "");
+
+/// "3 ARC, 12 LINE", from counts of kinds of entities.
+std::string kindsText(const std::map<std::wstring, std::size_t>& countOfKind);
 
 }  // namespace quoin::commands

@@ -135,7 +135,7 @@ def break_and_compare(quoin, source, folder):
         except ezdxf.DXFError:
             return f"{source.name}: ezdxf cannot read the input either", True
         complaints = [f"ezdxf cannot read it: {error}"]
-    text = f"{source.name}: {report['linesCut']} lines cut into {report['pieces']} pieces"
+    text = f"{source.name}: {report['changed']} lines cut into {report['pieces']} pieces"
     return "\n  ".join([text, *complaints]), not complaints
 
 

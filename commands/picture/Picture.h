@@ -81,6 +81,8 @@ struct Picture {
   /// What must be seen, beside the paths themselves: when the plan reaches very far out, the
   /// view keeps to this.
   std::vector<AcGePoint2d> focus;
+  /// What it does not show as it is.
+  std::vector<std::string> warnings;
 };
 
 }  // namespace quoin::commands

@@ -222,17 +222,19 @@ class PlanPainter {
   void paintArc(const AcGePoint3d& center, const AcGeVector3d& normal, double radius,
                 double startAngle, double endAngle, const AcGeMatrix3d& toWorld) {
     const AcGeMatrix3d plane = AcGeMatrix3d().setToPlaneToWorld(normal);
-    double sweep = endAngle - startAngle;
-    if (!std::isfinite(sweep)) {
+    // Files name any angles; what counts is where on the circle they lie.
+    const double start = std::fmod(startAngle, 2.0 * kPi);
+    double sweep = std::fmod(endAngle - startAngle, 2.0 * kPi);
+    if (!std::isfinite(start) || !std::isfinite(sweep)) {
       return;
     }
     if (sweep <= 0.0) {
-      sweep = std::fmod(sweep, 2.0 * kPi) + 2.0 * kPi;
+      sweep += 2.0 * kPi;
     }
-    const int chords = std::max(2, static_cast<int>(std::ceil(std::min(sweep, 7.0) / kChordAngle)));
+    const int chords = std::max(2, static_cast<int>(std::ceil(sweep / kChordAngle)));
     std::vector<AcGePoint3d> points;
     for (int i = 0; i <= chords; ++i) {
-      const double angle = startAngle + sweep * i / chords;
+      const double angle = start + sweep * i / chords;
       points.push_back(
           center + plane * AcGeVector3d(radius * std::cos(angle), radius * std::sin(angle), 0.0));
     }
@@ -431,7 +433,7 @@ std::size_t addPlanShapesUpTo(std::size_t mostBlockEntities, Picture& picture, D
         fmt::format("{} block references drawn as frames: blocks show more than {} entities",
                     painter.framedReferences(), mostBlockEntities);
     picture.subtitle += picture.subtitle.empty() ? words : "; " + words;
-    fmt::print(stderr, "warning: picture: {}\n", words);
+    picture.warnings.push_back(words);
   }
   return painter.framedReferences();
 }

@@ -9,14 +9,25 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <string>
 
 #include "commands/CommandError.h"
 #include "commands/OutputFile.h"
 #include "commands/Progress.h"
+#include "embedded/os/Utf8.h"
 
 namespace quoin::commands {
 
 namespace {
+
+/// The text with U+FFFD in place of bytes that are no UTF-8, which file names and damaged drawings
+/// may have: Cairo ends the whole picture at one.
+std::string drawable(const std::string& text) {
+  std::wstring wide = os::fromUtf8(text);
+  const auto isByte = [](wchar_t unit) { return unit >= 0xDC80 && unit <= 0xDCFF; };
+  std::replace_if(wide.begin(), wide.end(), isByte, L'\uFFFD');
+  return os::toUtf8(wide);
+}
 
 constexpr double kPi = 3.14159265358979323846;
 
@@ -136,9 +147,10 @@ class Painter {
                            isBold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
     cairo_set_font_size(m_cairo, size);
   }
+  void showText(const std::string& text) { cairo_show_text(m_cairo, drawable(text).c_str()); }
   double textWidth(const std::string& text) {
     cairo_text_extents_t extents;
-    cairo_text_extents(m_cairo, text.c_str(), &extents);
+    cairo_text_extents(m_cairo, drawable(text).c_str(), &extents);
     return extents.x_advance;
   }
 
@@ -207,7 +219,7 @@ class Painter {
     setFont(label.text, size / kCapitalHeight);
     setColor(label.color);
     cairo_move_to(m_cairo, -label.alongShare * textWidth(label.text), label.upShare * size);
-    cairo_show_text(m_cairo, label.text.c_str());
+    showText(label.text);
     cairo_restore(m_cairo);
   }
 
@@ -253,10 +265,10 @@ class Painter {
     setFont(m_picture.title, 26.0, true);
     setColor(palette::kInk);
     cairo_move_to(m_cairo, kMargin, 38.0);
-    cairo_show_text(m_cairo, m_picture.title.c_str());
+    showText(m_picture.title);
     setFont(m_picture.subtitle, 16.0);
     cairo_move_to(m_cairo, kMargin, 62.0);
-    cairo_show_text(m_cairo, m_picture.subtitle.c_str());
+    showText(m_picture.subtitle);
   }
 
   void paintScaleBar() {
@@ -281,7 +293,7 @@ class Painter {
     cairo_move_to(m_cairo, kMargin, y - 8.0);
     cairo_show_text(m_cairo, "0");
     cairo_move_to(m_cairo, kMargin + width - 0.5 * textWidth(text), y - 8.0);
-    cairo_show_text(m_cairo, text.c_str());
+    showText(text);
     m_scaleBarEnd = kMargin + width + textWidth(text);
   }
 
@@ -313,7 +325,7 @@ class Painter {
       setFont(entry.text, 15.0);
       setColor(palette::kInk);
       cairo_move_to(m_cairo, x + 36.0, y + 5.0);
-      cairo_show_text(m_cairo, entry.text.c_str());
+      showText(entry.text);
       x += 36.0 + textWidth(entry.text) + 28.0;
     }
   }

@@ -235,24 +235,41 @@ DatabaseImpl::Names& DatabaseImpl::names(TableKind kind) {
   return *known;
 }
 
-/// The bytes of an entity's layer name; empty where it names none.
-std::string_view DatabaseImpl::layerValueOf(const AcDbStub& stub) const {
+/// The bytes of an entity's layer name; none where it names none. Records of polylines may have
+/// millions of tags, and the name stands in front.
+std::optional<std::string_view> DatabaseImpl::layerValueOf(const AcDbStub& stub) const {
   dxf::TagCursor cursor(stub.bytes(), format());
   dxf::TagView tag;
+  std::optional<std::string_view> inFront;
+  bool hasMarker = false;
   bool isInGroup = false;
   while (cursor.next(tag) && tag.code != kEmbeddedCode && tag.code < kFirstXDataCode) {
-    if (tag.code == kMarkerCode && dxf::trimmedValue(tag) != place::kEntity.marker) {
-      break;  // a layer that stands here needs a closer look
-    }
-    if (tag.code == kGroupCode) {
+    if (tag.code == kMarkerCode) {
+      hasMarker = true;
+      isInGroup = false;
+      if (dxf::trimmedValue(tag) != place::kEntity.marker) {
+        break;  // a layer that stands here needs a closer look
+      }
+    } else if (tag.code == kGroupCode) {
       isInGroup = dxf::trimmedValue(tag).starts_with('{');
     } else if (tag.code == code::kLayer && !isInGroup) {
-      return tag.value;
+      if (hasMarker) {
+        return tag.value;
+      }
+      inFront = inFront.value_or(tag.value);
     }
+  }
+  if (!hasMarker) {
+    return inFront;
   }
   const TagList tags = tagsOf(stub);
   const std::size_t index = tags.find(code::kLayer, place::kEntity.in(tags));
-  return index == TagList::kNone ? std::string_view() : tags[index].value;
+  return index == TagList::kNone ? std::nullopt : std::optional(tags[index].value);
+}
+
+std::wstring DatabaseImpl::layerNameOf(const AcDbStub& stub) const {
+  const std::optional<std::string_view> value = layerValueOf(stub);
+  return value ? dxf::textOf({code::kLayer, *value, 0, 0}, format()) : L"0";
 }
 
 void DatabaseImpl::addUnlistedLayers(Names& known) {
@@ -263,7 +280,7 @@ void DatabaseImpl::addUnlistedLayers(Names& known) {
     if (!isEntity(stub) || !stub.data) {
       continue;
     }
-    const std::string_view layer = layerValueOf(stub);
+    const std::string_view layer = layerValueOf(stub).value_or(std::string_view());
     if (!layer.empty() && seen.insert(layer).second) {
       const std::wstring name = dxf::textOf({code::kLayer, layer, 0, 0}, format());
       if (!known.contains(os::foldCase(name))) {

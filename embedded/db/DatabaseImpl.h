@@ -132,6 +132,7 @@ struct DatabaseImpl {
 
   /// The layer of an entity's record; its name where the tags name none is "0".
   std::wstring layerNameOf(const TagList& tags) const;
+  std::wstring layerNameOf(const AcDbStub& stub) const;
   /// The name as the layer table spells it: names that differ in case only are one layer. A name
   /// of no layer stays as it is.
   const std::wstring& layerSpelling(const std::wstring& name);
@@ -163,7 +164,7 @@ struct DatabaseImpl {
   using Names = std::unordered_map<std::wstring, std::vector<AcDbStub*>>;  // folded names
   Names& names(TableKind kind);
   void addUnlistedLayers(Names& known);
-  std::string_view layerValueOf(const AcDbStub& stub) const;
+  std::optional<std::string_view> layerValueOf(const AcDbStub& stub) const;
   AcDbStub* addUnlisted(TableKind kind, std::wstring_view name, Names& known);
   void describeUnlisted(const AcDbStub& stub, TableKind kind, std::wstring_view name);
 

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <set>
+#include <utility>
+#include <vector>
 
 #include "dbents.h"
 #include "embedded/db/Blocks.h"
@@ -150,31 +153,30 @@ OwnBlock ownBlockOf(DatabaseImpl& database, const TagList& tags, const AcGeMatri
 /// New records of entities in a drawing, computed before any of them changes.
 class ResidentChanges {
  public:
-  Acad::ErrorStatus add(AcDbStub& stub, const AcGeMatrix3d& matrix) {
-    DatabaseImpl& database = DatabaseImpl::of(stub);
-    const TagList tags = database.tagsOf(stub);
-    std::string bytes;
-    Acad::ErrorStatus status = transformedBytes(tags, matrix, bytes);
-    m_changes.push_back({&stub, std::move(bytes)});
-    forEachPartStub(stub, [&](AcDbStub& part) {
-      std::string partBytes;
-      if (status == Acad::eOk) {
-        status = transformedPart(tags, database.tagsOf(part), matrix, partBytes);
+  /// Blocks of dimensions and tables can show each other to any depth, and in rings.
+  Acad::ErrorStatus add(AcDbStub& open, const AcGeMatrix3d& matrix) {
+    std::set<const AcDbStub*> seen;  // beside the open one
+    std::vector<std::pair<AcDbStub*, AcGeMatrix3d>> waiting{{&open, matrix}};
+    Acad::ErrorStatus status = Acad::eOk;
+    while (status == Acad::eOk && !waiting.empty()) {
+      const auto [stub, change] = waiting.back();
+      DatabaseImpl& database = DatabaseImpl::of(*stub);
+      waiting.pop_back();
+      OwnBlock own;
+      status = addRecords(*stub, change, own);
+      if (stub == &open) {
+        m_own = own;
       }
-      m_changes.push_back({&part, std::move(partBytes)});
-    });
-    const OwnBlock own = status == Acad::eOk ? ownBlockOf(database, tags, matrix) : OwnBlock{};
-    if (own.block && !database.ownBlockMoves.joins(*own.block, stub, own.matrix)) {
-      // Dimensions inside such a block would be blocks within blocks: nothing makes them.
+      if (!own.block || database.ownBlockMoves.joins(*own.block, *stub, own.matrix)) {
+        continue;
+      }
+      // Dimensions inside a dimension's block would be blocks within blocks: nothing makes them.
       for (AcDbStub* const entity : own.block->entities) {
-        if (!entity->erased && status == Acad::eOk &&
-            kindOf(database.tagsOf(*entity)) != kindOf(tags)) {
-          status = add(*entity, own.matrix);
+        if (!entity->erased && entity != &open &&
+            database.kindOf(*entity) != database.kindOf(*stub) && seen.insert(entity).second) {
+          waiting.emplace_back(entity, own.matrix);
         }
       }
-    }
-    if (m_changes.front().stub == &stub) {
-      m_own = own;
     }
     return status;
   }
@@ -198,6 +200,27 @@ class ResidentChanges {
     AcDbStub* stub;
     std::string bytes;
   };
+
+  /// One entity with its vertices or attributes; `own` is the block that shows it, if it has one.
+  Acad::ErrorStatus addRecords(AcDbStub& stub, const AcGeMatrix3d& matrix, OwnBlock& own) {
+    DatabaseImpl& database = DatabaseImpl::of(stub);
+    const TagList tags = database.tagsOf(stub);
+    std::string bytes;
+    Acad::ErrorStatus status = transformedBytes(tags, matrix, bytes);
+    m_changes.push_back({&stub, std::move(bytes)});
+    forEachPartStub(stub, [&](AcDbStub& part) {
+      std::string partBytes;
+      if (status == Acad::eOk) {
+        status = transformedPart(tags, database.tagsOf(part), matrix, partBytes);
+      }
+      m_changes.push_back({&part, std::move(partBytes)});
+    });
+    if (status == Acad::eOk) {
+      own = ownBlockOf(database, tags, matrix);
+    }
+    return status;
+  }
+
   std::vector<Change> m_changes;
   OwnBlock m_own;
 };

@@ -88,9 +88,6 @@ constexpr int kEndPoint = 11;
 constexpr int kRadius = 40;
 constexpr int kStartAngle = 50;
 constexpr int kEndAngle = 51;
-constexpr int kStartWidth = 40;
-constexpr int kEndWidth = 41;
-constexpr int kBulge = 42;
 constexpr int kElevation = 38;
 
 }  // namespace
@@ -194,8 +191,8 @@ Acad::ErrorStatus extentsOfHeavyPolyline(const Drawn& entity, const AcGeMatrix3d
   const std::int64_t flags = tags.integer(code::kFlags, range, 0);
   const bool isFlat = polylineKindOf(tags) == PolylineKind::Flat;
   const AcGeMatrix3d plane = isFlat ? toWorld * planeToWorld(normalOf(tags, range)) : toWorld;
-  const double defaultStart = tags.number(kStartWidth, range, 0.0);
-  const double defaultEnd = tags.number(kEndWidth, range, 0.0);
+  const double defaultStart = tags.number(code::kStartWidth, range, 0.0);
+  const double defaultEnd = tags.number(code::kEndWidth, range, 0.0);
   AcDbExtents shape;
   std::optional<Segment> first;
   Segment last;
@@ -209,9 +206,9 @@ Acad::ErrorStatus extentsOfHeavyPolyline(const Drawn& entity, const AcGeMatrix3d
     Segment vertex;
     vertex.start = part.point(kPoint, own);
     if (isFlat) {
-      vertex.bulge = part.number(kBulge, own, 0.0);
-      vertex.startWidth = part.number(kStartWidth, own, defaultStart);
-      vertex.endWidth = part.number(kEndWidth, own, defaultEnd);
+      vertex.bulge = part.number(code::kBulge, own, 0.0);
+      vertex.startWidth = part.number(code::kStartWidth, own, defaultStart);
+      vertex.endWidth = part.number(code::kEndWidth, own, defaultEnd);
     }
     if (!first) {
       first = vertex;

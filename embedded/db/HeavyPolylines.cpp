@@ -17,9 +17,6 @@ namespace {
 
 constexpr int kPosition = 10;
 constexpr int kElevation = 30;  // z of the polyline's point, whose x and y mean nothing
-constexpr int kStartWidth = 40;
-constexpr int kEndWidth = 41;
-constexpr int kBulge = 42;
 constexpr int kCurveType = 75;
 constexpr std::int64_t kQuadratic = 5;
 
@@ -126,27 +123,29 @@ Acad::ErrorStatus AcDb2dVertex::setPosition(const AcGePoint3d& position) {
 }
 
 double AcDb2dVertex::bulge() const {
-  return numberOf(*this, place::kVertex2d, kBulge);
+  return numberOf(*this, place::kVertex2d, code::kBulge);
 }
 
 Acad::ErrorStatus AcDb2dVertex::setBulge(double bulge) {
-  return setNumber(*this, place::kVertex2d, kBulge, bulge, 0.0);
+  return setNumber(*this, place::kVertex2d, code::kBulge, bulge, 0.0);
 }
 
 double AcDb2dVertex::startWidth() const {
-  return widthOf(*this, kStartWidth);
+  return widthOf(*this, code::kStartWidth);
 }
 
 Acad::ErrorStatus AcDb2dVertex::setStartWidth(double width) {
-  return setNumber(*this, place::kVertex2d, kStartWidth, width, usualWidth(*this, kStartWidth));
+  return setNumber(*this, place::kVertex2d, code::kStartWidth, width,
+                   usualWidth(*this, code::kStartWidth));
 }
 
 double AcDb2dVertex::endWidth() const {
-  return widthOf(*this, kEndWidth);
+  return widthOf(*this, code::kEndWidth);
 }
 
 Acad::ErrorStatus AcDb2dVertex::setEndWidth(double width) {
-  return setNumber(*this, place::kVertex2d, kEndWidth, width, usualWidth(*this, kEndWidth));
+  return setNumber(*this, place::kVertex2d, code::kEndWidth, width,
+                   usualWidth(*this, code::kEndWidth));
 }
 
 AcDb3dPolylineVertex::AcDb3dPolylineVertex() = default;
@@ -234,11 +233,11 @@ Acad::ErrorStatus AcDb2dPolyline::setNormal(const AcGeVector3d& normal) {
 }
 
 double AcDb2dPolyline::defaultStartWidth() const {
-  return numberOf(*this, place::kPolyline2d, kStartWidth);
+  return numberOf(*this, place::kPolyline2d, code::kStartWidth);
 }
 
 double AcDb2dPolyline::defaultEndWidth() const {
-  return numberOf(*this, place::kPolyline2d, kEndWidth);
+  return numberOf(*this, place::kPolyline2d, code::kEndWidth);
 }
 
 AcGePoint3d AcDb2dPolyline::vertexPosition(const AcDb2dVertex& vertex) const {

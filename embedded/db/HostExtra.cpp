@@ -227,9 +227,8 @@ std::wstring layerName(const AcDbObjectId& id) {
   }
   DatabaseImpl& database = DatabaseImpl::of(*stub);
   try {
-    return database.isEntity(*stub)
-               ? database.layerSpelling(database.layerNameOf(database.tagsOf(*stub)))
-               : std::wstring();
+    return database.isEntity(*stub) ? database.layerSpelling(database.layerNameOf(*stub))
+                                    : std::wstring();
   } catch (...) {
     statusOfException();
     return {};

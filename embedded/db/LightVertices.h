@@ -4,15 +4,18 @@
 #include <vector>
 
 #include "embedded/db/Places.h"
-#include "gepnt2d.h"
+#include "hostpolyline.h"
 
 namespace quoin::db {
 
-struct LightVertex {
-  AcGePoint2d point;
-  double bulge = 0.0;
-  double startWidth = 0.0;
-  double endWidth = 0.0;
+/// Codes of light polylines alone.
+namespace light {
+inline constexpr int kX = 10;
+inline constexpr int kY = 20;
+inline constexpr int kConstantWidth = 43;
+}  // namespace light
+
+struct LightVertex : hostx::LightPolylineVertex {
   TagRange tags;  // from its x on
 };
 
@@ -20,15 +23,9 @@ struct LightVertex {
 /// has one.
 template <class Visit>
 void forEachLightVertex(const TagList& tags, Visit&& visit) {
-  constexpr int kX = 10;
-  constexpr int kY = 20;
-  constexpr int kStartWidth = 40;
-  constexpr int kEndWidth = 41;
-  constexpr int kBulge = 42;
-  constexpr int kConstantWidth = 43;
   constexpr int kIdentifier = 91;
   const TagRange range = place::kPolyline.in(tags);
-  const double constantWidth = tags.number(kConstantWidth, range, 0.0);
+  const double constantWidth = tags.number(light::kConstantWidth, range, 0.0);
   LightVertex vertex;
   bool isInside = false;
   const auto finish = [&] {
@@ -38,25 +35,25 @@ void forEachLightVertex(const TagList& tags, Visit&& visit) {
   };
   for (std::size_t i = range.first; i < range.last; ++i) {
     const int code = tags[i].code;
-    if (code == kX && tags.isOwn(i)) {
+    if (code == light::kX && tags.isOwn(i)) {
       finish();
-      vertex = {{tags.doubleAt(i), 0.0}, 0.0, constantWidth, constantWidth, {i, i + 1}};
+      vertex = {{{tags.doubleAt(i), 0.0}, 0.0, constantWidth, constantWidth}, {i, i + 1}};
       isInside = true;
       continue;
     }
-    isInside = isInside && (code == kY || code == kStartWidth || code == kEndWidth ||
-                            code == kBulge || code == kIdentifier);
+    isInside = isInside && (code == light::kY || code == code::kStartWidth ||
+                            code == code::kEndWidth || code == code::kBulge || code == kIdentifier);
     if (!isInside) {
       continue;
     }
     vertex.tags.last = i + 1;
-    if (code == kY) {
+    if (code == light::kY) {
       vertex.point.y = tags.doubleAt(i);
-    } else if (code == kBulge) {
+    } else if (code == code::kBulge) {
       vertex.bulge = tags.doubleAt(i);
-    } else if (code == kStartWidth && constantWidth == 0.0) {
+    } else if (code == code::kStartWidth && constantWidth == 0.0) {
       vertex.startWidth = tags.doubleAt(i);
-    } else if (code == kEndWidth && constantWidth == 0.0) {
+    } else if (code == code::kEndWidth && constantWidth == 0.0) {
       vertex.endWidth = tags.doubleAt(i);
     }
   }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <initializer_list>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -514,6 +515,21 @@ Acad::ErrorStatus transformViews(AcDbDatabase* database, double factor, const Ac
   } catch (...) {
     return statusOfException();
   }
+}
+
+std::vector<AcDbObjectId> placesThatStay(const AcDbDatabase* database) {
+  constexpr std::string_view kContext = "OBJECTCONTEXTDATA_CLASS";
+  std::vector<AcDbObjectId> ids;
+  if (database) {
+    const DatabaseImpl& impl = Access::of(*database);
+    for (AcDbStub* const stub : impl.store.objects()) {
+      const std::string_view kind = impl.kindOf(*stub);
+      if (!stub->erased && (kind == "GEODATA" || kind.ends_with(kContext))) {
+        ids.emplace_back(stub);
+      }
+    }
+  }
+  return ids;
 }
 
 }  // namespace quoin::db

@@ -5,8 +5,10 @@
 #pragma once
 
 #include <cstddef>
+#include <vector>
 
 #include "acadstrc.h"
+#include "dbid.h"
 #include "gevec3d.h"
 #include "hostapi.h"
 
@@ -31,5 +33,10 @@ struct ViewChanges {
 /// and then nothing is changed.
 HOST_API Acad::ErrorStatus transformViews(AcDbDatabase* database, double factor,
                                           const AcGeVector3d& move, ViewChanges& changes);
+
+/// The objects that tell places in model space, are no entities, and do not follow: where the
+/// drawing lies on the globe (GEODATA), and how texts and dimensions stand at other scales than the
+/// current one (annotation contexts). In file order.
+HOST_API std::vector<AcDbObjectId> placesThatStay(const AcDbDatabase* database);
 
 }  // namespace quoin::db

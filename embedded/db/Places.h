@@ -54,6 +54,10 @@ inline constexpr int kNormal = 210;
 inline constexpr int kName = 2;
 inline constexpr int kFlags = 70;
 inline constexpr int kPartsFollow = 66;
+// Codes of the vertices of polylines, light or heavy.
+inline constexpr int kStartWidth = 40;
+inline constexpr int kEndWidth = 41;
+inline constexpr int kBulge = 42;
 }  // namespace code
 
 namespace order {

@@ -1,4 +1,6 @@
 // AcDbPolyline: vertices as tags 10, 20, 40, 41, 42 (and 91, an identifier) in one record.
+#include <algorithm>
+
 #include "dbpl.h"
 #include "embedded/db/LightVertices.h"
 #include "embedded/db/PlaneFields.h"
@@ -10,32 +12,35 @@ namespace dxf = quoin::dxf;
 
 namespace {
 
-constexpr int kX = 10;
-constexpr int kY = 20;
-constexpr int kStartWidth = 40;
-constexpr int kEndWidth = 41;
-constexpr int kBulge = 42;
-constexpr int kConstantWidth = 43;
 constexpr int kElevation = 38;
 constexpr int kCount = 90;
 constexpr std::int64_t kClosed = 1;
 constexpr std::int64_t kPlinegen = 128;
+constexpr std::size_t kFewestVertices = 2;
 
 struct DecodedVertices : Decoded {
   std::vector<LightVertex> vertices;
+  AcGeMatrix3d toWorld;
+  double elevation = 0.0;
 };
 
-const std::vector<LightVertex>& verticesOf(const AcDbObject& polyline) {
+const DecodedVertices& decodedOf(const AcDbObject& polyline) {
   const TagList& tags = tagsOf(polyline);
   ObjectImpl& impl = Access::of(polyline);
   auto* decoded = static_cast<DecodedVertices*>(impl.decoded.get());
   if (!decoded) {
     auto made = std::make_unique<DecodedVertices>();
     made->vertices = lightVerticesOf(tags);
+    made->toWorld = planeToWorld(normalOf(polyline, place::kPolyline));
+    made->elevation = numberOf(polyline, place::kPolyline, kElevation);
     decoded = made.get();
     impl.decoded = std::move(made);
   }
-  return decoded->vertices;
+  return *decoded;
+}
+
+const std::vector<LightVertex>& verticesOf(const AcDbObject& polyline) {
+  return decodedOf(polyline).vertices;
 }
 
 /// The polyline's vertices if it may be changed and has this one.
@@ -71,20 +76,60 @@ void setVertexNumber(RecordEdit& edit, const LightVertex& vertex, int code, doub
   edit.insertBefore(at, std::move(bytes));
 }
 
+bool haveSameWidths(const hostx::LightPolylineVertex& a, const hostx::LightPolylineVertex& b) {
+  return a.startWidth == b.startWidth && a.endWidth == b.endWidth;
+}
+
+void setWidths(RecordEdit& edit, const LightVertex& vertex) {
+  setVertexNumber(edit, vertex, code::kStartWidth, vertex.startWidth, 0.0);
+  setVertexNumber(edit, vertex, code::kEndWidth, vertex.endWidth, 0.0);
+}
+
+/// Whether there was one: then every vertex needs widths of its own.
+bool removeConstantWidth(RecordEdit& edit) {
+  const TagRange range = place::kPolyline.in(edit.tags());
+  if (edit.tags().find(light::kConstantWidth, range) == TagList::kNone) {
+    return false;
+  }
+  edit.remove(place::kPolyline, light::kConstantWidth);
+  return true;
+}
+
 /// Gives every vertex its own widths in place of the constant one.
 void spellWidths(RecordEdit& edit, const std::vector<LightVertex>& vertices) {
-  if (edit.tags().find(kConstantWidth, place::kPolyline.in(edit.tags())) == TagList::kNone) {
-    return;
-  }
-  edit.remove(place::kPolyline, kConstantWidth);
-  for (const LightVertex& vertex : vertices) {
-    setVertexNumber(edit, vertex, kStartWidth, vertex.startWidth, 0.0);
-    setVertexNumber(edit, vertex, kEndWidth, vertex.endWidth, 0.0);
+  if (removeConstantWidth(edit)) {
+    for (const LightVertex& vertex : vertices) {
+      setWidths(edit, vertex);
+    }
   }
 }
 
-AcGePoint3d worldPoint(const AcDbPolyline& polyline, const AcGePoint2d& point) {
-  return planeToWorld(polyline.normal()) * AcGePoint3d(point.x, point.y, polyline.elevation());
+/// Removes the vertices behind the first `count`.
+void removeBehind(RecordEdit& edit, const std::vector<LightVertex>& vertices, std::size_t count) {
+  for (std::size_t i = count; i < vertices.size(); ++i) {
+    TagRange removed = vertices[i].tags;
+    while (i + 1 < vertices.size() && vertices[i + 1].tags.first == removed.last) {
+      removed.last = vertices[++i].tags.last;
+    }
+    edit.replace(removed, {});
+  }
+  edit.setInteger(place::kPolyline, kCount, static_cast<std::int64_t>(count));
+}
+
+/// Writes what differs of one vertex, in the order of its tags: those that are missing may all go
+/// in at one place.
+void setVertex(RecordEdit& edit, const LightVertex& is, const LightVertex& wanted,
+               bool spellsWidths) {
+  if (is.point.x != wanted.point.x || is.point.y != wanted.point.y) {
+    setVertexNumber(edit, is, light::kX, wanted.point.x);
+    setVertexNumber(edit, is, light::kY, wanted.point.y);
+  }
+  if (spellsWidths || !haveSameWidths(is, wanted)) {
+    setWidths(edit, wanted);
+  }
+  if (is.bulge != wanted.bulge) {
+    setVertexNumber(edit, is, code::kBulge, wanted.bulge, 0.0);
+  }
 }
 
 }  // namespace
@@ -93,7 +138,7 @@ std::vector<LightVertex> quoin::db::lightVerticesOf(const TagList& tags) {
   const TagRange range = place::kPolyline.in(tags);
   std::size_t count = 0;
   for (std::size_t i = range.first; i < range.last; ++i) {
-    count += tags[i].code == kX ? 1 : 0;
+    count += tags[i].code == light::kX ? 1 : 0;
   }
   std::vector<LightVertex> vertices;
   vertices.reserve(count);
@@ -115,7 +160,8 @@ Acad::ErrorStatus AcDbPolyline::getPointAt(unsigned int index, AcGePoint3d& poin
   AcGePoint2d inPlane;
   const Acad::ErrorStatus status = getPointAt(index, inPlane);
   if (status == Acad::eOk) {
-    point = worldPoint(*this, inPlane);
+    const DecodedVertices& decoded = decodedOf(*this);
+    point = decoded.toWorld * AcGePoint3d(inPlane.x, inPlane.y, decoded.elevation);
   }
   return status;
 }
@@ -136,8 +182,8 @@ Acad::ErrorStatus AcDbPolyline::setPointAt(unsigned int index, const AcGePoint2d
   }
   return change(*this, [&](RecordEdit& edit) {
     const LightVertex& vertex = verticesOf(*this)[index];
-    setVertexNumber(edit, vertex, kX, point.x);
-    setVertexNumber(edit, vertex, kY, point.y);
+    setVertexNumber(edit, vertex, light::kX, point.x);
+    setVertexNumber(edit, vertex, light::kY, point.y);
   });
 }
 
@@ -156,7 +202,7 @@ Acad::ErrorStatus AcDbPolyline::setBulgeAt(unsigned int index, double bulge) {
     return status;
   }
   return change(*this, [&](RecordEdit& edit) {
-    setVertexNumber(edit, verticesOf(*this)[index], kBulge, bulge, 0.0);
+    setVertexNumber(edit, verticesOf(*this)[index], code::kBulge, bulge, 0.0);
   });
 }
 
@@ -182,12 +228,11 @@ Acad::ErrorStatus AcDbPolyline::setWidthsAt(unsigned int index, double startWidt
     vertices[index].startWidth = startWidth;
     vertices[index].endWidth = endWidth;
     const TagRange range = place::kPolyline.in(edit.tags());
-    const bool isConstant = edit.tags().find(kConstantWidth, range) != TagList::kNone;
+    const bool isConstant = edit.tags().find(light::kConstantWidth, range) != TagList::kNone;
     if (isConstant) {
       spellWidths(edit, vertices);
     } else {
-      setVertexNumber(edit, vertices[index], kStartWidth, startWidth, 0.0);
-      setVertexNumber(edit, vertices[index], kEndWidth, endWidth, 0.0);
+      setWidths(edit, vertices[index]);
     }
   });
 }
@@ -202,30 +247,30 @@ Acad::ErrorStatus AcDbPolyline::addVertexAt(unsigned int index, const AcGePoint2
     const std::vector<LightVertex>& vertices = verticesOf(*this);
     const TagList& tags = edit.tags();
     const TagRange range = place::kPolyline.in(tags);
-    const double constantWidth = tags.number(kConstantWidth, range, 0.0);
+    const double constantWidth = tags.number(light::kConstantWidth, range, 0.0);
     const double start = startWidth < 0.0 ? constantWidth : startWidth;
     const double end = endWidth < 0.0 ? constantWidth : endWidth;
     if (start != constantWidth || end != constantWidth) {
       spellWidths(edit, vertices);
     }
-    const bool isSpelled = tags.find(kConstantWidth, range) == TagList::kNone ||
+    const bool isSpelled = tags.find(light::kConstantWidth, range) == TagList::kNone ||
                            start != constantWidth || end != constantWidth;
     std::string bytes;
     const auto put = [&](int code, double value) {
       edit.noteNumber(value);
       dxf::putDouble(bytes, code, value, tags.format());
     };
-    put(kX, point.x);
-    put(kY, point.y);
+    put(light::kX, point.x);
+    put(light::kY, point.y);
     if (isSpelled && (start != 0.0 || end != 0.0)) {
-      put(kStartWidth, start);
-      put(kEndWidth, end);
+      put(code::kStartWidth, start);
+      put(code::kEndWidth, end);
     }
     if (bulge != 0.0) {
-      put(kBulge, bulge);
+      put(code::kBulge, bulge);
     }
     if (vertices.empty()) {
-      edit.insert(place::kPolyline, kX, std::move(bytes));
+      edit.insert(place::kPolyline, light::kX, std::move(bytes));
     } else if (index < vertices.size()) {
       edit.insertBefore(vertices[index].tags.first, std::move(bytes));
     } else {
@@ -240,8 +285,7 @@ Acad::ErrorStatus AcDbPolyline::removeVertexAt(unsigned int index) {
   if (status != Acad::eOk) {
     return status;
   }
-  constexpr std::size_t kFewest = 2;
-  if (verticesOf(*this).size() <= kFewest) {
+  if (verticesOf(*this).size() <= kFewestVertices) {
     return Acad::eDegenerateGeometry;
   }
   return change(*this, [&](RecordEdit& edit) {
@@ -300,7 +344,7 @@ void AcDbPolyline::setClosed(Adesk::Boolean closed) {
 
 Acad::ErrorStatus AcDbPolyline::getConstantWidth(double& width) const {
   const auto& vertices = verticesOf(*this);
-  width = vertices.empty() ? numberOf(*this, place::kPolyline, kConstantWidth)
+  width = vertices.empty() ? numberOf(*this, place::kPolyline, light::kConstantWidth)
                            : vertices.front().startWidth;
   for (const LightVertex& vertex : vertices) {
     if (vertex.startWidth != width || vertex.endWidth != width) {
@@ -312,9 +356,9 @@ Acad::ErrorStatus AcDbPolyline::getConstantWidth(double& width) const {
 
 Acad::ErrorStatus AcDbPolyline::setConstantWidth(double width) {
   return change(*this, [&](RecordEdit& edit) {
-    edit.remove(place::kPolyline, kStartWidth);
-    edit.remove(place::kPolyline, kEndWidth);
-    edit.setDouble(place::kPolyline, kConstantWidth, width, 0.0);
+    edit.remove(place::kPolyline, code::kStartWidth);
+    edit.remove(place::kPolyline, code::kEndWidth);
+    edit.setDouble(place::kPolyline, light::kConstantWidth, width, 0.0);
   });
 }
 
@@ -360,4 +404,33 @@ Acad::ErrorStatus AcDbPolyline::getEndPoint(AcGePoint3d& point) const {
     return Acad::eDegenerateGeometry;
   }
   return getPointAt(isClosed() ? 0 : count - 1, point);
+}
+
+// --- many vertices at once ------------------------------------------------------------------
+
+Acad::ErrorStatus hostx::reduceVertices(AcDbPolyline& polyline,
+                                        const std::vector<LightPolylineVertex>& vertices) {
+  const Acad::ErrorStatus status = checkWritable(polyline);
+  if (status != Acad::eOk) {
+    return status;
+  }
+  const std::size_t count = verticesOf(polyline).size();
+  if (vertices.size() > count) {
+    return Acad::eInvalidIndex;
+  }
+  if (vertices.size() < std::min(count, kFewestVertices)) {
+    return Acad::eDegenerateGeometry;
+  }
+  return change(polyline, [&](RecordEdit& edit) {
+    const std::vector<LightVertex>& are = verticesOf(polyline);
+    if (vertices.size() < count) {
+      removeBehind(edit, are, vertices.size());
+    }
+    const bool spellsWidths =
+        !std::equal(vertices.begin(), vertices.end(), are.begin(), haveSameWidths) &&
+        removeConstantWidth(edit);
+    for (std::size_t i = 0; i < vertices.size(); ++i) {
+      setVertex(edit, are[i], {vertices[i], are[i].tags}, spellsWidths);
+    }
+  });
 }

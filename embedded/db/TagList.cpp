@@ -56,6 +56,7 @@ TagList::TagList(std::string_view bytes, const dxf::Format& format)
       isForeign = true;
     } else if (tag.code == kMarkerCode && embedded == kNone) {
       firstMarker = std::min(firstMarker, index);
+      m_markersEnd = index + 1;
       isInGroup = false;
       isForeign = true;
     }
@@ -85,9 +86,11 @@ TagRange TagList::subclassAndBeyond(std::string_view marker) const {
 TagRange TagList::subclass(std::string_view marker) const {
   TagRange range = subclassAndBeyond(marker);
   if (range.first > body().first) {
-    for (std::size_t i = range.first; i < range.last; ++i) {
+    const std::size_t last = std::min(range.last, m_markersEnd);
+    for (std::size_t i = range.first; i < last; ++i) {
       if (m_tags[i].code == kMarkerCode && dxf::trimmedValue((*this)[i]) != marker) {
         range.last = i;
+        break;
       }
     }
   }

@@ -77,6 +77,8 @@ class Transferrer {
       : m_source(source),
         m_target(target),
         m_placement(placement),
+        m_handleTag(source.handleTag()),
+        m_ownerTag(source.ownerTag()),
         m_isRaw(isSameSpelling(source.format(), target)) {}
 
   std::string run() {
@@ -129,7 +131,7 @@ class Transferrer {
 
   /// Head tags that a record does not take along: handle, owner, application groups.
   bool isOfHead(std::size_t index) const {
-    if (index == m_source.handleTag() || index == m_source.ownerTag()) {
+    if (index == m_handleTag || index == m_ownerTag) {
       return true;
     }
     return index < m_source.head().last && !m_source.isOwn(index) &&
@@ -208,6 +210,9 @@ class Transferrer {
   const TagList& m_source;
   const dxf::Format& m_target;
   const Placement& m_placement;
+  // Looked up once: a record without them is searched to its end.
+  std::size_t m_handleTag;
+  std::size_t m_ownerTag;
   bool m_isRaw;
   std::string m_result;
 };

@@ -17,11 +17,7 @@ constexpr int kEndPoint = 11;
 constexpr int kRadius = 40;
 constexpr int kStartAngle = 50;
 constexpr int kEndAngle = 51;
-constexpr int kStartWidth = 40;
-constexpr int kEndWidth = 41;
-constexpr int kBulge = 42;
 constexpr int kElevation = 38;
-constexpr int kConstantWidth = 43;
 
 void setNewNormal(RecordEdit& edit, const Place& place, const AcGeVector3d& normal) {
   edit.setVector(place, code::kNormal, normal, AcGeVector3d::kZAxis);
@@ -133,17 +129,17 @@ Acad::ErrorStatus transformPolyline(RecordEdit& edit, const AcGeMatrix3d& matrix
     const AcGePoint3d moved = plane.map * AcGePoint3d(vertex.point.x, vertex.point.y, elevation);
     for (std::size_t i = vertex.tags.first; i < vertex.tags.last; ++i) {
       switch (tags[i].code) {
-        case 10:
+        case light::kX:
           edit.setDoubleAt(i, moved.x);
           break;
-        case 20:
+        case light::kY:
           edit.setDoubleAt(i, moved.y);
           break;
-        case kStartWidth:
-        case kEndWidth:
+        case code::kStartWidth:
+        case code::kEndWidth:
           edit.setDoubleAt(i, tags.doubleAt(i) * plane.scale);
           break;
-        case kBulge:
+        case code::kBulge:
           edit.setDoubleAt(i, plane.isMirrored ? -tags.doubleAt(i) : tags.doubleAt(i));
           break;
         default:
@@ -151,7 +147,7 @@ Acad::ErrorStatus transformPolyline(RecordEdit& edit, const AcGeMatrix3d& matrix
       }
     }
   }
-  edit.scaleDouble(place::kPolyline, kConstantWidth, plane.scale);
+  edit.scaleDouble(place::kPolyline, light::kConstantWidth, plane.scale);
   return transformPlane(edit, place::kPolyline, plane);
 }
 
@@ -165,8 +161,8 @@ Acad::ErrorStatus transformHeavyPolyline(RecordEdit& edit, const AcGeMatrix3d& m
   const PlaneMap plane = planeOf(tags, place::kPolyline2d, matrix);
   const AcGePoint3d height(0.0, 0.0, tags.number(kHeight, range, 0.0));
   edit.setDouble(place::kPolyline2d, kHeight, (plane.map * height).z, 0.0);
-  edit.scaleDouble(place::kPolyline2d, kStartWidth, plane.scale);
-  edit.scaleDouble(place::kPolyline2d, kEndWidth, plane.scale);
+  edit.scaleDouble(place::kPolyline2d, code::kStartWidth, plane.scale);
+  edit.scaleDouble(place::kPolyline2d, code::kEndWidth, plane.scale);
   return transformPlane(edit, place::kPolyline2d, plane);
 }
 
@@ -189,17 +185,18 @@ Acad::ErrorStatus transformVertex(RecordEdit& edit, const TagList& owner,
   }
   const PlaneMap plane = planeOf(owner, place::kPolyline2d, matrix);
   const TagRange ownerRange = place::kPolyline2d.in(owner);
-  const double bulge = tags.number(kBulge, range, 0.0);
+  const double bulge = tags.number(code::kBulge, range, 0.0);
   const bool isWide =
-      tags.number(kStartWidth, range, owner.number(kStartWidth, ownerRange, 0.0)) != 0.0 ||
-      tags.number(kEndWidth, range, owner.number(kEndWidth, ownerRange, 0.0)) != 0.0;
+      tags.number(code::kStartWidth, range, owner.number(code::kStartWidth, ownerRange, 0.0)) !=
+          0.0 ||
+      tags.number(code::kEndWidth, range, owner.number(code::kEndWidth, ownerRange, 0.0)) != 0.0;
   if ((bulge != 0.0 || isWide) && !plane.isSimilar) {
     return Acad::eCannotScaleNonUniformly;
   }
   edit.setPoint(vertex, kPoint, plane.map * point);
-  edit.scaleDouble(vertex, kStartWidth, plane.scale);
-  edit.scaleDouble(vertex, kEndWidth, plane.scale);
-  edit.scaleDouble(vertex, kBulge, plane.isMirrored ? -1.0 : 1.0);
+  edit.scaleDouble(vertex, code::kStartWidth, plane.scale);
+  edit.scaleDouble(vertex, code::kEndWidth, plane.scale);
+  edit.scaleDouble(vertex, code::kBulge, plane.isMirrored ? -1.0 : 1.0);
   if (const std::size_t tangent = tags.find(kTangent, range); tangent != TagList::kNone) {
     edit.setAngle(vertex, kTangent, plane.angle(toRadians(tags.doubleAt(tangent))));
   }

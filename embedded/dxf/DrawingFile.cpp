@@ -101,6 +101,18 @@ os::FileFacts readDrawing(const std::string& path, RecordStore& store, const Pro
   return version;
 }
 
+namespace {
+
+/// Whether the file holds the store's bytes already: it was read from there, and neither has
+/// changed since. Then nothing is to be written, where nothing can be written too.
+bool isThere(const RecordStore& store, const std::string& path, const SaveOptions& options,
+             os::FileSystem& files, os::FileFacts& version) {
+  return options.keepBackup && options.expected && !store.isChanged() &&
+         files.facts(path, true, version) == 0 && version.isSameVersion(*options.expected);
+}
+
+}  // namespace
+
 SaveResult writeDrawing(const RecordStore& store, const std::string& path,
                         const SaveOptions& options, const Progress& progress,
                         os::FileSystem& files) {
@@ -108,6 +120,10 @@ SaveResult writeDrawing(const RecordStore& store, const std::string& path,
   translated(path, [&] {
     if (claimsDwg(path, files)) {
       codecNamed("DWG").write(store, {}, {});
+      return;
+    }
+    if (isThere(store, path, options, files, result.version)) {
+      result.isUnchanged = true;
       return;
     }
     os::AtomicFile::Options fileOptions;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "acdocman.h"
+#include "embedded/ed/CommandInput.h"
 #include "embedded/ed/InputPrompts.h"
 #include "embedded/ed/SystemVariables.h"
 #include "embedded/ed/View.h"
@@ -42,6 +43,9 @@ class HOST_API Editor {
   /// Fails: false for a closed document.
   bool setCurrentDocument(AcApDocument* document);
 
+  /// What answers the prompts of commands.
+  CommandInput& commandInput() { return m_commandInput; }
+
   // The user's side of a document.
   InputPrompts& prompts(AcApDocument& document);
   const View& view(const AcApDocument& document) const;
@@ -69,6 +73,7 @@ class HOST_API Editor {
   rx::CurrentGuard<Editor> m_guard;
   Hooks m_hooks;
   SystemVariables m_variables;
+  CommandInput m_commandInput;
   // Closed documents too: modules may still hold them.
   std::vector<std::unique_ptr<AcApDocument>> m_documents;
   std::vector<AcApDocument*> m_open;

@@ -1,4 +1,4 @@
-// The editor's plain functions: system variables, coordinate systems and the AutoLISP
+// The editor's plain functions: system variables, coordinate systems, input and the AutoLISP
 // functions of a module. Each answers RTNORM, or RTERROR and changes nothing; without a
 // running host, and for null arguments, that is RTERROR.
 #pragma once
@@ -23,6 +23,22 @@ HOST_API int acedSetVar(const ACHAR* name, const resbuf* value);
 /// Fails: RTERROR for anything else, and for a null normal.
 HOST_API int acedTrans(const ads_point point, const resbuf* from, const resbuf* to, int disp,
                        ads_point result);
+
+// Input. Nobody sits before this host: the words that a command was started with answer its
+// prompts, one each, in their order. The document's input reactors are told of every prompt.
+// Fails: RTCAN where no word is left; RTNONE for an empty word, as a user's bare Enter; RTERROR
+//        for a word that is not what is asked for. `result` stays as it was.
+
+/// The most letters of a text that acedGetString gives; the caller's buffer has one more.
+inline constexpr unsigned kMaxStringInput = 132;
+/// A text; an empty word is an empty text. Blanks are letters like others here.
+HOST_API int acedGetString(int takesBlanks, const ACHAR* prompt, ACHAR* result);
+HOST_API int acedGetInt(const ACHAR* prompt, int* result);
+HOST_API int acedGetReal(const ACHAR* prompt, ads_real* result);
+/// A number, in drawing units. The base point, which may be null, is for reactors.
+HOST_API int acedGetDist(const ads_point base, const ACHAR* prompt, ads_real* result);
+/// "X,Y" or "X,Y,Z", in the user's coordinate system.
+HOST_API int acedGetPoint(const ads_point base, const ACHAR* prompt, ads_point result);
 
 /// Defines an AutoLISP function of the module that is being served by the host at the moment.
 /// Fails: RTERROR without such a module, for an empty name or a negative code, and for a name

@@ -189,14 +189,15 @@ void CodePage::addDouble(unsigned lead, unsigned trail, char32_t character,
 }
 
 const CodePage& CodePage::named(std::string_view name) {
-  // Almost every call names the code page of the call before.
-  thread_local std::string lastName;
-  thread_local const CodePage* lastPage = nullptr;
-  if (lastPage == nullptr || lastName != name) {
-    lastPage = &shared(isKnown(name) ? converterNameOf(name) : kDefaultConverter);
-    lastName = name;
+  // Calls alternate between the drawing's and that of new records, and opening a converter only to
+  // see whether there is one takes its time.
+  thread_local std::map<std::string, const CodePage*, std::less<>> pages;
+  auto found = pages.find(name);
+  if (found == pages.end()) {
+    const std::string converter = isKnown(name) ? converterNameOf(name) : kDefaultConverter;
+    found = pages.emplace(name, &shared(converter)).first;
   }
-  return *lastPage;
+  return *found->second;
 }
 
 const CodePage& CodePage::shared(const std::string& converterName) {

@@ -115,6 +115,16 @@ std::vector<std::wstring> CommandStack::groupNames() const {
   return names;
 }
 
+std::vector<std::wstring> CommandStack::commandNames() const {
+  std::vector<std::wstring> names;
+  for (const Group& group : m_groups) {
+    for (const Entry& entry : group.entries) {
+      names.emplace_back(entry.command->globalName());
+    }
+  }
+  return names;
+}
+
 void CommandStack::dropEmptyGroups() {
   std::erase_if(m_groups, [](const Group& group) { return group.entries.empty(); });
 }

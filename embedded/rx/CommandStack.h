@@ -27,6 +27,8 @@ class HOST_API CommandStack : public AcEdCommandStack {
 
   /// The groups' names in the order in which they were made.
   std::vector<std::wstring> groupNames() const;
+  /// The global names of all commands in the order in which lookupCmd finds them.
+  std::vector<std::wstring> commandNames() const;
 
  private:
   struct Entry {

@@ -1,4 +1,4 @@
-# Builds the example against an installed Quoin and runs its command: BUILD is the build tree to
+# Builds the example against an installed Quoin and runs its commands: BUILD is the build tree to
 # install, WORK a folder for it; CXX, FLAGS, BUILD_TYPE and
 # GENERATOR are those of the build tree.
 include(${CMAKE_CURRENT_LIST_DIR}/../../cmake/RunStep.cmake)
@@ -16,4 +16,18 @@ string(CONCAT EXPECTED
   "new -500,1500 to 0,1500\nnew 0,1500 to 4000,1500\nnew 4000,1500 to 4500,1500\n")
 if(NOT OUTPUT STREQUAL EXPECTED)
   message(FATAL_ERROR "the command printed:\n${OUTPUT}")
+endif()
+
+run(${WORK}/prefix/bin/quoin run ${WORK}/build/wall_sketch.so WALLFACE
+  ${CMAKE_CURRENT_LIST_DIR}/../flat/flat.dxf -o ${WORK}/faced.dxf -- A-WALL-INT 120)
+string(CONCAT EXPECTED "72 lines have a face at 120\n"
+  "WALLFACE: 277 entities in model space, 72 new, 0 erased\nwritten: ${WORK}/faced.dxf\n")
+if(NOT OUTPUT STREQUAL EXPECTED)
+  message(FATAL_ERROR "the command printed:\n${OUTPUT}")
+endif()
+execute_process(COMMAND ${WORK}/prefix/bin/quoin run ${WORK}/build/wall_sketch.so WALLFACE
+  ${CMAKE_CURRENT_LIST_DIR}/../flat/flat.dxf --dry-run -- NO-SUCH-LAYER 120
+  RESULT_VARIABLE CODE ERROR_VARIABLE ERRORS OUTPUT_QUIET)
+if(NOT CODE EQUAL 8 OR NOT ERRORS MATCHES "WALLFACE has failed: the drawing has no such layer")
+  message(FATAL_ERROR "exit code ${CODE}: ${ERRORS}")
 endif()

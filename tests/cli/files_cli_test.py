@@ -98,6 +98,18 @@ class ToOriginTest(FilesTest):
         self.assertRegex(text, r"ACAD_PROXY_ENTITY [0-9A-F]+ at line \d+ of")
         self.assertEqual(self.first_line(out)[0], (-5, -2.5, 0))
 
+    def test_places_that_are_no_entities_are_named(self):
+        self.draw("geo.dxf").add_line((1, 2), (3, 4))
+        self.documents["geo.dxf"].modelspace().new_geodata()
+        plan = self.save("geo.dxf")
+        for command in (("to-origin", plan, "--at", "center"),
+                        ("rescale", plan, "--drawing-factor", "2")):
+            report = self.report(*command, "--dry-run")
+            self.assertEqual([row["kind"] for row in report["leftBehind"]], ["GEODATA"])
+            self.assertIn("1 GEODATA", report["warnings"][0])
+        report = self.report("rescale", plan, "--drawing-factor", "1", "--dry-run")
+        self.assertEqual(report["leftBehind"], [])
+
     def test_a_drawing_is_moved_wholly_or_not_at_all(self):
         space = self.draw("far.dxf")
         space.add_line((1, 2), (3, 4))
@@ -109,7 +121,7 @@ class ToOriginTest(FilesTest):
         self.assertFalse(self.path("out.dxf").exists())
         report = self.report("to-origin", plan, "--at", "center", "-o", self.path("out.dxf"),
                              "--leave-behind")
-        self.assertEqual((report["moved"], len(report["leftBehind"])), (1, 1))
+        self.assertEqual((report["changed"], len(report["leftBehind"])), (1, 1))
 
     def test_a_drawing_that_is_there_already_is_not_rewritten(self):
         plan = self.plan()
@@ -123,7 +135,7 @@ class ToOriginTest(FilesTest):
             out = self.path(drawing.name)
             report = self.report("to-origin", drawing, "--at", "right-top", "-o", out,
                                  "--leave-behind")
-            self.assertGreater(report["moved"], 0)
+            self.assertGreater(report["changed"], 0)
             # What cannot be moved cannot be measured either.
             high = self.report("extents", out)["extents"][1]
             size = max(1.0, *(abs(v) for v in report["basePoint"]))
@@ -232,9 +244,9 @@ class RescaleTest(FilesTest):
             self.assertEqual(plan.read_bytes(), before)
             self.assertFalse(plan.with_name(plan.name + ".bak").exists())
             report = self.report("rescale", plan, "--drawing-factor", "100", "--leave-behind")
-            self.assertEqual(report["scaled"], 1)
+            self.assertEqual(report["changed"], 1)
             self.assertEqual([row["kind"] for row in report["leftBehind"]], ["LINE"])
-            self.assertRegex(report["leftBehind"][0]["handle"], "^[0-9A-F]+$")
+            self.assertRegex(report["leftBehind"][0]["source"], "^[0-9A-F]+$")
             self.assertGreater(report["leftBehind"][0]["line"], 0)
             self.assertIn(b"\n" + coordinate + b"\n", plan.read_bytes())
             self.assertIn(b"\n100.0\n", plan.read_bytes())
@@ -293,7 +305,7 @@ class RescaleTest(FilesTest):
         plan = self.plan()
         before = plan.read_bytes()
         report = self.report("rescale", plan, "--drawing-factor", "2", "--dry-run")
-        self.assertEqual(report["scaled"], 4)
+        self.assertEqual(report["changed"], 4)
         self.assertEqual(report["extentsBefore"], [[100, 50, 0], [1100, 450, 0]])
         self.assertEqual(report["extentsAfter"], [[200, 100, 0], [2200, 900, 0]])
         self.assertIsNone(report["output"])

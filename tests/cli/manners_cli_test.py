@@ -48,6 +48,61 @@ class SeveralDrawingsTest(cli.CliTest):
         self.assertIn("500123.125,4649776.0625,0 to 500200.5,4649776.0625,0", text)
 
 
+class JsonTest(cli.CliTest):
+    """Every report that any test asks for is held against its schema (cli.quoin)."""
+
+    RUNS = {
+        "break": [], "merge": [], "trim-axes": ["--layer", "WALL"], "info": None, "extents": None,
+        "to-origin": ["--at", "center"],
+        "outline": ["--layer", "WALL", "--left", "50", "--right", "50"],
+        "solid": ["--layer", "WALL", "--left", "50", "--right", "50", "--height", "2800"],
+        "draw": ["--from", "200,500", "--to", "900,500", "--layer", "WALL"],
+        "style mline": ["--name", "W"], "style dim": ["--name", "D", "--scale", "1"],
+        "paint": ["--layer", "WALL", "--rgb", "1,2,3"],
+        "match-properties": ["--layer", "WALL", "--from", "{handle}"],
+        "rescale": ["--drawing-factor", "2"], "restore": None,
+    }
+
+    def plan(self):
+        space = self.draw("plan.dxf")
+        for start, end in (((0, 0), (1000, 0)), ((400, 0), (400, 800)), ((1000, 0), (1500, 0)),
+                           ((800, -50), (800, 300)), ((403, -50), (403, 300))):
+            line = space.add_line(start, end, dxfattribs={"layer": "WALL"})
+        space.add_circle((0, 0), 10, dxfattribs={"layer": "WALL"})
+        return self.save("plan.dxf"), line.dxf.handle
+
+    def test_every_command_reports_as_its_schema_says(self):
+        # run has its own (run_cli_test.py), with a module.
+        self.assertEqual({*self.RUNS, "run"}, set(cli.SCHEMA.schema["properties"]["command"]["enum"]))
+        for command, options in self.RUNS.items():
+            with self.subTest(command=command):
+                plan, handle = self.plan()
+                words = [option.format(handle=handle) for option in options or []]
+                if options is not None:
+                    ending = ".obj" if command == "solid" else ".dxf"
+                    words += ["-o", self.path("o" + ending)]
+                if command == "restore":
+                    self.path("plan.dxf.bak").write_bytes(plan.read_bytes() + b"\n")
+                document = self.document(*command.split(), plan, *words)
+                self.assertEqual((document["command"], document["done"]), (command, 1))
+                if command not in ("info", "extents"):
+                    self.assertIsNotNone(document["drawings"][0]["output"])
+
+    def test_an_entity_is_named_the_same_way_everywhere(self):
+        plan, handle = self.plan()
+        entity = {"source": handle, "kind": "LINE"}
+        merged = self.report("merge", plan, "-o", self.path("m.dxf"))["changes"][0]
+        painted = self.report("paint", plan, "--layer", "WALL", "--rgb", "1,2,3", "--dry-run")
+        line = next(change for change in painted["changes"] if change["source"] == handle)["line"]
+        text = plan.read_text().splitlines()
+        self.assertEqual((text[line - 1].strip(), text[line].strip()), ("0", "LINE"))
+        self.assertEqual(set(merged["absorbed"][0]), {*entity, "line"})
+        walls = self.report("solid", plan, "--layer", "WALL", "--left", "5", "--right", "5",
+                            "--height", "1", "-o", self.path("s.obj"))["walls"]
+        self.assertEqual([wall["length"] for wall in walls], [1000, 800, 500, 350, 350])
+        self.assertEqual(walls[-1], {**walls[-1], **entity, "line": line})
+
+
 class CodePageTest(cli.CliTest):
     def plan(self):
         """A drawing in GBK that does not say so."""
@@ -68,7 +123,7 @@ class CodePageTest(cli.CliTest):
         plan = self.plan()
         self.fails(4, "break", plan, "--dry-run")
         report = self.report("break", plan, "-o", self.path("o.dxf"), "--code-page", "GBK")
-        self.assertEqual((report["layers"], report["linesCut"]), (["墙"], 1))
+        self.assertEqual((report["layers"], report["changed"]), (["墙"], 1))
         written = self.path("o.dxf").read_bytes()
         self.assertNotIn(b"$DWGCODEPAGE", written)
         self.assertEqual(written.count("墙".encode("gbk")),
@@ -112,7 +167,7 @@ class HelpTest(cli.CliTest):
     def test_what_is_mistyped_is_suggested(self):
         for words, hint in ((("break", "p.dxf", "--laier", "X"), "did you mean --layer?"),
                             (("info", "p.dxf", "--report", "jsn"), "did you mean json?"),
-                            (("info",), "PLAN is missing"),
+                            (("info",), "DRAWING is missing"),
                             (("solid", "p.dxf", "-o", "m.obj", "--layer", "x", "--height", "abc"),
                              "'abc' is not a number"),
                             (("break", "p.dxf", "--quiet", "--verbose", "--dry-run"),

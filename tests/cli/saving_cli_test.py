@@ -119,15 +119,15 @@ class RestoreTest(SavingTest):
         self.assertEqual(self.names(), ["plan.dxf", "plan.dxf.2.bak", "plan.dxf.3.bak",
                                         "plan.dxf.4.bak"])
 
-    def test_without_a_backup_nothing_happens(self):
+    def test_a_drawing_without_a_backup_stays_and_keeps_no_other_back(self):
         plan = self.plan()
         other = self.plan("other.dxf")
         self.paint(other, 10)
-        painted = other.read_bytes()
         message = self.fails(4, "restore", other, plan)
         self.assertIn(f"{plan}: there is no backup of it, neither {plan}.bak nor a later one",
                       message)
-        self.assertEqual(other.read_bytes(), painted)
+        self.assertEqual(other.read_bytes(), FLAT.read_bytes())
+        self.assertEqual(plan.read_bytes(), FLAT.read_bytes())
         self.fails(2, "restore", plan, other, "--from", self.path("x"))
         self.fails(5, "restore", plan, "--from", self.path("none"))
         self.fails(4, "restore", self.path("nowhere/plan.dxf"))
@@ -143,9 +143,10 @@ class RestoreTest(SavingTest):
     def test_the_report_is_json_where_asked(self):
         plan = self.plan()
         self.paint(plan, 10)
-        row = self.report("restore", plan)["files"][0]
-        self.assertEqual(row, {"file": str(plan), "from": f"{plan}.bak", "restored": True,
-                               "backup": f"{plan}.2.bak"})
+        row = self.report("restore", plan)
+        self.assertEqual(row, {"input": {"file": str(plan)}, "from": f"{plan}.bak",
+                               "output": str(plan), "backup": f"{plan}.2.bak", "exitCode": 0,
+                               "error": None, "warnings": []})
 
 
 class TwoRunsTest(SavingTest):
@@ -191,6 +192,23 @@ class StreamsTest(SavingTest):
                                     check=False, stderr=subprocess.PIPE)
             self.assertEqual(result.returncode, 5, arguments)
             self.assertIn(b"the standard output cannot be written", result.stderr)
+
+    def test_a_picture_that_finds_no_room_does_not_hide_that_the_drawing_is_there(self):
+        plan = self.plan()
+        target, picture = self.path("o.dxf"), self.path("o.svg")
+        most = len(FLAT.read_bytes()) + 50000  # the drawing has room, the picture has not
+
+        def limit():
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (most, most))
+
+        result = subprocess.run([cli.QUOIN, "break", plan, "-o", target, "--picture", picture],
+                                check=False, capture_output=True, preexec_fn=limit,
+                                restore_signals=False)
+        self.assertEqual(result.returncode, 5, result.stderr)
+        self.assertIn(f"the drawing is written: {target}".encode(), result.stderr)
+        self.assertTrue(target.exists())
+        self.assertEqual(self.names(), ["o.dxf", "plan.dxf"])
 
     def test_closed_streams_never_become_files(self):
         plan = self.plan()

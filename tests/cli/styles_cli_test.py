@@ -54,7 +54,7 @@ class MlineStyleTest(StylesTest):
             out = self.path(version + ".dxf")
             report = self.report("style", "mline", plan, "--name", "WALL-1", "--start-cap",
                                  "-o", out)
-            self.assertTrue(report["isNew"])
+            self.assertTrue(report["new"])
             self.assert_no_new_findings(plan, out)
             style = cli.read(out)[0].mline_styles.get("WALL-1")
             self.assertEqual(style.dxf.handle, report["handle"])
@@ -131,7 +131,7 @@ class DimStyleTest(StylesTest):
             out = self.path(version + ".dxf")
             report = self.report("style", "dim", plan, "--name", "ARCH", "--scale", "100", "-o",
                                  out)
-            self.assertTrue(report["isNew"])
+            self.assertTrue(report["new"])
             self.assertEqual(report["settings"]["DIMSCALE"], "8000")
             self.assert_no_new_findings(plan, out)
             self.assert_settings(out, "ARCH", version)
@@ -185,7 +185,7 @@ class PaintTest(StylesTest):
         plan, out = self.plan(), self.path("o.dxf")
         report = self.report("paint", plan, "--layer", "a-new", "--rgb", "200,60,20", "-o", out,
                              "--picture", self.path("o.png"))
-        self.assertEqual((report["painted"], report["kinds"]), (2, {"LINE": 1, "POLYLINE": 1}))
+        self.assertEqual((report["changed"], report["kinds"]), (2, {"LINE": 1, "POLYLINE": 1}))
         self.assert_no_new_findings(plan, out)
         for entity in cli.read(out)[0].modelspace():
             isPainted = entity.dxf.layer == "A-NEW"
@@ -224,7 +224,7 @@ class PaintTest(StylesTest):
         for plan in self.shared():
             out = self.path(plan.name)
             report = self.report("paint", plan, "--layer", "*", "--rgb", "10,20,30", "-o", out)
-            self.assertGreater(report["painted"], 0, plan.name)
+            self.assertGreater(report["changed"], 0, plan.name)
             self.assert_no_new_findings(plan, out)
 
 

@@ -37,7 +37,7 @@ class UnitsTest(cli.CliTest):
         self.assertEqual(report["warnings"], [])
         self.assertAlmostEqual(report["capture"]["distance"], 10 / 25.4)
         self.assertEqual(report["capture"]["units"], "in")
-        self.assertEqual(report["linesCut"], 1)
+        self.assertEqual(report["changed"], 1)
         for command in ("merge", "outline", "draw", "solid"):
             arguments = {"merge": ["--layer", "WALL"], "draw": ["--layer", "WALL", "--from", "0,0",
                                                                 "--to", "9,9"],
@@ -51,7 +51,7 @@ class UnitsTest(cli.CliTest):
         for factor, insunits in ((1, 4), (0.001, 6), (1 / 25.4, 1), (0.1, 5), (1, 0)):
             report = self.report("break", self.house(factor, insunits), "--dry-run")
             self.assertEqual(report["warnings"], [])
-            self.assertEqual(report["linesCut"], 1)
+            self.assertEqual(report["changed"], 1)
 
     def test_a_tolerance_has_a_unit_or_is_in_drawing_units(self):
         plan = self.house(0.001, 6)
@@ -60,7 +60,7 @@ class UnitsTest(cli.CliTest):
             report = self.report("break", plan, "--dry-run", "--tolerance", text)
             self.assertAlmostEqual(report["capture"]["distance"], distance, places=12)
         report = self.report("break", plan, "--dry-run", "--tolerance", "4mm")
-        self.assertEqual(report["linesCut"], 0)
+        self.assertEqual(report["changed"], 0)
 
     def test_values_that_are_no_distance_are_refused(self):
         plan = self.house(1, 4)
@@ -86,10 +86,10 @@ class UnitsTest(cli.CliTest):
         if not plan.exists():
             self.skipTest("no shared drawings")
         report = self.report("break", plan, "--dry-run")
-        self.assertEqual(report["linesCut"], 47)
+        self.assertEqual(report["changed"], 47)
         self.assertIn("--units in", " ".join(report["warnings"]))
         report = self.report("break", plan, "--dry-run", "--units", "in")
-        self.assertEqual((report["linesCut"], report["warnings"]), (21, []))
+        self.assertEqual((report["changed"], report["warnings"]), (21, []))
 
 
 class InsideTest(cli.CliTest):
@@ -118,7 +118,7 @@ class InsideTest(cli.CliTest):
         self.assertEqual(report["insideBlocks"],
                          [{"block": "HOUSE", "inserts": 1, "lines": 3.0},
                           {"block": "STEM", "inserts": 2, "lines": 5.0}])
-        self.assertEqual(report["linesCut"], 0)
+        self.assertEqual(report["changed"], 0)
         text = self.run_ok("break", plan, "--dry-run")
         self.assertIn("8 lines (HOUSE once, STEM 2 times): not worked on; --in-blocks takes them",
                       text)
@@ -148,22 +148,20 @@ class InsideTest(cli.CliTest):
         cuts = [piece["start"][0] for piece in report["changes"][0]["results"][1:]]
         expected = [200, 300, 500, 600, 800, 1200, 1300, 1500, 1600]
         self.assertEqual([round(cut, 6) for cut in cuts], expected)
-        self.assertEqual(report["wallLines"], 1 + 3 + 3 + 2 + 4 * 3)
+        self.assertEqual(report["lines"], 1 + 3 + 3 + 2 + 4 * 3)
         # The blocks and their inserts stay as they were.
         after = ezdxf.readfile(self.path("o.dxf"))
         self.assertEqual(len(after.modelspace().query("INSERT")), 4)
         self.assertEqual(len(after.blocks.get("STEM")), 3)
 
-    def test_lines_inside_that_would_be_cut_are_said_to_stay(self):
+    def test_lines_inside_are_cut_by_break_and_stay_for_draw(self):
         space, document = self.plan()
         document.blocks.new("BAR").add_line((0, 0), (500, 0))
         space.add_blockref("BAR", (0, 1000), dxfattribs={"layer": "A-WALL"})
         space.add_line((250, 995), (250, 10), dxfattribs={"layer": "A-WALL"})
         plan = self.save("plan.dxf")
         report = self.report("break", plan, "--dry-run", "--in-blocks")
-        self.assertEqual((report["heldInside"], report["linesCut"]), (1, 0))
-        self.assertIn("not cut, inside blocks or multilines: 1 line",
-                      self.run_ok("break", plan, "--dry-run", "--in-blocks"))
+        self.assertEqual((report["heldInside"], report["changed"]), (0, 1))
         report = self.report("draw", plan, "--layer", "A-WALL", "--from", "100,900", "--to",
                              "100,1100", "--in-blocks", "-o", self.path("d.dxf"))
         self.assertEqual(len(report["drawn"][0]["results"]), 2)
@@ -190,7 +188,7 @@ class InsideTest(cli.CliTest):
             inner = block.name
         plan = self.save("plan.dxf")
         report = self.report("break", plan, "--dry-run", "--in-blocks")
-        self.assertEqual(report["linesCut"], 1)
+        self.assertEqual(report["changed"], 1)
         space.add_blockref(inner, (0, 0), dxfattribs={"layer": "A-WALL"})
         report = self.report("break", self.save("plan.dxf"), "--dry-run")
         shares = {share["block"]: share["lines"] for share in report["insideBlocks"]}
@@ -317,7 +315,7 @@ class LeftOutTest(cli.CliTest):
             space.add_line(start, end, dxfattribs={"layer": "WALL"})
         plan = self.save("twice.dxf")
         said = self.report("break", plan, "-o", self.path("o.dxf"))["secondRun"]
-        cut = self.report("break", self.path("o.dxf"), "--dry-run")["linesCut"]
+        cut = self.report("break", self.path("o.dxf"), "--dry-run")["changed"]
         self.assertEqual(said, cut)
 
     def test_cuts_stay_within_a_layer_if_asked(self):
@@ -331,7 +329,7 @@ class LeftOutTest(cli.CliTest):
         self.assertEqual(report["pieces"], 2)
         self.assertEqual(report["changes"][0]["results"][1]["start"][0], 300)
         report = self.report("break", plan, "--dry-run", "--same-layer", "--at", "600,400")
-        self.assertEqual(report["linesCut"], 2)
+        self.assertEqual(report["changed"], 2)
         draw = ["draw", plan, "--layer", "WALL-INT", "--from", "200,250", "--to", "900,250"]
         self.assertEqual(len(self.report(*draw, "--dry-run")["drawn"][0]["changes"]), 2)
         report = self.report(*draw, "--dry-run", "--same-layer")

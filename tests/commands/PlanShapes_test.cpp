@@ -115,6 +115,29 @@ BlockPicture pictureOfBlocks(const std::string& blocks, const std::string& entit
   return picture;
 }
 
+TEST(PlanShapes, ArcsWithAnglesFarBeyondATurnAreArcsAllTheSame) {
+  const quoin::test::TemporaryFolder folder;
+  const auto arc = [](const std::string& start, const std::string& end) {
+    return "0 ARC\n5 40\n100 AcDbEntity\n8 0\n100 AcDbCircle\n10 5.0\n20 5.0\n40 5.0\n100 "
+           "AcDbArc\n50 " +
+           start + "\n51 " + end + "\n";
+  };
+  for (const auto& [start, end] : std::vector<std::pair<std::string, std::string>>{
+           {"0", "-1e300"}, {"-1e300", "90"}, {"1e300", "-1e300"}, {"0", "1e300"}, {"0", "1e18"}}) {
+    const quoin::commands::Picture picture = pictureOf(arc(start, end), folder);
+    ASSERT_EQ(picture.paths.size(), 1u) << start << " to " << end;
+    const std::vector<AcGePoint2d>& points = picture.paths[0].points;
+    EXPECT_LE(points.size(), 1000u);
+    double longest = 0.0;
+    for (std::size_t i = 1; i < points.size(); ++i) {
+      EXPECT_NEAR(points[i].distanceTo({5, 5}), 5.0, 1e-9);
+      longest = std::max(longest, points[i].distanceTo(points[i - 1]));
+    }
+    EXPECT_GT(longest, 0.0) << start << " to " << end;
+    EXPECT_LT(longest, 1.0) << "chords are short";
+  }
+}
+
 TEST(PlanShapes, BlocksNestedTenThousandDeepAreDrawn) {
   const BlockPicture picture = pictureOfBlocks(
       nestedBlocks(10'000, 1), "0 INSERT\n8 0\n2 B10000\n10 0.0\n20 0.0\n", 100'000);

@@ -24,5 +24,19 @@ TEST(RenderPicture, WhatLiesAtTheEndsOfTheNumbersKeepsNoPictureFromBeingDrawn) {
   }
 }
 
+TEST(RenderPicture, BytesThatAreNoUtf8KeepNoPictureFromBeingDrawn) {
+  const test::TemporaryFolder folder;
+  Picture picture;
+  picture.title = "caf\xe9.dxf";
+  picture.paths.push_back({{{0.0, 0.0}, {5.0, 5.0}}, false, palette::kWall, 1.0, false});
+  Label& label = picture.labels.emplace_back();
+  label.text = "\xed\xa0\x80\xff";
+  label.height = 1.0;
+  for (const char* name : {"bytes.png", "bytes.svg", "bytes.pdf"}) {
+    renderPicture(picture, folder.file(name));
+    EXPECT_FALSE(folder.get(name).empty()) << name;
+  }
+}
+
 }  // namespace
 }  // namespace quoin::commands

@@ -13,18 +13,6 @@ std::string entityText(std::string_view common, std::string_view rest = {}) {
          "100 AcDbLine\n10 1.50\n20 0.0\n30 0.0\n11 2.0\n21 0.0\n31 0.0\n" + std::string(rest);
 }
 
-/// Changes entity 40 of a drawing and answers the saved bytes.
-template <class Change>
-std::string changed(const std::string& bytes, Change&& change) {
-  const Drawing drawing(bytes);
-  EXPECT_EQ(drawing.status, Acad::eOk) << os::toUtf8(hostx::lastFileError(&drawing.db()));
-  AcDbEntity* entity = nullptr;
-  EXPECT_EQ(acdbOpenAcDbEntity(entity, drawing.id(0x40), AcDb::kForWrite), Acad::eOk);
-  change(*entity);
-  EXPECT_EQ(entity->close(), Acad::eOk);
-  return drawing.saved();
-}
-
 TEST(EntityProperties, ASetterTouchesItsTagAlone) {
   const std::string bytes =
       changed(smallDrawing(entityText("62 1\n", "1001 ACAD\n1000 kept\n")),

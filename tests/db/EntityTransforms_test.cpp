@@ -227,6 +227,53 @@ TEST(EntityTransforms, OfTheExtentsAreTheExtentsOfTheTransformed) {
   }
 }
 
+/// A dimension whose block shows a table, whose block shows a dimension, and so on; the last block
+/// shows `last`.
+std::string nestedOwnBlocks(int depth, const std::string& last) {
+  const auto shown = [](int i) {
+    const std::string kind = i % 2 == 0 ? "DIMENSION" : "ACAD_TABLE";
+    std::string tags = records().at(kind);
+    const std::string named = i % 2 == 0 ? "*D1" : "*T1";
+    tags.replace(tags.find(named), named.size(), "*D" + std::to_string(i));
+    return "0 " + kind + "\n5 " + std::to_string(100000 + i) + "\n100 AcDbEntity\n8 0\n" +
+           lines(tags);
+  };
+  std::string blocks;
+  for (int i = 0; i < depth; ++i) {
+    blocks += "0 BLOCK\n8 0\n2 *D" + std::to_string(i) + "\n70 1\n10 0.0\n20 0.0\n30 0.0\n" +
+              (i + 1 < depth ? shown(i + 1) : last) + "0 ENDBLK\n8 0\n";
+  }
+  return "0 SECTION\n2 BLOCKS\n" + blocks + "0 ENDSEC\n0 SECTION\n2 ENTITIES\n" + shown(0) +
+         "0 ENDSEC\n0 EOF\n";
+}
+
+TEST(EntityTransforms, DimensionsAndTablesInEachOtherFollowTenThousandDeep) {
+  const std::string line =
+      "0 LINE\n5 99999\n100 AcDbEntity\n8 0\n100 AcDbLine\n10 1.0\n20 2.0\n30 0.0\n11 4.0\n"
+      "21 6.0\n31 0.0\n";
+  const Drawing drawing(quoin::test::asciiDxf(nestedOwnBlocks(10000, line)));
+  ASSERT_EQ(drawing.status, Acad::eOk);
+  {
+    const AcDbObjectPointer<AcDbEntity> open(drawing.id(0x100000), AcDb::kForWrite);
+    ASSERT_EQ(open.openStatus(), Acad::eOk);
+    EXPECT_EQ(open->transformBy(AcGeMatrix3d().setToScaling(2.0)), Acad::eOk);
+  }
+  const AcDbObjectPointer<AcDbLine> last(drawing.id(0x99999), AcDb::kForRead);
+  ASSERT_EQ(last.openStatus(), Acad::eOk);
+  EXPECT_EQ(last->startPoint().distanceTo(last->endPoint()), 10.0);
+}
+
+TEST(EntityTransforms, ADimensionWhoseBlockShowsItselfInATableFollowsOnce) {
+  std::string tags = records().at("DIMENSION");
+  tags.replace(tags.find("*D1"), 3, "*D0");
+  const std::string ring = "0 DIMENSION\n5 88888\n100 AcDbEntity\n8 0\n" + lines(tags);
+  const Drawing drawing(quoin::test::asciiDxf(nestedOwnBlocks(2, ring)));
+  ASSERT_EQ(drawing.status, Acad::eOk);
+  const AcDbObjectPointer<AcDbEntity> open(drawing.id(0x100000), AcDb::kForWrite);
+  ASSERT_EQ(open.openStatus(), Acad::eOk);
+  EXPECT_EQ(open->transformBy(AcGeMatrix3d().setToScaling(2.0)), Acad::eOk);
+}
+
 TEST(EntityTransforms, TheInverseTakesEveryKindBack) {
   for (const auto& [kind, tags] : records()) {
     One one(kind);

@@ -360,5 +360,19 @@ TEST(ModelViews, FactorsThatMirrorOrLeaveNothingAreRefused) {
   EXPECT_FALSE(hostx::isModified(&drawing.db()));
 }
 
+TEST(ModelViews, PlacesInObjectsThatDoNotFollowAreListed) {
+  const auto object = [](const std::string& kind, const std::string& handle) {
+    return "0 " + kind + "\n5 " + handle + "\n330 0\n100 AcDbObject\n";
+  };
+  const Drawing drawing(
+      withParts({"", "", "",
+                 object("GEODATA", "90") + object("DICTIONARYVAR", "91") +
+                     object("ACDB_TEXTOBJECTCONTEXTDATA_CLASS", "92") + object("SCALE", "93")}));
+  ASSERT_EQ(drawing.status, Acad::eOk);
+  EXPECT_EQ(placesThatStay(&drawing.db()),
+            (std::vector<AcDbObjectId>{drawing.id(0x90), drawing.id(0x92)}));
+  EXPECT_TRUE(placesThatStay(nullptr).empty());
+}
+
 }  // namespace
 }  // namespace quoin::db

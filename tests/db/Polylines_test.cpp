@@ -1,9 +1,12 @@
 // Light polylines and those whose vertices are entities.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <numbers>
+#include <random>
 
 #include "dbpl.h"
+#include "hostpolyline.h"
 #include "support/Drawings.h"
 
 namespace quoin::test {
@@ -15,16 +18,6 @@ std::string lightTags(std::string_view vertices, std::string_view count = "3",
          std::string(count) + "\n70 " + std::string(flags) + "\n43 0.0\n" + std::string(vertices);
 }
 constexpr std::string_view kCorner = "10 0.0\n20 0.0\n10 4.0\n20 0.0\n42 0.5\n10 4.0\n20 3.0\n";
-
-template <class Change>
-std::string changedPolyline(std::string_view tags, Change&& change) {
-  const Drawing drawing(smallDrawing(tags));
-  AcDbPolyline* polyline = nullptr;
-  EXPECT_EQ(acdbOpenObject(polyline, drawing.id(0x40), AcDb::kForWrite), Acad::eOk);
-  change(*polyline);
-  polyline->close();
-  return drawing.saved();
-}
 
 TEST(LightPolyline, ReadsItsVertices) {
   const Drawing drawing(smallDrawing(lightTags(kCorner)));
@@ -47,34 +40,37 @@ TEST(LightPolyline, ReadsItsVertices) {
 }
 
 TEST(LightPolyline, AVertexIsMovedInPlace) {
-  EXPECT_EQ(changedPolyline(lightTags(kCorner),
-                            [](AcDbPolyline& polyline) {
-                              EXPECT_EQ(polyline.setPointAt(1, AcGePoint2d(5.5, 0.0)), Acad::eOk);
-                            }),
+  EXPECT_EQ(changed<AcDbPolyline>(smallDrawing(lightTags(kCorner)),
+                                  [](AcDbPolyline& polyline) {
+                                    EXPECT_EQ(polyline.setPointAt(1, AcGePoint2d(5.5, 0.0)),
+                                              Acad::eOk);
+                                  }),
             smallDrawing(lightTags("10 0.0\n20 0.0\n10 5.5\n20 0.0\n42 0.5\n10 4.0\n20 3.0\n")));
 }
 
 TEST(LightPolyline, VerticesAreAddedInFrontBetweenAndBehind) {
   EXPECT_EQ(
-      changedPolyline(lightTags(kCorner),
-                      [](AcDbPolyline& polyline) {
-                        EXPECT_EQ(polyline.addVertexAt(3, AcGePoint2d(9.0, 9.0)), Acad::eOk);
-                        EXPECT_EQ(polyline.addVertexAt(1, AcGePoint2d(2.0, 0.0), -1.0), Acad::eOk);
-                        EXPECT_EQ(polyline.addVertexAt(0, AcGePoint2d(-1.0, 0.0)), Acad::eOk);
-                        EXPECT_EQ(polyline.addVertexAt(9, AcGePoint2d()), Acad::eInvalidIndex);
-                      }),
+      changed<AcDbPolyline>(
+          smallDrawing(lightTags(kCorner)),
+          [](AcDbPolyline& polyline) {
+            EXPECT_EQ(polyline.addVertexAt(3, AcGePoint2d(9.0, 9.0)), Acad::eOk);
+            EXPECT_EQ(polyline.addVertexAt(1, AcGePoint2d(2.0, 0.0), -1.0), Acad::eOk);
+            EXPECT_EQ(polyline.addVertexAt(0, AcGePoint2d(-1.0, 0.0)), Acad::eOk);
+            EXPECT_EQ(polyline.addVertexAt(9, AcGePoint2d()), Acad::eInvalidIndex);
+          }),
       smallDrawing(lightTags("10 -1.0\n20 0.0\n10 0.0\n20 0.0\n10 2.0\n20 0.0\n42 -1.0\n10 4.0\n"
                              "20 0.0\n42 0.5\n10 4.0\n20 3.0\n10 9.0\n20 9.0\n",
                              "6")));
 }
 
 TEST(LightPolyline, AVertexIsRemovedWithAllItHas) {
-  EXPECT_EQ(changedPolyline(lightTags(kCorner),
-                            [](AcDbPolyline& polyline) {
-                              EXPECT_EQ(polyline.removeVertexAt(1), Acad::eOk);
-                              EXPECT_EQ(polyline.removeVertexAt(0), Acad::eDegenerateGeometry);
-                              EXPECT_EQ(polyline.removeVertexAt(2), Acad::eInvalidIndex);
-                            }),
+  EXPECT_EQ(changed<AcDbPolyline>(smallDrawing(lightTags(kCorner)),
+                                  [](AcDbPolyline& polyline) {
+                                    EXPECT_EQ(polyline.removeVertexAt(1), Acad::eOk);
+                                    EXPECT_EQ(polyline.removeVertexAt(0),
+                                              Acad::eDegenerateGeometry);
+                                    EXPECT_EQ(polyline.removeVertexAt(2), Acad::eInvalidIndex);
+                                  }),
             smallDrawing(lightTags("10 0.0\n20 0.0\n10 4.0\n20 3.0\n", "2")));
 }
 
@@ -128,6 +124,128 @@ TEST(LightPolyline, AnEmptyOneHasNoEnds) {
   EXPECT_EQ(polyline.getStartPoint(point), Acad::eDegenerateGeometry);
   EXPECT_EQ(polyline.getEndPoint(point), Acad::eDegenerateGeometry);
   EXPECT_EQ(polyline.segType(0), AcDbPolyline::kEmpty);
+}
+
+// --- many vertices at once ------------------------------------------------------------------
+
+using Vertices = std::vector<hostx::LightPolylineVertex>;
+
+Vertices verticesOf(const AcDbPolyline& polyline) {
+  Vertices vertices(polyline.numVerts());
+  for (unsigned int i = 0; i < vertices.size(); ++i) {
+    polyline.getPointAt(i, vertices[i].point);
+    polyline.getBulgeAt(i, vertices[i].bulge);
+    polyline.getWidthsAt(i, vertices[i].startWidth, vertices[i].endWidth);
+  }
+  return vertices;
+}
+
+/// The direct form: the setters, one vertex after the other.
+void reduceOneByOne(AcDbPolyline& polyline, const Vertices& wanted) {
+  while (polyline.numVerts() > wanted.size()) {
+    EXPECT_EQ(polyline.removeVertexAt(polyline.numVerts() - 1), Acad::eOk);
+  }
+  const Vertices are = verticesOf(polyline);
+  for (unsigned int i = 0; i < wanted.size(); ++i) {
+    if (are[i].point.x != wanted[i].point.x || are[i].point.y != wanted[i].point.y) {
+      EXPECT_EQ(polyline.setPointAt(i, wanted[i].point), Acad::eOk);
+    }
+    if (are[i].bulge != wanted[i].bulge) {
+      EXPECT_EQ(polyline.setBulgeAt(i, wanted[i].bulge), Acad::eOk);
+    }
+    if (are[i].startWidth != wanted[i].startWidth || are[i].endWidth != wanted[i].endWidth) {
+      EXPECT_EQ(polyline.setWidthsAt(i, wanted[i].startWidth, wanted[i].endWidth), Acad::eOk);
+    }
+  }
+}
+
+/// The tags of light polylines with all that vertices may have or lack, and what stands between.
+class RandomPolyline {
+ public:
+  explicit RandomPolyline(unsigned seed) : m_random(seed) {}
+
+  bool chance(std::size_t percent) { return pick(100) < percent; }
+  std::size_t pick(std::size_t count) {
+    return std::uniform_int_distribution<std::size_t>(0, count - 1)(m_random);
+  }
+
+  std::string tags(std::string_view handle) {
+    const std::size_t count = 2 + pick(12);
+    std::string tags = "0 LWPOLYLINE\n5 " + std::string(handle) +
+                       "\n330 1F\n100 AcDbEntity\n8 Walls\n100 AcDbPolyline\n";
+    tags += chance(90) ? "90 " + std::to_string(count) + "\n" : "";
+    tags += chance(50) ? "70 1\n" : "";
+    tags += chance(60) ? "43 " + std::string(chance(50) ? "2.50" : "0.0") + "\n" : "";
+    for (std::size_t i = 0; i < count; ++i) {
+      addVertex(tags);
+    }
+    return tags + (chance(50) ? "1001 ACAD\n1000 note\n" : "");
+  }
+
+ private:
+  void addVertex(std::string& tags) {
+    constexpr const char* kNumbers[] = {"0.0", "0", "1.50", "2.5", "-3.0", "4e1"};
+    const auto add = [&](std::size_t percent, const char* code) {
+      if (chance(percent)) {
+        tags += std::string(code) + " " + kNumbers[pick(std::size(kNumbers))] + "\n";
+      }
+    };
+    add(100, "10");
+    add(90, "20");
+    add(30, "91");
+    add(40, "40");
+    add(40, "41");
+    add(30, "42");
+    add(10, "62");
+  }
+
+  std::mt19937 m_random;
+};
+
+TEST(LightPolyline, ReducingDoesWhatTheSettersDoOneByOne) {
+  constexpr int kFirst = 1000;
+  constexpr int kCount = 500;
+  RandomPolyline random(7);
+  std::string tags;
+  for (int i = 0; i < kCount; ++i) {
+    tags += random.tags(std::to_string(kFirst + i));
+  }
+  const Drawing oneByOne(smallDrawing(tags));
+  const Drawing atOnce(smallDrawing(tags));
+  for (const AcDbObjectId& id : entitiesOf(oneByOne.db())) {
+    const AcDbObjectPointer<AcDbPolyline> direct(id, AcDb::kForWrite);
+    const AcDbObjectPointer<AcDbPolyline> fast(atOnce.id(id.handle()), AcDb::kForWrite);
+    const Vertices are = verticesOf(*direct.object());
+    Vertices wanted(2 + random.pick(are.size() - 1));
+    const std::size_t from = random.pick(are.size());
+    for (std::size_t i = 0; i < wanted.size(); ++i) {
+      wanted[i] = are[(from + i) % are.size()];
+    }
+    wanted.back().bulge = 0.0;
+    reduceOneByOne(*direct.object(), wanted);
+    EXPECT_EQ(hostx::reduceVertices(*fast.object(), wanted), Acad::eOk);
+  }
+  EXPECT_TRUE(atOnce.saved() == oneByOne.saved());
+}
+
+TEST(LightPolyline, ReducingRefusesMoreVerticesFewerThanTwoAndNumbersThatAreNotFinite) {
+  const std::string bytes = smallDrawing(lightTags(kCorner));
+  EXPECT_EQ(changed<AcDbPolyline>(
+                bytes,
+                [](AcDbPolyline& polyline) {
+                  Vertices vertices = verticesOf(polyline);
+                  vertices.front().startWidth = HUGE_VAL;
+                  EXPECT_EQ(hostx::reduceVertices(polyline, vertices), Acad::eInvalidInput);
+                  vertices = Vertices(4);
+                  EXPECT_EQ(hostx::reduceVertices(polyline, vertices), Acad::eInvalidIndex);
+                  vertices = Vertices(1);
+                  EXPECT_EQ(hostx::reduceVertices(polyline, vertices), Acad::eDegenerateGeometry);
+                }),
+            bytes);
+  const Drawing drawing(bytes);
+  const AcDbObjectPointer<AcDbPolyline> polyline(drawing.id(0x40));
+  EXPECT_EQ(hostx::reduceVertices(*polyline.object(), Vertices(2)), Acad::eNotOpenForWrite);
+  hostx::resetMisuse();
 }
 
 // --- vertices as entities -------------------------------------------------------------------

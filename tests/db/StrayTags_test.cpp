@@ -21,17 +21,6 @@ std::string drawingWith(std::string_view entities) {
   return asciiDxf(text);
 }
 
-template <class Change>
-std::string changed(const std::string& bytes, Change&& change) {
-  const Drawing drawing(bytes);
-  EXPECT_EQ(drawing.status, Acad::eOk) << os::toUtf8(hostx::lastFileError(&drawing.db()));
-  AcDbEntity* entity = nullptr;
-  EXPECT_EQ(acdbOpenAcDbEntity(entity, drawing.id(0x40), AcDb::kForWrite), Acad::eOk);
-  change(*entity);
-  EXPECT_EQ(entity->close(), Acad::eOk);
-  return drawing.saved();
-}
-
 TEST(StrayTags, AreReadBehindTheMarkerOfTheKind) {
   const Drawing drawing(
       drawingWith(strayLine("6 Continuous\n62 3\n48 2.5\n60 1\n370 50\n440 33554559\n")));
@@ -71,6 +60,22 @@ TEST(StrayTags, AreReplacedWhereTheyStand) {
       strayLine("6 Continuous\n62 5\n48 0.5\n60 1\n370 100\n", "1001 ACAD\n1000 x\n");
   expected.replace(expected.find("Walls"), 5, "0");
   EXPECT_EQ(bytes, drawingWith(expected));
+}
+
+TEST(StrayTags, ALayerIsNamedAlikeWhetherItsEntityIsOpenOrNot) {
+  constexpr std::string_view kEnds = "10 1.0\n20 0.0\n11 2.0\n21 0.0\n";
+  for (const std::string_view front :
+       {"100 AcDbEntity\n8 Walls\n100 AcDbLine\n", "100 AcDbEntity\n100 AcDbLine\n8 Walls\n",
+        "8 Walls\n100 AcDbLine\n", "8 0\n100 AcDbEntity\n8 Walls\n100 AcDbLine\n",
+        "102 {X\n8 0\n102 }\n100 AcDbEntity\n8 Walls\n100 AcDbLine\n",
+        "100 AcDbEntity\n102 {X\n8 0\n102 }\n8 Walls\n100 AcDbLine\n", "8 Walls\n",
+        "100 AcDbLine\n8 0\n100 AcDbEntity\n8 Walls\n", "8 Walls\n8 0\n",
+        "100 AcDbEntity\n100 AcDbLine\n", ""}) {
+    const Drawing drawing(drawingWith("0 LINE\n5 40\n" + std::string(front) + std::string(kEnds)));
+    const AcDbObjectPointer<AcDbLine> line(drawing.id(0x40));
+    ASSERT_EQ(line.openStatus(), Acad::eOk) << front;
+    EXPECT_EQ(hostx::layerName(line->objectId()), taken(line->layer())) << front;
+  }
 }
 
 TEST(StrayTags, OfTheValueThatIsAskedForStayAsTheyAre) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 #include "embedded/dxf/FileError.h"
@@ -69,6 +70,25 @@ TEST(DrawingFile, SavedInPlaceWithoutAChangeIsNotWritten) {
   EXPECT_TRUE(result.isUnchanged);
   EXPECT_TRUE(result.version.isSameVersion(version));
   EXPECT_EQ(folder.names(), std::set<std::string>{"plan.dxf"});
+}
+
+TEST(DrawingFile, SavedInPlaceWithoutAChangeNeedsNoRightToWrite) {
+  const TemporaryFolder folder;
+  const std::string path = folder.put("plan.dxf", plan());
+  RecordStore store;
+  SaveOptions options = withBackup();
+  options.expected = readDrawing(path, store);
+  FaultyFiles files;
+  const SaveResult result = writeDrawing(store, path, options, {}, files);
+  EXPECT_TRUE(result.isUnchanged);
+  EXPECT_TRUE(result.version.isSameVersion(*options.expected));
+  EXPECT_EQ(files.calls, std::vector<std::string>{"facts of path"});
+  // The same bytes in another file are somebody else's.
+  std::filesystem::remove(path);
+  folder.put("other.dxf", plan());
+  folder.put("plan.dxf", plan());
+  EXPECT_EQ(errorOf([&] { writeDrawing(store, path, options); }).status,
+            Acad::eFileSharingViolation);
 }
 
 TEST(DrawingFile, ADrawingThatSomebodyHasChangedIsNotReplaced) {

@@ -39,6 +39,7 @@ TEST_F(CommandStackTest, AGroupHasEachNameOnce) {
   EXPECT_EQ(add(L"LINES", L"DRAWWALL", nullptr, drawLine), Acad::eOk);
   EXPECT_EQ(stack.lookupCmd(L"DRAWWALL")->functionAddr(), &drawWall) << "the older group wins";
   EXPECT_EQ(stack.groupNames(), (std::vector<std::wstring>{L"WALLS", L"LINES"}));
+  EXPECT_EQ(stack.commandNames(), (std::vector<std::wstring>{L"DRAWWALL", L"DRAWWALL"}));
 }
 
 TEST_F(CommandStackTest, NamesAndFunctionMustBeThere) {

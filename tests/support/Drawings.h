@@ -50,6 +50,18 @@ inline std::string smallDrawing(std::string_view entities = {}) {
   return asciiDxf(smallR2000(entities));
 }
 
+/// Changes entity 40 of a drawing and returns the saved bytes.
+template <class Entity = AcDbEntity, class Change>
+std::string changed(const std::string& bytes, Change&& change) {
+  const Drawing drawing(bytes);
+  EXPECT_EQ(drawing.status, Acad::eOk) << os::toUtf8(hostx::lastFileError(&drawing.db()));
+  Entity* entity = nullptr;
+  EXPECT_EQ(acdbOpenObject(entity, drawing.id(0x40), AcDb::kForWrite), Acad::eOk);
+  change(*entity);
+  EXPECT_EQ(entity->close(), Acad::eOk);
+  return drawing.saved();
+}
+
 /// Appends to model space (or another block) and closes the entity.
 inline AcDbObjectId append(AcDbDatabase& database, AcDbEntity* entity,
                            const wchar_t* block = ACDB_MODEL_SPACE) {
