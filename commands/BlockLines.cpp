@@ -7,7 +7,7 @@
 #include "commands/Progress.h"
 #include "commands/WallLines.h"
 #include "dbobjptr.h"
-#include "embedded/db/Multiline.h"
+#include "embedded/db/entities/Multiline.h"
 
 namespace quoin::commands {
 

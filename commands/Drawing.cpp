@@ -10,7 +10,7 @@
 #include "commands/Progress.h"
 #include "dbobjptr.h"
 #include "dbsymtb.h"
-#include "embedded/db/DrawingStream.h"
+#include "embedded/db/core/DrawingStream.h"
 #include "embedded/os/Process.h"
 #include "embedded/os/Utf8.h"
 

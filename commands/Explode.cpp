@@ -13,8 +13,8 @@
 #include "commands/Words.h"
 #include "dbobjptr.h"
 #include "dbsymtb.h"
-#include "embedded/db/InPlace.h"
-#include "embedded/db/Multiline.h"
+#include "embedded/db/entities/InPlace.h"
+#include "embedded/db/entities/Multiline.h"
 
 namespace quoin::commands {
 

@@ -8,7 +8,7 @@
 #include "dbents.h"
 #include "dbobjptr.h"
 #include "dbsymtb.h"
-#include "embedded/db/Multiline.h"
+#include "embedded/db/entities/Multiline.h"
 #include "embedded/os/Utf8.h"
 
 namespace quoin::commands {

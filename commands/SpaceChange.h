@@ -8,7 +8,7 @@
 #include "commands/Drawing.h"
 #include "commands/LeftOut.h"
 #include "commands/Report.h"
-#include "embedded/db/ModelViews.h"
+#include "embedded/db/tables/ModelViews.h"
 #include "gevec3d.h"
 
 namespace quoin::commands {

@@ -11,7 +11,7 @@
 #include "dbents.h"
 #include "dbmtext.h"
 #include "dbobjptr.h"
-#include "embedded/db/LinearUnits.h"
+#include "embedded/db/core/LinearUnits.h"
 
 namespace quoin::commands {
 

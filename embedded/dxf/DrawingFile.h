@@ -4,10 +4,9 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
-
-#include <optional>
 
 #include "embedded/dxf/RecordStore.h"
 #include "embedded/os/FileSystem.h"

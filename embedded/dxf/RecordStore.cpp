@@ -92,6 +92,13 @@ void RecordStore::clear() {
   m_impl = std::make_unique<Impl>(m_stubs);
 }
 
+void RecordStore::warn(std::size_t offset, const std::string& record, const std::string& text) {
+  constexpr std::size_t kWarningsKept = 100;
+  if (m_warnings.size() < kWarningsKept) {
+    m_warnings.push_back({offset, record, text});
+  }
+}
+
 std::uint16_t RecordStore::internKind(std::string_view name) {
   if (const auto found = m_impl->kindNumbers.find(name); found != m_impl->kindNumbers.end()) {
     return found->second;

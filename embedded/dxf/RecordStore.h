@@ -208,10 +208,13 @@ class HOST_API RecordStore {
   void setHeaderVariable(std::string_view name, std::string valueTags);
 
  private:
+  friend class StoreLinker;
   friend class StoreLoader;
   friend class StoreWriter;
   struct Impl;
 
+  /// Keeps the first hundred.
+  void warn(std::size_t offset, const std::string& record, const std::string& text);
   std::uint16_t internKind(std::string_view name);
   AcDbStub* appendStub(Section section, Role role, std::string bytes, std::uint64_t handle);
   void makeTableHead(Table& table);

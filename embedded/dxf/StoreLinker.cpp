@@ -1,8 +1,9 @@
-// The second half of a load: what the records of a file are to one another.
+#include "embedded/dxf/StoreLinker.h"
+
 #include <algorithm>
 
 #include "embedded/dxf/FileError.h"
-#include "embedded/dxf/StoreLoader.h"
+#include "embedded/dxf/RecordStoreImpl.h"
 #include "embedded/dxf/TagText.h"
 #include "embedded/os/CaseFold.h"
 #include "embedded/os/CodePage.h"
@@ -21,7 +22,10 @@ bool isLayoutName(std::string_view name, std::string_view bare, Version version)
 
 }  // namespace
 
-void StoreLoader::link() {
+StoreLinker::StoreLinker(RecordStore& store, const TagLayout& layout, const StoreFindings& found)
+    : m_store(store), m_data(*store.m_impl), m_layout(layout), m_found(found) {}
+
+void StoreLinker::run() {
   readHeader();
   m_data.fileStubs = m_store.m_stubs.size();
   indexHandles();
@@ -32,7 +36,7 @@ void StoreLoader::link() {
   makeLayerZero();
 }
 
-std::string_view StoreLoader::headerText(std::string_view variable) const {
+std::string_view StoreLinker::headerText(std::string_view variable) const {
   const std::string_view tags = m_store.headerVariable(variable);
   const char* const end = tags.data() + tags.size();
   RawTag tag;
@@ -41,17 +45,19 @@ std::string_view StoreLoader::headerText(std::string_view variable) const {
              : std::string_view{};
 }
 
-void StoreLoader::readHeader() {
+void StoreLinker::readHeader() {
   Format& format = m_store.m_format;
   const std::string_view acadVer = headerText("$ACADVER");
   format.version = versionFromAcadVer(acadVer);
   if (format.version == Version::Unknown) {
     const bool isNewer = acadVer.size() == 6 && acadVer.starts_with("AC1");
-    format.version = isNewer ? Version::R2018 : m_sawSubclass ? Version::R2000 : Version::R12;
+    format.version = isNewer                 ? Version::R2018
+                     : m_found.hasSubclasses ? Version::R2000
+                                             : Version::R12;
     if (!acadVer.empty()) {
-      warn(0, {},
-           "version '" + std::string(acadVer) + "' is unknown; read as " +
-               std::string(releaseName(format.version)));
+      m_store.warn(0, {},
+                   "version '" + std::string(acadVer) + "' is unknown; read as " +
+                       std::string(releaseName(format.version)));
     }
   }
   if (!m_store.m_givenCodePage.empty()) {
@@ -60,9 +66,10 @@ void StoreLoader::readHeader() {
   } else if (const std::string_view codePage = headerText("$DWGCODEPAGE"); !codePage.empty()) {
     format.codePage = std::string(codePage);
     if (!format.textIsUtf8() && !os::CodePage::isKnown(codePage)) {
-      warn(0, {}, "code page '" + std::string(codePage) + "' is unknown; read as ANSI_1252");
+      m_store.warn(0, {},
+                   "code page '" + std::string(codePage) + "' is unknown; read as ANSI_1252");
     }
-  } else if (format.form == Form::Ascii && m_firstTag != 0) {
+  } else if (m_found.hasByteOrderMark) {
     format.codePage = "UTF-8";  // nothing else begins with a byte order mark
   }
   m_data.seed = handleFromText(headerText("$HANDSEED"));
@@ -71,11 +78,12 @@ void StoreLoader::readHeader() {
   const bool isOff = readTag(handling.data(), handling.data() + handling.size(), m_layout, tag) ==
                          ReadResult::Tag &&
                      integerOf({tag.code, {tag.value, tag.valueSize}, 0, 0}, format) == 0;
-  m_data.hasHandles = format.hasSubclassMarkers() || (handling.empty() ? m_handles != 0 : !isOff);
+  m_data.hasHandles =
+      format.hasSubclassMarkers() || (handling.empty() ? m_found.handles != 0 : !isOff);
 }
 
-void StoreLoader::indexHandles() {
-  m_data.handles.reserve(m_handles);
+void StoreLinker::indexHandles() {
+  m_data.handles.reserve(m_found.handles);
   for (const AcDbStub& stub : m_store.m_stubs) {
     if (stub.handle == 0) {
       continue;
@@ -85,17 +93,17 @@ void StoreLoader::indexHandles() {
     if (holder != stub.index) {
       const AcDbStub& first = m_store.m_stubs[holder];
       const std::uint64_t place = m_store.lineOf(first);
-      warn(m_data.fileOffset(stub), m_store.describe(stub),
-           "the handle is taken by the " + std::string(m_store.kindName(first)) +
-               (m_layout.isBinary ? " at byte " : " in line ") + std::to_string(place));
+      m_store.warn(m_data.fileOffset(stub), m_store.describe(stub),
+                   "the handle is taken by the " + std::string(m_store.kindName(first)) +
+                       (m_layout.isBinary ? " at byte " : " in line ") + std::to_string(place));
     }
   }
 }
 
-void StoreLoader::linkBlocks() {
-  for (std::size_t i = 0; i < m_blockHeads.size(); ++i) {
+void StoreLinker::linkBlocks() {
+  for (std::size_t i = 0; i < m_found.blockHeads.size(); ++i) {
     Block& block = m_store.m_blocks[i];
-    const BlockHead& head = m_blockHeads[i];
+    const StoreFindings::BlockHead& head = m_found.blockHeads[i];
     block.name = decodeText(head.name, m_store.m_format);
     linkBlockRecord(block, head);
     const Version version = m_store.m_format.version;
@@ -107,15 +115,15 @@ void StoreLoader::linkBlocks() {
       m_data.paperSpace = &block;
     }
     if (!m_data.blockByName.try_emplace(os::foldCase(block.name), &block).second) {
-      warn(m_data.fileOffset(*block.begin), m_store.describe(*block.begin),
-           "a second block of the same name");
+      m_store.warn(m_data.fileOffset(*block.begin), m_store.describe(*block.begin),
+                   "a second block of the same name");
     }
   }
 }
 
-AcDbStub* StoreLoader::freeRecordNamed(std::string_view name) const {
-  const auto named = m_blockRecords.find(capitals(name));
-  if (named == m_blockRecords.end()) {
+AcDbStub* StoreLinker::freeRecordNamed(std::string_view name) const {
+  const auto named = m_found.blockRecords.find(capitals(name));
+  if (named == m_found.blockRecords.end()) {
     return nullptr;
   }
   const auto isFree = [&](const AcDbStub* record) {
@@ -127,7 +135,7 @@ AcDbStub* StoreLoader::freeRecordNamed(std::string_view name) const {
 
 /// The BLOCK_RECORD that the BLOCK names as its owner, else the first of the same name that no
 /// other block has, else a placeholder.
-void StoreLoader::linkBlockRecord(Block& block, const BlockHead& head) {
+void StoreLinker::linkBlockRecord(Block& block, const StoreFindings::BlockHead& head) {
   AcDbStub* record = m_store.find(head.owner);
   const bool isRecord = record != nullptr && record->role == Role::TableRecord &&
                         m_store.kindName(*record) == "BLOCK_RECORD" &&
@@ -139,7 +147,7 @@ void StoreLoader::linkBlockRecord(Block& block, const BlockHead& head) {
   m_data.blockByRecord[block.record] = &block;
 }
 
-void StoreLoader::makeLayouts() {
+void StoreLinker::makeLayouts() {
   const SectionPlace* const entities = m_data.section("ENTITIES");
   const std::size_t insertAt = entities == nullptr ? kNoPlace : entities->end;
   const auto make = [&](const wchar_t* name, std::string_view bare) {
@@ -157,8 +165,8 @@ void StoreLoader::makeLayouts() {
   m_data.modelSpace->insertAt = insertAt;
   const bool needsPaper =
       freeRecordNamed("*PAPER_SPACE") != nullptr ||
-      std::any_of(m_layoutRuns.begin(), m_layoutRuns.end(),
-                  [](const LayoutRun& layoutRun) { return layoutRun.inPaperSpace; });
+      std::any_of(m_found.layoutRuns.begin(), m_found.layoutRuns.end(),
+                  [](const StoreFindings::LayoutRun& layoutRun) { return layoutRun.inPaperSpace; });
   if (m_data.paperSpace == nullptr && needsPaper) {
     m_data.paperSpace = make(kPaperSpaceName, "PAPER_SPACE");
   }
@@ -169,14 +177,14 @@ void StoreLoader::makeLayouts() {
 
 /// Entities of the ENTITIES section belong to the layout that they name as their owner; where
 /// they name none, the paper space flag decides.
-void StoreLoader::distributeEntities() {
+void StoreLinker::distributeEntities() {
   Block* target = nullptr;
   std::size_t nextRun = 0;
-  for (std::size_t i = m_layoutRuns.empty() ? m_data.fileStubs : m_layoutRuns[0].first;
+  for (std::size_t i = m_found.layoutRuns.empty() ? m_data.fileStubs : m_found.layoutRuns[0].first;
        i < m_data.fileStubs; ++i) {
     AcDbStub& stub = m_store.m_stubs[i];
-    if (nextRun < m_layoutRuns.size() && m_layoutRuns[nextRun].first == i) {
-      const LayoutRun& layoutRun = m_layoutRuns[nextRun++];
+    if (nextRun < m_found.layoutRuns.size() && m_found.layoutRuns[nextRun].first == i) {
+      const StoreFindings::LayoutRun& layoutRun = m_found.layoutRuns[nextRun++];
       target = layoutRun.inPaperSpace ? m_data.paperSpace : m_data.modelSpace;
       const AcDbStub* const owner = m_store.find(layoutRun.owner);
       Block* const named = owner == nullptr ? nullptr : m_store.blockOf(*owner);
@@ -191,7 +199,7 @@ void StoreLoader::distributeEntities() {
   }
 }
 
-void StoreLoader::linkOwners() {
+void StoreLinker::linkOwners() {
   for (Block& block : m_store.m_blocks) {
     block.entities.shrink_to_fit();
     for (AcDbStub* entity : block.entities) {
@@ -203,13 +211,13 @@ void StoreLoader::linkOwners() {
       }
     }
   }
-  for (const OwnerLink& ownerLink : m_ownerLinks) {
+  for (const StoreFindings::OwnerLink& ownerLink : m_found.ownerLinks) {
     ownerLink.stub->owner = m_store.find(ownerLink.owner);
   }
 }
 
-void StoreLoader::makeLayerZero() {
-  if (m_sawLayerZero) {
+void StoreLinker::makeLayerZero() {
+  if (m_found.hasLayerZero) {
     return;
   }
   Table* layers = m_store.table("LAYER");

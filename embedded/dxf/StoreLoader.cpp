@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::size_t kReportEvery = std::size_t{1} << 20;  // bytes between two reports
 constexpr double kScanShare = 0.9;                          // of the whole load
-constexpr std::size_t kWarningsKept = 100;
 constexpr int kPaperSpaceCode = 67;
 
 Section sectionNamed(std::string_view name) {
@@ -51,7 +50,8 @@ void StoreLoader::run() {
     throw FileError(Acad::eBadDxfFile, "the file is empty");
   }
   scan();
-  link();
+  m_found.hasByteOrderMark = m_store.m_format.form == Form::Ascii && m_firstTag != 0;
+  StoreLinker(m_store, m_layout, m_found).run();
   report(1.0);
 }
 
@@ -67,7 +67,7 @@ void StoreLoader::scan() {
       finish(offset);
       m_data.eofAt = offset;
       m_data.lacksEof = true;
-      warn(offset, {}, "the file ends without EOF; its sections are whole");
+      m_store.warn(offset, {}, "the file ends without EOF; its sections are whole");
       return;
     }
     if (result == ReadResult::End) {
@@ -95,7 +95,7 @@ void StoreLoader::scan() {
 bool StoreLoader::isWholeWithoutEof(std::size_t offset) const {
   constexpr std::size_t kMostBlanks = 64;
   constexpr std::string_view kEnd = "0EOF";
-  const Section last = m_sawSubclass ? Section::Objects : Section::Entities;
+  const Section last = m_found.hasSubclasses ? Section::Objects : Section::Entities;
   if (m_inSection || !m_sectionSeen[static_cast<std::size_t>(last)] ||
       m_data.buffer.size() - offset > kMostBlanks) {
     return false;
@@ -133,7 +133,8 @@ void StoreLoader::capture(const RawTag& tag, std::size_t offset) {
           (tag.code == 105) == m_pending.handleIs105) {
         m_pending.handle = handleFromText(value);
         if (m_pending.handle == 0) {
-          warn(offset, describePending(), "'" + std::string(trimmed(value)) + "' is no handle");
+          m_store.warn(offset, describePending(),
+                       "'" + std::string(trimmed(value)) + "' is no handle");
         }
       }
       break;
@@ -208,7 +209,7 @@ void StoreLoader::begin(std::string_view kind, std::size_t offset) {
     endSection(offset);
   } else if (kind == "ENDTAB" && m_section == Section::Tables) {
     if (m_table == nullptr) {
-      warn(offset, {}, "ENDTAB without a TABLE");
+      m_store.warn(offset, {}, "ENDTAB without a TABLE");
     }
     endTable(offset);
   } else if (kind == "EOF") {
@@ -242,7 +243,7 @@ void StoreLoader::enterSection(std::string_view name) {
   m_data.sections.back().name = std::string(name);
   bool& seen = m_sectionSeen[static_cast<std::size_t>(m_section)];
   if (seen && m_section != Section::Other) {
-    warn(m_pending.begin, {}, "a second section " + std::string(name));
+    m_store.warn(m_pending.begin, {}, "a second section " + std::string(name));
     if (m_section == Section::Header) {
       m_section = Section::Other;  // the first one's variables hold
     }
@@ -256,11 +257,11 @@ void StoreLoader::endSection(std::size_t offset) {
     fail(Acad::eBadDxfSequence, "ENDSEC outside of any section", offset);
   }
   if (m_table != nullptr) {
-    warn(offset, {}, "table " + m_table->name + " has no ENDTAB");
+    m_store.warn(offset, {}, "table " + m_table->name + " has no ENDTAB");
     endTable(offset);
   }
   if (m_block != nullptr) {
-    warn(offset, {}, "the last block has no ENDBLK");
+    m_store.warn(offset, {}, "the last block has no ENDBLK");
     endBlock(offset);
   }
   m_data.sections.back().end = offset;
@@ -333,7 +334,7 @@ void StoreLoader::beginTableRecord(AcDbStub& stub) {
   const std::string_view kind = m_store.kindName(stub);
   if (kind == "TABLE") {
     if (m_table != nullptr) {
-      warn(m_pending.begin, {}, "table " + m_table->name + " has no ENDTAB");
+      m_store.warn(m_pending.begin, {}, "table " + m_table->name + " has no ENDTAB");
       endTable(m_pending.begin);
     }
     m_table = &m_store.m_tables.emplace_back();
@@ -342,7 +343,7 @@ void StoreLoader::beginTableRecord(AcDbStub& stub) {
     return;
   }
   if (m_table == nullptr) {
-    warn(m_pending.begin, std::string(kind), "a record between tables");
+    m_store.warn(m_pending.begin, std::string(kind), "a record between tables");
     return;
   }
   m_pending.handleIs105 = kind == "DIMSTYLE";
@@ -355,16 +356,16 @@ void StoreLoader::beginBlockRecord(AcDbStub& stub, std::size_t offset) {
   const std::string_view kind = m_store.kindName(stub);
   if (kind == "BLOCK") {
     if (m_block != nullptr) {
-      warn(offset, {}, "a block has no ENDBLK");
+      m_store.warn(offset, {}, "a block has no ENDBLK");
       endBlock(offset);
     }
     m_block = &m_store.m_blocks.emplace_back();
     m_block->begin = &stub;
-    m_blockHeads.emplace_back();
+    m_found.blockHeads.emplace_back();
     stub.role = Role::BlockBegin;
     m_parent = nullptr;
   } else if (m_block == nullptr) {
-    warn(offset, std::string(kind), "a record between blocks");
+    m_store.warn(offset, std::string(kind), "a record between blocks");
   } else if (kind == "ENDBLK") {
     stub.role = Role::BlockEnd;
     m_block->end = &stub;
@@ -418,32 +419,32 @@ void StoreLoader::finishRecord(std::size_t end) {
   }
   stub.size = static_cast<std::uint32_t>(size);
   stub.handle = m_pending.handle;
-  m_handles += stub.handle != 0 ? 1U : 0U;
-  m_sawSubclass = m_sawSubclass || m_pending.sawSubclass;
+  m_found.handles += stub.handle != 0 ? 1U : 0U;
+  m_found.hasSubclasses = m_found.hasSubclasses || m_pending.sawSubclass;
   switch (stub.role) {
     case Role::Table:
       m_table->name = std::string(m_pending.name);
       break;
     case Role::TableRecord:
       if (m_table->name == "BLOCK_RECORD") {
-        m_blockRecords[capitals(m_pending.name)].push_back(&stub);
+        m_found.blockRecords[capitals(m_pending.name)].push_back(&stub);
       } else if (m_table->name == "LAYER" && m_pending.name == "0") {
-        m_sawLayerZero = true;
+        m_found.hasLayerZero = true;
       }
       break;
     case Role::BlockBegin:
-      m_blockHeads.back() = {m_pending.name, m_pending.owner};
+      m_found.blockHeads.back() = {m_pending.name, m_pending.owner};
       break;
     case Role::Entity:
       if (m_section == Section::Entities &&
-          (m_layoutRuns.empty() || m_layoutRuns.back().owner != m_pending.owner ||
-           m_layoutRuns.back().inPaperSpace != m_pending.inPaperSpace)) {
-        m_layoutRuns.push_back({stub.index, m_pending.inPaperSpace, m_pending.owner});
+          (m_found.layoutRuns.empty() || m_found.layoutRuns.back().owner != m_pending.owner ||
+           m_found.layoutRuns.back().inPaperSpace != m_pending.inPaperSpace)) {
+        m_found.layoutRuns.push_back({stub.index, m_pending.inPaperSpace, m_pending.owner});
       }
       break;
     case Role::Object:
       if (m_pending.owner != 0) {
-        m_ownerLinks.push_back({&stub, m_pending.owner});
+        m_found.ownerLinks.push_back({&stub, m_pending.owner});
       }
       break;
     default:
@@ -456,12 +457,6 @@ void StoreLoader::finishRecord(std::size_t end) {
 void StoreLoader::report(double fraction) const {
   if (m_progress && !m_progress(fraction)) {
     throw FileError(Acad::eUserBreak, "reading was stopped");
-  }
-}
-
-void StoreLoader::warn(std::size_t offset, const std::string& record, const std::string& text) {
-  if (m_store.m_warnings.size() < kWarningsKept) {
-    m_store.m_warnings.push_back({offset, record, text});
   }
 }
 

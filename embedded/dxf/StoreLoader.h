@@ -1,5 +1,4 @@
-// Indexes a whole DXF file in one pass over its tags, then links what it found: tables,
-// blocks with their records, layouts with their entities, owners, handles.
+// Indexes a whole DXF file in one pass over its tags; StoreLinker.h links what it found.
 #pragma once
 
 #include <array>
@@ -7,10 +6,9 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_map>
-#include <vector>
 
 #include "embedded/dxf/RecordStoreImpl.h"
+#include "embedded/dxf/StoreLinker.h"
 #include "embedded/dxf/TagReader.h"
 
 namespace quoin::dxf {
@@ -42,21 +40,6 @@ class StoreLoader {
     std::uint64_t owner = 0;
     AcDbStub* stub = nullptr;
   };
-  /// Entities of the ENTITIES section from one stub on that name the same owner and space.
-  struct LayoutRun {
-    std::uint32_t first = 0;
-    bool inPaperSpace = false;
-    std::uint64_t owner = 0;
-  };
-  struct OwnerLink {
-    AcDbStub* stub = nullptr;
-    std::uint64_t owner = 0;
-  };
-  struct BlockHead {
-    std::string_view name;
-    std::uint64_t owner = 0;
-  };
-
   // --- the pass -------------------------------------------------------------------------
   void scan();
   bool isWholeWithoutEof(std::size_t offset) const;
@@ -76,21 +59,7 @@ class StoreLoader {
   void finish(std::size_t end);
   void finishRecord(std::size_t end);
 
-  // --- afterwards -----------------------------------------------------------------------
-  void link();
-  void readHeader();
-  void indexHandles();
-  void linkBlocks();
-  AcDbStub* freeRecordNamed(std::string_view name) const;
-  void linkBlockRecord(Block& block, const BlockHead& head);
-  void makeLayouts();
-  void distributeEntities();
-  void linkOwners();
-  void makeLayerZero();
-
-  std::string_view headerText(std::string_view variable) const;
   void report(double fraction) const;
-  void warn(std::size_t offset, const std::string& record, const std::string& text);
   [[noreturn]] void fail(Acad::ErrorStatus status, const std::string& cause,
                          std::size_t offset) const;
   std::string describePending() const;
@@ -107,18 +76,11 @@ class StoreLoader {
   Section m_section = Section::Other;
   bool m_inSection = false;
   bool m_ended = false;
-  bool m_sawSubclass = false;
-  bool m_sawLayerZero = false;
   std::array<bool, 7> m_sectionSeen{};  // by Section
   Table* m_table = nullptr;
   Block* m_block = nullptr;
   AcDbStub* m_parent = nullptr;  // the entity that sub-entities belong to
-  std::size_t m_handles = 0;
-  std::vector<LayoutRun> m_layoutRuns;
-  // The BLOCK_RECORDs of a name in ASCII capitals, in file order; looked up by name only.
-  std::unordered_map<std::string, std::vector<AcDbStub*>> m_blockRecords;
-  std::vector<BlockHead> m_blockHeads;  // parallel to the store's blocks
-  std::vector<OwnerLink> m_ownerLinks;
+  StoreFindings m_found;
 };
 
 }  // namespace quoin::dxf

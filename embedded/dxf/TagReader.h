@@ -10,7 +10,6 @@
 #include <string_view>
 
 #include "acadstrc.h"
-
 #include "embedded/dxf/Format.h"
 #include "embedded/dxf/Tag.h"
 

@@ -1,5 +1,5 @@
 // What looks at model space goes along where all of model space is moved or scaled.
-#include "embedded/db/ModelViews.h"
+#include "embedded/db/tables/ModelViews.h"
 
 #include <gtest/gtest.h>
 

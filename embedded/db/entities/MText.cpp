@@ -1,0 +1,259 @@
+// MTEXT, AcDbMText: its contents in chunks, its direction as a vector or an angle.
+#include "dbmtext.h"
+#include "embedded/db/core/DatabaseImpl.h"
+#include "embedded/db/core/PlaneFields.h"
+#include "embedded/db/entities/EntityKinds.h"
+#include "embedded/db/geometry/CurveExtents.h"
+#include "embedded/db/geometry/EntityGeometry.h"
+#include "embedded/db/geometry/PlaneTransform.h"
+#include "embedded/db/geometry/TextMeasure.h"
+
+ACRX_DXF_CONS_DEFINE_MEMBERS(AcDbMText, AcDbEntity, L"MTEXT", L"ObjectDBX Classes")
+
+using namespace quoin::db;
+namespace dxf = quoin::dxf;
+
+namespace {
+
+TextSize shownSizeOf(const AcDbMText& text) {
+  const TagList& tags = tagsOf(text);
+  return mtextSizeOf(tags, fontOf(Access::of(text).database, tags, layout::kMText.in(tags)));
+}
+
+constexpr int kLocation = 10;
+constexpr int kHeight = 40;
+constexpr int kWidth = 41;
+constexpr int kAttachment = 71;
+constexpr int kStyle = 7;
+constexpr int kSpacing = 44;
+/// Characters that a chunk of text may hold.
+constexpr std::size_t kChunkLength = 250;
+constexpr std::wstring_view kStandardStyle = L"Standard";
+
+}  // namespace
+
+AcDbMText::AcDbMText() = default;
+
+AcGePoint3d AcDbMText::location() const {
+  return pointOf(*this, layout::kMText, kLocation);
+}
+
+Acad::ErrorStatus AcDbMText::setLocation(const AcGePoint3d& location) {
+  return setPoint(*this, layout::kMText, kLocation, location);
+}
+
+AcGeVector3d AcDbMText::normal() const {
+  return normalOf(*this, layout::kMText);
+}
+
+Acad::ErrorStatus AcDbMText::setNormal(const AcGeVector3d& normal) {
+  return quoin::db::setNormal(*this, layout::kMText, normal);
+}
+
+AcGeVector3d AcDbMText::direction() const {
+  return mtextDirectionOf(tagsOf(*this));
+}
+
+Acad::ErrorStatus AcDbMText::setDirection(const AcGeVector3d& direction) {
+  const Acad::ErrorStatus status = checkWritable(*this);
+  if (status != Acad::eOk) {
+    return status;
+  }
+  if (!(direction.length() > AcGeContext::gTol.equalVector())) {
+    return Acad::eInvalidInput;
+  }
+  return change(*this, [&](RecordEdit& edit) {
+    edit.remove(layout::kMText, mtext::kRotation);
+    edit.setPoint(layout::kMText, mtext::kDirection, AcGePoint3d::kOrigin + direction.normal());
+  });
+}
+
+double AcDbMText::rotation() const {
+  const AcGeVector3d inPlane = worldToPlane(normal()) * direction();
+  return std::atan2(inPlane.y, inPlane.x);
+}
+
+Acad::ErrorStatus AcDbMText::setRotation(double angle) {
+  return setDirection(planeToWorld(normal()) * AcGeVector3d(std::cos(angle), std::sin(angle), 0.0));
+}
+
+double AcDbMText::width() const {
+  return numberOf(*this, layout::kMText, kWidth);
+}
+
+Acad::ErrorStatus AcDbMText::setWidth(double width) {
+  return setNumber(*this, layout::kMText, kWidth, width, 0.0);
+}
+
+double AcDbMText::textHeight() const {
+  return numberOf(*this, layout::kMText, kHeight);
+}
+
+Acad::ErrorStatus AcDbMText::setTextHeight(double height) {
+  return setNumber(*this, layout::kMText, kHeight, height);
+}
+
+AcDbMText::AttachmentPoint AcDbMText::attachment() const {
+  return static_cast<AttachmentPoint>(integerOf(*this, layout::kMText, kAttachment, kTopLeft));
+}
+
+Acad::ErrorStatus AcDbMText::setAttachment(AttachmentPoint attachment) {
+  return setInteger(*this, layout::kMText, kAttachment, attachment);
+}
+
+double AcDbMText::lineSpacingFactor() const {
+  return numberOf(*this, layout::kMText, kSpacing, 1.0);
+}
+
+AcDbObjectId AcDbMText::textStyle() const {
+  return recordNamed(*this, TableKind::TextStyle,
+                     textOf(*this, layout::kMText, kStyle, kStandardStyle));
+}
+
+Acad::ErrorStatus AcDbMText::setTextStyle(AcDbObjectId style) {
+  return setRecordName(*this, layout::kMText, kStyle, TableKind::TextStyle, style, kStandardStyle);
+}
+
+ACHAR* AcDbMText::contents() const {
+  return newText(mtextContentsOf(tagsOf(*this)));
+}
+
+Acad::ErrorStatus AcDbMText::setContents(const ACHAR* contents) {
+  if (!contents) {
+    return Acad::eInvalidInput;
+  }
+  return change(*this, [&](RecordEdit& edit) {
+    const TagList& tags = edit.tags();
+    if (mtextContentsOf(tags) == contents) {
+      return;
+    }
+    const std::wstring text = contents;
+    std::string bytes;
+    std::size_t at = 0;
+    for (; text.size() - at > kChunkLength; at += kChunkLength) {
+      dxf::putText(bytes, mtext::kChunk, text.substr(at, kChunkLength), tags.format());
+    }
+    dxf::putText(bytes, mtext::kLastChunk, text.substr(at), tags.format());
+    edit.remove(layout::kMText, mtext::kChunk);
+    edit.remove(layout::kMText, mtext::kLastChunk);
+    edit.insert(layout::kMText, mtext::kLastChunk, std::move(bytes));
+  });
+}
+
+ACHAR* AcDbMText::text() const {
+  return newText(plainMText(mtextContentsOf(tagsOf(*this))));
+}
+
+double AcDbMText::actualWidth() const {
+  return shownSizeOf(*this).width;
+}
+
+double AcDbMText::actualHeight() const {
+  return shownSizeOf(*this).height;
+}
+
+namespace quoin::db {
+namespace {
+
+using dxf::Version;
+
+Acad::ErrorStatus extentsOfMText(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
+                                 AcDbExtents& box) {
+  const TagList& tags = entity.tags;
+  const TagRange range = layout::kMText.in(tags);
+  const TextSize size = mtextSizeOf(tags, fontOf(entity.database, tags, range));
+  const std::int64_t attachment = tags.integer(kAttachment, range, AcDbMText::kTopLeft);
+  // The nine points run from the top left to the bottom right in rows of three.
+  const std::int64_t place = attachment >= 1 && attachment <= 9 ? attachment - 1 : 0;
+  const std::int64_t column = place % 3;
+  const std::int64_t row = place / 3;
+  const double left = -0.5 * static_cast<double>(column) * size.width;
+  const double top = 0.5 * static_cast<double>(row) * size.height;
+  const AcGeVector3d normal = normalOf(tags, range);
+  const AcGeVector3d along = mtextDirectionOf(tags);
+  AcGeMatrix3d frame;
+  frame.setCoordSystem(tags.point(kLocation, range), along, normal.crossProduct(along).normal(),
+                       normal);
+  addRectangle(left, top - size.height, left + size.width, top, toWorld * frame, box);
+  return Acad::eOk;
+}
+
+/// The copy of a multiline text's geometry that newest files keep behind a mark of its own.
+void transformEmbedded(RecordEdit& edit, const AcGeMatrix3d& matrix, double scale) {
+  constexpr int kDirectionX = 10;
+  constexpr int kInsertionX = 11;
+  const TagList& tags = edit.tags();
+  for (std::size_t i = tags.body().last; i < tags.xData().first; ++i) {
+    const int code = tags[i].code;
+    const bool isPoint = (code == kDirectionX || code == kInsertionX) && i + 2 < tags.size();
+    if (isPoint) {
+      const AcGePoint3d before(tags.doubleAt(i), tags.doubleAt(i + 1), tags.doubleAt(i + 2));
+      const AcGeVector3d direction = (matrix * before.asVector()).normal();
+      const AcGePoint3d after =
+          code == kInsertionX ? matrix * before : AcGePoint3d::kOrigin + direction;
+      edit.setDoubleAt(i, after.x);
+      edit.setDoubleAt(i + 1, after.y);
+      edit.setDoubleAt(i + 2, after.z);
+    }
+    constexpr int kFirstLength = 40;
+    constexpr int kLastLength = 46;
+    if (code >= kFirstLength && code <= kLastLength) {
+      edit.setDoubleAt(i, tags.doubleAt(i) * scale);
+    }
+  }
+}
+
+Acad::ErrorStatus transformMText(RecordEdit& edit, const AcGeMatrix3d& matrix) {
+  constexpr int kLengths[] = {40, 41, 42, 43, 46, 48, 49};
+  const TagList& tags = edit.tags();
+  const TagRange range = layout::kMText.in(tags);
+  const AcGeVector3d before = normalOf(tags, range);
+  PlaneMap plane(before, matrix);
+  if (!plane.isSimilar) {
+    return Acad::eCannotScaleNonUniformly;
+  }
+  // Multiline text cannot be written backwards: its mirror image is its back.
+  const AcGeVector3d normal = plane.isMirrored ? -plane.normal : plane.normal;
+  edit.setPoint(layout::kMText, kLocation, matrix * tags.point(kLocation, range));
+  const AcGeVector3d oldDirection = mtextDirectionOf(tags);
+  const AcGeVector3d direction = (matrix * oldDirection).normal();
+  constexpr double kSameDirection = 1.0e-14;
+  const bool isVector = tags.find(mtext::kDirection, range) != TagList::kNone;
+  if ((direction - oldDirection).length() > kSameDirection || !(normal == before)) {
+    if (isVector || plane.isMirrored || !(plane.normal == before)) {
+      edit.remove(layout::kMText, mtext::kRotation);
+      edit.setPoint(layout::kMText, mtext::kDirection, AcGePoint3d::kOrigin + direction);
+    } else {
+      const AcGeVector3d inPlane = worldToPlane(normal) * direction;
+      const double angle = std::atan2(inPlane.y, inPlane.x);
+      edit.setAngle(layout::kMText, mtext::kRotation, angle < 0.0 ? angle + kFullTurn : angle, 0.0);
+    }
+  }
+  for (const int code : kLengths) {
+    edit.scaleDouble(layout::kMText, code, plane.scale);
+  }
+  edit.setVector(layout::kMText, code::kNormal, normal, AcGeVector3d::kZAxis);
+  transformEmbedded(edit, matrix, plane.scale);
+  return Acad::eOk;
+}
+
+constexpr std::array kOwnCodes{48, 420, 430};  // width of columns, colour of the background
+constexpr std::array kClasses{classRow<AcDbMText>(
+    "0 MTEXT 100 AcDbEntity 8 0 100 AcDbMText 10 0.0 20 0.0 30 0.0 40 0.2 41 0.0 71 1 72 5 1 ~")};
+
+constexpr std::array kKinds{
+    RecordKind{.name = "MTEXT",
+               .since = Version::R13,
+               .classes = kClasses,
+               .ownCodes = kOwnCodes,
+               .textStyle = &layout::kMText,
+               .isSelfContained = true,
+               .extents = extentsOfMText,
+               .transform = transformMText},
+};
+
+}  // namespace
+
+const std::span<const RecordKind> kMTextRows{kKinds};
+
+}  // namespace quoin::db
