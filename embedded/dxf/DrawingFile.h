@@ -17,7 +17,7 @@ namespace quoin::dxf {
 /// system's bytes (UTF-8 on most). Returns what the system knew of the file then.
 /// Fails: throws FileError with the path: eFileNotFound, eFileAccessErr, eUnsupportedFileFormat
 /// (no drawing, or one of a format that this build does not read), eBadDxfFile and its like
-/// with line and record, eUserBreak when `progress` answers false. The store is empty then.
+/// with line and record, eUserBreak when `progress` returns false. The store is empty then.
 HOST_API os::FileFacts readDrawing(const std::string& path, RecordStore& store,
                                    const Progress& progress = {},
                                    os::FileSystem& files = os::systemFiles());

@@ -1,5 +1,5 @@
 // What is wrong with a drawing file, with everything that a message needs: file, place,
-// record and cause. Thrown inside the embedded host only; the host API answers a status
+// record and cause. Thrown inside the embedded host only; the host API returns a status
 // and keeps the text for whoever asks.
 #pragma once
 

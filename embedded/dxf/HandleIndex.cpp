@@ -29,7 +29,7 @@ std::size_t slotsFor(std::size_t handles) {
 }  // namespace
 
 /// The first choice is the handle's own low digits: handles mostly count up in the order of the
-/// file, so that one after another stands side by side and the processor has them at hand. Only one
+/// file, so that one after another stands side by side and the processor has them cached. Only one
 /// whose place is taken goes where its mixed bits send it, and on in steps of its own: neighbouring
 /// places would all be taken by the same run. Nothing is ever taken out, so a handle that comes to
 /// a free place is not here.

@@ -20,7 +20,7 @@ class HOST_API HandleIndex {
 
   /// Makes room for this many handles at once.
   void reserve(std::size_t handles);
-  /// Enters m_stubs[number] under its handle; answers the number of the stub that has the
+  /// Enters m_stubs[number] under its handle; returns the number of the stub that has the
   /// handle already (nothing is entered then), or `number` itself.
   std::uint32_t insert(std::uint32_t number);
   /// The number of the stub with this handle; kNone for none.

@@ -95,7 +95,7 @@ struct Warning {
   std::string text;          // "the handle is taken by the LINE in line 120"
 };
 
-/// Progress of a long read or write, 0 to 1; answers false to stop it.
+/// Progress of a long read or write, 0 to 1; returns false to stop it.
 using Progress = std::function<bool(double fraction)>;
 
 class HOST_API RecordStore {
@@ -110,14 +110,14 @@ class HOST_API RecordStore {
   /// Model space and the layer "0" exist afterwards even if the file lacks them (as stubs
   /// without bytes, that are not written unless changed).
   /// Fails: throws FileError with line (ASCII) or offset (binary), record and cause; the
-  /// store is empty then. A stop that `progress` asks for throws eUserBreak.
+  /// store is empty then. A stop by `progress` throws eUserBreak.
   void load(std::string buffer, const std::string& fileName, const Progress& progress = {});
   /// The code page of all text of the drawings that are loaded from now on, whatever they say
   /// themselves; empty for what they say. A name that os::CodePage knows.
   void setCodePage(std::string name) { m_givenCodePage = std::move(name); }
   /// Hands the file's bytes, in order, to `write`: unchanged stretches as whole blocks.
   /// An untouched store gives exactly the bytes it was loaded from.
-  /// Fails: throws FileError with eUserBreak when `progress` answers false; what `write`
+  /// Fails: throws FileError with eUserBreak when `progress` returns false; what `write`
   /// throws passes through.
   void save(const std::function<void(std::string_view)>& write,
             const Progress& progress = {}) const;
@@ -173,7 +173,7 @@ class HOST_API RecordStore {
   /// The next free handle ($HANDSEED or one above the highest in use, whichever is more);
   /// 0 where the file has no handles (R12 with $HANDLING 0). Saving writes $HANDSEED.
   std::uint64_t newHandle();
-  /// What newHandle() would answer.
+  /// What newHandle() would return.
   std::uint64_t nextHandle() const;
 
   // --- structure ----------------------------------------------------------------------

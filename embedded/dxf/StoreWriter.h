@@ -17,7 +17,7 @@ namespace quoin::dxf {
 class StoreWriter {
  public:
   explicit StoreWriter(const RecordStore& store);
-  /// Fails: throws FileError with eUserBreak when `progress` answers false.
+  /// Fails: throws FileError with eUserBreak when `progress` returns false.
   void run(const std::function<void(std::string_view)>& write, const Progress& progress);
 
  private:

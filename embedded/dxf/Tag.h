@@ -30,7 +30,7 @@ struct TagView {
 };
 
 /// Walks the tags of a span of bytes.
-/// Fails: a tag that is cut short or whose group code is no number throws FileError with
+/// Fails: a tag that is cut short or whose group code is not a number throws FileError with
 /// the offset in the span (the caller adds file and line).
 class HOST_API TagCursor {
  public:
@@ -47,11 +47,11 @@ class HOST_API TagCursor {
   std::size_t m_offset;
 };
 
-/// Values of a tag. A value that is no number of that type reads as 0 (a drawing with one
+/// Values of a tag. A value that cannot be read as that type reads as 0 (a drawing with one
 /// bad number stays readable; the audit of a file is not the reader's business).
 HOST_API double doubleOf(const TagView& tag, const Format& format);
 /// Whether the tag's value is meant to be a floating-point number and is none, or not a finite
-/// one, so that doubleOf() answers 0 or what it is in its place.
+/// one, so that doubleOf() returns 0 or what it is in its place.
 HOST_API bool isUnreadableDouble(const TagView& tag, const Format& format);
 HOST_API std::int64_t integerOf(const TagView& tag, const Format& format);
 HOST_API std::uint64_t handleOf(const TagView& tag, const Format& format);

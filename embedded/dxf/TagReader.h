@@ -31,7 +31,7 @@ enum class ReadResult : std::uint8_t {
   Tag,
   End,       // no byte left
   CutShort,  // the bytes end inside the tag
-  BadCode    // the group code is no number (ASCII) or none that exists (binary)
+  BadCode    // the group code is not a number (ASCII) or none that exists (binary)
 };
 
 /// A tag where it lies: the value without line end, terminating zero or length byte.

@@ -55,7 +55,7 @@ void appendWide(std::wstring& text, char32_t code) {
   text.push_back(static_cast<wchar_t>(code));
 }
 
-/// Resolves the escape at `at` into `out`; answers its length, 0 when there is none.
+/// Resolves the escape at `at` into `out`; returns its length, 0 when there is none.
 std::size_t resolveEscape(std::wstring_view text, std::size_t at, std::wstring& out) {
   if (const int unit = unicodeEscapeAt(text, at); unit >= 0) {
     const auto code = static_cast<char32_t>(unit);
@@ -88,7 +88,7 @@ std::size_t resolveEscape(std::wstring_view text, std::size_t at, std::wstring& 
   return 0;
 }
 
-/// Resolves a caret escape ("^J", "^ "); answers its length, 0 when there is none.
+/// Resolves a caret escape ("^J", "^ "); returns its length, 0 when there is none.
 std::size_t resolveCaret(std::wstring_view text, std::size_t at, std::wstring& out) {
   if (at + 1 == text.size()) {
     return 0;

@@ -30,7 +30,7 @@ DynamicLibrary::DynamicLibrary(const std::filesystem::path& path) {
 
 void* DynamicLibrary::symbol(const char* name) const {
   void* const address = m_handle ? dlsym(m_handle, name) : nullptr;
-  // dlsym also answers what the library's dependencies define; only its own counts.
+  // dlsym also finds what the library's dependencies define; only its own counts.
   return address && contains(address) ? address : nullptr;
 }
 

@@ -90,7 +90,7 @@ class ReadHandle {
   FileSystem::Handle m_handle = -1;
 };
 
-/// Writes all of these bytes; answers 0 or the error.
+/// Writes all of these bytes; returns 0 or the error.
 int putAll(FileSystem& files, FileSystem::Handle handle, std::string_view bytes) {
   while (!bytes.empty()) {
     std::size_t done = 0;

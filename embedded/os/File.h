@@ -34,7 +34,7 @@ class HOST_API FileFailure : public std::runtime_error {
 
 /// How a file is read.
 struct ReadRules {
-  /// Asked now and then with the share that is done; answers false to stop.
+  /// Asked now and then with the share that is done; returns false to stop.
   std::function<bool(double)> goOn;
   /// Sees the first bytes, `headSize` of them where there are so many, before more is read;
   /// throws to refuse the file.

@@ -30,17 +30,17 @@ constexpr std::uint32_t kModeBits = 07777;
 constexpr int kWaitMilliseconds = 100;  // between two looks at whether somebody asked to stop
 constexpr std::int64_t kNanoseconds = 1'000'000'000;
 
-int resultOf(int answer) {
-  return answer == 0 ? 0 : errno;
+int resultOf(int result) {
+  return result == 0 ? 0 : errno;
 }
 
 template <typename Call>
 auto retried(Call call) {
-  auto answer = call();
-  while (answer < 0 && errno == EINTR) {
-    answer = call();
+  auto result = call();
+  while (result < 0 && errno == EINTR) {
+    result = call();
   }
-  return answer;
+  return result;
 }
 
 FileFacts factsFrom(const struct stat& status) {
@@ -119,8 +119,8 @@ int SystemFiles::close(Handle handle) {
 
 int SystemFiles::facts(const std::string& path, bool followLink, FileFacts& facts) {
   struct stat status {};
-  const int answer = followLink ? ::stat(path.c_str(), &status) : ::lstat(path.c_str(), &status);
-  if (answer != 0) {
+  const int result = followLink ? ::stat(path.c_str(), &status) : ::lstat(path.c_str(), &status);
+  if (result != 0) {
     return errno;
   }
   facts = factsFrom(status);

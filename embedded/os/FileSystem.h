@@ -31,7 +31,7 @@ struct FileFacts {
   }
 };
 
-/// Every call answers 0 or the system's error number (errno); paths are the system's bytes.
+/// Every call returns 0 or the system's error number (errno); paths are the system's bytes.
 class HOST_API FileSystem {
  public:
   using Handle = int;

@@ -26,7 +26,7 @@ void appendWide(std::wstring& text, char32_t code) {
   text.push_back(static_cast<wchar_t>(code));
 }
 
-/// Decodes one code point at `at`; answers its length in bytes, 0 when there is none.
+/// Decodes one code point at `at`; returns its length in bytes, 0 when there is none.
 std::size_t decodeOne(std::string_view bytes, std::size_t at, char32_t& code) {
   const auto byteAt = [&](std::size_t index) { return static_cast<unsigned char>(bytes[index]); };
   const unsigned char lead = byteAt(at);

@@ -7,7 +7,7 @@
 
 namespace quoin::product {
 
-/// Runs a command line (the program's name first) and answers the exit code. Lets no
+/// Runs a command line (the program's name first) and returns the exit code. Lets no
 /// exception out.
 using CommandLineRunner = int (*)(int argc, const char* const* argv);
 

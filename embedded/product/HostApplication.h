@@ -1,7 +1,7 @@
 // The embedded host as one object: frame, editor and platform. Making it starts the host,
 // dropping it unloads every module and ends it; there is one at a time, and as many in a
 // process after one another as anybody likes. The host API's free functions reach the running
-// one and answer errors without it.
+// one and fail without it.
 #pragma once
 
 #include <filesystem>

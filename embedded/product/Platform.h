@@ -41,7 +41,7 @@ class HOST_API Platform {
     return !m_withdrawn.empty() && m_withdrawn.contains(serviceName);
   }
 
-  /// Replaces where log lines go, and answers what was there. An empty sink stands for the
+  /// Replaces where log lines go, and returns what was there. An empty sink stands for the
   /// default, the standard error stream.
   LogSink setLogSink(LogSink sink);
   void log(std::wstring_view line);

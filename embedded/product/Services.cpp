@@ -1,5 +1,5 @@
 // The object factory and the fifteen services behind it. All of them are made once in a
-// process and hold nothing: what they answer is the running platform's.
+// process and hold nothing: what they return is the running platform's.
 #include <algorithm>
 #include <array>
 #include <string_view>

@@ -19,7 +19,7 @@ class HOST_API LispFunctions {
   explicit LispFunctions(Invoke invoke) : m_invoke(std::move(invoke)) {}
 
   /// The module being served; null for none. The operations below without a module act for
-  /// it and answer false without one.
+  /// it and return false without one.
   void setServed(const void* module) { m_served = module; }
 
   bool define(const wchar_t* name, int code);

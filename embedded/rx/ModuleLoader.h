@@ -88,7 +88,7 @@ class HOST_API ModuleLoader : public AcRxDynamicLinker {
   ~ModuleLoader() override;
   void setHooks(Hooks hooks) { m_hooks = std::move(hooks); }
 
-  /// Loads the module in this file; one that is loaded already is answered as it is.
+  /// Loads the module in this file; one that is loaded already is returned as it is.
   /// Fails: throws ModuleError.
   Module& load(const std::filesystem::path& file);
   /// Unloads the module that was loaded from this file (path, or file name alone).

@@ -52,7 +52,7 @@ std::vector<double> settingsOf(const AcDbDimStyleTableRecord& style) {
   return settings;
 }
 
-/// Looks into a dictionary and those in it; answers how many entries it saw.
+/// Looks into a dictionary and those in it; returns how many entries it saw.
 std::size_t look(const AcDbObjectId& id, int depth) {
   const AcDbObjectPointer<AcDbDictionary> dictionary(id);
   if (dictionary.openStatus() != Acad::eOk || depth > 8) {
@@ -62,7 +62,7 @@ std::size_t look(const AcDbObjectId& id, int depth) {
   const std::unique_ptr<AcDbDictionaryIterator> walk(dictionary->newIterator());
   for (; !walk->done(); walk->next(), ++count) {
     AcDbObjectId found;
-    // Of several entries with one name the first answers.
+    // Of several entries with one name the first counts.
     EXPECT_EQ(dictionary->getAt(walk->name(), found), Acad::eOk);
     EXPECT_TRUE(dictionary->has(walk->objectId()));
     AcDbObject* object = nullptr;

@@ -27,7 +27,7 @@ struct Drawing {
   Drawing() : path(folder.file("plan.dxf")), database(std::make_unique<AcDbDatabase>()) {}
 
   AcDbDatabase& db() const { return *database; }
-  /// Saves it and answers the bytes of the file.
+  /// Saves it and returns the bytes of the file.
   std::string saved(const std::string& name = "saved.dxf") const {
     const Acad::ErrorStatus result = database->saveAs(os::fromUtf8(folder.file(name)).c_str());
     EXPECT_EQ(result, Acad::eOk) << os::toUtf8(hostx::lastFileError(database.get()));

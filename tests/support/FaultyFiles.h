@@ -1,4 +1,4 @@
-// The machine's files with a fault put in: the n-th call of one kind answers an error, or
+// The machine's files with a fault put in: the n-th call of one kind returns an error, or
 // pretends. Counting first and then failing at each call in turn covers every place where a
 // save can break.
 #pragma once

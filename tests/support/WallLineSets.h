@@ -38,7 +38,7 @@ inline std::vector<WallLineLikeSeg> randomWallLines(std::mt19937_64& random, int
         return 1e9 + 5.0 * lattice(random);
       case 4:  // nearly everything on one line
         return die(random) == 0 ? anywhere(random) : 0.25 * lattice(random);
-      default:  // the odd value that is no number
+      default:  // NaN now and then
         switch (die(random)) {
           case 0:
             return std::nan("");
@@ -105,10 +105,10 @@ inline std::vector<WallLineLikeSeg> unevenWallLines(std::mt19937_64& random, int
           line.ptEnd = line.ptEnd + AcGeVector3d(1e12, -1e9, 0);
         }
         break;
-      case 1:  // all on an upright line
+      case 1:  // all on a vertical line
         line.ptStart.x = line.ptEnd.x = 5.0;
         break;
-      case 2:  // all on a level line
+      case 2:  // all on a horizontal line
         line.ptStart.y = line.ptEnd.y = 5.0;
         break;
       case 3:  // a few places

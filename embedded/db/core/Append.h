@@ -18,7 +18,7 @@ void appendFreeEntity(DatabaseImpl& database, dxf::Block& block, AcDbObject& ent
 void appendFreePart(AcDbStub& owner, AcDbObject& part);
 
 /// Appends a vertex or attribute to an owner that may be free or resident.
-/// Fails: eNotOpenForWrite, eNullObjectPointer, eAlreadyInDb and what appendFreePart answers.
+/// Fails: eNotOpenForWrite, eNullObjectPointer, eAlreadyInDb and what appendFreePart returns.
 Acad::ErrorStatus appendPart(AcDbObject& owner, AcDbObjectId& id, AcDbObject* part);
 
 /// Appends a free record to its table.

@@ -34,7 +34,7 @@ bool isSameFile(const std::wstring& a, const std::wstring& b) {
          std::filesystem::weakly_canonical(second, ignored);
 }
 
-/// Takes the current exception: keeps its words and answers its status.
+/// Takes the current exception: keeps its words and returns its status.
 Acad::ErrorStatus noteFileError(DatabaseImpl& database) {
   try {
     throw;

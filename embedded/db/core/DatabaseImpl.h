@@ -38,7 +38,7 @@ inline constexpr std::size_t kTableKinds = 9;
 
 /// "BLOCK_RECORD", "LAYER", ...: the table's name in files, which is its records' kind too.
 std::string_view fileName(TableKind kind);
-/// Fails: answers false for a name of no table.
+/// Fails: returns false for a name of no table.
 bool tableKindOf(std::string_view fileName, TableKind& kind);
 
 /// The record store of a database: its stubs lead to the database.

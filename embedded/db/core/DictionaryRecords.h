@@ -59,7 +59,7 @@ bool isDeclared(const DatabaseImpl& database, std::string_view kind);
 bool isPointedTo(const DatabaseImpl& database, const AcDbStub& object);
 
 /// Takes an object out of the dictionary that lists it, or puts it back, as erasing goes.
-/// Fails: answers eDuplicateKey when the name is another object's by now; throws FileError.
+/// Fails: returns eDuplicateKey when the name is another object's by now; throws FileError.
 Acad::ErrorStatus eraseEntry(DatabaseImpl& database, AcDbStub& object, bool erasing);
 
 }  // namespace quoin::db

@@ -1,4 +1,4 @@
-// Header variables that the database answers by name.
+// Header variables by name.
 #include <cmath>
 #include <limits>
 

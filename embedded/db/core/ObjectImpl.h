@@ -3,7 +3,7 @@
 // A resident object shows the record of an AcDbStub; a free one (made with `new` or cloned)
 // holds a record of its own and, for polylines and block references, its parts: vertices and
 // attributes. A closed one shows nothing; it is kept in quarantine for a while, so that
-// whoever still uses it gets harmless answers and is counted (hostx::misuse).
+// whoever still uses it gets harmless values and is counted (hostx::misuse).
 #pragma once
 
 #include <cstdint>
@@ -92,7 +92,7 @@ Acad::ErrorStatus checkWritable(const AcDbObject& object) noexcept;
 /// Fails: throws std::bad_alloc, FileError.
 void setBytes(AcDbObject& object, std::string bytes);
 
-/// Takes the current exception: the status that the API answers for it.
+/// Takes the current exception: the status that the API returns for it.
 Acad::ErrorStatus statusOfException() noexcept;
 
 /// Runs `edits(RecordEdit&)` on an object that must be open for write and keeps the result.

@@ -1,5 +1,6 @@
 // Blocks that show a dimension or a table, and what they were transformed by last: where several
-// share one, it moves once when all of them do.
+// share one, it moves once when all of them do. A drawing keeps this from one transformBy to the
+// next (docs/host-api.md, Geometry).
 #pragma once
 
 #include <map>

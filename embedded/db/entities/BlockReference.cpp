@@ -241,7 +241,7 @@ Acad::ErrorStatus transformReference(RecordEdit& edit, const AcGeMatrix3d& matri
   const double xScale = x.length();
   const double yScale = y.length();
   // The block's axes must stay at right angles; else no reference can show it.
-  if (!plane.keepsUpright || std::fabs(x.dotProduct(y)) > kSameShape * xScale * yScale) {
+  if (!plane.keepsPerpendicular || std::fabs(x.dotProduct(y)) > kSameShape * xScale * yScale) {
     return Acad::eCannotScaleNonUniformly;
   }
   double rotation = std::atan2(x.y, x.x);

@@ -54,7 +54,7 @@ double widthOf(const AcDb2dVertex& vertex, int code) {
   return index == TagList::kNone ? usualWidth(vertex, code) : tags.doubleAt(index);
 }
 
-/// The vertex at one end of a polyline that is part of its course.
+/// The vertex at one end of a polyline that lies on its curve.
 Acad::ErrorStatus vertexAtEnd(const AcDbObject& polyline, bool atStart, AcGePoint3d& position) {
   Acad::ErrorStatus status = Acad::eDegenerateGeometry;
   try {

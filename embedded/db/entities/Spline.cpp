@@ -101,14 +101,14 @@ AcGePoint3d pointOn(const Nurbs& nurbs, double param) {
   return AcGePoint3d::kOrigin + (last.weight != 0.0 ? last.place / last.weight : last.place);
 }
 
-/// Runs `answer(nurbs)` on a spline that has control points.
-template <class Answer>
-Acad::ErrorStatus with(const AcDbSpline& spline, Answer&& answer) {
+/// Runs `visit(nurbs)` on a spline that has control points.
+template <class Visit>
+Acad::ErrorStatus with(const AcDbSpline& spline, Visit&& visit) {
   try {
     Nurbs nurbs;
     const Acad::ErrorStatus status = read(spline, nurbs);
     if (status == Acad::eOk) {
-      answer(nurbs);
+      visit(nurbs);
     }
     return status;
   } catch (...) {

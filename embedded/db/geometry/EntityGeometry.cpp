@@ -58,7 +58,7 @@ void dropStoredPicture(RecordEdit& edit) {
   }
 }
 
-/// The record with the edits of `edits`, which answers a status; nothing for a failure.
+/// The record with the edits of `edits`, which returns a status; nothing for a failure.
 template <class Edits>
 Acad::ErrorStatus editedBytes(const TagList& tags, const AcGeMatrix3d& matrix, std::string& bytes,
                               Edits&& edits) {

@@ -51,7 +51,7 @@ PlaneMap::PlaneMap(const AcGeVector3d& oldNormal, const AcGeMatrix3d& matrix) {
   isSimilar = std::fabs(d - sign * a) <= kSameShape * scale &&
               std::fabs(b + sign * c) <= kSameShape * scale;
   heightScale = map.entry[2][2];
-  keepsUpright =
+  keepsPerpendicular =
       std::hypot(map.entry[0][2], map.entry[1][2]) <= kSameShape * std::fabs(heightScale);
   turn = std::atan2(c, a);
 }

@@ -14,8 +14,8 @@ struct PlaneMap {
   bool isMirrored = false;
   /// Whether angles in the plane stay; only then do circles stay circles.
   bool isSimilar = false;
-  /// Whether what stands upright on the plane still does.
-  bool keepsUpright = false;
+  /// Whether what is perpendicular to the plane stays so.
+  bool keepsPerpendicular = false;
   double scale = 1.0;        // of lengths in the plane, where isSimilar
   double heightScale = 1.0;  // of lengths along the normal
   double turn = 0.0;         // the image of the plane's X axis, radians

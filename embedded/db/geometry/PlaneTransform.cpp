@@ -28,7 +28,7 @@ Acad::ErrorStatus transformPlane(RecordEdit& edit, const SubclassLayout& layout,
                                  const PlaneMap& plane) {
   const TagList& tags = edit.tags();
   const double thickness = tags.number(code::kThickness, layout.in(tags), 0.0);
-  if (thickness != 0.0 && !plane.keepsUpright) {
+  if (thickness != 0.0 && !plane.keepsPerpendicular) {
     return Acad::eCannotScaleNonUniformly;
   }
   edit.scaleDouble(layout, code::kThickness, plane.heightScale);

@@ -79,7 +79,7 @@ TransformParts::TransformParts(const AcGeVector3d& normal, const AcGeMatrix3d& m
     : matrix(map),
       plane(normal, map),
       length(plane.scale),
-      isSimilar(plane.isSimilar && plane.keepsUpright &&
+      isSimilar(plane.isSimilar && plane.keepsPerpendicular &&
                 std::fabs(plane.heightScale - plane.scale) <= 1.0e-10 * plane.scale) {}
 
 void transformTag(RecordEdit& edit, std::size_t index, Meaning meaning,

@@ -3,7 +3,7 @@
 // works because no group code of theirs has two meanings in one record.
 //
 // Tags inside application groups (102 "{..." to "}") and behind an embedded object (101)
-// answer no look-up by code, since they are not the record's own.
+// are found by no look-up by code, since they are not the record's own.
 #pragma once
 
 #include <cstddef>

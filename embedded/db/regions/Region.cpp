@@ -22,15 +22,15 @@ constexpr double kChordAngle = 2.0 * std::numbers::pi / 256.0;
 
 /// A curve as points; closed ones come back to their first point. Most are lines, which have no
 /// points between.
-struct Course {
+struct CurvePoints {
   AcGePoint3d front;
   std::vector<AcGePoint3d> between;
   AcGePoint3d back;
 
-  Course() = default;
-  Course(const AcGePoint3d& start, const AcGePoint3d& end) : front(start), back(end) {}
+  CurvePoints() = default;
+  CurvePoints(const AcGePoint3d& start, const AcGePoint3d& end) : front(start), back(end) {}
   /// Of at least two points.
-  explicit Course(std::vector<AcGePoint3d> points)
+  explicit CurvePoints(std::vector<AcGePoint3d> points)
       : front(points.front()), between(std::move(points)), back(between.back()) {
     between.erase(between.begin());
     between.pop_back();
@@ -48,18 +48,18 @@ int chordsOf(double sweep) {
   return std::isfinite(chords) ? static_cast<int>(chords) : 0;
 }
 
-void appendArc(Points& course, const AcGePoint3d& center, const AcGeVector3d& normal, double radius,
+void appendArc(Points& points, const AcGePoint3d& center, const AcGeVector3d& normal, double radius,
                double startAngle, double sweep) {
   const AcGeMatrix3d plane = AcGeMatrix3d().setToPlaneToWorld(normal);
   const int chords = std::max(1, chordsOf(sweep));
   for (int i = 0; i <= chords; ++i) {
     const double angle = startAngle + sweep * i / chords;
-    course.push_back(center +
+    points.push_back(center +
                      plane * AcGeVector3d(radius * std::cos(angle), radius * std::sin(angle), 0.0));
   }
 }
 
-void appendPolyline(Points& course, const AcDbPolyline& polyline) {
+void appendPolyline(Points& points, const AcDbPolyline& polyline) {
   const AcGeMatrix3d plane = AcGeMatrix3d().setToPlaneToWorld(polyline.normal());
   const auto place = [&](double x, double y) {
     return AcGePoint3d() + plane * AcGeVector3d(x, y, polyline.elevation());
@@ -73,7 +73,7 @@ void appendPolyline(Points& course, const AcDbPolyline& polyline) {
     polyline.getPointAt(i, start);
     polyline.getPointAt((i + 1) % count, end);
     polyline.getBulgeAt(i, bulge);
-    course.push_back(place(start.x, start.y));
+    points.push_back(place(start.x, start.y));
     // The centre lies on the chord's perpendicular bisector; a bulge is the tangent of a quarter
     // of the arc's angle.
     const double sweep = 4.0 * std::atan(bulge);
@@ -84,12 +84,12 @@ void appendPolyline(Points& course, const AcDbPolyline& polyline) {
       const AcGeVector2d spoke = start - center;
       for (int chord = 1; chord < chords; ++chord) {
         const double angle = sweep * chord / chords;
-        course.push_back(place(center.x + spoke.x * std::cos(angle) - spoke.y * std::sin(angle),
+        points.push_back(place(center.x + spoke.x * std::cos(angle) - spoke.y * std::sin(angle),
                                center.y + spoke.x * std::sin(angle) + spoke.y * std::cos(angle)));
       }
     }
     if (i + 1 == segments) {
-      course.push_back(place(end.x, end.y));
+      points.push_back(place(end.x, end.y));
     }
   }
 }
@@ -98,36 +98,36 @@ bool isFinite(const AcGePoint3d& point) {
   return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
 }
 
-/// Appends the course of a curve, unless that has no length. Answers false for a class that regions
+/// Appends the points of a curve, unless that has no length. Answers false for a class that regions
 /// are not made of and for points that are no numbers.
-bool appendCourse(std::vector<Course>& courses, const AcRxObject* object) {
+bool appendCurve(std::vector<CurvePoints>& curves, const AcRxObject* object) {
   if (const AcDbLine* const line = AcDbLine::cast(object)) {
-    const Course& made = courses.emplace_back(line->startPoint(), line->endPoint());
+    const CurvePoints& made = curves.emplace_back(line->startPoint(), line->endPoint());
     const bool areFinite = isFinite(made.front) && isFinite(made.back);
     if (made.front.isEqualTo(made.back)) {
-      courses.pop_back();
+      curves.pop_back();
     }
     return areFinite;
   }
-  Points course;
+  Points points;
   if (const AcDbArc* const arc = AcDbArc::cast(object)) {
     double sweep = std::fmod(arc->endAngle() - arc->startAngle(), 2.0 * std::numbers::pi);
     if (sweep <= 0.0) {
       sweep += 2.0 * std::numbers::pi;
     }
-    appendArc(course, arc->center(), arc->normal(), arc->radius(), arc->startAngle(), sweep);
+    appendArc(points, arc->center(), arc->normal(), arc->radius(), arc->startAngle(), sweep);
   } else if (const AcDbPolyline* const polyline = AcDbPolyline::cast(object)) {
-    appendPolyline(course, *polyline);
+    appendPolyline(points, *polyline);
   } else if (const AcDbCircle* const circle = AcDbCircle::cast(object)) {
-    appendArc(course, circle->center(), circle->normal(), circle->radius(), 0.0,
+    appendArc(points, circle->center(), circle->normal(), circle->radius(), 0.0,
               2.0 * std::numbers::pi);
-    course.back() = course.front();
+    points.back() = points.front();
   }
-  if (course.empty() || !std::all_of(course.begin(), course.end(), isFinite)) {
+  if (points.empty() || !std::all_of(points.begin(), points.end(), isFinite)) {
     return false;
   }
-  if (course.size() > 2 || !course.front().isEqualTo(course.back())) {
-    courses.emplace_back(std::move(course));
+  if (points.size() > 2 || !points.front().isEqualTo(points.back())) {
+    curves.emplace_back(std::move(points));
   }
   return true;
 }
@@ -135,22 +135,22 @@ bool appendCourse(std::vector<Course>& courses, const AcRxObject* object) {
 /// The curves that are not in a loop yet, to be found by where they end.
 class LooseCurves {
  public:
-  explicit LooseCurves(std::vector<Course> courses)
-      : m_courses(std::move(courses)), m_isTaken(m_courses.size(), false) {}
+  explicit LooseCurves(std::vector<CurvePoints> curves)
+      : m_curves(std::move(curves)), m_isTaken(m_curves.size(), false) {}
 
   /// The first curve that is left; null when none is.
-  const Course* takeFirst() {
-    while (m_first < m_courses.size() && m_isTaken[m_first]) {
+  const CurvePoints* takeFirst() {
+    while (m_first < m_curves.size() && m_isTaken[m_first]) {
       ++m_first;
     }
-    return m_first < m_courses.size() ? &take(m_first) : nullptr;
+    return m_first < m_curves.size() ? &take(m_first) : nullptr;
   }
 
   /// The curve that begins or, turned round, ends at the point; the one behind the curve taken
   /// last comes first, then the first in order.
-  const Course* takeFrom(const AcGePoint3d& point) {
-    if (m_last + 1 < m_courses.size() && !m_isTaken[m_last + 1] &&
-        m_courses[m_last + 1].front.isEqualTo(point)) {
+  const CurvePoints* takeFrom(const AcGePoint3d& point) {
+    if (m_last + 1 < m_curves.size() && !m_isTaken[m_last + 1] &&
+        m_curves[m_last + 1].front.isEqualTo(point)) {
       return &take(m_last + 1);
     }
     constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
@@ -160,20 +160,20 @@ class LooseCurves {
     for (auto end = std::lower_bound(m_ends.begin(), m_ends.end(),
                                      std::pair(point.x - tolerance, std::size_t{0}));
          end != m_ends.end() && end->first <= point.x + tolerance; ++end) {
-      const Course& course = m_courses[end->second];
+      const CurvePoints& points = m_curves[end->second];
       if (end->second < best && !m_isTaken[end->second] &&
-          (course.front.isEqualTo(point) || course.back.isEqualTo(point))) {
+          (points.front.isEqualTo(point) || points.back.isEqualTo(point))) {
         best = end->second;
       }
     }
     if (best == kNone) {
       return nullptr;
     }
-    Course& course = take(best);
-    if (!course.front.isEqualTo(point)) {
-      course.turnRound();
+    CurvePoints& points = take(best);
+    if (!points.front.isEqualTo(point)) {
+      points.turnRound();
     }
-    return &course;
+    return &points;
   }
 
  private:
@@ -182,23 +182,23 @@ class LooseCurves {
     if (!m_ends.empty()) {
       return;
     }
-    m_ends.reserve(2 * m_courses.size());
-    for (std::size_t i = 0; i < m_courses.size(); ++i) {
+    m_ends.reserve(2 * m_curves.size());
+    for (std::size_t i = 0; i < m_curves.size(); ++i) {
       if (!m_isTaken[i]) {
-        m_ends.push_back({m_courses[i].front.x, i});
-        m_ends.push_back({m_courses[i].back.x, i});
+        m_ends.push_back({m_curves[i].front.x, i});
+        m_ends.push_back({m_curves[i].back.x, i});
       }
     }
     std::sort(m_ends.begin(), m_ends.end());
   }
 
-  Course& take(std::size_t index) {
+  CurvePoints& take(std::size_t index) {
     m_isTaken[index] = true;
     m_last = index;
-    return m_courses[index];
+    return m_curves[index];
   }
 
-  std::vector<Course> m_courses;
+  std::vector<CurvePoints> m_curves;
   std::vector<bool> m_isTaken;
   std::vector<std::pair<double, std::size_t>> m_ends;  // x of an end, its curve; sorted
   std::size_t m_first = 0;
@@ -206,15 +206,15 @@ class LooseCurves {
 };
 
 /// A loop from a first curve on; nothing when it does not close.
-std::optional<RegionLoop> closedLoop(const Course& first, LooseCurves& curves) {
+std::optional<RegionLoop> closedLoop(const CurvePoints& first, LooseCurves& curves) {
   RegionLoop loop{first.front};
-  const auto append = [&loop](const Course& course) {
-    loop.insert(loop.end(), course.between.begin(), course.between.end());
-    loop.push_back(course.back);
+  const auto append = [&loop](const CurvePoints& points) {
+    loop.insert(loop.end(), points.between.begin(), points.between.end());
+    loop.push_back(points.back);
   };
   append(first);
   while (!loop.back().isEqualTo(loop.front()) || loop.size() < 3) {
-    const Course* const next = curves.takeFrom(loop.back());
+    const CurvePoints* const next = curves.takeFrom(loop.back());
     if (!next) {
       return std::nullopt;
     }
@@ -232,16 +232,16 @@ AcDbRegion::~AcDbRegion() = default;
 Acad::ErrorStatus AcDbRegion::createFromCurves(const AcDbVoidPtrArray& curves,
                                                AcDbVoidPtrArray& regions) {
   try {
-    std::vector<Course> courses;
-    courses.reserve(static_cast<std::size_t>(curves.length()));
+    std::vector<CurvePoints> curves;
+    curves.reserve(static_cast<std::size_t>(curves.length()));
     for (int i = 0; i < curves.length(); ++i) {
-      if (!appendCourse(courses, static_cast<const AcRxObject*>(curves[i]))) {
+      if (!appendCurve(curves, static_cast<const AcRxObject*>(curves[i]))) {
         return Acad::eInvalidInput;
       }
     }
-    Acad::ErrorStatus status = courses.empty() ? Acad::eInvalidInput : Acad::eOk;
-    LooseCurves loose(std::move(courses));
-    while (const Course* const first = loose.takeFirst()) {
+    Acad::ErrorStatus status = curves.empty() ? Acad::eInvalidInput : Acad::eOk;
+    LooseCurves loose(std::move(curves));
+    while (const CurvePoints* const first = loose.takeFirst()) {
       const std::optional<RegionLoop> loop = closedLoop(*first, loose);
       std::unique_ptr<RegionShape> shape;
       const Acad::ErrorStatus made = loop ? RegionShape::make(*loop, shape) : Acad::eNotClosedCurve;

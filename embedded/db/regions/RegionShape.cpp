@@ -68,11 +68,11 @@ Geometry ringOf(const RingBuffer& buffer) {
 /// crosses and touches itself nowhere. Most outlines of rooms and houses are so, and this takes a
 /// tenth of the time of looking for crossings. False proves nothing.
 ///
-/// The sense of each edge about the mean is the sign of a determinant that is further from zero
+/// The orientation of each edge about the mean is the sign of a determinant that is further from zero
 /// than it may be off by rounding (J. R. Shewchuk, Adaptive Precision Floating-Point Arithmetic
 /// and Fast Robust Geometric Predicates, 1997: (3 + 16 e) e times the sum of its two products).
-/// Edges of one sense less than half a turn each go round as often as they pass the ray along x.
-bool isSeenFromMiddle(const RingBuffer& ring) {
+/// Edges of one orientation, less than half a turn each, go round as often as they pass the ray along x.
+bool isStarShaped(const RingBuffer& ring) {
   constexpr double kRounding = 4.0 * 0x1p-53;
   constexpr double kLeast = 1.0e-280;  // where products lose digits
   const std::size_t corners = ring.size() / 2 - 1;
@@ -162,7 +162,7 @@ std::vector<std::pair<double, double>> cornersOf(const GEOSGeometry* ring) {
   return corners;
 }
 
-/// A ring in the plane from its smallest point (x, then y), in the sense asked for.
+/// A ring in the plane from its smallest point (x, then y), with the given orientation.
 RingBuffer orderedRing(const GEOSGeometry* ring, bool counterClockwise) {
   std::vector<std::pair<double, double>> corners = cornersOf(ring);
   corners.pop_back();
@@ -323,7 +323,7 @@ Acad::ErrorStatus RegionShape::make(const RegionLoop& loop, std::unique_ptr<Regi
   if (!made->m_impl->geometry) {
     return Acad::eDegenerateGeometry;  // fewer than three corners
   }
-  if (!isSeenFromMiddle(ring) && GEOSisValid_r(geos(), made->m_impl->geometry.get()) != 1) {
+  if (!isStarShaped(ring) && GEOSisValid_r(geos(), made->m_impl->geometry.get()) != 1) {
     return Acad::eSelfIntersecting;
   }
   shape = std::move(made);

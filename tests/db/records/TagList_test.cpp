@@ -4,6 +4,7 @@
 
 #include "dbpl.h"
 #include "support/Drawings.h"
+#include "support/Entities.h"
 
 namespace quoin::test {
 namespace {
@@ -13,197 +14,6 @@ std::string strayLine(std::string_view common, std::string_view rest = {}) {
   return "0 LINE\n5 40\n100 AcDbEntity\n100 AcDbLine\n8 Walls\n" + std::string(common) +
          "10 1.50\n20 0.0\n30 0.0\n11 2.0\n21 0.0\n31 0.0\n" + std::string(rest);
 }
-
-/// The small drawing as R2007, which knows every tag that entities share.
-std::string drawingWith(std::string_view entities) {
-  std::string text = smallR2000(entities);
-  text.replace(text.find("AC1015"), 6, "AC1021");
-  return asciiDxf(text);
-}
-
-TEST(StrayTags, AreReadBehindTheMarkerOfTheKind) {
-  const Drawing drawing(
-      drawingWith(strayLine("6 Continuous\n62 3\n48 2.5\n60 1\n370 50\n440 33554559\n")));
-  const AcDbObjectPointer<AcDbLine> line(drawing.id(0x40));
-  ASSERT_EQ(line.openStatus(), Acad::eOk);
-  EXPECT_EQ(taken(line->layer()), L"Walls");
-  EXPECT_EQ(hostx::layerName(drawing.id(0x40)), L"Walls");
-  EXPECT_FALSE(line->layerId().isNull());
-  EXPECT_EQ(taken(line->linetype()), L"Continuous");
-  EXPECT_EQ(line->colorIndex(), 3);
-  EXPECT_EQ(line->linetypeScale(), 2.5);
-  EXPECT_EQ(line->visibility(), AcDb::kInvisible);
-  EXPECT_EQ(line->lineWeight(), AcDb::kLnWt050);
-  EXPECT_EQ(line->startPoint(), AcGePoint3d(1.5, 0.0, 0.0));
-}
-
-TEST(StrayTags, ALayerThatNoTableListsIsFoundBehindAnyMarker) {
-  std::string text = strayLine("62 3\n");
-  text.replace(text.find("Walls"), 5, "Unlisted");
-  const Drawing drawing(smallDrawing(text));
-  AcDbLayerTable* layers = nullptr;
-  ASSERT_EQ(drawing.db().getLayerTable(layers), Acad::eOk);
-  EXPECT_TRUE(layers->has(L"Unlisted"));
-  layers->close();
-}
-
-TEST(StrayTags, AreReplacedWhereTheyStand) {
-  const std::string bytes = changed(
-      drawingWith(strayLine("6 Continuous\n62 3\n48 2.5\n60 1\n370 50\n", "1001 ACAD\n1000 x\n")),
-      [](AcDbEntity& entity) {
-        EXPECT_EQ(entity.setColorIndex(5), Acad::eOk);
-        EXPECT_EQ(entity.setLineWeight(AcDb::kLnWt100), Acad::eOk);
-        EXPECT_EQ(entity.setLinetypeScale(0.5), Acad::eOk);
-        EXPECT_EQ(entity.setLayer(L"0"), Acad::eOk);
-      });
-  std::string expected =
-      strayLine("6 Continuous\n62 5\n48 0.5\n60 1\n370 100\n", "1001 ACAD\n1000 x\n");
-  expected.replace(expected.find("Walls"), 5, "0");
-  EXPECT_EQ(bytes, drawingWith(expected));
-}
-
-TEST(StrayTags, ALayerIsNamedAlikeWhetherItsEntityIsOpenOrNot) {
-  constexpr std::string_view kEnds = "10 1.0\n20 0.0\n11 2.0\n21 0.0\n";
-  for (const std::string_view front :
-       {"100 AcDbEntity\n8 Walls\n100 AcDbLine\n", "100 AcDbEntity\n100 AcDbLine\n8 Walls\n",
-        "8 Walls\n100 AcDbLine\n", "8 0\n100 AcDbEntity\n8 Walls\n100 AcDbLine\n",
-        "102 {X\n8 0\n102 }\n100 AcDbEntity\n8 Walls\n100 AcDbLine\n",
-        "100 AcDbEntity\n102 {X\n8 0\n102 }\n8 Walls\n100 AcDbLine\n", "8 Walls\n",
-        "100 AcDbLine\n8 0\n100 AcDbEntity\n8 Walls\n", "8 Walls\n8 0\n",
-        "100 AcDbEntity\n100 AcDbLine\n", ""}) {
-    const Drawing drawing(drawingWith("0 LINE\n5 40\n" + std::string(front) + std::string(kEnds)));
-    const AcDbObjectPointer<AcDbLine> line(drawing.id(0x40));
-    ASSERT_EQ(line.openStatus(), Acad::eOk) << front;
-    EXPECT_EQ(hostx::layerName(line->objectId()), taken(line->layer())) << front;
-  }
-}
-
-TEST(StrayTags, OfTheValueThatIsAskedForStayAsTheyAre) {
-  const std::string bytes = drawingWith(strayLine("62 3\n370 -1\n6 ByLayer\n"));
-  EXPECT_EQ(changed(bytes,
-                    [](AcDbEntity& entity) {
-                      EXPECT_EQ(entity.setColorIndex(3), Acad::eOk);
-                      EXPECT_EQ(entity.setLayer(L"walls"), Acad::eOk);
-                      EXPECT_EQ(entity.setLinetype(L"BYLAYER"), Acad::eOk);
-                      EXPECT_EQ(entity.setLineWeight(AcDb::kLnWtByLayer), Acad::eOk);
-                    }),
-            bytes);
-}
-
-TEST(StrayTags, AreTakenAwayWhereTheyStand) {
-  EXPECT_EQ(changed(drawingWith(strayLine("62 3\n420 255\n430 RAL$1\n")),
-                    [](AcDbEntity& entity) { entity.setColorIndex(256); }),
-            drawingWith(strayLine({})));
-}
-
-TEST(StrayTags, ThatRepeatWhatStandsInItsPlaceDoNotCountAndGoWithAChange) {
-  const std::string twice =
-      "0 LINE\n5 40\n100 AcDbEntity\n8 Walls\n62 5\n100 AcDbLine\n62 256\n"
-      "10 1.5\n20 0.0\n11 2.0\n21 0.0\n";
-  const Drawing drawing(drawingWith(twice));
-  EXPECT_EQ(AcDbObjectPointer<AcDbLine>(drawing.id(0x40))->colorIndex(), 5);
-  EXPECT_EQ(changed(drawingWith(twice), [](AcDbEntity& entity) { entity.setColorIndex(6); }),
-            drawingWith("0 LINE\n5 40\n100 AcDbEntity\n8 Walls\n62 6\n100 AcDbLine\n"
-                        "10 1.5\n20 0.0\n11 2.0\n21 0.0\n"));
-}
-
-TEST(StrayTags, AreTakenBeforeTheMarkersToo) {
-  const std::string ahead =
-      "0 LINE\n5 40\n8 Walls\n62 3\n100 AcDbLine\n10 1.5\n20 0.0\n11 2.0\n21 0.0\n";
-  const Drawing drawing(drawingWith(ahead));
-  const AcDbObjectPointer<AcDbLine> line(drawing.id(0x40));
-  EXPECT_EQ(line->colorIndex(), 3);
-  EXPECT_EQ(hostx::layerName(drawing.id(0x40)), L"Walls");
-  // Where entities have no marker of their own, new tags stand before the first one.
-  EXPECT_EQ(
-      changed(drawingWith(ahead), [](AcDbEntity& entity) { entity.setLineWeight(AcDb::kLnWt050); }),
-      drawingWith("0 LINE\n5 40\n8 Walls\n62 3\n370 50\n100 AcDbLine\n10 1.5\n20 0.0\n"
-                  "11 2.0\n21 0.0\n"));
-}
-
-TEST(StrayTags, OfTheKindItselfOrBehindAnEmbeddedObjectAreNotTaken) {
-  const Drawing drawing(drawingWith(
-      "0 MTEXT\n5 40\n100 AcDbEntity\n8 Walls\n100 AcDbMText\n10 0.0\n20 0.0\n40 2.5\n1 x\n"
-      "90 1\n63 3\n420 255\n48 9.0\n101 Embedded Object\n62 4\n8 Other\n"
-      "0 ATTDEF\n5 41\n100 AcDbEntity\n100 AcDbText\n10 0.0\n20 0.0\n40 1.0\n1 x\n"
-      "100 AcDbXrecord\n8 Other\n62 4\n"
-      "0 ACAD_TABLE\n5 42\n100 AcDbEntity\n8 Walls\n100 AcDbTable\n62 4\n60 1\n"
-      "0 LINE\n5 43\n102 {X\n8 Other\n102 }\n100 AcDbEntity\n100 AcDbLine\n62 1\n"
-      "1001 ACAD\n1003 Other\n"));
-  const auto colorOf = [&](Adesk::UInt64 handle) {
-    return AcDbObjectPointer<AcDbEntity>(drawing.id(handle))->color();
-  };
-  EXPECT_TRUE(colorOf(0x40).isByLayer());
-  EXPECT_TRUE(colorOf(0x41).isByLayer());
-  EXPECT_TRUE(colorOf(0x42).isByLayer());
-  EXPECT_EQ(colorOf(0x43).colorIndex(), 1);
-  EXPECT_EQ(hostx::layerName(drawing.id(0x41)), L"0");
-  EXPECT_EQ(hostx::layerName(drawing.id(0x43)), L"0");
-  EXPECT_EQ(AcDbObjectPointer<AcDbEntity>(drawing.id(0x40))->linetypeScale(), 1.0);
-  EXPECT_EQ(AcDbObjectPointer<AcDbEntity>(drawing.id(0x42))->visibility(), AcDb::kVisible);
-}
-
-TEST(StrayTags, AreCopiedWithTheEntity) {
-  const Drawing drawing(drawingWith(strayLine("62 3\n370 50\n")));
-  AcDbLine* copy = nullptr;
-  {
-    const AcDbObjectPointer<AcDbLine> line(drawing.id(0x40));
-    copy = AcDbLine::cast(line->clone());
-  }
-  const AcDbObjectId id = append(drawing.db(), copy);
-  auto* const other = new AcDbLine;
-  {
-    const AcDbObjectPointer<AcDbLine> line(drawing.id(0x40));
-    EXPECT_EQ(other->setPropertiesFrom(line.object()), Acad::eOk);
-  }
-  const AcDbObjectId otherId = append(drawing.db(), other);
-  const Drawing again(drawing.saved());
-  for (const AcDbObjectId& made : {id, otherId}) {
-    const AcDbObjectPointer<AcDbLine> line(again.id(made.handle().asUInt64()));
-    ASSERT_EQ(line.openStatus(), Acad::eOk);
-    EXPECT_EQ(taken(line->layer()), L"Walls");
-    EXPECT_EQ(line->colorIndex(), 3);
-    EXPECT_EQ(line->lineWeight(), AcDb::kLnWt050);
-  }
-}
-
-TEST(StrayTags, OfThePaperSpaceChangeWithTheCopiesSpace) {
-  const Drawing drawing(
-      drawingWith("0 LINE\n5 40\n100 AcDbEntity\n100 AcDbLine\n8 Walls\n67 1\n"
-                  "10 1.5\n20 0.0\n11 2.0\n21 0.0\n"));
-  ASSERT_EQ(entitiesOf(drawing.db(), L"*Paper_Space").size(), 1U);
-  AcDbLine* copy = nullptr;
-  {
-    const AcDbObjectPointer<AcDbLine> line(drawing.id(0x40));
-    copy = AcDbLine::cast(line->clone());
-  }
-  append(drawing.db(), copy);
-  const Drawing again(drawing.saved());
-  EXPECT_EQ(entitiesOf(again.db(), L"*Paper_Space").size(), 1U);
-  EXPECT_EQ(entitiesOf(again.db()).size(), 1U);
-}
-
-TEST(TrueColors, AreCopiedWithTheIndexThatTheirWriterChose) {
-  for (const char* color :
-       {"62 30\n420 16711680\n", "420 16711680\n", "62 9\n420 1\n430 BOOK$Red\n"}) {
-    const Drawing drawing(drawingWith("0 LINE\n5 40\n330 1F\n100 AcDbEntity\n8 Walls\n" +
-                                      std::string(color) +
-                                      "100 AcDbLine\n10 1.5\n20 0.0\n11 2.0\n21 0.0\n"));
-    auto* const other = new AcDbLine;
-    {
-      const AcDbObjectPointer<AcDbLine> line(drawing.id(0x40));
-      EXPECT_EQ(other->setPropertiesFrom(line.object()), Acad::eOk);
-    }
-    append(drawing.db(), other);
-    const std::string saved = drawing.saved();
-    const std::string tags = asciiDxf("8 Walls\n" + std::string(color) + "100 AcDbLine\n");
-    const std::size_t first = saved.find(tags);
-    ASSERT_NE(first, std::string::npos) << color;
-    EXPECT_NE(saved.find(tags, first + 1), std::string::npos) << color;
-  }
-}
-
-// --- markers of other names -------------------------------------------------------------------
 
 struct Sample {
   const char* kind;
@@ -254,6 +64,170 @@ const Sample kSamples[] = {
     {"TOLERANCE", "AcDbFcf", "10 1.0\n20 2.0\n30 0.0\n1 x\n", "10 11.0\n20 22.0\n30 0.0\n1 x\n"},
 };
 
+TEST(StrayTags, AreReadBehindTheMarkerOfTheKind) {
+  const Drawing drawing(
+      drawingOfR2007(strayLine("6 Continuous\n62 3\n48 2.5\n60 1\n370 50\n440 33554559\n")));
+  const AcDbObjectPointer<AcDbLine> line(drawing.id(0x40));
+  ASSERT_EQ(line.openStatus(), Acad::eOk);
+  EXPECT_EQ(taken(line->layer()), L"Walls");
+  EXPECT_EQ(hostx::layerName(drawing.id(0x40)), L"Walls");
+  EXPECT_FALSE(line->layerId().isNull());
+  EXPECT_EQ(taken(line->linetype()), L"Continuous");
+  EXPECT_EQ(line->colorIndex(), 3);
+  EXPECT_EQ(line->linetypeScale(), 2.5);
+  EXPECT_EQ(line->visibility(), AcDb::kInvisible);
+  EXPECT_EQ(line->lineWeight(), AcDb::kLnWt050);
+  EXPECT_EQ(line->startPoint(), AcGePoint3d(1.5, 0.0, 0.0));
+}
+
+TEST(StrayTags, ALayerThatNoTableListsIsFoundBehindAnyMarker) {
+  std::string text = strayLine("62 3\n");
+  text.replace(text.find("Walls"), 5, "Unlisted");
+  const Drawing drawing(smallDrawing(text));
+  AcDbLayerTable* layers = nullptr;
+  ASSERT_EQ(drawing.db().getLayerTable(layers), Acad::eOk);
+  EXPECT_TRUE(layers->has(L"Unlisted"));
+  layers->close();
+}
+
+TEST(StrayTags, AreReplacedWhereTheyStand) {
+  const std::string bytes =
+      changed(drawingOfR2007(
+                  strayLine("6 Continuous\n62 3\n48 2.5\n60 1\n370 50\n", "1001 ACAD\n1000 x\n")),
+              [](AcDbEntity& entity) {
+                EXPECT_EQ(entity.setColorIndex(5), Acad::eOk);
+                EXPECT_EQ(entity.setLineWeight(AcDb::kLnWt100), Acad::eOk);
+                EXPECT_EQ(entity.setLinetypeScale(0.5), Acad::eOk);
+                EXPECT_EQ(entity.setLayer(L"0"), Acad::eOk);
+              });
+  std::string expected =
+      strayLine("6 Continuous\n62 5\n48 0.5\n60 1\n370 100\n", "1001 ACAD\n1000 x\n");
+  expected.replace(expected.find("Walls"), 5, "0");
+  EXPECT_EQ(bytes, drawingOfR2007(expected));
+}
+
+TEST(StrayTags, ALayerIsNamedAlikeWhetherItsEntityIsOpenOrNot) {
+  constexpr std::string_view kEnds = "10 1.0\n20 0.0\n11 2.0\n21 0.0\n";
+  for (const std::string_view front :
+       {"100 AcDbEntity\n8 Walls\n100 AcDbLine\n", "100 AcDbEntity\n100 AcDbLine\n8 Walls\n",
+        "8 Walls\n100 AcDbLine\n", "8 0\n100 AcDbEntity\n8 Walls\n100 AcDbLine\n",
+        "102 {X\n8 0\n102 }\n100 AcDbEntity\n8 Walls\n100 AcDbLine\n",
+        "100 AcDbEntity\n102 {X\n8 0\n102 }\n8 Walls\n100 AcDbLine\n", "8 Walls\n",
+        "100 AcDbLine\n8 0\n100 AcDbEntity\n8 Walls\n", "8 Walls\n8 0\n",
+        "100 AcDbEntity\n100 AcDbLine\n", ""}) {
+    const Drawing drawing(
+        drawingOfR2007("0 LINE\n5 40\n" + std::string(front) + std::string(kEnds)));
+    const AcDbObjectPointer<AcDbLine> line(drawing.id(0x40));
+    ASSERT_EQ(line.openStatus(), Acad::eOk) << front;
+    EXPECT_EQ(hostx::layerName(line->objectId()), taken(line->layer())) << front;
+  }
+}
+
+TEST(StrayTags, OfTheValueThatIsAskedForStayAsTheyAre) {
+  const std::string bytes = drawingOfR2007(strayLine("62 3\n370 -1\n6 ByLayer\n"));
+  EXPECT_EQ(changed(bytes,
+                    [](AcDbEntity& entity) {
+                      EXPECT_EQ(entity.setColorIndex(3), Acad::eOk);
+                      EXPECT_EQ(entity.setLayer(L"walls"), Acad::eOk);
+                      EXPECT_EQ(entity.setLinetype(L"BYLAYER"), Acad::eOk);
+                      EXPECT_EQ(entity.setLineWeight(AcDb::kLnWtByLayer), Acad::eOk);
+                    }),
+            bytes);
+}
+
+TEST(StrayTags, AreTakenAwayWhereTheyStand) {
+  EXPECT_EQ(changed(drawingOfR2007(strayLine("62 3\n420 255\n430 RAL$1\n")),
+                    [](AcDbEntity& entity) { entity.setColorIndex(256); }),
+            drawingOfR2007(strayLine({})));
+}
+
+TEST(StrayTags, ThatRepeatWhatStandsInItsPlaceDoNotCountAndGoWithAChange) {
+  const std::string twice =
+      "0 LINE\n5 40\n100 AcDbEntity\n8 Walls\n62 5\n100 AcDbLine\n62 256\n"
+      "10 1.5\n20 0.0\n11 2.0\n21 0.0\n";
+  const Drawing drawing(drawingOfR2007(twice));
+  EXPECT_EQ(AcDbObjectPointer<AcDbLine>(drawing.id(0x40))->colorIndex(), 5);
+  EXPECT_EQ(changed(drawingOfR2007(twice), [](AcDbEntity& entity) { entity.setColorIndex(6); }),
+            drawingOfR2007("0 LINE\n5 40\n100 AcDbEntity\n8 Walls\n62 6\n100 AcDbLine\n"
+                           "10 1.5\n20 0.0\n11 2.0\n21 0.0\n"));
+}
+
+TEST(StrayTags, AreTakenBeforeTheMarkersToo) {
+  const std::string ahead =
+      "0 LINE\n5 40\n8 Walls\n62 3\n100 AcDbLine\n10 1.5\n20 0.0\n11 2.0\n21 0.0\n";
+  const Drawing drawing(drawingOfR2007(ahead));
+  const AcDbObjectPointer<AcDbLine> line(drawing.id(0x40));
+  EXPECT_EQ(line->colorIndex(), 3);
+  EXPECT_EQ(hostx::layerName(drawing.id(0x40)), L"Walls");
+  // Where entities have no marker of their own, new tags stand before the first one.
+  EXPECT_EQ(changed(drawingOfR2007(ahead),
+                    [](AcDbEntity& entity) { entity.setLineWeight(AcDb::kLnWt050); }),
+            drawingOfR2007("0 LINE\n5 40\n8 Walls\n62 3\n370 50\n100 AcDbLine\n10 1.5\n20 0.0\n"
+                           "11 2.0\n21 0.0\n"));
+}
+
+TEST(StrayTags, OfTheKindItselfOrBehindAnEmbeddedObjectAreNotTaken) {
+  const Drawing drawing(drawingOfR2007(
+      "0 MTEXT\n5 40\n100 AcDbEntity\n8 Walls\n100 AcDbMText\n10 0.0\n20 0.0\n40 2.5\n1 x\n"
+      "90 1\n63 3\n420 255\n48 9.0\n101 Embedded Object\n62 4\n8 Other\n"
+      "0 ATTDEF\n5 41\n100 AcDbEntity\n100 AcDbText\n10 0.0\n20 0.0\n40 1.0\n1 x\n"
+      "100 AcDbXrecord\n8 Other\n62 4\n"
+      "0 ACAD_TABLE\n5 42\n100 AcDbEntity\n8 Walls\n100 AcDbTable\n62 4\n60 1\n"
+      "0 LINE\n5 43\n102 {X\n8 Other\n102 }\n100 AcDbEntity\n100 AcDbLine\n62 1\n"
+      "1001 ACAD\n1003 Other\n"));
+  const auto colorOf = [&](Adesk::UInt64 handle) {
+    return AcDbObjectPointer<AcDbEntity>(drawing.id(handle))->color();
+  };
+  EXPECT_TRUE(colorOf(0x40).isByLayer());
+  EXPECT_TRUE(colorOf(0x41).isByLayer());
+  EXPECT_TRUE(colorOf(0x42).isByLayer());
+  EXPECT_EQ(colorOf(0x43).colorIndex(), 1);
+  EXPECT_EQ(hostx::layerName(drawing.id(0x41)), L"0");
+  EXPECT_EQ(hostx::layerName(drawing.id(0x43)), L"0");
+  EXPECT_EQ(AcDbObjectPointer<AcDbEntity>(drawing.id(0x40))->linetypeScale(), 1.0);
+  EXPECT_EQ(AcDbObjectPointer<AcDbEntity>(drawing.id(0x42))->visibility(), AcDb::kVisible);
+}
+
+TEST(StrayTags, AreCopiedWithTheEntity) {
+  const Drawing drawing(drawingOfR2007(strayLine("62 3\n370 50\n")));
+  AcDbLine* copy = nullptr;
+  {
+    const AcDbObjectPointer<AcDbLine> line(drawing.id(0x40));
+    copy = AcDbLine::cast(line->clone());
+  }
+  const AcDbObjectId id = append(drawing.db(), copy);
+  auto* const other = new AcDbLine;
+  {
+    const AcDbObjectPointer<AcDbLine> line(drawing.id(0x40));
+    EXPECT_EQ(other->setPropertiesFrom(line.object()), Acad::eOk);
+  }
+  const AcDbObjectId otherId = append(drawing.db(), other);
+  const Drawing again(drawing.saved());
+  for (const AcDbObjectId& made : {id, otherId}) {
+    const AcDbObjectPointer<AcDbLine> line(again.id(made.handle().asUInt64()));
+    ASSERT_EQ(line.openStatus(), Acad::eOk);
+    EXPECT_EQ(taken(line->layer()), L"Walls");
+    EXPECT_EQ(line->colorIndex(), 3);
+    EXPECT_EQ(line->lineWeight(), AcDb::kLnWt050);
+  }
+}
+
+TEST(StrayTags, OfThePaperSpaceChangeWithTheCopiesSpace) {
+  const Drawing drawing(
+      drawingOfR2007("0 LINE\n5 40\n100 AcDbEntity\n100 AcDbLine\n8 Walls\n67 1\n"
+                     "10 1.5\n20 0.0\n11 2.0\n21 0.0\n"));
+  ASSERT_EQ(entitiesOf(drawing.db(), L"*Paper_Space").size(), 1U);
+  AcDbLine* copy = nullptr;
+  {
+    const AcDbObjectPointer<AcDbLine> line(drawing.id(0x40));
+    copy = AcDbLine::cast(line->clone());
+  }
+  append(drawing.db(), copy);
+  const Drawing again(drawing.saved());
+  EXPECT_EQ(entitiesOf(again.db(), L"*Paper_Space").size(), 1U);
+  EXPECT_EQ(entitiesOf(again.db()).size(), 1U);
+}
+
 TEST(Markers, OfAnyNameHoldWhatTheKindHas) {
   for (const Sample& sample : kSamples) {
     const std::string marker(sample.marker);
@@ -296,41 +270,6 @@ TEST(Markers, ADimensionWhoseSubclassNobodyKnowsIsRefusedAndNotCounted) {
   }
   const Drawing drawing(smallDrawing(dimension + "100 AcDbAlignedDimension\n" + points));
   EXPECT_TRUE(hostx::canTransform(drawing.id(0x40)));
-}
-
-// --- vertices ---------------------------------------------------------------------------------
-
-std::string polyline(std::string_view head, std::string_view vertexMarkers,
-                     std::string_view vertexFlags) {
-  std::string text = "0 POLYLINE\n5 40\n100 AcDbEntity\n8 Walls\n" + std::string(head);
-  for (const char* point : {"10 0.0\n20 0.0\n30 1.0\n", "10 5.0\n20 0.0\n30 2.0\n"}) {
-    text += "0 VERTEX\n5 4" + std::to_string(point[3] == '0' ? 1 : 2) +
-            "\n100 AcDbEntity\n8 Walls\n" + std::string(vertexMarkers) + point +
-            std::string(vertexFlags);
-  }
-  return text + "0 SEQEND\n5 4F\n100 AcDbEntity\n8 Walls\n";
-}
-
-TEST(Vertices, AreWhatTheFlagsOfTheirPolylineSay) {
-  for (const char* head : {"100 AcDb3dPolyline\n70 8\n", "70 8\n", "100 AcDb3dPolyline\n70 0\n",
-                           "100 AcDb2dPolyline\n70 8\n"}) {
-    for (const char* markers : {"100 AcDbVertex\n100 AcDb3dPolylineVertex\n", "",
-                                "100 AcDbVertex\n", "100 AcDbVertex\n100 AcDb2dVertex\n"}) {
-      for (const char* flags : {"", "70 0\n", "70 32\n"}) {
-        const Drawing drawing(smallDrawing(polyline(head, markers, flags)));
-        const AcDbObjectPointer<AcDb3dPolyline> spatial(drawing.id(0x40));
-        ASSERT_EQ(spatial.openStatus(), Acad::eOk) << head;
-        const AcDbObjectPointer<AcDb3dPolylineVertex> vertex(drawing.id(0x42));
-        ASSERT_EQ(vertex.openStatus(), Acad::eOk) << head << markers << flags;
-        EXPECT_EQ(vertex->position(), AcGePoint3d(5.0, 0.0, 2.0)) << markers;
-      }
-    }
-  }
-  const Drawing flat(smallDrawing(polyline("100 AcDb2dPolyline\n70 0\n", "", "70 32\n")));
-  EXPECT_EQ(AcDbObjectPointer<AcDb2dVertex>(flat.id(0x42)).openStatus(), Acad::eOk);
-  const Drawing mesh(smallDrawing(polyline("100 AcDbPolygonMesh\n70 16\n", "", "")));
-  EXPECT_FALSE(hostx::hasTypedClass(mesh.id(0x40)));
-  EXPECT_FALSE(hostx::hasTypedClass(mesh.id(0x42)));
 }
 
 }  // namespace

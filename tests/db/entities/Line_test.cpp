@@ -1,12 +1,11 @@
-// A line made from two points keeps them as they are until its record is wanted; nobody can tell
-// it from one whose points were set.
+// LINE: values, extents and transforms.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 #include <random>
 
 #include "support/Drawings.h"
+#include "support/Entities.h"
 #include "support/SameBits.h"
 
 namespace quoin::test {
@@ -83,6 +82,13 @@ TEST(MadeLines, AreSavedAsLinesWhosePointsWereSet) {
     append(withSet.db(), lineWithPointsSet(start, end).release());
   }
   EXPECT_EQ(withMade.saved(), withSet.saved());
+}
+
+TEST(Extents, OfLinesWithThickness) {
+  AcDbLine line(AcGePoint3d(3.0, 4.0, 1.0), AcGePoint3d(1.0, 6.0, 2.0));
+  expectBox(line, {1.0, 4.0, 1.0}, {3.0, 6.0, 2.0});
+  line.setThickness(-5.0);
+  expectBox(line, {1.0, 4.0, -4.0}, {3.0, 6.0, 2.0});
 }
 
 }  // namespace

@@ -243,41 +243,5 @@ TEST(EntityProperties, PartsOfAFreePolylineGoAlongToo) {
   EXPECT_EQ(count, 2);
 }
 
-TEST(Colours, ThePaletteHasItsKnownColours) {
-  EXPECT_EQ(AcCmEntityColor::lookUpRGB(1), 0xFF0000U);
-  EXPECT_EQ(AcCmEntityColor::lookUpRGB(7), 0xFFFFFFU);
-  EXPECT_EQ(AcCmEntityColor::lookUpRGB(30), 0xFF7F00U);
-  EXPECT_EQ(AcCmEntityColor::lookUpRGB(43), 0xA59152U);
-  EXPECT_EQ(AcCmEntityColor::lookUpRGB(150), 0x007FFFU);
-  EXPECT_EQ(AcCmEntityColor::lookUpRGB(255), 0xFFFFFFU);
-  EXPECT_EQ(AcCmEntityColor::lookUpRGB(256), 0U);
-}
-
-TEST(Colours, EveryPaletteColourIsItsOwnNearest) {
-  for (Adesk::UInt16 index = 1; index < 256; ++index) {
-    AcCmEntityColor color;
-    ASSERT_EQ(color.setColorIndex(index), Acad::eOk);
-    const Adesk::UInt8 nearest =
-        AcCmEntityColor::lookUpACI(color.red(), color.green(), color.blue());
-    EXPECT_EQ(AcCmEntityColor::lookUpRGB(nearest), AcCmEntityColor::lookUpRGB(index));
-    EXPECT_LE(nearest, index);
-  }
-}
-
-TEST(Colours, IndicesAndMethodsGoTogether) {
-  AcCmEntityColor color;
-  EXPECT_TRUE(color.isByLayer());
-  EXPECT_EQ(color.colorIndex(), 256);
-  EXPECT_EQ(color.setColorIndex(0), Acad::eOk);
-  EXPECT_TRUE(color.isByBlock());
-  EXPECT_EQ(color.setColorIndex(5), Acad::eOk);
-  EXPECT_EQ(color.blue(), 255);
-  EXPECT_EQ(color.setColorIndex(300), Acad::eInvalidInput);
-  EXPECT_EQ(color.colorIndex(), 5);
-  EXPECT_EQ(color.setRGB(255, 0, 0), Acad::eOk);
-  EXPECT_EQ(color.colorIndex(), 1);
-  EXPECT_EQ(color.rgb(), 0xFF0000U);
-}
-
 }  // namespace
 }  // namespace quoin::test

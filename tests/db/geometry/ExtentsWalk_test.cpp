@@ -6,6 +6,7 @@
 
 #include "hostextents.h"
 #include "support/Drawings.h"
+#include "support/Entities.h"
 
 namespace quoin::test {
 namespace {
@@ -117,6 +118,56 @@ TEST(ExtentsWalk, ADimensionWhoseBlockIsEmptyIsMeasuredByItsPoints) {
   EXPECT_EQ(boxes[0].maxPoint(), AcGePoint3d(3.0, 4.0, 0.0));
   EXPECT_EQ(boxes[1].minPoint(), AcGePoint3d(10.0, 0.0, 0.0));
   EXPECT_EQ(boxes[1].maxPoint(), AcGePoint3d(13.0, 4.0, 0.0));
+}
+
+TEST(Extents, ABlockThatHoldsItselfEnds) {
+  std::string text = smallR2000(
+      "0 INSERT\n5 40\n330 1F\n100 AcDbEntity\n8 0\n100 AcDbBlockReference\n2 Door\n10 5.0\n"
+      "20 0.0\n30 0.0\n");
+  const std::string self =
+      "0 INSERT\n5 41\n330 30\n100 AcDbEntity\n8 0\n100 AcDbBlockReference\n2 Door\n10 0.0\n"
+      "20 7.0\n30 0.0\n";
+  text.insert(text.find("0 ENDBLK\n5 33"), self);
+  const Drawing drawing(asciiDxf(text));
+  const AcDbObjectPointer<AcDbBlockReference> reference(drawing.id(0x40));
+  expectBox(*reference, {5.0, 0.0, 0.0}, {6.0, 0.0, 0.0});
+}
+
+TEST(Extents, BlocksNestedTwentyFoldAreMeasuredInTime) {
+  // Every block holds the one before ten times: 10^20 lines, if each were visited.
+  std::string text = smallR2000(
+      "0 INSERT\n5 40\n330 1F\n100 AcDbEntity\n8 0\n100 AcDbBlockReference\n2 B20\n10 0.0\n20 0.0\n"
+      "30 0.0\n");
+  std::string blocks;
+  for (int level = 1; level <= 20; ++level) {
+    const std::string inner = level == 1 ? "Door" : "B" + std::to_string(level - 1);
+    blocks += "0 BLOCK\n8 0\n2 B" + std::to_string(level) + "\n70 0\n10 0.0\n20 0.0\n30 0.0\n";
+    for (int i = 0; i < 10; ++i) {
+      blocks += "0 INSERT\n8 0\n2 " + inner + "\n10 0.0\n20 " + std::to_string(i) + ".0\n30 0.0\n";
+    }
+    blocks += "0 ENDBLK\n8 0\n";
+  }
+  text.insert(text.find("0 ENDSEC\n0 SECTION\n2 ENTITIES"), blocks);
+  const Drawing drawing(asciiDxf(text));
+  ASSERT_EQ(drawing.status, Acad::eOk) << os::toUtf8(hostx::lastFileError(&drawing.db()));
+  const AcDbObjectPointer<AcDbBlockReference> reference(drawing.id(0x40));
+  expectBox(*reference, {0.0, 0.0, 0.0}, {1.0, 180.0, 0.0});
+}
+
+TEST(Extents, OfABlockAreThoseOfItsEntities) {
+  const Drawing drawing(smallDrawing(lineTags("40")));
+  const AcDbObjectPointer<AcDbBlockTableRecord> space(
+      acdbSymUtil()->blockModelSpaceId(&drawing.db()));
+  AcDbExtents box;
+  EXPECT_EQ(box.addBlockExt(space.object()), Acad::eOk);
+  EXPECT_TRUE(box.maxPoint().isEqualTo({2.0, 0.0, 0.0}));
+  EXPECT_EQ(box.addBlockExt(nullptr), Acad::eNullObjectPointer);
+  const Drawing empty(smallDrawing());
+  const AcDbObjectPointer<AcDbBlockTableRecord> emptySpace(
+      acdbSymUtil()->blockModelSpaceId(&empty.db()));
+  AcDbExtents fresh;
+  EXPECT_EQ(fresh.addBlockExt(emptySpace.object()), Acad::eNullExtents);
+  EXPECT_TRUE(fresh.isFresh());
 }
 
 }  // namespace
