@@ -285,10 +285,10 @@ void CBreakWallAlgorithm::SplitWallLines() {
   CPieceOrder order(m_newWallLines, m_srcWallLines.size());
   CPieceMaker maker(m_wallBreakPnts, m_newWallLines);
 
-  const auto breakLine = [&](const LineAtHand& line, std::span<const std::uint32_t> near) {
+  const auto breakLine = [&](const LineAtHand& line, std::span<const std::uint32_t> endsNear) {
     WallLineLikeSeg* const pLine = m_srcWallLines[line.number];
     maker.Begin(pLine);
-    for (const std::uint32_t end : near) {
+    for (const std::uint32_t end : endsNear) {
       const std::size_t otherLine = CEndPointIndex::LineOf(end);
       const WallLineLikeSeg* const pOther = m_srcWallLines[otherLine];
       AcGePoint3d ptBreak;
@@ -303,7 +303,7 @@ void CBreakWallAlgorithm::SplitWallLines() {
   // Column by column, so that lines that meet are at hand together, and a few lines at a time:
   // what they need is read before it is used.
   std::vector<LineAtHand> atHand;
-  CEndPointIndex::CFound near;
+  CEndPointIndex::CFound found;
   for (std::size_t column = 0; column < index.ColumnCount(); ++column) {
     std::span<const CEndPointIndex::End> ends = index.EndsOfColumn(column);
     while (!ends.empty()) {
@@ -313,21 +313,21 @@ void CBreakWallAlgorithm::SplitWallLines() {
         ReadAhead(*m_srcWallLines[end.Line()]);
       }
       atHand.clear();
-      near.Clear();
+      found.Clear();
       for (const CEndPointIndex::End& start : batch) {
         if (start.IsStart()) {
           const std::size_t number = start.Line();
           LineAtHand& line =
               atHand.emplace_back(*m_srcWallLines[number], captureDistances.Of(number), number);
           if (line.toBreak.IsLongEnough()) {
-            line.nearCount = index.CollectNear(line.toBreak.GetBox(), column, number, near);
+            line.nearCount = index.CollectNear(line.toBreak.GetBox(), column, number, found);
           }
         }
       }
-      for (const std::uint32_t end : near.All()) {
+      for (const std::uint32_t end : found.All()) {
         ReadAhead(*m_srcWallLines[CEndPointIndex::LineOf(end)]);
       }
-      std::span<const std::uint32_t> left = near.All();
+      std::span<const std::uint32_t> left = found.All();
       for (const LineAtHand& line : atHand) {
         breakLine(line, left.first(line.nearCount));
         left = left.subspan(line.nearCount);

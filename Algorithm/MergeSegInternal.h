@@ -169,8 +169,8 @@ class CBreakPnts {
     bool isHeld = false;
     if (!m_points.empty()) {
       m_index->VisitNear(CCaptureBox(pt, m_equalPoint), m_index->ColumnNear(pt.x),
-                         [&](std::uint32_t near) {
-                           isHeld = m_points[CEndPointIndex::LineOf(near)].ptStart.isEqualTo(pt);
+                         [&](std::uint32_t found) {
+                           isHeld = m_points[CEndPointIndex::LineOf(found)].ptStart.isEqualTo(pt);
                            return !isHeld;
                          });
     }
@@ -324,8 +324,8 @@ class CMerger {
       ++number;
     });
     m_isAbsorbed.assign(m_srcLines.size(), 0);
-    m_index->VisitContacts(tolerance, [this](const CEndPointIndex::End& end, std::uint32_t near) {
-      m_records[end.Line()].contacts[end.number % 2] = near;
+    m_index->VisitContacts(tolerance, [this](const CEndPointIndex::End& end, std::uint32_t other) {
+      m_records[end.Line()].contacts[end.number % 2] = other;
     });
   }
 
@@ -402,8 +402,8 @@ class CMerger {
   std::uint32_t SearchOnlyTouching(const AcGePoint3d& pt, const Tolerances& tolerances) {
     const CCaptureBox box(pt, std::fmax(tolerances.pending, tolerances.finished));
     std::uint32_t only = kNobody;
-    m_index->VisitNear(box, m_index->ColumnNear(pt.x), [&](std::uint32_t near) {
-      const std::uint32_t other = Owner(near);
+    m_index->VisitNear(box, m_index->ColumnNear(pt.x), [&](std::uint32_t found) {
+      const std::uint32_t other = Owner(found);
       if (other == kNobody || other == only || !TouchesNow(pt, m_records[other], tolerances)) {
         return true;
       }

@@ -1,5 +1,6 @@
 // The mark of everything that the CAD product's platform implements and a module calls. The
-// platform's own library defines PLATFORM_BUILD; for everybody else the names are imports.
+// library that implements the platform is compiled with PLATFORM_BUILD (here the embedded host's:
+// embedded/CMakeLists.txt); for everybody else the names are imports.
 #pragma once
 
 #if defined(_WIN32)

@@ -1,6 +1,8 @@
 // AcDbObjectId: names an object of a drawing database for as long as the database lives. A
 // plain value; ids of the same object are equal. Object ids are how objects are opened
 // (acdbOpenObject) and how they point to each other.
+//
+// Exported function by function: an imported class could not define kNull here.
 #pragma once
 
 #include "acarray.h"
@@ -10,7 +12,7 @@
 struct AcDbStub;
 class AcDbDatabase;
 
-class HOST_API AcDbObjectId {
+class AcDbObjectId {
  public:
   static const AcDbObjectId kNull;
 
@@ -20,18 +22,18 @@ class HOST_API AcDbObjectId {
   constexpr bool isNull() const { return m_stub == nullptr; }
   constexpr void setNull() { m_stub = nullptr; }
   /// Whether it names an object of a database (erased ones included).
-  bool isValid() const;
+  HOST_API bool isValid() const;
   bool isResident() const { return isValid(); }
-  bool isErased() const;
+  HOST_API bool isErased() const;
   /// Whether the object, or an owner of it, is erased.
-  bool isEffectivelyErased() const;
+  HOST_API bool isEffectivelyErased() const;
   /// The null handle for the null id and where the file gives its objects none.
-  AcDbHandle handle() const;
+  HOST_API AcDbHandle handle() const;
   /// Null for the null id.
-  AcDbDatabase* database() const;
+  HOST_API AcDbDatabase* database() const;
   AcDbDatabase* originalDatabase() const { return database(); }
   /// The class that opening the object would give; null for the null id.
-  AcRxClass* objectClass() const;
+  HOST_API AcRxClass* objectClass() const;
 
   Adesk::IntDbId asOldId() const { return reinterpret_cast<Adesk::IntDbId>(m_stub); }
   AcDbObjectId& setFromOldId(Adesk::IntDbId oldId) {
@@ -53,7 +55,7 @@ class HOST_API AcDbObjectId {
   friend bool operator>=(const AcDbObjectId& a, const AcDbObjectId& b) { return !a.isBefore(b); }
 
  private:
-  bool isBefore(const AcDbObjectId& other) const;
+  HOST_API bool isBefore(const AcDbObjectId& other) const;
 
   AcDbStub* m_stub = nullptr;
 };
