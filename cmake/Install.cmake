@@ -7,18 +7,18 @@ include(CMakePackageConfigHelpers)
 set(QUOIN_HEADERS ${CMAKE_INSTALL_INCLUDEDIR}/quoin)
 set(QUOIN_PACKAGE ${CMAKE_INSTALL_LIBDIR}/cmake/Quoin)
 
-install(DIRECTORY ${CMAKE_SOURCE_DIR}/embedded/include/ DESTINATION ${QUOIN_HEADERS}/api
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/embedded/include/ DESTINATION ${QUOIN_HEADERS}/api
   FILES_MATCHING PATTERN "*.h")
 
 # Of the module's headers those go out that declare something exported, by the mark that
 # exports it, and the records that stand in exported signatures.
 set(QUOIN_RECORD_HEADERS geometry/WallLineLikeSeg.h)
-file(GLOB QUOIN_MODULE_HEADERS CONFIGURE_DEPENDS RELATIVE ${CMAKE_SOURCE_DIR}
-  ${CMAKE_SOURCE_DIR}/module/*.h ${CMAKE_SOURCE_DIR}/geometry/*.h
-  ${CMAKE_SOURCE_DIR}/Algorithm/*.h ${CMAKE_SOURCE_DIR}/Algorithm/DrawWallAlgorithm/*.h
-  ${CMAKE_SOURCE_DIR}/tools/*.h)
+file(GLOB QUOIN_MODULE_HEADERS CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
+  ${PROJECT_SOURCE_DIR}/module/*.h ${PROJECT_SOURCE_DIR}/geometry/*.h
+  ${PROJECT_SOURCE_DIR}/Algorithm/*.h ${PROJECT_SOURCE_DIR}/Algorithm/DrawWallAlgorithm/*.h
+  ${PROJECT_SOURCE_DIR}/tools/*.h)
 foreach(HEADER ${QUOIN_MODULE_HEADERS})
-  file(STRINGS ${CMAKE_SOURCE_DIR}/${HEADER} MARKS REGEX "AFX_EXT_CLASS")
+  file(STRINGS ${PROJECT_SOURCE_DIR}/${HEADER} MARKS REGEX "AFX_EXT_CLASS")
   if(MARKS OR HEADER IN_LIST QUOIN_RECORD_HEADERS)
     # The first folder is an include directory; deeper ones are part of the header's name.
     string(REGEX MATCH "^[^/]+/(.*)$" WHOLE ${HEADER})
@@ -34,7 +34,7 @@ set(INDEX 0)
 list(LENGTH QUOIN_EMBEDDED_HEADERS COUNT)
 while(INDEX LESS COUNT)
   list(GET QUOIN_EMBEDDED_HEADERS ${INDEX} HEADER)
-  file(STRINGS ${CMAKE_SOURCE_DIR}/${HEADER} LINES REGEX "^#include \"(embedded|host)/")
+  file(STRINGS ${PROJECT_SOURCE_DIR}/${HEADER} LINES REGEX "^#include \"(embedded|host)/")
   foreach(LINE ${LINES})
     string(REGEX REPLACE "^#include \"([^\"]+)\".*" "\\1" INCLUDED "${LINE}")
     list(APPEND QUOIN_EMBEDDED_HEADERS ${INCLUDED})
@@ -49,7 +49,7 @@ foreach(HEADER ${QUOIN_EMBEDDED_HEADERS})
 endforeach()
 # The platform's headers go by two names, "host/Log.h" and "Log.h", as one file.
 # The project scale is the module's own look-up and stays inside.
-install(DIRECTORY ${CMAKE_SOURCE_DIR}/host/ DESTINATION ${QUOIN_HEADERS}/host
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/host/ DESTINATION ${QUOIN_HEADERS}/host
   FILES_MATCHING PATTERN "*.h" PATTERN "ProjectScale.h" EXCLUDE)
 
 target_include_directories(quoinhost INTERFACE $<INSTALL_INTERFACE:${QUOIN_HEADERS}>)
@@ -64,30 +64,14 @@ set_target_properties(quoinframe PROPERTIES EXPORT_NAME frame)
 install(TARGETS quoinhost_api quoinhost quoin_module quoinframe EXPORT QuoinTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   OBJECTS DESTINATION ${CMAKE_INSTALL_LIBDIR}/quoin)
-foreach(TARGET quoin_app quoin_commands)
-  if(TARGET ${TARGET})
-    install(TARGETS ${TARGET}
-      RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-  endif()
-endforeach()
+install(TARGETS quoin_app quoin_commands
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(EXPORT QuoinTargets NAMESPACE Quoin:: DESTINATION ${QUOIN_PACKAGE})
 
-configure_package_config_file(${CMAKE_SOURCE_DIR}/cmake/QuoinConfig.cmake.in
-  ${CMAKE_BINARY_DIR}/QuoinConfig.cmake INSTALL_DESTINATION ${QUOIN_PACKAGE}
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/QuoinConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/QuoinConfig.cmake INSTALL_DESTINATION ${QUOIN_PACKAGE}
   PATH_VARS QUOIN_HEADERS)
-write_basic_package_version_file(${CMAKE_BINARY_DIR}/QuoinConfigVersion.cmake
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/QuoinConfigVersion.cmake
   COMPATIBILITY SameMinorVersion)
-install(FILES ${CMAKE_BINARY_DIR}/QuoinConfig.cmake ${CMAKE_BINARY_DIR}/QuoinConfigVersion.cmake
+install(FILES ${PROJECT_BINARY_DIR}/QuoinConfig.cmake ${PROJECT_BINARY_DIR}/QuoinConfigVersion.cmake
   DESTINATION ${QUOIN_PACKAGE})
-
-if(QUOIN_TESTS AND TARGET quoin_app)
-  if(QUOIN_SANITIZE)
-    set(CONSUMER_FLAGS "-fsanitize=address,undefined")
-  endif()
-  add_test(NAME install.consumer COMMAND ${CMAKE_COMMAND}
-    -DBUILD=${CMAKE_BINARY_DIR} -DWORK=${CMAKE_BINARY_DIR}/consumer
-    -DSOURCE=${CMAKE_SOURCE_DIR}/tests/consumer -DGENERATOR=${CMAKE_GENERATOR}
-    -DCXX=${CMAKE_CXX_COMPILER} -DFLAGS=${CONSUMER_FLAGS} -DBUILD_TYPE=${CMAKE_BUILD_TYPE}
-    -P ${CMAKE_SOURCE_DIR}/tests/consumer/run.cmake)
-  set_tests_properties(install.consumer PROPERTIES LABELS install)
-endif()

@@ -1,6 +1,6 @@
 # The manual page and what shells complete command lines with: the program prints them from the
 # declarations of its commands, so that they are those of the program that is installed.
-set(QUOIN_SELF_MADE ${CMAKE_BINARY_DIR})
+set(QUOIN_SELF_MADE ${PROJECT_BINARY_DIR})
 
 # quoin_self_made(<file> <folder> <words...>): what `quoin WORDS` prints, installed as folder/file.
 function(quoin_self_made FILE FOLDER)

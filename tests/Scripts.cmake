@@ -1,7 +1,7 @@
 # The checks of the tree and of written drawings as tests. They run in Debian's python3 with
 # its ezdxf, wherever another python3 may stand.
 set(QUOIN_PYTHON /usr/bin/python3)
-set(QUOIN_SCRIPTS ${CMAKE_SOURCE_DIR}/scripts)
+set(QUOIN_SCRIPTS ${PROJECT_SOURCE_DIR}/scripts)
 
 add_test(NAME tree.includes.self_test
   COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/check_includes.py --self-test)
@@ -14,33 +14,32 @@ add_test(NAME examples.audit.self_test
   COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/audit_drawings.py --self-test)
 add_test(NAME examples.damage.self_test
   COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/damage_drawings.py --self-test)
-if(TARGET quoin_app)
-  # A few of the damaged drawings that `./dev damage` tries by the hundred.
-  add_test(NAME examples.damage COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/damage_drawings.py
-    --quoin $<TARGET_FILE:quoin_app> --count 8 ${CMAKE_SOURCE_DIR}/tests/fuzz/corpus)
-  add_test(NAME examples.audit COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/audit_drawings.py
-    --quoin $<TARGET_FILE:quoin_app> ${CMAKE_SOURCE_DIR}/examples)
-endif()
+# A few of the damaged drawings that `./dev damage` tries by the hundred.
+add_test(NAME examples.damage COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/damage_drawings.py
+  --quoin $<TARGET_FILE:quoin_app> --count 8 ${PROJECT_SOURCE_DIR}/tests/fuzz/corpus)
+add_test(NAME examples.audit COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/audit_drawings.py
+  --quoin $<TARGET_FILE:quoin_app> ${PROJECT_SOURCE_DIR}/examples)
 
 # What is built and what is installed: where it looks for libraries, and how it is hardened. The
 # sanitizers have their own flags; only an optimising build has checked library functions.
 add_test(NAME binaries.self_test
   COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/check_binaries.py --self-test)
-if(TARGET quoin_app)
-  set(BINARY_CHECKS)
-  if(NOT QUOIN_SANITIZE)
-    list(APPEND BINARY_CHECKS --hardened)
-    if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
-      list(APPEND BINARY_CHECKS --fortified)
-    endif()
+set(BINARY_CHECKS)
+if(NOT QUOIN_SANITIZE)
+  list(APPEND BINARY_CHECKS --hardened)
+  if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+    list(APPEND BINARY_CHECKS --fortified)
   endif()
-  add_test(NAME binaries.built COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/check_binaries.py
-    ${BINARY_CHECKS} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY} ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}
-    ${CMAKE_BINARY_DIR}/test_modules)
+endif()
+add_test(NAME binaries.built COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/check_binaries.py
+  ${BINARY_CHECKS} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY} ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}
+  ${PROJECT_BINARY_DIR}/test_modules)
+set_tests_properties(binaries.built PROPERTIES LABELS install)
+if(QUOIN_INSTALL)
   list(JOIN BINARY_CHECKS " " BINARY_CHECKS)
   add_test(NAME binaries.installed COMMAND ${CMAKE_COMMAND}
-    -DBUILD=${CMAKE_BINARY_DIR} -DSOURCE=${CMAKE_SOURCE_DIR} -DWORK=${CMAKE_BINARY_DIR}/installed
+    -DBUILD=${PROJECT_BINARY_DIR} -DSOURCE=${PROJECT_SOURCE_DIR} -DWORK=${PROJECT_BINARY_DIR}/installed
     -DPYTHON=${QUOIN_PYTHON} -DCHECKS=${BINARY_CHECKS} -DCXX=${CMAKE_CXX_COMPILER}
-    -P ${CMAKE_SOURCE_DIR}/tests/installed/run.cmake)
-  set_tests_properties(binaries.built binaries.installed PROPERTIES LABELS install)
+    -P ${PROJECT_SOURCE_DIR}/tests/installed/run.cmake)
+  set_tests_properties(binaries.installed PROPERTIES LABELS install)
 endif()
