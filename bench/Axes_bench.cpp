@@ -9,6 +9,12 @@
 namespace quoin::bench {
 namespace {
 
+/// Plain axes, and what is left of them.
+struct Cut {
+  std::vector<Line> lines;
+  std::vector<Line> cut;
+};
+
 auto algorithmFor(std::size_t size) {
   auto algorithm = std::make_unique<AxisLineCutAlg>();
   for (const Line& line : axes(static_cast<int>(size))) {
@@ -18,15 +24,23 @@ auto algorithmFor(std::size_t size) {
   return algorithm;
 }
 auto linesFor(std::size_t size) {
-  return std::make_unique<std::vector<Line>>(axes(static_cast<int>(size)));
+  return std::make_unique<Cut>(Cut{axes(static_cast<int>(size)), {}});
 }
 
-std::size_t cutByModule(AxisLineCutAlg& algorithm) {
+void cutByModule(AxisLineCutAlg& algorithm) {
   algorithm.CutAxisLines();
-  return algorithm.GetDestAxisLines().size();
+}
+Found foundByModule(AxisLineCutAlg& algorithm) {
+  Found found;
+  for (const AxisLikeLineSeg* line : algorithm.GetDestAxisLines()) {
+    found.count += 1.0;
+    found.sum += line->ptStart.distanceTo(line->ptEnd);
+  }
+  return found;
 }
 
-std::size_t cutByPairs(const std::vector<Line>& lines) {
+void cutByPairs(Cut& axes) {
+  const std::vector<Line>& lines = axes.lines;
   struct Range {
     double first = 2.0;
     double last = -1.0;
@@ -58,7 +72,7 @@ std::size_t cutByPairs(const std::vector<Line>& lines) {
       }
     }
   }
-  std::vector<Line> cut;
+  std::vector<Line>& cut = axes.cut;
   cut.reserve(lines.size());
   for (std::size_t i = 0; i < lines.size(); ++i) {
     const Line& a = lines[i];
@@ -68,16 +82,24 @@ std::size_t cutByPairs(const std::vector<Line>& lines) {
     cut.push_back({a.x0 + ax * range.first, a.y0 + ay * range.first, a.x0 + ax * range.last,
                    a.y0 + ay * range.last});
   }
-  benchmark::DoNotOptimize(cut.data());
-  return cut.size();
+}
+Found foundByPairs(const Cut& axes) {
+  Found found;
+  for (const Line& line : axes.cut) {
+    found.count += 1.0;
+    found.sum += lengthOf(line);
+  }
+  return found;
 }
 
 }  // namespace
 
 void registerAxes() {
   for (const std::size_t size : {100u, 300u, 1000u}) {
-    measure("axes", "ours", size, algorithmFor, cutByModule);
-    measure("axes", "pairs", size, linesFor, cutByPairs, 20);
+    Row("axes", size)
+        .form("ours", algorithmFor, cutByModule, foundByModule)
+        .form("pairs", linesFor, cutByPairs, foundByPairs)
+        .add();
   }
 }
 

@@ -36,12 +36,26 @@ auto algorithmFor(std::size_t size) {
   return algorithm;
 }
 
-std::size_t breakByModule(CBreakWallAlgorithm& algorithm) {
+void breakByModule(CBreakWallAlgorithm& algorithm) {
   algorithm.SplitWallLines();
-  return algorithm.GetNewWallLines().size();
+}
+Found foundByModule(CBreakWallAlgorithm& algorithm) {
+  Found found;
+  for (const WallLineLikeSeg* piece : algorithm.GetNewWallLines()) {
+    found.count += 1.0;
+    found.sum += piece->ptStart.distanceTo(piece->ptEnd);
+  }
+  return found;
 }
 
-std::size_t breakByTree(const Lines& lines) {
+/// Plain lines, and the pieces that they are cut into.
+struct Broken {
+  Lines lines;
+  Lines pieces;
+};
+
+void breakByTree(Broken& broken) {
+  const Lines& lines = broken.lines;
   std::vector<Entry> entries;
   entries.reserve(2 * lines.size());
   for (std::uint32_t i = 0; i < lines.size(); ++i) {
@@ -49,7 +63,7 @@ std::size_t breakByTree(const Lines& lines) {
     entries.emplace_back(Point(lines[i].x1, lines[i].y1), 2 * i + 1);
   }
   const bg::index::rtree<Entry, bg::index::rstar<16>> tree(entries);  // bulk loaded
-  std::vector<Line> pieces;
+  Lines& pieces = broken.pieces;
   std::vector<Entry> near;
   std::vector<double> cuts;
   for (std::uint32_t i = 0; i < lines.size(); ++i) {
@@ -94,35 +108,47 @@ std::size_t breakByTree(const Lines& lines) {
       last = at;
     }
   }
-  benchmark::DoNotOptimize(pieces.data());
-  return pieces.size();
+}
+Found foundByTree(const Broken& broken) {
+  Found found;
+  for (const Line& piece : broken.pieces) {
+    found.count += 1.0;
+    found.sum += lengthOf(piece);
+  }
+  return found;
 }
 
-std::size_t uniteByGeos(const Lines& lines) {
+/// Cuts where lines cross and nowhere else, so that it finds other pieces.
+void uniteByGeos(const Broken& broken) {
   const GeosContext context;
-  return context.countOf(GEOSUnaryUnion_r(context.handle(), context.multiLine(lines).get()));
+  context.countOf(GEOSUnaryUnion_r(context.handle(), context.multiLine(broken.lines).get()));
 }
 
 Lines shuffledCity(std::size_t size) {
   return city(size);
 }
 auto linesFor(std::size_t size) {
-  return std::make_unique<Lines>(city(size));
+  return std::make_unique<Broken>(Broken{city(size), {}});
 }
 
 }  // namespace
 
 void registerBreak() {
   for (const std::size_t size : {10000u, 100000u, 1000000u}) {
-    measure("break", "ours", size, algorithmFor<shuffledCity>, breakByModule);
-    measure("break", "rtree", size, linesFor, breakByTree);
+    Row row("break", size);
+    row.form("ours", algorithmFor<shuffledCity>, breakByModule, foundByModule);
+    row.form("rtree", linesFor, breakByTree, foundByTree);
+    row.add();
   }
-  measure("break", "union", 100000, linesFor, uniteByGeos, 1);
+  Row("break-union", 100000, 5)
+      .form("ours", algorithmFor<shuffledCity>, breakByModule)
+      .form("union", linesFor, uniteByGeos)
+      .add();
   for (const std::size_t size : {10000u, 100000u, 1000000u}) {
-    measure("break-crowd", "ours", size, algorithmFor<crowd>, breakByModule);
-    measure("break-city-wall", "ours", size, algorithmFor<cityWall>, breakByModule);
-    measure("break-far-out", "ours", size, algorithmFor<farCity>, breakByModule);
-    measure("break-one-line", "ours", size, algorithmFor<oneLine>, breakByModule);
+    Row("break-crowd", size).form("ours", algorithmFor<crowd>, breakByModule).add();
+    Row("break-city-wall", size).form("ours", algorithmFor<cityWall>, breakByModule).add();
+    Row("break-far-out", size).form("ours", algorithmFor<farCity>, breakByModule).add();
+    Row("break-one-line", size).form("ours", algorithmFor<oneLine>, breakByModule).add();
   }
 }
 

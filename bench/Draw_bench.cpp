@@ -18,7 +18,7 @@ constexpr double kCapture = 10.0;
 
 /// More than usual: an iteration takes no time beside making the records.
 int framesFor(std::size_t size) {
-  return size > 100000 ? 10 : size > 10000 ? 100 : 300;
+  return size > 100000 ? 11 : size > 10000 ? 51 : 151;
 }
 
 /// The city's records, each allocated by itself, and pointers to them in another order if wanted.
@@ -56,13 +56,12 @@ auto recordsFor(std::size_t size, bool shuffled, bool isFirst) {
 }
 
 template <class Record>
-std::size_t touchAll(const Records<Record>& records) {
+void touchAll(const Records<Record>& records) {
   double sum = 0.0;
   for (const Record* record : records.pointers) {
     sum += (record->ptStart.x + record->ptStart.y) + (record->ptEnd.x + record->ptEnd.y);
   }
   benchmark::DoNotOptimize(sum);
-  return records.pointers.size();
 }
 
 /// The distance of two segments that have a length (C. Ericson, Real-Time Collision Detection,
@@ -90,7 +89,22 @@ double distanceBetween(const AcGePoint3d& start1, const AcGePoint3d& end1,
   return (start1 + along1 * share1).distanceTo(start2 + along2 * share2);
 }
 
-std::size_t compareBoxes(const Records<WallLineLikeSeg>& records) {
+/// Records, and those that the new line meets.
+struct Scan {
+  explicit Scan(std::size_t size, bool shuffled) : records(size, shuffled) {}
+  Records<WallLineLikeSeg> records;
+  std::vector<const WallLineLikeSeg*> near;
+};
+auto scanFor(std::size_t size, bool shuffled, bool isFirst) {
+  auto scan = std::make_unique<Scan>(size, shuffled);
+  if (isFirst) {
+    dropFromCaches(scan->records.pointers);
+  }
+  return scan;
+}
+
+void compareBoxes(Scan& scan) {
+  const Records<WallLineLikeSeg>& records = scan.records;
   const Line line = dragged(records.pointers.size(), 0);
   const double minX = std::min(line.x0, line.x1) - kCapture;
   const double maxX = std::max(line.x0, line.x1) + kCapture;
@@ -98,17 +112,23 @@ std::size_t compareBoxes(const Records<WallLineLikeSeg>& records) {
   const double maxY = std::max(line.y0, line.y1) + kCapture;
   const AcGePoint3d start(line.x0, line.y0, 0.0);
   const AcGePoint3d end(line.x1, line.y1, 0.0);
-  std::vector<const WallLineLikeSeg*> near;
   for (const WallLineLikeSeg* record : records.pointers) {
     if (std::min(record->ptStart.x, record->ptEnd.x) <= maxX &&
         std::max(record->ptStart.x, record->ptEnd.x) >= minX &&
         std::min(record->ptStart.y, record->ptEnd.y) <= maxY &&
         std::max(record->ptStart.y, record->ptEnd.y) >= minY &&
         distanceBetween(start, end, record->ptStart, record->ptEnd) < kCapture) {
-      near.push_back(record);
+      scan.near.push_back(record);
     }
   }
-  return near.size();
+}
+Found foundByBoxes(const Scan& scan) {
+  Found found;
+  for (const WallLineLikeSeg* record : scan.near) {
+    found.count += 1.0;
+    found.sum += record->ptStart.x + record->ptStart.y;
+  }
+  return found;
 }
 
 struct Drawing {
@@ -140,11 +160,19 @@ auto drawingFor(std::size_t size, bool shuffled, bool isFirst) {
   return drawing;
 }
 
-std::size_t draw(Drawing& drawing) {
+void draw(Drawing& drawing) {
   const Line& line = drawing.line;
   drawing.algorithm.CalcNewWallLine(AcGePoint3d(line.x0, line.y0, 0.0),
                                     AcGePoint3d(line.x1, line.y1, 0.0));
-  return drawing.algorithm.GetSrcModifyiedWallLines().size();
+}
+/// Cut lines keep their start.
+Found foundByModule(Drawing& drawing) {
+  Found found;
+  for (const WallLineLikeSeg* record : drawing.algorithm.GetSrcModifyiedWallLines()) {
+    found.count += 1.0;
+    found.sum += record->ptStart.x + record->ptStart.y;
+  }
+  return found;
 }
 
 auto showFor(std::size_t size, bool isFirst) {
@@ -160,13 +188,11 @@ auto showFor(std::size_t size, bool isFirst) {
   }
   return algorithm;
 }
-std::size_t showInPlan(CShowWallLikeAlgorithm& algorithm) {
+void showInPlan(CShowWallLikeAlgorithm& algorithm) {
   algorithm.CalcShowWall();
-  return algorithm.GetAllWallRect().size();
 }
-std::size_t showFor3d(CShowWallLikeAlgorithm& algorithm) {
+void showFor3d(CShowWallLikeAlgorithm& algorithm) {
   benchmark::DoNotOptimize(algorithm.CalcShowWallPrepareFor3d());
-  return algorithm.GetAllWallRect().size();
 }
 
 }  // namespace
@@ -177,14 +203,16 @@ void registerDraw() {
       const std::string workload =
           std::string(shuffled ? "draw-shuffled" : "draw-ordered") + (isFirst ? "" : "-again");
       const auto drawing = [=](std::size_t size) { return drawingFor(size, shuffled, isFirst); };
+      const auto scan = [=](std::size_t size) { return scanFor(size, shuffled, isFirst); };
       const auto records = [=](std::size_t size) {
         return recordsFor<WallLineLikeSeg>(size, shuffled, isFirst);
       };
       for (const std::size_t size : {10000u, 100000u, 1000000u}) {
-        const int iterations = framesFor(size);
-        measure(workload, "ours", size, drawing, draw, iterations);
-        measure(workload, "boxes", size, records, compareBoxes, iterations);
-        measure(workload, "touch", size, records, touchAll<WallLineLikeSeg>, iterations);
+        Row(workload, size, framesFor(size))
+            .form("ours", drawing, draw, foundByModule)
+            .form("boxes", scan, compareBoxes, foundByBoxes)
+            .form("touch", records, touchAll<WallLineLikeSeg>)
+            .add();
       }
     }
   }
@@ -198,10 +226,11 @@ void registerShow() {
       return recordsFor<WallEntityLikeRect>(size, true, isFirst);
     };
     for (const std::size_t size : {10000u, 100000u, 1000000u}) {
-      const int iterations = framesFor(size);
-      measure(workload, "ours", size, walls, showInPlan, iterations);
-      measure(workload, "for-3d", size, walls, showFor3d, iterations);
-      measure(workload, "touch", size, records, touchAll<WallEntityLikeRect>, iterations);
+      Row(workload, size, framesFor(size))
+          .form("ours", walls, showInPlan)
+          .form("touch", records, touchAll<WallEntityLikeRect>)
+          .add();
+      Row(workload + "-for-3d", size, framesFor(size)).form("ours", walls, showFor3d).add();
     }
   }
 }

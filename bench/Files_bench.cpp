@@ -6,6 +6,8 @@
 #include <dime/Input.h>
 #include <dime/Model.h>
 #include <dime/Output.h>
+#include <dime/sections/EntitiesSection.h>
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -134,45 +136,85 @@ auto changed(std::size_t size) {
   return target;
 }
 
-std::size_t save(Target& target) {
+void save(Target& target) {
   if (target.database->saveAs(target.file.wstring().c_str()) != Acad::eOk) {
     throw std::runtime_error("cannot write " + target.file.string());
   }
-  return fs::file_size(target.file);
 }
 
-std::size_t loadByModule(const fs::path& path) {
-  return load(path) != nullptr ? fs::file_size(path) : 0;
-}
-std::size_t loadByDime(const fs::path& path) {
-  dimeInput input;
-  dimeModel model;
-  if (!input.setFile(path.c_str()) || !model.read(&input)) {
-    throw std::runtime_error("dime cannot read " + path.string());
+/// How many lines a file holds.
+Found linesIn(const fs::path& path) {
+  std::ifstream input(path, std::ios::binary);
+  std::string code;
+  std::string value;
+  Found found;
+  while (std::getline(input, code) && std::getline(input, value)) {
+    if (code.find_first_not_of(" 0\r") == std::string::npos && value.starts_with("LINE")) {
+      found.count += 1.0;
+    }
   }
-  return fs::file_size(path);
+  return found;
+}
+Found linesWritten(const Target& target) {
+  return linesIn(target.file);
+}
+Found bytesWritten(const Target& target) {
+  return {static_cast<double>(fs::file_size(target.file)), 0.0};
+}
+
+void loadByModule(Target& target) {
+  target.database = load(target.file);
+}
+Found linesLoaded(const Target& target) {
+  AcDbBlockTable* blocks = nullptr;
+  AcDbBlockTableRecord* space = nullptr;
+  target.database->getBlockTable(blocks, AcDb::kForRead);
+  blocks->getAt(ACDB_MODEL_SPACE, space, AcDb::kForRead);
+  blocks->close();
+  AcDbBlockTableRecordIterator* made = nullptr;
+  space->newIterator(made);
+  space->close();
+  const std::unique_ptr<AcDbBlockTableRecordIterator> iterator(made);
+  Found found;
+  for (; !iterator->done(); iterator->step()) {
+    found.count += 1.0;
+  }
+  return found;
 }
 
 struct DimeTarget {
   dimeModel model;
+  fs::path file;
 };
-auto readByDime(std::size_t size) {
+auto dimeTargetFor(std::size_t size) {
   auto target = std::make_unique<DimeTarget>();
-  dimeInput input;
-  if (!input.setFile(drawingOf(size).c_str()) || !target->model.read(&input)) {
-    throw std::runtime_error("dime cannot read");
-  }
+  target->file = drawingOf(size);
   return target;
 }
-std::size_t saveByDime(DimeTarget& target) {
-  const fs::path file = folder().file("dime.dxf");
-  {
-    dimeOutput output;
-    if (!output.setFilename(file.c_str()) || !target.model.write(&output)) {
-      throw std::runtime_error("dime cannot write");
-    }
+void loadByDime(DimeTarget& target) {
+  dimeInput input;
+  if (!input.setFile(target.file.c_str()) || !target.model.read(&input)) {
+    throw std::runtime_error("dime cannot read " + target.file.string());
   }
-  return fs::file_size(file);
+}
+Found linesLoadedByDime(DimeTarget& target) {
+  auto* const entities = static_cast<dimeEntitiesSection*>(target.model.findSection("ENTITIES"));
+  return {static_cast<double>(entities->getNumEntities()), 0.0};
+}
+auto readByDime(std::size_t size) {
+  auto target = dimeTargetFor(size);
+  loadByDime(*target);
+  target->file = folder().file("dime.dxf");
+  return target;
+}
+void saveByDime(DimeTarget& target) {
+  dimeOutput output;
+  if (!output.setFilename(target.file.c_str()) || !target.model.write(&output)) {
+    throw std::runtime_error("dime cannot write");
+  }
+}
+Found linesWrittenByDime(const DimeTarget& target) {
+  return linesIn(target.file);
 }
 
 auto bytesOf(std::size_t size) {
@@ -180,7 +222,7 @@ auto bytesOf(std::size_t size) {
   return std::make_unique<std::string>(std::istreambuf_iterator<char>(input),
                                        std::istreambuf_iterator<char>());
 }
-std::size_t writeBytes(const std::string& bytes, bool synchronised) {
+void writeBytes(const std::string& bytes, bool synchronised) {
   const fs::path file = folder().file("plain.dxf");
   const int handle = ::open(file.c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, 0644);
   std::size_t done = 0;
@@ -195,37 +237,47 @@ std::size_t writeBytes(const std::string& bytes, bool synchronised) {
     ::fsync(handle);
   }
   ::close(handle);
-  return done;
 }
-std::size_t writePlainly(const std::string& bytes) {
-  return writeBytes(bytes, false);
+void writePlainly(const std::string& bytes) {
+  writeBytes(bytes, false);
 }
-std::size_t writeSafely(const std::string& bytes) {
-  return writeBytes(bytes, true);
+void writeSafely(const std::string& bytes) {
+  writeBytes(bytes, true);
+}
+Found bytesOfPlain(const std::string& bytes) {
+  return {static_cast<double>(bytes.size()), 0.0};
 }
 /// How quickly the ends of the lines in a file can be found at all.
-std::size_t scanLines(const std::string& bytes) {
-  return static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), '\n'));
+void scanLines(const std::string& bytes) {
+  benchmark::DoNotOptimize(std::count(bytes.begin(), bytes.end(), '\n'));
 }
 
-auto pathOf(std::size_t size) {
-  return std::make_unique<fs::path>(drawingOf(size));
+auto fileOf(std::size_t size) {
+  auto target = std::make_unique<Target>();
+  target->file = drawingOf(size);
+  return target;
 }
 
 }  // namespace
 
 void registerFiles() {
   for (const std::size_t size : {10000u, 100000u, 1000000u}) {
-    measure("load", "ours", size, pathOf, loadByModule, size > 100000 ? 6 : 0);
-    measure("load", "dime", size, pathOf, loadByDime, size > 100000 ? 1 : 3);
-    measure("load", "scan", size, bytesOf, scanLines);
-    measure("save-changed", "ours", size, changed, save, 3);
-    measure("save-changed", "dime", size, readByDime, saveByDime, size > 100000 ? 1 : 3);
+    const int rounds = size > 10000 ? 5 : 15;
+    Row("load", size, rounds)
+        .form("ours", fileOf, loadByModule, linesLoaded)
+        .form("dime", dimeTargetFor, loadByDime, linesLoadedByDime)
+        .form("scan", bytesOf, scanLines)
+        .add();
+    Row("save-changed", size, rounds)
+        .form("ours", changed, save, linesWritten)
+        .form("dime", readByDime, saveByDime, linesWrittenByDime)
+        .add();
     // Often, as long as that is quick: how long the disk takes varies most of all.
-    const int writes = size > 100000 ? 5 : 30;
-    measure("save-untouched", "ours", size, untouched, save, writes);
-    measure("save-untouched", "write-fsync", size, bytesOf, writeSafely, writes);
-    measure("save-untouched", "write", size, bytesOf, writePlainly, writes);
+    Row("save-untouched", size, size > 100000 ? 5 : 31)
+        .form("ours", untouched, save, bytesWritten)
+        .form("write-fsync", bytesOf, writeSafely, bytesOfPlain)
+        .form("write", bytesOf, writePlainly, bytesOfPlain)
+        .add();
   }
 }
 

@@ -20,7 +20,7 @@ class GeosContext {
   GEOSContextHandle_t handle() const { return m_handle; }
 
   struct Delete {
-    GEOSContextHandle_t handle;
+    GEOSContextHandle_t handle = nullptr;
     void operator()(GEOSGeometry* geometry) const { GEOSGeom_destroy_r(handle, geometry); }
   };
   using Owned = std::unique_ptr<GEOSGeometry, Delete>;

@@ -1,5 +1,6 @@
 // Merging the fragments of chains. Peer: GEOS's line merge, its input built from the same numbers.
 #include <memory>
+#include <utility>
 
 #include "MergeGougeAlgorithm.h"
 #include "MergeWallAlgorithm.h"
@@ -12,6 +13,14 @@ namespace quoin::bench {
 namespace {
 
 using Lines = std::vector<Line>;
+
+/// Plain lines, and what they are merged into.
+struct Joined {
+  explicit Joined(Lines chains) : lines(std::move(chains)) {}
+  GeosContext context;
+  Lines lines;
+  GeosContext::Owned merged;
+};
 
 template <class Record>
 Record* recordOf(const Line& line) {
@@ -37,33 +46,49 @@ auto gougesFor(std::size_t size) {
   return algorithm;
 }
 auto linesFor(std::size_t size) {
-  return std::make_unique<Lines>(chains(size));
+  return std::make_unique<Joined>(chains(size));
 }
 
-std::size_t mergeWalls(CMergeWallAlgorithm& algorithm) {
+void mergeWalls(CMergeWallAlgorithm& algorithm) {
   algorithm.MergeWallLines();
-  return algorithm.GetMergeWallLines().size();
 }
-std::size_t mergeGouges(CMergeGougeAlgorithm& algorithm) {
+Found foundByModule(CMergeWallAlgorithm& algorithm) {
+  Found found;
+  for (const MergeWallSeg* line : algorithm.GetMergeWallLines()) {
+    found.count += 1.0;
+    found.sum += line->ptStart.distanceTo(line->ptEnd);
+  }
+  return found;
+}
+void mergeGouges(CMergeGougeAlgorithm& algorithm) {
   algorithm.MergeGougeLines();
-  return algorithm.GetMergeGougeLines().size();
 }
-std::size_t mergeByGeos(const Lines& lines) {
-  const GeosContext context;
-  return context.countOf(GEOSLineMerge_r(context.handle(), context.multiLine(lines).get()));
+void mergeByGeos(Joined& joined) {
+  const GeosContext& context = joined.context;
+  joined.merged =
+      context.own(GEOSLineMerge_r(context.handle(), context.multiLine(joined.lines).get()));
+}
+Found foundByGeos(const Joined& joined) {
+  const GEOSContextHandle_t handle = joined.context.handle();
+  Found found;
+  GEOSLength_r(handle, joined.merged.get(), &found.sum);
+  found.count = GEOSGetNumGeometries_r(handle, joined.merged.get());
+  return found;
 }
 
 }  // namespace
 
 void registerMerge() {
   for (const std::size_t size : {10000u, 100000u, 1000000u}) {
-    measure("merge", "ours", size, wallsFor<chains>, mergeWalls);
-    measure("merge", "gouges", size, gougesFor, mergeGouges);
-    measure("merge", "linemerge", size, linesFor, mergeByGeos, size > 100000 ? 1 : 0);
+    Row("merge", size)
+        .form("ours", wallsFor<chains>, mergeWalls, foundByModule)
+        .form("linemerge", linesFor, mergeByGeos, foundByGeos)
+        .add();
+    Row("merge-gouges", size).form("ours", gougesFor, mergeGouges).add();
   }
   for (const std::size_t size : {10000u, 100000u, 1000000u}) {
-    measure("merge-crowd", "ours", size, wallsFor<crowd>, mergeWalls);
-    measure("merge-one-line", "ours", size, wallsFor<oneLine>, mergeWalls);
+    Row("merge-crowd", size).form("ours", wallsFor<crowd>, mergeWalls).add();
+    Row("merge-one-line", size).form("ours", wallsFor<oneLine>, mergeWalls).add();
   }
 }
 

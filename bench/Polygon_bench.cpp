@@ -1,5 +1,6 @@
 // Intersecting star-shaped polygons whose outlines cross at few edges or at nearly all. Peer:
 // GEOS's intersection of the same numbers.
+#include <cmath>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -31,20 +32,35 @@ struct Outlines {
   GeosContext context;
   std::vector<std::pair<double, double>> first;
   std::vector<std::pair<double, double>> second;
+  GeosContext::Owned result;
 };
 
-std::size_t intersectByModule(Polygons& polygons) {
+void intersectByModule(Polygons& polygons) {
   bool intersects = false;
   polygons.first.IntersectWith(polygons.second, intersects);
-  return polygons.first.GetPolygonVertextArray().size();
 }
-std::size_t intersectByGeos(Outlines& outlines) {
+Found foundByModule(Polygons& polygons) {
+  const std::vector<AcGePoint3d>& points = polygons.first.GetPolygonVertextArray();
+  Found found{static_cast<double>(points.size()), 0.0};
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const AcGePoint3d& next = points[(i + 1) % points.size()];
+    found.sum += 0.5 * (points[i].x * next.y - next.x * points[i].y);
+  }
+  found.sum = std::abs(found.sum);
+  return found;
+}
+void intersectByGeos(Outlines& outlines) {
   const GeosContext& context = outlines.context;
   const GeosContext::Owned first = context.polygon(outlines.first);
   const GeosContext::Owned second = context.polygon(outlines.second);
-  const GeosContext::Owned result =
-      context.own(GEOSIntersection_r(context.handle(), first.get(), second.get()));
-  return static_cast<std::size_t>(GEOSGetNumCoordinates_r(context.handle(), result.get())) - 1;
+  outlines.result = context.own(GEOSIntersection_r(context.handle(), first.get(), second.get()));
+}
+Found foundByGeos(const Outlines& outlines) {
+  const GEOSContextHandle_t handle = outlines.context.handle();
+  Found found;
+  GEOSArea_r(handle, outlines.result.get(), &found.sum);
+  found.count = GEOSGetNumCoordinates_r(handle, outlines.result.get()) - 1.0;
+  return found;
 }
 
 }  // namespace
@@ -53,14 +69,16 @@ void registerPolygon() {
   for (const bool sameCentre : {false, true}) {
     const std::string workload = sameCentre ? "polygon-many-crossings" : "polygon-few-crossings";
     for (const std::size_t edges : {10u, 1000u, 100000u}) {
-      measure(
-          workload, "ours", edges,
-          [=](std::size_t size) { return std::make_unique<Polygons>(size, sameCentre); },
-          intersectByModule, edges > 1000 ? 20 : 100);
-      measure(
-          workload, "intersection", edges,
-          [=](std::size_t size) { return std::make_unique<Outlines>(size, sameCentre); },
-          intersectByGeos, edges > 1000 ? 20 : 100);
+      const auto polygons = [=](std::size_t size) {
+        return std::make_unique<Polygons>(size, sameCentre);
+      };
+      const auto outlines = [=](std::size_t size) {
+        return std::make_unique<Outlines>(size, sameCentre);
+      };
+      Row(workload, edges)
+          .form("ours", polygons, intersectByModule, foundByModule)
+          .form("intersection", outlines, intersectByGeos, foundByGeos)
+          .add();
     }
   }
 }

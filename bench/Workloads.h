@@ -41,6 +41,10 @@ struct Line {
   double y1;
 };
 
+inline double lengthOf(const Line& line) {
+  return std::hypot(line.x1 - line.x0, line.y1 - line.y0);
+}
+
 inline void flipSome(std::vector<Line>& lines, Random& random) {
   for (Line& line : lines) {
     if (random.next() & 1u) {
@@ -60,7 +64,7 @@ void shuffle(std::vector<Value>& values, Random& random) {
 constexpr double kPlot = 50000.0;  // from building to building, and from chain to chain
 
 /// Wall lines of a city: buildings of six strips between seven long walls, with rooms whose walls
-/// end on the long ones. Every fourth building stands at an angle. In random sense and, if
+/// end on the long ones. Every fourth building stands at an angle. In random direction and, if
 /// `shuffled`, in random order.
 inline std::vector<Line> city(std::size_t count, bool shuffled = true) {
   constexpr std::size_t kLinesPerBuilding = 39;
@@ -105,7 +109,7 @@ inline std::vector<Line> city(std::size_t count, bool shuffled = true) {
 }
 
 /// Chains of 4 to 40 collinear fragments that share their ends bit for bit, in random order and
-/// sense; three of four run level or upright.
+/// direction; three of four are horizontal or vertical.
 inline std::vector<Line> chains(std::size_t count) {
   Random random;
   std::vector<Line> lines;
@@ -116,11 +120,11 @@ inline std::vector<Line> chains(std::size_t count) {
     const std::size_t fragments = 4 + random.below(37);
     const double originX = static_cast<double>(chain % side) * kPlot;
     const double originY = static_cast<double>(chain / side) * kPlot;
-    const bool upright = (random.next() & 1u) != 0;
+    const bool isVertical = (random.next() & 1u) != 0;
     const double angleRad = random.between(0.0, std::numbers::pi);
     const bool straight = chain % 4 < 3;
-    const double c = straight ? (upright ? 0.0 : 1.0) : std::cos(angleRad);
-    const double s = straight ? (upright ? 1.0 : 0.0) : std::sin(angleRad);
+    const double c = straight ? (isVertical ? 0.0 : 1.0) : std::cos(angleRad);
+    const double s = straight ? (isVertical ? 1.0 : 0.0) : std::sin(angleRad);
     double from = 0.0;
     for (std::size_t i = 0; i < fragments && lines.size() < count; ++i) {
       const double to = from + random.between(200.0, 1000.0);
@@ -143,11 +147,11 @@ inline Line dragged(std::size_t cityLines, int frame) {
   return {x, y, x + 6000.0 * std::cos(angleRad), y + 6000.0 * std::sin(angleRad)};
 }
 
-/// `count` level axes and as many upright ones that cross them; one in eight starts half-way.
+/// `count` horizontal axes and as many vertical ones that cross them; one in eight starts half-way.
 inline std::vector<Line> axes(int count) {
   Random random;
   std::vector<Line> lines;
-  const auto add = [&](bool upright) {
+  const auto add = [&](bool isVertical) {
     for (int i = 0; i < count; ++i) {
       const double at = 6000.0 * i + random.between(-1000.0, 1000.0);
       double from = -random.between(2000.0, 4000.0);
@@ -155,7 +159,7 @@ inline std::vector<Line> axes(int count) {
       if (random.below(8) == 0) {
         from = 6000.0 * (count / 2) + 3000.0;
       }
-      lines.push_back(upright ? Line{at, from, at, to} : Line{from, at, to, at});
+      lines.push_back(isVertical ? Line{at, from, at, to} : Line{from, at, to, at});
     }
   };
   add(false);
@@ -218,7 +222,7 @@ inline std::vector<Line> farCity(std::size_t count) {
   return lines;
 }
 
-/// Fragments of one level line, end to end, in random order.
+/// Fragments of one horizontal line, end to end, in random order.
 inline std::vector<Line> oneLine(std::size_t count) {
   Random random;
   std::vector<Line> lines;

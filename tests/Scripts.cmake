@@ -8,6 +8,10 @@ add_test(NAME tree.includes.self_test
 add_test(NAME tree.includes COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/check_includes.py)
 add_test(NAME tree.words.self_test
   COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/check_words.py --self-test)
+add_test(NAME tree.bench.self_test
+  COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/bench_table.py --self-test)
+add_test(NAME tree.bench_files.self_test
+  COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/bench_files.py --self-test)
 # The shipped plans are what the script draws.
 add_test(NAME examples.drawn COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/make_examples.py --check)
 add_test(NAME examples.audit.self_test
