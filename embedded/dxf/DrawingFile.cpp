@@ -8,6 +8,7 @@
 #include "embedded/dxf/FormatDetector.h"
 #include "embedded/os/CaseFold.h"
 #include "embedded/os/File.h"
+#include "embedded/os/Trace.h"
 
 namespace quoin::dxf {
 namespace {
@@ -96,6 +97,10 @@ os::FileFacts readDrawing(const std::string& path, RecordStore& store, const Pro
       }
     };
     std::string bytes = os::readFile(path, rules, files, &version);
+    os::trace(os::Traced::Store, [&] {
+      return path + ": read as " + std::string(codec->name()) + ", " +
+             std::to_string(bytes.size()) + " bytes";
+    });
     codec->read(std::move(bytes), path, store, partOf(progress, kReadShare, 1.0));
   });
   return version;
@@ -124,6 +129,7 @@ SaveResult writeDrawing(const RecordStore& store, const std::string& path,
     }
     if (isThere(store, path, options, files, result.version)) {
       result.isUnchanged = true;
+      os::trace(os::Traced::Saver, [&] { return path + ": holds these bytes already"; });
       return;
     }
     os::AtomicFile::Options fileOptions;
@@ -140,6 +146,10 @@ SaveResult writeDrawing(const RecordStore& store, const std::string& path,
     }
     file.commit();
     result = {file.backup(), file.isUnchanged(), file.version()};
+    os::trace(os::Traced::Saver, [&] {
+      return path + (result.isUnchanged ? ": unchanged" : ": replaced") +
+             (result.backup.empty() ? "" : ", backup " + result.backup);
+    });
     if (progress) {
       progress(1.0);
     }

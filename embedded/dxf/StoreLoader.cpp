@@ -7,6 +7,7 @@
 #include "embedded/dxf/FileError.h"
 #include "embedded/dxf/FormatDetector.h"
 #include "embedded/dxf/SharedTags.h"
+#include "embedded/os/Trace.h"
 
 namespace quoin::dxf {
 namespace {
@@ -52,6 +53,12 @@ void StoreLoader::run() {
   scan();
   m_found.hasByteOrderMark = m_store.m_format.form == Form::Ascii && m_firstTag != 0;
   StoreLinker(m_store, m_layout, m_found).run();
+  os::trace(os::Traced::Store, [&] {
+    const std::string& name = m_store.fileName();
+    return (name.empty() ? "a new drawing" : name) + ": " + std::to_string(m_store.stubs().size()) +
+           " records in " + std::to_string(m_store.blocks().size()) + " blocks, " +
+           std::to_string(m_data.buffer.size()) + " bytes";
+  });
   report(1.0);
 }
 

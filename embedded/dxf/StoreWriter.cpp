@@ -6,6 +6,7 @@
 
 #include "embedded/dxf/FileError.h"
 #include "embedded/dxf/Tag.h"
+#include "embedded/os/Trace.h"
 
 namespace quoin::dxf {
 namespace {
@@ -40,6 +41,10 @@ void StoreWriter::run(const std::function<void(std::string_view)>& write,
     return std::pair(left.offset, left.rank) < std::pair(right.offset, right.rank);
   });
   const std::string_view file = m_data.buffer;
+  os::trace(os::Traced::Saver, [&] {
+    return m_store.fileName() + ": " + std::to_string(file.size()) + " bytes with " +
+           std::to_string(m_patches.size()) + " places changed";
+  });
   const auto report = [&](std::size_t at) {
     const double fraction =
         file.empty() ? 1.0 : static_cast<double>(at) / static_cast<double>(file.size());

@@ -5,6 +5,7 @@
 #include <exception>
 #include <utility>
 
+#include "embedded/os/Trace.h"
 #include "embedded/os/Utf8.h"
 #include "embedded/rx/Runtime.h"
 
@@ -49,6 +50,10 @@ fs::path canonicalPath(const fs::path& file) {
 
 fs::path pathOf(const ACHAR* fileName) {
   return fs::path(os::toUtf8(fileName ? fileName : L""));
+}
+
+void trace(const fs::path& path, const std::string& what) {
+  os::trace(os::Traced::Loader, [&] { return path.string() + ": " + what; });
 }
 
 }  // namespace
@@ -115,6 +120,7 @@ Module& ModuleLoader::load(const fs::path& file) {
   if (Module* const known = find(path)) {
     return *known;
   }
+  trace(path, "opens");
   std::unique_ptr<Module> opened = open(path);
   if (Module* const known = bySameLibrary(*opened)) {
     return *known;
@@ -188,6 +194,7 @@ std::unique_ptr<Module> ModuleLoader::takeOut(Module& module) {
                                   [&](const auto& entry) { return entry.get() == &module; });
   std::unique_ptr<Module> taken = std::move(*place);
   m_modules.erase(place);
+  trace(taken->path(), "taken out");
   return taken;
 }
 
@@ -224,6 +231,7 @@ ModuleAnswer ModuleLoader::send(Module& module, AcRx::AppMsgCode message) {
   } catch (...) {
     answer = {AcRx::kRetError, "something that is no exception"};
   }
+  trace(module.path(), "message " + std::to_string(message) + " " + answer.text());
   m_served = before;
   tellServed();
   return answer;
