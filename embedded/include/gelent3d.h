@@ -37,9 +37,9 @@ class AcGeLinearEnt3d : public AcGeCurve3d {
   /// equalVector), skew by more than equalPoint, or when the point lies beyond an end of a
   /// segment among them by more than equalPoint. The point is the one of this entity that is
   /// nearest to the other; a coordinate that either of the two holds constant comes back
-  /// exactly. NaN or infinity in either gives false. Gaps are measured between the bases:
-  /// what two entities share of an offset from the origin costs no accuracy there, while the
-  /// point itself is rounded to the doubles at hand.
+  /// exactly. NaN or infinity in either gives false. Gaps are measured from the nearer end to
+  /// the other's base: neither an offset from the origin that both share nor a segment's length
+  /// costs accuracy there, while the point itself is rounded to the nearest doubles.
   bool intersectWith(const AcGeLinearEnt3d& line, AcGePoint3d& intPnt,
                      const AcGeTol& tol = AcGeContext::gTol) const {
     if (!(m_along.length() > tol.equalVector()) || !(line.m_along.length() > tol.equalVector()) ||
@@ -54,7 +54,7 @@ class AcGeLinearEnt3d : public AcGeCurve3d {
     }
     const double onThis = apart.crossProduct(line.m_along).dotProduct(across) / acrossSqrd;
     const double onOther = apart.crossProduct(m_along).dotProduct(across) / acrossSqrd;
-    if (!reaches(onThis, tol) || !line.reaches(onOther, tol)) {
+    if (!reaches(onThis, line, across, tol) || !line.reaches(onOther, *this, -across, tol)) {
       return false;
     }
     const AcGePoint3d meeting = m_base + m_along * onThis;
@@ -120,13 +120,19 @@ class AcGeLinearEnt3d : public AcGeCurve3d {
   AcGePoint3d foot(const AcGePoint3d& pnt) const {
     return pointAt((pnt - m_base).dotProduct(m_along) / m_along.lengthSqrd());
   }
-  /// Whether parameter t stays within the ends, give or take equalPoint.
-  bool reaches(double t, const AcGeTol& tol) const {
+  /// Whether parameter t, where this entity meets `line`, stays within the ends, give or take
+  /// equalPoint. `across` is the cross product of the two directions. A gap is measured from the
+  /// end that is nearer: t - 1 would lose the digits of a gap that is small beside the length.
+  bool reaches(double t, const AcGeLinearEnt3d& line, const AcGeVector3d& across,
+               const AcGeTol& tol) const {
     if (!isBounded()) {
       return std::isfinite(t);
     }
-    const double len = m_along.length();
-    return -t * len <= tol.equalPoint() && (t - 1.0) * len <= tol.equalPoint();
+    const double gap = t > 0.5
+                           ? (line.m_base - m_end).crossProduct(line.m_along).dotProduct(across) /
+                                 across.lengthSqrd()
+                           : -t;
+    return gap * m_along.length() <= tol.equalPoint();
   }
   static double exactWhereConstant(double computed, double ownBase, double ownAlong,
                                    double otherBase, double otherAlong) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "support/GeometryText.h"
 #include "support/HeapWatch.h"
 
@@ -55,6 +57,30 @@ TEST_F(CutAxes, CrossingsCountInAnyInputOrder) {
 
 TEST_F(CutAxes, TouchingAnEndCountsAsACrossing) {
   EXPECT_EQ(cutFirst("-5,0 25,0; 0,0 0,5; 20,-5 20,0.00000000005"), "0,0 20,0");
+}
+
+TEST_F(CutAxes, AnAxisIsReachedAlikeAtBothEndsWhicheverWayItRuns) {
+  const double tolerance = AcGeContext::gTol.equalPoint();
+  std::mt19937_64 random(11);
+  std::uniform_real_distribution<double> anyLength(30.0, 30000.0);
+  for (int round = 0; round < 5000; ++round) {
+    const double length = anyLength(random);
+    const double x = length + tolerance;
+    const double last = x - length <= tolerance ? x : 20.0;  // an exact difference
+    for (const bool isReversed : {false, true}) {
+      AxisLineCutAlg algorithm;
+      const AcGePoint3d ends[] = {{0.0, 0.0, 0.0}, {length, 0.0, 0.0}};
+      algorithm.AppendSrcAxisLine(
+          new AxisLikeLineSeg{ends[isReversed ? 1 : 0], ends[isReversed ? 0 : 1]});
+      for (const double at : {10.0, 20.0, x}) {
+        algorithm.AppendSrcAxisLine(new AxisLikeLineSeg{{at, -5.0, 0.0}, {at, 5.0, 0.0}});
+      }
+      algorithm.CutAxisLines();
+      const AxisLikeLineSeg& axis = *algorithm.GetDestAxisLines().front();
+      ASSERT_EQ((isReversed ? axis.ptEnd : axis.ptStart).x, 10.0);
+      ASSERT_EQ((isReversed ? axis.ptStart : axis.ptEnd).x, last) << x - length;
+    }
+  }
 }
 
 TEST_F(CutAxes, ParallelAndCollinearLinesGiveNoCrossing) {

@@ -70,6 +70,28 @@ TEST(Intersection, ASegmentIsReachedToWithinThePointTolerance) {
   EXPECT_FALSE(line(0, 6, 1, 6).intersectWith(vertical, meeting));
 }
 
+TEST(Intersection, TheGapAtEitherEndIsMeasuredToTheLastDigit) {
+  const double tolerance = AcGeContext::gTol.equalPoint();
+  std::mt19937_64 random(10);
+  std::uniform_real_distribution<double> anyLength(10.0, 30000.0);
+  for (int round = 0; round < 5000; ++round) {
+    // The doubles around the tolerance; gaps are exact differences.
+    const double length = anyLength(random);
+    double x = length + tolerance;
+    for (int step = 0; step < 3; ++step) {
+      x = std::nextafter(x, 0.0);
+    }
+    for (int step = 0; step < 6; ++step, x = std::nextafter(x, kInfinity)) {
+      const bool isReached = x - length <= tolerance;
+      const AcGeLineSeg3d vertical = seg(x, -5, x, 7000);
+      AcGePoint3d meeting;
+      ASSERT_EQ(seg(0, 0, length, 0).intersectWith(vertical, meeting), isReached) << x - length;
+      ASSERT_EQ(seg(length, 0, 0, 0).intersectWith(vertical, meeting), isReached) << x - length;
+      ASSERT_EQ(vertical.intersectWith(seg(0, 0, length, 0), meeting), isReached) << x - length;
+    }
+  }
+}
+
 TEST(Intersection, DegenerateEntitiesCrossNothing) {
   AcGePoint3d meeting(7, 7, 7);
   EXPECT_FALSE(seg(5, 0, 5, 0).intersectWith(seg(0, 0, 10, 0), meeting));
@@ -116,7 +138,7 @@ TEST(Intersection, TheMeetingPointLiesOnBothForRandomLines) {
   EXPECT_GT(met, 300);
 }
 
-TEST(LinearEnt3d, ParallelAndCollinearAreToldApart) {
+TEST(LinearEnt3d, ParallelAndCollinearAreDistinct) {
   EXPECT_TRUE(line(0, 0, 1, 0).isParallelTo(seg(5, 5, -5, 5)));
   EXPECT_FALSE(line(0, 0, 1, 0).isColinearTo(seg(5, 5, -5, 5)));
   EXPECT_TRUE(seg(0, 0, 1, 0).isColinearTo(seg(50, 0, 40, 0)));
