@@ -1,5 +1,5 @@
-// The merge of gouge and of wall lines in its direct form: one after the other, each written
-// out in full.
+// The merge of gouge and of wall lines in its direct form: one for both, with what differs beside
+// it.
 #pragma once
 
 #include <set>
@@ -9,7 +9,7 @@
 
 namespace quoin::oracle {
 
-/// What stands in both kinds of record; `merged` holds numbers of absorbed records.
+/// What stands in both kinds of record; `merged` holds indices of absorbed records.
 struct GougeLine {
   AcGePoint3d ptStart;
   AcGePoint3d ptEnd;
@@ -31,7 +31,7 @@ struct WallLine {
   std::vector<std::size_t> merged;
 };
 
-/// Merges in place; answers the numbers of the result set.
+/// Merges in place; returns the indices of the result set.
 std::set<std::size_t> mergeGougeLines(std::vector<GougeLine>& lines,
                                       const std::vector<AcGePoint3d>& breakPoints,
                                       double projectScale);
