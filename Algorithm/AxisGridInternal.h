@@ -10,10 +10,10 @@
 #include "AxisLineCutAlg.h"
 #include "gelnsg3d.h"
 
-/// Lines of the grid are level or upright, at one height and of some length. Two of them, one of
-/// either kind, cross where one holds x and the other y, in these very doubles (see
+/// Lines of the grid are horizontal or vertical, at one height and of some length. Two of them, one
+/// of either kind, cross where one holds x and the other y, in these very doubles (see
 /// AcGeLinearEnt3d::intersectWith); whether they do is certain from plain comparisons, but for
-/// ends nearer to the other line than a margin, for which the exact test is asked. The margin
+/// ends nearer to the other line than a margin, where the exact test decides. The margin
 /// covers the tolerance of that test and its rounding, a few 2^-53 of the largest coordinate.
 /// All other lines are odd ones, of which each is tested exactly.
 class CAxisGrid {
@@ -29,14 +29,14 @@ class CAxisGrid {
       }
     }
     m_margin = kMarginTolerances * AcGeContext::gTol.equalPoint() + kMarginOfSize * size;
-    Sort(m_levels);
-    Sort(m_uprights);
+    Sort(m_horizontals);
+    Sort(m_verticals);
   }
 
   enum class EOutcome : std::uint8_t {
-    Nothing,  // fewer than two crossings
-    Found,    // the two outermost
-    Unclear   // some are so near to each other that all must be looked at
+    Nothing,   // fewer than two crossings
+    Found,     // the two outermost
+    Ambiguous  // some are so near to each other that all must be looked at
   };
   struct Crossings {
     AcGePoint3d ptFirst;  // in the line's direction
@@ -44,12 +44,12 @@ class CAxisGrid {
   };
   EOutcome FindOutermost(const AxisLikeLineSeg& line, Crossings& crossings) const {
     switch (KindOf(line)) {
-      case EKind::Level:
-        return FindOutermost(line, m_uprights, &AcGePoint3d::x, &AcGePoint3d::y, crossings);
-      case EKind::Upright:
-        return FindOutermost(line, m_levels, &AcGePoint3d::y, &AcGePoint3d::x, crossings);
+      case EKind::Horizontal:
+        return FindOutermost(line, m_verticals, &AcGePoint3d::x, &AcGePoint3d::y, crossings);
+      case EKind::Vertical:
+        return FindOutermost(line, m_horizontals, &AcGePoint3d::y, &AcGePoint3d::x, crossings);
       default:
-        return EOutcome::Unclear;
+        return EOutcome::Ambiguous;
     }
   }
 
@@ -60,9 +60,9 @@ class CAxisGrid {
   static constexpr double kLargestSize = 1.0e30;       // products stay far from overflow
   static constexpr double kLargestTolerance = 1.0e-4;  // far below the least length
 
-  enum class EKind : std::uint8_t { Level, Upright, Odd };
+  enum class EKind : std::uint8_t { Horizontal, Vertical, Odd };
   struct GridLine {
-    double at;   // y of a level line, x of an upright one
+    double at;   // y of a horizontal line, x of a vertical one
     double low;  // from here to there in the other coordinate
     double high;
     const AxisLikeLineSeg* pLine;
@@ -77,9 +77,9 @@ class CAxisGrid {
       return EKind::Odd;
     }
     if (pt1.y == pt2.y && std::fabs(pt2.x - pt1.x) > kLeastLength) {
-      return EKind::Level;
+      return EKind::Horizontal;
     }
-    return pt1.x == pt2.x && std::fabs(pt2.y - pt1.y) > kLeastLength ? EKind::Upright : EKind::Odd;
+    return pt1.x == pt2.x && std::fabs(pt2.y - pt1.y) > kLeastLength ? EKind::Vertical : EKind::Odd;
   }
   static double SizeOf(const AxisLikeLineSeg& line) {
     return (std::fabs(line.ptStart.x) + std::fabs(line.ptEnd.x)) +
@@ -95,10 +95,10 @@ class CAxisGrid {
       return;
     }
     size = std::max(size, SizeOf(*pLine));
-    if (kind == EKind::Level) {
-      m_levels.push_back({pt1.y, std::min(pt1.x, pt2.x), std::max(pt1.x, pt2.x), pLine});
+    if (kind == EKind::Horizontal) {
+      m_horizontals.push_back({pt1.y, std::min(pt1.x, pt2.x), std::max(pt1.x, pt2.x), pLine});
     } else {
-      m_uprights.push_back({pt1.x, std::min(pt1.y, pt2.y), std::max(pt1.y, pt2.y), pLine});
+      m_verticals.push_back({pt1.x, std::min(pt1.y, pt2.y), std::max(pt1.y, pt2.y), pLine});
     }
   }
   static void Sort(std::vector<GridLine>& lines) {
@@ -134,13 +134,13 @@ class CAxisGrid {
     double last = -std::numeric_limits<double>::infinity();
     if (!FindFirst(line, others, first) || !FindLast(line, others, last) ||
         !CompareWithOdd(line, along, first, last)) {
-      return EOutcome::Unclear;
+      return EOutcome::Ambiguous;
     }
     if (!(first < last)) {
       return EOutcome::Nothing;
     }
     if (last - first <= m_margin) {
-      return EOutcome::Unclear;
+      return EOutcome::Ambiguous;
     }
     const bool runsUp = axis.ptEnd.*along > axis.ptStart.*along;
     crossings.ptFirst = crossings.ptLast = axis.ptStart;
@@ -149,7 +149,7 @@ class CAxisGrid {
     return EOutcome::Found;
   }
 
-  /// Answers false when another crossing is too near to the first to tell them apart.
+  /// Returns false when another crossing is too near to the first to be distinct.
   bool FindFirst(const GridLine& line, const std::vector<GridLine>& others, double& first) const {
     auto it = others.begin();
     if (!others.empty() && others.front().at < line.low - m_margin) {
@@ -208,7 +208,7 @@ class CAxisGrid {
 
   double m_z;
   double m_margin;
-  std::vector<GridLine> m_levels;
-  std::vector<GridLine> m_uprights;
+  std::vector<GridLine> m_horizontals;
+  std::vector<GridLine> m_verticals;
   std::vector<const AxisLikeLineSeg*> m_odd;
 };

@@ -39,7 +39,7 @@ void AxisLineCutAlg::CutAxisLines() {
       case CAxisGrid::EOutcome::Nothing:
         m_destAxisLines.push_back(new AxisLikeLineSeg(*pLine));
         break;
-      case CAxisGrid::EOutcome::Unclear:
+      case CAxisGrid::EOutcome::Ambiguous:
         CutAxisLine(pLine);
         break;
     }

@@ -8,8 +8,9 @@
 
 #include "DistanceLimit.h"
 #include "EndPointIndex.h"
+#include "GeomConst.h"
+#include "Prefetch.h"
 #include "ProjectScale.h"
-#include "ReadAhead.h"
 #include "SortAlongDirection.h"
 #include "gelnsg3d.h"
 
@@ -28,15 +29,15 @@ class CLineToBreak {
   const CCaptureBox& GetBox() const { return m_box; }
 
   /// Whether any point of the line keeps the capture distance from both of its ends: none does of a
-  /// line that is shorter than twice that, nor of one whose length is no finite number (every
-  /// foot is its start). The slack covers the rounding of feet and distances many times over.
+  /// line that is shorter than twice that, nor of one whose length is not finite (every foot
+  /// is its start). The slack covers the rounding of feet and distances many times over.
   bool IsLongEnough() const {
-    constexpr double kRelativeSlack = 1.0e-12;
     const AcGePoint3d& pt1 = m_line.ptStart;
     const AcGePoint3d& pt2 = m_line.ptEnd;
     const double length = (pt2 - pt1).length();
     const double size = std::fabs(pt1.x) + std::fabs(pt1.y) + std::fabs(pt1.z) + length;
-    return std::isfinite(length) && length + kRelativeSlack * size >= 2.0 * m_captureDistance;
+    return std::isfinite(length) &&
+           length + GeomConst::kRoundingSlack * size >= 2.0 * m_captureDistance;
   }
 
   /// Whether the other line breaks this one, and where.
@@ -57,7 +58,7 @@ class CLineToBreak {
       return false;
     }
     // An end outside of the box is no nearer than the capture distance, unless its distance is
-    // no number, which decides for the line's end point; so the one in the box decides alone.
+    // NaN, which decides for the line's end point; so the one in the box decides alone.
     if (!bothHeld && IsFinite(ptFar)) {
       ptBreak = m_seg.closestPointTo(ptHeld);
       return m_limit.IsAbove(ptHeld - ptBreak) && IsClearOfEnds(ptBreak);
@@ -86,8 +87,8 @@ class CLineToBreak {
   CCaptureBox m_box;
 };
 
-/// The capture distance for each line: the project is asked once a line, in their order, and
-/// gives nearly always the same.
+/// The capture distance for each line: read from the project once a line, in their order, and
+/// nearly always the same.
 class CCaptureDistances {
  public:
   explicit CCaptureDistances(std::size_t lines) {
@@ -154,16 +155,16 @@ class CPieceOrder {
   std::vector<Run> m_runs;
 };
 
-/// How many ends are worked on together: enough reads to keep memory busy, few enough to stay
-/// in the innermost caches until they are needed.
+/// How many ends are worked on together: enough prefetches to keep memory busy, few enough to stay
+/// in the innermost cache until they are needed.
 constexpr std::size_t kBatch = 64;
 
-struct LineAtHand {
-  LineAtHand(const WallLineLikeSeg& line, double captureDistance, std::size_t lineNumber)
-      : toBreak(line, captureDistance), number(lineNumber) {}
+struct PreparedLine {
+  PreparedLine(const WallLineLikeSeg& line, double captureDistance, std::size_t lineIndex)
+      : toBreak(line, captureDistance), index(lineIndex) {}
 
   CLineToBreak toBreak;
-  std::size_t number;
+  std::size_t index;
   std::size_t nearCount = 0;  // how many of the ends found are near it
 };
 
@@ -185,12 +186,12 @@ class CPieceMaker {
       }
     }
   }
-  /// A point that the line with this number breaks it at.
+  /// A point that the line with this index breaks it at.
   void Add(std::size_t otherLine, const AcGePoint3d& ptBreak) {
     m_pnts.push_back(ptBreak);
     m_foundOn.push_back(otherLine);
   }
-  /// Cuts the line and appends the pieces; answers how many.
+  /// Cuts the line and appends the pieces; returns how many.
   std::size_t End() {
     if (m_pnts.empty()) {
       return 0;
@@ -203,8 +204,6 @@ class CPieceMaker {
       MakePieces(
           [this](std::size_t place) -> const AcGePoint3d& { return m_pnts[m_order.At(place)]; });
     } else {
-      // Points that the caller named may be no numbers, which contradict the order of the others:
-      // then it shows in the result in which order all of them came.
       OrderByOtherLine();
       SortAlongDirection(m_pnts.begin(), m_pnts.end(), direction);
       MakePieces([this](std::size_t place) -> const AcGePoint3d& { return m_pnts[place]; });
@@ -212,7 +211,6 @@ class CPieceMaker {
     return m_pieces.size() - before;
   }
 
- private:
   template <class PointAt>
   void MakePieces(PointAt pointAt) {
     for (std::size_t i = 1; i < m_pnts.size(); ++i) {
@@ -221,7 +219,9 @@ class CPieceMaker {
       }
     }
   }
+  CFewAlongDirection m_order;
 
+ private:
   void OrderByOtherLine() {
     const std::size_t appended = m_pnts.size() - 2 - m_foundOn.size();
     std::vector<std::pair<std::size_t, AcGePoint3d>> found;
@@ -241,7 +241,6 @@ class CPieceMaker {
   WallLineLikeSeg* m_pLine = nullptr;
   std::vector<AcGePoint3d> m_pnts;     // those appended by the caller, those found, the line's ends
   std::vector<std::size_t> m_foundOn;  // by point found: the other line
-  CFewAlongDirection m_order;
 };
 
 }  // namespace
@@ -285,10 +284,10 @@ void CBreakWallAlgorithm::SplitWallLines() {
   CPieceOrder order(m_newWallLines, m_srcWallLines.size());
   CPieceMaker maker(m_wallBreakPnts, m_newWallLines);
 
-  const auto breakLine = [&](const LineAtHand& line, std::span<const std::uint32_t> endsNear) {
-    WallLineLikeSeg* const pLine = m_srcWallLines[line.number];
+  const auto breakLine = [&](const PreparedLine& line, std::span<const std::uint32_t> near) {
+    WallLineLikeSeg* const pLine = m_srcWallLines[line.index];
     maker.Begin(pLine);
-    for (const std::uint32_t end : endsNear) {
+    for (const std::uint32_t end : near) {
       const std::size_t otherLine = CEndPointIndex::LineOf(end);
       const WallLineLikeSeg* const pOther = m_srcWallLines[otherLine];
       AcGePoint3d ptBreak;
@@ -297,38 +296,38 @@ void CBreakWallAlgorithm::SplitWallLines() {
         maker.Add(otherLine, ptBreak);
       }
     }
-    order.Note(line.number, maker.End());
+    order.Note(line.index, maker.End());
   };
 
-  // Column by column, so that lines that meet are at hand together, and a few lines at a time:
-  // what they need is read before it is used.
-  std::vector<LineAtHand> atHand;
-  CEndPointIndex::CFound found;
+  // Column by column, so that lines that meet are in the cache together, and a few lines at a time,
+  // whose records are prefetched.
+  std::vector<PreparedLine> prepared;
+  CEndPointIndex::CFound near;
   for (std::size_t column = 0; column < index.ColumnCount(); ++column) {
     std::span<const CEndPointIndex::End> ends = index.EndsOfColumn(column);
     while (!ends.empty()) {
       const auto batch = ends.first(std::min(ends.size(), kBatch));
       ends = ends.subspan(batch.size());
       for (const CEndPointIndex::End& end : batch) {
-        ReadAhead(*m_srcWallLines[end.Line()]);
+        Prefetch(*m_srcWallLines[end.Line()]);
       }
-      atHand.clear();
-      found.Clear();
+      prepared.clear();
+      near.Clear();
       for (const CEndPointIndex::End& start : batch) {
         if (start.IsStart()) {
-          const std::size_t number = start.Line();
-          LineAtHand& line =
-              atHand.emplace_back(*m_srcWallLines[number], captureDistances.Of(number), number);
+          const std::size_t own = start.Line();
+          PreparedLine& line =
+              prepared.emplace_back(*m_srcWallLines[own], captureDistances.Of(own), own);
           if (line.toBreak.IsLongEnough()) {
-            line.nearCount = index.CollectNear(line.toBreak.GetBox(), column, number, found);
+            line.nearCount = index.CollectNear(line.toBreak.GetBox(), column, own, near);
           }
         }
       }
-      for (const std::uint32_t end : found.All()) {
-        ReadAhead(*m_srcWallLines[CEndPointIndex::LineOf(end)]);
+      for (const std::uint32_t end : near.All()) {
+        Prefetch(*m_srcWallLines[CEndPointIndex::LineOf(end)]);
       }
-      std::span<const std::uint32_t> left = found.All();
-      for (const LineAtHand& line : atHand) {
+      std::span<const std::uint32_t> left = near.All();
+      for (const PreparedLine& line : prepared) {
         breakLine(line, left.first(line.nearCount));
         left = left.subspan(line.nearCount);
       }

@@ -1,6 +1,7 @@
 #include "MergeGougeAlgorithm.h"
 
-#include "MergeSegInternal.h"
+#include "MergePredicatesInternal.h"
+#include "MergerInternal.h"
 
 namespace {
 

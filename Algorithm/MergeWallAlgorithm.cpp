@@ -2,7 +2,8 @@
 
 #include <utility>
 
-#include "MergeSegInternal.h"
+#include "MergePredicatesInternal.h"
+#include "MergerInternal.h"
 
 namespace {
 

@@ -3,18 +3,19 @@
 
 #include <limits>
 
+#include "GeomConst.h"
 #include "gepnt3d.h"
 
-/// Answers what the comparisons with v.length() answer, bit for bit. A square that differs from
-/// that of the limit by more than kMargin has a root on the same side of the limit, since square
+/// The comparisons with v.length(), bit for bit. A square that differs from that of the limit by
+/// more than the rounding slack has a root on the same side of the limit, since square
 /// and root are each off by a few 2^-53 of their size (squares that vanish by half of the least
 /// double, which is less than two of them differ by); all others take the root.
 class CDistanceLimit {
  public:
   explicit CDistanceLimit(double limit) : m_limit(limit) {
     if (limit > 0.0) {
-      m_surelyBelow = limit * limit * (1.0 - kMargin);
-      m_surelyAbove = limit * limit * (1.0 + kMargin);
+      m_surelyBelow = limit * limit * (1.0 - GeomConst::kRoundingSlack);
+      m_surelyAbove = limit * limit * (1.0 + GeomConst::kRoundingSlack);
     }
   }
 
@@ -30,8 +31,6 @@ class CDistanceLimit {
   }
 
  private:
-  static constexpr double kMargin = 1.0e-12;
-
   double m_limit;
   double m_surelyBelow = -std::numeric_limits<double>::infinity();
   double m_surelyAbove = std::numeric_limits<double>::infinity();

@@ -12,8 +12,8 @@
 #define QUOIN_PAIRS_BY_COMPILER 0
 #endif
 
-/// Every operation works on either by itself. Min and Max are std::min and std::max, also of what
-/// is no number.
+/// Every operation works on either by itself. Min and Max are std::min and std::max, also of
+/// NaN.
 #if QUOIN_PAIRS_BY_COMPILER
 
 class CDoublePair {

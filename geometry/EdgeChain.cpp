@@ -76,9 +76,9 @@ class CEdgeEnds {
   }
   double CellOf(double x) const { return std::floor(x / m_cell); }
   Span CellsOf(double x) const {
-    const double reach = 2.0 / kCellTolerances * m_cell;
-    const double low = CellOf(x - reach);
-    const double high = CellOf(x + reach);
+    const double margin = 2.0 / kCellTolerances * m_cell;
+    const double low = CellOf(x - margin);
+    const double high = CellOf(x + margin);
     return {low, high, low == high};
   }
 

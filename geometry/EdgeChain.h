@@ -1,4 +1,4 @@
-// Chains the edges of a boundary, which come in any order and sense, into a loop of vertices.
+// Chains the edges of a boundary, which come in any order and orientation, into a loop of vertices.
 #pragma once
 
 #include <vector>

@@ -13,7 +13,7 @@ struct AcuteAngle {
   bool clockwise;
 };
 
-/// The first of the four candidates (each sense of the second line, about +Z and then about
+/// The first of the four candidates (either direction of the second line, about +Z and then about
 /// -Z) that is at most a right angle; the last one is taken untested.
 AcuteAngle FindAcuteAngle(const AcGeLine3d& line1, const AcGeLine3d& line2) {
   const AcGeVector3d vec1 = line1.direction();

@@ -14,7 +14,7 @@ class AFX_EXT_CLASS CParallelogram {
   /// One corner and the two sides that leave it.
   CParallelogram& set(const AcGePoint3d& ptBase, const AcGeVector3d& vecSide1,
                       const AcGeVector3d& vecSide2);
-  /// False for every point when a side has no length. With parallel sides the answer follows
+  /// False for every point when a side has no length. With parallel sides the result follows
   /// from where the origin projects onto them.
   bool DoPntInRegion(const AcGePoint3d& pt) const;
 

@@ -1,6 +1,6 @@
 #include "DrawWallLikeAlgorithm.h"
 
-#include "FarFilter.h"
+#include "BoxReject.h"
 #include "ProjectScale.h"
 #include "SortAlongDirection.h"
 
@@ -45,8 +45,8 @@ AcArray<AcGePoint3d> CDrawWallLikeAlgorithm::CalcNewWallLine(const AcGePoint3d& 
 
 void CDrawWallLikeAlgorithm::BreakSrcWallLines(AcArray<AcGePoint3d>& pnts) {
   const double captureDistance = GetCaptureDistance(GetProjectScale());
-  const CFarLineFilter filter(m_newSeg.startPoint(), m_newSeg.endPoint(), captureDistance);
-  filter.VisitNear(m_srcWallLines, [&](WallLineLikeSeg* pSrc) {
+  const CLineBoxReject reject(m_newSeg.startPoint(), m_newSeg.endPoint(), captureDistance);
+  reject.VisitNear(m_srcWallLines, [&](WallLineLikeSeg* pSrc) {
     const AcGeLineSeg3d segSrc(pSrc->ptStart, pSrc->ptEnd);
     if (!(captureDistance > m_newSeg.distanceTo(segSrc))) {
       return;

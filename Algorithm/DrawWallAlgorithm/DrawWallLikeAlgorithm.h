@@ -33,7 +33,7 @@ class AFX_EXT_CLASS CDrawWallLikeAlgorithm {
   /// The pieces of the new line from start to end.
   const std::vector<WallLineLikeSeg*>& GetNewWallLines();
 
-  /// Deletes the last results, then draws the new line. Answers its cut points, both ends
+  /// Deletes the last results, then draws the new line. Returns its cut points, both ends
   /// among them, sorted from start to end, duplicates included.
   AcArray<AcGePoint3d> CalcNewWallLine(const AcGePoint3d& ptStart, const AcGePoint3d& ptEnd);
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "FarFilter.h"
+#include "BoxReject.h"
 #include "ProjectScale.h"
 #include "WallTerminalInternal.h"
 
@@ -16,10 +16,10 @@ void CollectMeetWalls(const std::vector<WallEntityLikeRect*>& vecAllWallRect,
   const double captureDistance = GetCaptureDistance(GetProjectScale());
   const AcGePoint3d& ptStart = pShowWall->ptStart;
   const AcGePoint3d& ptEnd = pShowWall->ptEnd;
-  CFarPointFilter filter(captureDistance);
-  filter.Add(ptStart);
-  filter.Add(ptEnd);
-  filter.VisitNear(vecAllWallRect, [&](WallEntityLikeRect* pRect) {
+  CPointBoxReject reject(captureDistance);
+  reject.Add(ptStart);
+  reject.Add(ptEnd);
+  reject.VisitNear(vecAllWallRect, [&](WallEntityLikeRect* pRect) {
     if (pRect == pShowWall) {
       return;
     }

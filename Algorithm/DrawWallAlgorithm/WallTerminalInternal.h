@@ -114,7 +114,7 @@ void ProcessTerminal(const AcGePoint3d& ptTerminal, WallEntityLikeRect* pShowWal
   bHasTerminalWall = false;
   vecMeetWalls.push_back(pShowWall);
   // Walls that leave in the same direction keep the order in which they were found. Angles
-  // that are no numbers compare with nothing; a merge sort stays within the list all the same.
+  // that are NaN compare with nothing; a merge sort stays within the list all the same.
   std::stable_sort(vecMeetWalls.begin(), vecMeetWalls.end(),
                    [&](const WallEntityLikeRect* pRect1, const WallEntityLikeRect* pRect2) {
                      return GetTerminalOutAngle(ptTerminal, pRect1) <

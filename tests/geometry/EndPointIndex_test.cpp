@@ -9,75 +9,61 @@
 
 #include "gelnsg3d.h"
 #include "support/GeometryText.h"
+#include "support/LineRecords.h"
 #include "support/WallLineSets.h"
 
 namespace {
 
+using quoin::test::linesOf;
 using quoin::test::point;
+using quoin::test::pointersTo;
 using quoin::test::text;
 
 const double kInfinity = std::numeric_limits<double>::infinity();
-const double kNoNumber = std::nan("");
+const double kNaN = std::nan("");
 
-std::vector<WallLineLikeSeg*> pointersTo(std::vector<WallLineLikeSeg>& lines) {
-  std::vector<WallLineLikeSeg*> pointers;
-  for (WallLineLikeSeg& line : lines) {
-    pointers.push_back(&line);
-  }
-  return pointers;
-}
-
-/// The numbers of the ends near line `number` of the set, in order: twice that of their line,
-/// and one more for its end.
-std::vector<std::uint32_t> found(std::vector<WallLineLikeSeg>& lines, std::size_t number,
+/// The indices of the ends near line `own` of the set, in order.
+std::vector<std::uint32_t> found(std::vector<WallLineLikeSeg>& lines, std::size_t own,
                                  double captureDistance) {
   const CEndPointIndex index(pointersTo(lines), captureDistance);
-  const CCaptureBox box(lines[number].ptStart, lines[number].ptEnd, captureDistance);
-  std::vector<std::uint32_t> numbers;
+  const CCaptureBox box(lines[own].ptStart, lines[own].ptEnd, captureDistance);
+  std::vector<std::uint32_t> indices;
   for (std::size_t column = 0; column < index.ColumnCount(); ++column) {
     for (const CEndPointIndex::End& end : index.EndsOfColumn(column)) {
-      if (end.number != 2 * number) {
+      if (end.index != 2 * own) {
         continue;
       }
       index.VisitNear(box, column, [&](std::uint32_t near) {
-        numbers.push_back(near);
+        indices.push_back(near);
         return true;
       });
       // The other form of the search finds the same, but for the line itself.
       CEndPointIndex::CFound list;
-      const std::size_t count = index.CollectNear(box, column, number, list);
+      const std::size_t count = index.CollectNear(box, column, own, list);
       EXPECT_EQ(count, list.All().size());
       std::vector<std::uint32_t> others;
-      std::copy_if(numbers.begin(), numbers.end(), std::back_inserter(others),
-                   [&](std::uint32_t near) { return CEndPointIndex::LineOf(near) != number; });
+      std::copy_if(indices.begin(), indices.end(), std::back_inserter(others),
+                   [&](std::uint32_t near) { return CEndPointIndex::LineOf(near) != own; });
       EXPECT_EQ(std::vector<std::uint32_t>(list.All().begin(), list.All().end()), others);
     }
   }
-  std::sort(numbers.begin(), numbers.end());
-  return numbers;
-}
-
-std::vector<WallLineLikeSeg> linesOf(std::string_view source) {
-  std::vector<WallLineLikeSeg> lines;
-  for (const auto& [start, end] : quoin::test::segments(source)) {
-    lines.emplace_back(start, end);
-  }
-  return lines;
+  std::sort(indices.begin(), indices.end());
+  return indices;
 }
 
 void expectNoneMissing(std::vector<WallLineLikeSeg>& lines, double captureDistance,
                        std::size_t& accepted) {
-  for (std::size_t number = 0; number < lines.size(); ++number) {
-    const WallLineLikeSeg& line = lines[number];
+  for (std::size_t own = 0; own < lines.size(); ++own) {
+    const WallLineLikeSeg& line = lines[own];
     const AcGeLineSeg3d segment(line.ptStart, line.ptEnd);
-    const std::vector<std::uint32_t> numbers = found(lines, number, captureDistance);
-    ASSERT_EQ(std::adjacent_find(numbers.begin(), numbers.end()), numbers.end());
+    const std::vector<std::uint32_t> indices = found(lines, own, captureDistance);
+    ASSERT_EQ(std::adjacent_find(indices.begin(), indices.end()), indices.end());
     for (std::uint32_t end = 0; end < 2 * lines.size(); ++end) {
       const WallLineLikeSeg& other = lines[CEndPointIndex::LineOf(end)];
       const AcGePoint3d& pt = CEndPointIndex::IsStart(end) ? other.ptStart : other.ptEnd;
       if (captureDistance > segment.distanceTo(pt)) {
         ++accepted;
-        ASSERT_TRUE(std::binary_search(numbers.begin(), numbers.end(), end))
+        ASSERT_TRUE(std::binary_search(indices.begin(), indices.end(), end))
             << text(pt) << " is missing near " << text(line.ptStart, line.ptEnd)
             << ", capture distance " << text(captureDistance);
       }
@@ -85,21 +71,21 @@ void expectNoneMissing(std::vector<WallLineLikeSeg>& lines, double captureDistan
   }
 }
 
-using Numbers = std::vector<std::uint32_t>;
+using Indices = std::vector<std::uint32_t>;
 
 TEST(EndPointIndex, HandsOutTheEndsNearALineItsOwnAmongThem) {
   auto lines = linesOf("900,5 900,800; 0,0 1000,0; 0,500 1000,500; 400,800 400,5");
-  EXPECT_EQ(found(lines, 1, 10.0), (Numbers{0, 2, 3, 7}));
+  EXPECT_EQ(found(lines, 1, 10.0), (Indices{0, 2, 3, 7}));
 }
 
 TEST(EndPointIndex, LeavesOutWhatLiesFarAway) {
   auto lines = linesOf("0,0 1000,0; 0,500 1000,500; 1100,-50 1100,50; 500,-400 500,400");
-  EXPECT_EQ(found(lines, 0, 10.0), (Numbers{0, 1}));
+  EXPECT_EQ(found(lines, 0, 10.0), (Indices{0, 1}));
 }
 
 TEST(EndPointIndex, ALineAtAnAngleFindsWhatLiesAlongItNotAllInItsBox) {
   auto lines = linesOf("0,0 1000,1000; 500,495 900,100; 100,900 900,100; 0,1000 1000,0");
-  EXPECT_EQ(found(lines, 0, 10.0), (Numbers{0, 1, 2}));
+  EXPECT_EQ(found(lines, 0, 10.0), (Indices{0, 1, 2}));
 }
 
 TEST(EndPointIndex, HandsOutALineAsOftenAsItStandsInTheSet) {
@@ -121,7 +107,7 @@ TEST(EndPointIndex, ASearchStopsWhenItIsTold) {
 
 TEST(EndPointIndex, NoDistanceBelowWhichNothingLiesHandsOutNothing) {
   auto lines = linesOf("0,0 1000,0; 0,0 1000,0");
-  for (const double captureDistance : {0.0, -0.0, -10.0, -kInfinity, kNoNumber}) {
+  for (const double captureDistance : {0.0, -0.0, -10.0, -kInfinity, kNaN}) {
     EXPECT_TRUE(found(lines, 0, captureDistance).empty());
   }
 }
@@ -132,10 +118,9 @@ TEST(EndPointIndex, AnInfiniteDistanceHandsOutEverything) {
   EXPECT_EQ(found(lines, 2, kInfinity).size(), 6u);
 }
 
-TEST(EndPointIndex, EndsWithACoordinateThatIsNoFiniteNumberAreLeftOut) {
-  std::vector<WallLineLikeSeg> lines{{{0, 0, 0}, {kNoNumber, 0, 0}},
-                                     {{0, 0, 0}, {0, kInfinity, 0}}};
-  EXPECT_EQ(found(lines, 0, kInfinity), (Numbers{0, 2}));
+TEST(EndPointIndex, EndsWithACoordinateThatIsNotFiniteAreLeftOut) {
+  std::vector<WallLineLikeSeg> lines{{{0, 0, 0}, {kNaN, 0, 0}}, {{0, 0, 0}, {0, kInfinity, 0}}};
+  EXPECT_EQ(found(lines, 0, kInfinity), (Indices{0, 2}));
 }
 
 TEST(EndPointIndex, NoLinesMakeAnEmptyIndex) {
@@ -168,7 +153,7 @@ TEST(EndPointIndex, UnevenSetsMissNothingThatTheExactTestAccepts) {
 
 TEST(EndPointIndex, EndsOnTheVeryEdgeOfTheCaptureDistanceAreNotMissed) {
   // Ends at the distance itself and at the doubles next to it, beside lines far out: where
-  // rounding decides, the exact test must be the one that is asked.
+  // rounding decides, the exact test must be the one that decides.
   std::mt19937_64 random(81);
   std::uniform_real_distribution<double> anywhere(-1e9, 1e9);
   std::size_t accepted = 0;
@@ -195,8 +180,8 @@ TEST(EndPointIndex, DistancesSoSmallThatTheirSquaresVanishAreNotMissed) {
   EXPECT_EQ(accepted, 5u);  // each its own ends, one the other's start
 }
 
-TEST(EndPointIndex, CoordinatesThatAreNoFiniteNumbersMissNothing) {
-  const double coordinates[] = {0.0, 5.0, 1e300, -1.7e308, kInfinity, -kInfinity, kNoNumber};
+TEST(EndPointIndex, CoordinatesThatAreNotFiniteMissNothing) {
+  const double coordinates[] = {0.0, 5.0, 1e300, -1.7e308, kInfinity, -kInfinity, kNaN};
   std::mt19937_64 random(82);
   const auto any = [&] { return coordinates[random() % 7]; };
   std::size_t accepted = 0;
@@ -222,128 +207,6 @@ TEST(EndPointIndex, LinesAtTheEndsOfTheNumbersMissNothing) {
     }
   }
   EXPECT_GT(accepted, 1000u);
-}
-
-/// What VisitContacts() says of each end, by its number; every end once.
-std::vector<std::uint32_t> contactsOf(std::vector<WallLineLikeSeg>& lines, double captureDistance) {
-  const CEndPointIndex index(pointersTo(lines), captureDistance, CEndPointIndex::eForPoints);
-  constexpr std::uint32_t kNotVisited = 0xFFFFFFFD;
-  std::vector<std::uint32_t> contacts(2 * lines.size(), kNotVisited);
-  index.VisitContacts(captureDistance, [&](const CEndPointIndex::End& end, std::uint32_t contact) {
-    EXPECT_EQ(contacts[end.number], kNotVisited) << "visited twice";
-    contacts[end.number] = contact;
-  });
-  for (std::uint32_t number = 0; number < contacts.size(); ++number) {
-    const WallLineLikeSeg& line = lines[number / 2];
-    EXPECT_EQ(contacts[number] != kNotVisited,
-              CEndPointIndex::IsIndexed(number % 2 == 0 ? line.ptStart : line.ptEnd));
-  }
-  return contacts;
-}
-
-/// No end of another line that is near may be kept quiet; answers how many are named alone.
-int expectContactsNameAllThatIsNear(std::vector<WallLineLikeSeg>& lines, double captureDistance) {
-  const std::vector<std::uint32_t> contacts = contactsOf(lines, captureDistance);
-  const auto pointOf = [&](std::uint32_t number) {
-    return number % 2 == 0 ? lines[number / 2].ptStart : lines[number / 2].ptEnd;
-  };
-  int named = 0;
-  for (std::uint32_t own = 0; own < contacts.size(); ++own) {
-    std::vector<std::uint32_t> near;
-    for (std::uint32_t other = 0; other < contacts.size(); ++other) {
-      if (other / 2 != own / 2 && captureDistance > pointOf(own).distanceTo(pointOf(other))) {
-        near.push_back(other);
-      }
-    }
-    if (near.size() > 1) {
-      EXPECT_EQ(contacts[own], CEndPointIndex::kSeveral) << own;
-    } else if (near.size() == 1) {
-      EXPECT_TRUE(contacts[own] == near.front() || contacts[own] == CEndPointIndex::kSeveral);
-      named += contacts[own] == near.front() ? 1 : 0;
-    }
-  }
-  return named;
-}
-
-TEST(EndPointIndex, AContactIsTheOnlyEndOfAnotherLineThatIsNear) {
-  auto lines = linesOf("0,0 1000,0; 1005,0 2000,0; 2000,5 2000,900; 2000,-5 2000,-900; 5,5 6,6");
-  const auto contacts = contactsOf(lines, 10.0);
-  EXPECT_EQ(contacts[1], 2U);
-  EXPECT_EQ(contacts[2], 1U);
-  EXPECT_EQ(contacts[3], CEndPointIndex::kSeveral);
-  EXPECT_EQ(contacts[5], CEndPointIndex::kNone);
-  EXPECT_EQ(contacts[0], CEndPointIndex::kSeveral) << "both ends of the last line";
-}
-
-TEST(EndPointIndex, ChainsInEveryDirectionHaveAllTheirContacts) {
-  std::mt19937_64 random(92);
-  std::uniform_real_distribution<double> unit(0.0, 1.0);
-  for (int round = 0; round < 300; ++round) {
-    // Level, upright and slanted chains, and some dense enough to have no gap in x or y.
-    std::vector<WallLineLikeSeg> lines;
-    for (int chain = 0; chain < 8; ++chain) {
-      const double angle = chain % 4 == 3 ? 3.0 * unit(random) : chain % 2 * 1.5707963267948966;
-      const double step = chain < 4 ? 200.0 : 15.0;
-      AcGePoint3d at(1000.0 * std::floor(4.0 * unit(random)), 700.0 * chain, 0.0);
-      for (int i = 0; i < 30; ++i) {
-        const AcGePoint3d next(at.x + step * std::cos(angle), at.y + step * std::sin(angle), 0.0);
-        lines.push_back(unit(random) < 0.5 ? WallLineLikeSeg(at, next) : WallLineLikeSeg(next, at));
-        at = next;
-      }
-    }
-    std::shuffle(lines.begin(), lines.end(), random);
-    EXPECT_GT(expectContactsNameAllThatIsNear(lines, 10.0), 200);
-  }
-}
-
-TEST(EndPointIndex, RandomSetsHaveAllTheirContacts) {
-  std::mt19937_64 random(93);
-  int named = 0;
-  for (int round = 0; round < 2000; ++round) {
-    std::vector<WallLineLikeSeg> lines = quoin::test::randomWallLines(random, 12);
-    for (const double captureDistance : {10.0, 1e-10, 250.0, 1e300, kInfinity, 0.0, -1.0}) {
-      named += expectContactsNameAllThatIsNear(lines, captureDistance);
-    }
-  }
-  EXPECT_GT(named, 1000);
-}
-
-TEST(EndPointIndex, LinesAtTheEndsOfTheNumbersHaveAllTheirContacts) {
-  std::mt19937_64 random(86);
-  int named = 0;
-  for (int round = 0; round < 2000; ++round) {
-    std::vector<WallLineLikeSeg> lines = quoin::test::extremeWallLines(random, 2 + round % 12);
-    named += expectContactsNameAllThatIsNear(lines, 10.0);
-  }
-  EXPECT_GT(named, 100);
-}
-
-TEST(EndPointIndex, NumberedByPlaceEveryLineHasANumberAndEveryEndItsLines) {
-  auto lines = linesOf("500,0 0,0; 0,0 0,500; 100,100 900,900; 7,7 8,8");
-  lines[1].ptStart.x = kNoNumber;
-  lines[3].ptEnd.x = kNoNumber;
-  CEndPointIndex index(pointersTo(lines), 10.0, CEndPointIndex::eForPoints);
-  std::vector<std::uint32_t> numbers;
-  std::vector<std::size_t> inOrder;
-  index.NumberByPlace(numbers, lines.size(), [&](std::size_t line) { inOrder.push_back(line); });
-  ASSERT_EQ(inOrder.size(), 4U);
-  for (std::uint32_t number = 0; number < 4; ++number) {
-    EXPECT_EQ(numbers[inOrder[number]], number);
-  }
-  EXPECT_EQ(inOrder.back(), 1U) << "the line without a start comes last";
-  std::uint32_t next = 0;
-  std::size_t ends = 0;
-  for (std::size_t column = 0; column < index.ColumnCount(); ++column) {
-    for (const CEndPointIndex::End& end : index.EndsOfColumn(column)) {
-      const WallLineLikeSeg& line = lines[inOrder[end.Line()]];
-      EXPECT_EQ(end.x, end.IsStart() ? line.ptStart.x : line.ptEnd.x);
-      if (end.IsStart()) {
-        EXPECT_EQ(end.Line(), next++);
-      }
-      ++ends;
-    }
-  }
-  EXPECT_EQ(ends, 6U);
 }
 
 }  // namespace

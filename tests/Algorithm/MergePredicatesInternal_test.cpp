@@ -1,6 +1,6 @@
 // The merge's questions about two ends against their plain forms, where numbers are close, vanish,
 // overflow or are none.
-#include "MergeSegInternal.h"
+#include "MergePredicatesInternal.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@ struct Ends {
   AcGePoint3d ptEnd;
 };
 
-/// Often equal, often a rounding apart, sometimes far too small or large, or no number.
+/// Often equal, often a rounding apart, sometimes far too small or large, or NaN.
 class CloseNumbers {
  public:
   explicit CloseNumbers(std::uint64_t seed) : m_random(seed) {}
@@ -56,7 +56,7 @@ class CloseNumbers {
   double m_last = 1.0;
 };
 
-TEST(MergeSegInternal, TheNearerEndIsTheOneOfTheSmallerDistanceAndOfTwoTheStart) {
+TEST(MergePredicates, TheNearerEndIsTheOneOfTheSmallerDistanceAndOfTwoTheStart) {
   CloseNumbers numbers(97);
   int ties = 0;
   for (int round = 0; round < 300000; ++round) {
@@ -76,7 +76,7 @@ TEST(MergeSegInternal, TheNearerEndIsTheOneOfTheSmallerDistanceAndOfTwoTheStart)
   EXPECT_GT(ties, 100) << "roots that are the same, of squares that are not";
 }
 
-TEST(MergeSegInternal, AnEndTouchesByTheSmallerOfTwoDistances) {
+TEST(MergePredicates, AnEndTouchesByTheSmallerOfTwoDistances) {
   CloseNumbers numbers(98);
   int touching = 0;
   for (int round = 0; round < 300000; ++round) {
@@ -95,7 +95,7 @@ TEST(MergeSegInternal, AnEndTouchesByTheSmallerOfTwoDistances) {
   EXPECT_GT(touching, 50000);
 }
 
-TEST(MergeSegInternal, DirectionsAreOppositeToWithinADegreeAsTheAngleSays) {
+TEST(MergePredicates, DirectionsAreOppositeToWithinADegreeAsTheAngleSays) {
   CloseNumbers numbers(99);
   std::uniform_real_distribution<double> unit(-1.0, 1.0);
   std::mt19937_64 random(100);

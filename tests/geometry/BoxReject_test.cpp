@@ -1,6 +1,6 @@
-// The filters of the algorithms that go through all lines once: they never rule out what the exact
-// test accepts, and they do rule out what is far.
-#include "FarFilter.h"
+// The box reject of the algorithms that go through all lines once never rules out what the exact
+// test accepts, and it does rule out what is far.
+#include "BoxReject.h"
 
 #include <gtest/gtest.h>
 
@@ -17,12 +17,12 @@ using quoin::test::text;
 
 const double kInfinity = std::numeric_limits<double>::infinity();
 
-/// Whether the filter hands the line out, by itself and among many.
-template <class Filter>
-bool handsOut(const Filter& filter, const WallLineLikeSeg& line) {
+/// Whether the reject hands the line out, by itself and among many.
+template <class Reject>
+bool handsOut(const Reject& reject, const WallLineLikeSeg& line) {
   WallLineLikeSeg copy = line;
   std::size_t visits = 0;
-  filter.VisitNear(std::vector<WallLineLikeSeg*>(3, &copy), [&](WallLineLikeSeg*) { ++visits; });
+  reject.VisitNear(std::vector<WallLineLikeSeg*>(3, &copy), [&](WallLineLikeSeg*) { ++visits; });
   EXPECT_TRUE(visits == 0 || visits == 3);
   return visits > 0;
 }
@@ -32,10 +32,10 @@ void expectNothingMissed(const WallLineLikeSeg& line, const WallLineLikeSeg& oth
   const AcGeLineSeg3d segment(line.ptStart, line.ptEnd);
   if (captureDistance > segment.distanceTo(AcGeLineSeg3d(other.ptStart, other.ptEnd))) {
     ++accepted;
-    const CFarLineFilter filter(line.ptStart, line.ptEnd, captureDistance);
-    EXPECT_FALSE(filter.IsFar(other.ptStart, other.ptEnd))
+    const CLineBoxReject reject(line.ptStart, line.ptEnd, captureDistance);
+    EXPECT_FALSE(reject.IsRejected(other.ptStart, other.ptEnd))
         << text(line.ptStart, line.ptEnd) << " and " << text(other.ptStart, other.ptEnd);
-    EXPECT_TRUE(handsOut(filter, other))
+    EXPECT_TRUE(handsOut(reject, other))
         << text(line.ptStart, line.ptEnd) << " and " << text(other.ptStart, other.ptEnd);
   }
   const auto isNear = [&](const AcGePoint3d& pt) {
@@ -43,27 +43,27 @@ void expectNothingMissed(const WallLineLikeSeg& line, const WallLineLikeSeg& oth
            captureDistance > pt.distanceTo(line.ptEnd);
   };
   if (isNear(other.ptStart) || isNear(other.ptEnd)) {
-    CFarPointFilter filter(captureDistance);
-    filter.Add(line.ptStart);
-    filter.Add(line.ptEnd);
-    EXPECT_TRUE(handsOut(filter, other));
+    CPointBoxReject reject(captureDistance);
+    reject.Add(line.ptStart);
+    reject.Add(line.ptEnd);
+    EXPECT_TRUE(handsOut(reject, other));
   }
 }
 
-TEST(FarLineFilter, RulesOutWhatLiesBesideTheSegmentsBox) {
-  const CFarLineFilter filter(point("0,0"), point("1000,0"), 10.0);
-  EXPECT_TRUE(filter.IsFar(point("-500,50"), point("-20,0")));
-  EXPECT_TRUE(filter.IsFar(point("1020,0"), point("1100,-50")));
-  EXPECT_TRUE(filter.IsFar(point("0,20"), point("1000,30")));
-  EXPECT_TRUE(filter.IsFar(point("0,-20"), point("1000,-30")));
-  EXPECT_FALSE(filter.IsFar(point("500,-400"), point("500,400")));
-  EXPECT_FALSE(filter.IsFar(point("500,5"), point("500,400")));
+TEST(LineBoxReject, RulesOutWhatLiesBesideTheSegmentsBox) {
+  const CLineBoxReject reject(point("0,0"), point("1000,0"), 10.0);
+  EXPECT_TRUE(reject.IsRejected(point("-500,50"), point("-20,0")));
+  EXPECT_TRUE(reject.IsRejected(point("1020,0"), point("1100,-50")));
+  EXPECT_TRUE(reject.IsRejected(point("0,20"), point("1000,30")));
+  EXPECT_TRUE(reject.IsRejected(point("0,-20"), point("1000,-30")));
+  EXPECT_FALSE(reject.IsRejected(point("500,-400"), point("500,400")));
+  EXPECT_FALSE(reject.IsRejected(point("500,5"), point("500,400")));
 }
 
-TEST(FarLineFilter, HandsOutWhatIsNotFarInItsOrder) {
+TEST(LineBoxReject, HandsOutWhatIsNotRejectedInItsOrder) {
   // Every seventh line is near; sizes and numbers that the quick comparison is not good for come
   // in some chunks and not in others.
-  const CFarLineFilter filter(point("0,0"), point("1000,0"), 10.0);
+  const CLineBoxReject reject(point("0,0"), point("1000,0"), 10.0);
   std::vector<WallLineLikeSeg> lines;
   for (int i = 0; i < 3000; ++i) {
     const double x = i % 7 == 0 ? 500.0 : 2000.0 + i;
@@ -78,44 +78,44 @@ TEST(FarLineFilter, HandsOutWhatIsNotFarInItsOrder) {
   std::vector<WallLineLikeSeg*> expected;
   for (WallLineLikeSeg& line : lines) {
     pointers.push_back(&line);
-    if (!filter.IsFar(line.ptStart, line.ptEnd)) {
+    if (!reject.IsRejected(line.ptStart, line.ptEnd)) {
       expected.push_back(&line);
     }
   }
   std::vector<WallLineLikeSeg*> visited;
-  filter.VisitNear(pointers, [&](WallLineLikeSeg* pLine) { visited.push_back(pLine); });
+  reject.VisitNear(pointers, [&](WallLineLikeSeg* pLine) { visited.push_back(pLine); });
   EXPECT_EQ(visited, expected);
   EXPECT_GT(visited.size(), 200U);
   EXPECT_LT(visited.size(), 250U);
 }
 
-TEST(FarPointFilter, LeavesOutNullPointers) {
-  CFarPointFilter filter(10.0);
-  filter.Add(point("0,0"));
+TEST(PointBoxReject, LeavesOutNullPointers) {
+  CPointBoxReject reject(10.0);
+  reject.Add(point("0,0"));
   WallLineLikeSeg line(point("0,0"), point("5,0"));
   int visits = 0;
-  filter.VisitNear(std::vector<WallLineLikeSeg*>{nullptr, &line, nullptr},
+  reject.VisitNear(std::vector<WallLineLikeSeg*>{nullptr, &line, nullptr},
                    [&](WallLineLikeSeg* pLine) { visits += pLine == &line ? 1 : 100; });
   EXPECT_EQ(visits, 1);
 }
 
-TEST(FarPointFilter, RulesOutLinesWithNoEndNearThePoints) {
-  CFarPointFilter filter(10.0);
-  filter.Add(point("0,0"));
-  filter.Add(point("1000,0"));
-  EXPECT_FALSE(handsOut(filter, {point("500,-400"), point("500,400")}));
-  EXPECT_TRUE(handsOut(filter, {point("1005,5"), point("500,400")}));
-  EXPECT_TRUE(handsOut(filter, {point("500,400"), point("-5,-5")}));
+TEST(PointBoxReject, RulesOutLinesWithNoEndNearThePoints) {
+  CPointBoxReject reject(10.0);
+  reject.Add(point("0,0"));
+  reject.Add(point("1000,0"));
+  EXPECT_FALSE(handsOut(reject, {point("500,-400"), point("500,400")}));
+  EXPECT_TRUE(handsOut(reject, {point("1005,5"), point("500,400")}));
+  EXPECT_TRUE(handsOut(reject, {point("500,400"), point("-5,-5")}));
 }
 
-TEST(FarPointFilter, NothingIsNearWithoutADistanceOrAPoint) {
-  CFarPointFilter filter(0.0);
-  filter.Add(point("0,0"));
-  EXPECT_FALSE(handsOut(filter, {point("0,0"), point("0,0")}));
-  EXPECT_FALSE(handsOut(CFarPointFilter(kInfinity), {point("0,0"), point("0,0")}));
+TEST(PointBoxReject, NothingIsNearWithoutADistanceOrAPoint) {
+  CPointBoxReject reject(0.0);
+  reject.Add(point("0,0"));
+  EXPECT_FALSE(handsOut(reject, {point("0,0"), point("0,0")}));
+  EXPECT_FALSE(handsOut(CPointBoxReject(kInfinity), {point("0,0"), point("0,0")}));
 }
 
-TEST(FarFilters, RandomSetsMissNothingThatTheExactTestAccepts) {
+TEST(BoxReject, RandomSetsMissNothingThatTheExactTestAccepts) {
   std::mt19937_64 random(84);
   int accepted = 0;
   for (int round = 0; round < 4000; ++round) {
@@ -129,7 +129,7 @@ TEST(FarFilters, RandomSetsMissNothingThatTheExactTestAccepts) {
   EXPECT_GT(accepted, 30000);
 }
 
-TEST(FarFilters, LinesOfVeryDifferentSizesMissNothing) {
+TEST(BoxReject, LinesOfVeryDifferentSizesMissNothing) {
   std::mt19937_64 random(85);
   std::uniform_real_distribution<double> unit(-1.0, 1.0);
   int accepted = 0;

@@ -1,12 +1,13 @@
-#include "EndPointIndex.h"
+#include "EndPointColumns.h"
 
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
 /// So many that a column's width comes out right to within this part.
-constexpr std::size_t kStripsPerColumn = 16;
-/// A strip with more ends than this many columns should have is a crowd that strips cannot part.
+constexpr std::size_t kBinsPerColumn = 16;
+/// A bin with more ends than this many columns should have is a crowd that bins cannot part.
 constexpr std::size_t kCrowdedColumns = 16;
 
 /// Measured on the walls of a city: between a half and twice this makes no difference.
@@ -14,7 +15,7 @@ constexpr double kWiderForLines = 4.0;
 /// A column costs as much as a few ends.
 constexpr double kFewestEndsPerColumn = 16.0;
 
-/// How far the middle eight tenths of the points reach in a coordinate; the points are sorted by
+/// The extent of the middle eight tenths of the points in a coordinate; the points are sorted by
 /// it afterwards.
 double MiddleSpread(std::vector<AcGePoint3d>& points, double AcGePoint3d::*coordinate) {
   if (points.empty()) {
@@ -27,13 +28,13 @@ double MiddleSpread(std::vector<AcGePoint3d>& points, double AcGePoint3d::*coord
 }
 
 /// By y; equal ones by x, so that what lies along x is in order too.
-bool IsBefore(const CEndPointIndex::End& a, const CEndPointIndex::End& b) {
+bool IsBefore(const CEndPointColumns::End& a, const CEndPointColumns::End& b) {
   return a.y < b.y || (a.y == b.y && a.x < b.x);
 }
 
 }  // namespace
 
-void CEndPointIndex::CheckCount(std::size_t lines) {
+void CEndPointColumns::CheckCount(std::size_t lines) {
   if (lines > std::numeric_limits<std::uint32_t>::max() / 2) {
     throw std::length_error("more lines than the index of end points can number");
   }
@@ -42,8 +43,8 @@ void CEndPointIndex::CheckCount(std::size_t lines) {
 /// A column has so many ends that, were they spread evenly, it would be about as wide as its rows
 /// are high, or kWiderForLines times as wide; in a set that is higher than wide as in a square one,
 /// since what lies far off must not make columns of crowds.
-CEndPointIndex::CStrips::CStrips(std::vector<AcGePoint3d> sample, std::size_t mostEnds,
-                                 ESearch search) {
+CEndPointColumns::CXHistogram::CXHistogram(std::vector<AcGePoint3d> sample, std::size_t mostEnds,
+                                           ESearch search) {
   const double most =
       std::sqrt(static_cast<double>(mostEnds)) * (search == eForLines ? kWiderForLines : 1.0) + 1.0;
   const double height = MiddleSpread(sample, &AcGePoint3d::y);
@@ -51,60 +52,60 @@ CEndPointIndex::CStrips::CStrips(std::vector<AcGePoint3d> sample, std::size_t mo
   const double square = height < width ? most * std::sqrt(height / width) : most;
   m_endsPerColumn =
       static_cast<std::size_t>(std::max(square, std::min(most, kFewestEndsPerColumn)));
-  m_counts.resize(std::min(kStripsPerColumn * (mostEnds / m_endsPerColumn + 1), 2 * mostEnds + 1));
-  const double strips = static_cast<double>(m_counts.size());
-  m_lastStrip = strips - 1.0;
+  m_counts.resize(std::min(kBinsPerColumn * (mostEnds / m_endsPerColumn + 1), 2 * mostEnds + 1));
+  const double bins = static_cast<double>(m_counts.size());
+  m_lastBin = bins - 1.0;
   if (!sample.empty()) {
     m_minX = sample.front().x;
-    m_stripWidth = (sample.back().x - m_minX) / strips;
-    // Without a width, or with one beyond all numbers, one strip takes all.
-    const double perUnit = 1.0 / m_stripWidth;
-    m_stripsPerUnit = std::isfinite(perUnit) && perUnit > 0.0 ? perUnit : 0.0;
+    m_binWidth = (sample.back().x - m_minX) / bins;
+    // Without a width, or with one that overflows, one bin takes all.
+    const double perUnit = 1.0 / m_binWidth;
+    m_binsPerUnit = std::isfinite(perUnit) && perUnit > 0.0 ? perUnit : 0.0;
   }
 }
 
-void CEndPointIndex::MakeRoom(std::size_t ends) {
+void CEndPointColumns::Allocate(std::size_t ends) {
   m_ends.reset(new End[ends]);
   m_endCount = ends;
 }
 
-void CEndPointIndex::BeginColumn(std::size_t first) {
+void CEndPointColumns::BeginColumn(std::size_t first) {
   m_columns.emplace_back().first = static_cast<std::uint32_t>(first);
 }
 
-/// Columns of whole strips. Answers false where a strip alone has far more ends than a column
+/// Columns of whole bins. Returns false where a bin alone has far more ends than a column
 /// should and may be parted.
-bool CEndPointIndex::CutStrips(CStrips& strips) {
-  const std::size_t enough = strips.m_endsPerColumn;
-  const double width = strips.m_stripWidth;
-  const std::vector<std::uint32_t>& counts = strips.m_counts;
-  const std::size_t mostInStrip = kCrowdedColumns * enough;
-  if (std::max(counts.front(), counts.back()) > mostInStrip ||
+bool CEndPointColumns::CutAtBins(CXHistogram& histogram) {
+  const std::size_t enough = histogram.m_endsPerColumn;
+  const double width = histogram.m_binWidth;
+  const std::vector<std::uint32_t>& counts = histogram.m_counts;
+  const std::size_t mostInBin = kCrowdedColumns * enough;
+  if (std::max(counts.front(), counts.back()) > mostInBin ||
       (!(width <= m_minColumnWidth) &&
-       *std::max_element(counts.begin(), counts.end()) > mostInStrip)) {
+       *std::max_element(counts.begin(), counts.end()) > mostInBin)) {
     return false;
   }
   if (m_endCount == 0) {
     return true;
   }
-  strips.m_nextPlaces.reserve(counts.size());
+  histogram.m_nextPlaces.reserve(counts.size());
   std::size_t place = 0;
   double columnWidth = 0.0;
-  for (std::size_t strip = 0; strip < counts.size(); ++strip) {
+  for (std::size_t bin = 0; bin < counts.size(); ++bin) {
     if (m_columns.empty() || (place - m_columns.back().first >= enough &&
                               columnWidth >= m_minColumnWidth && place < m_endCount)) {
       BeginColumn(place);
       columnWidth = 0.0;
     }
-    strips.m_nextPlaces.push_back(static_cast<std::uint32_t>(place));
-    place += counts[strip];
+    histogram.m_nextPlaces.push_back(static_cast<std::uint32_t>(place));
+    place += counts[bin];
     columnWidth += width;
   }
   return true;
 }
 
 /// Columns of ends in the order of x; equal x stay together.
-void CEndPointIndex::CutSorted(std::size_t endsPerColumn) {
+void CEndPointColumns::CutSorted(std::size_t endsPerColumn) {
   End* const ends = m_ends.get();
   std::sort(ends, ends + m_endCount, [](const End& a, const End& b) { return a.x < b.x; });
   for (std::size_t i = 0; i < m_endCount; ++i) {
@@ -115,7 +116,7 @@ void CEndPointIndex::CutSorted(std::size_t endsPerColumn) {
   }
 }
 
-void CEndPointIndex::MakeRows(bool inOrder) {
+void CEndPointColumns::MakeRows(bool inOrder) {
   const std::size_t columns = m_columns.size();
   BeginColumn(m_endCount);
   m_rowFirst.reserve(m_endCount / kEndsPerRow + columns + 1);
@@ -129,8 +130,8 @@ void CEndPointIndex::MakeRows(bool inOrder) {
 }
 
 /// Finds the column's bounds and rows and puts its ends into them; `inOrder`: each row in order.
-void CEndPointIndex::MakeRowsOf(Column& column, std::span<End> ends, bool inOrder,
-                                std::vector<End>& moved) {
+void CEndPointColumns::MakeRowsOf(Column& column, std::span<End> ends, bool inOrder,
+                                  std::vector<End>& moved) {
   column.minX = column.maxX = ends.front().x;
   column.minY = ends.front().y;
   double maxY = column.minY;
@@ -150,21 +151,20 @@ void CEndPointIndex::MakeRowsOf(Column& column, std::span<End> ends, bool inOrde
   m_rowFirst.resize(column.firstRow + column.rows + 1, 0);
   moved.assign(ends.begin(), ends.end());
   for (End& end : moved) {
-    end.part = static_cast<std::uint32_t>(column.RowOf(end.y)) + 1;
-    ++m_rowFirst[end.part];
+    end.row = static_cast<std::uint32_t>(column.RowOf(end.y)) + 1;
+    ++m_rowFirst[end.row];
   }
   std::uint32_t place = column.first;
   bool isCrowded = false;
-  for (std::uint32_t part = column.firstRow + 1; part < m_rowFirst.size(); ++part) {
-    isCrowded = isCrowded || m_rowFirst[part] > kCrowdedRow;
-    place += std::exchange(m_rowFirst[part], place);
+  for (std::uint32_t row = column.firstRow + 1; row < m_rowFirst.size(); ++row) {
+    isCrowded = isCrowded || m_rowFirst[row] > kCrowdedRow;
+    place += std::exchange(m_rowFirst[row], place);
   }
   if (!isCrowded) {
     for (const End& end : moved) {
-      // Into its row's order at once; a place that nothing has moved to has no part yet.
-      End* free = m_ends.get() + m_rowFirst[end.part]++;
-      for (;
-           free != m_ends.get() && free[-1].part == end.part && inOrder && IsBefore(end, free[-1]);
+      // Into its row's order at once; a place that nothing has moved to has no row yet.
+      End* free = m_ends.get() + m_rowFirst[end.row]++;
+      for (; free != m_ends.get() && free[-1].row == end.row && inOrder && IsBefore(end, free[-1]);
            --free) {
         *free = free[-1];
       }
@@ -173,7 +173,7 @@ void CEndPointIndex::MakeRowsOf(Column& column, std::span<End> ends, bool inOrde
     return;
   }
   for (const End& end : moved) {
-    m_ends[m_rowFirst[end.part]++] = end;
+    m_ends[m_rowFirst[end.row]++] = end;
   }
   for (std::uint32_t row = column.firstRow; row + 1 < m_rowFirst.size(); ++row) {
     std::sort(m_ends.get() + m_rowFirst[row], m_ends.get() + m_rowFirst[row + 1], IsBefore);
