@@ -200,26 +200,19 @@ class CPieceMaker {
     m_pnts.push_back(m_pLine->ptStart);
     m_pnts.push_back(m_pLine->ptEnd);
     const AcGeVector3d direction = m_pLine->ptEnd - m_pLine->ptStart;
-    if (m_order.Order(m_pnts.begin(), m_pnts.end(), direction)) {
-      MakePieces(
-          [this](std::size_t place) -> const AcGePoint3d& { return m_pnts[m_order.At(place)]; });
-    } else {
+    if (!TrySortFewAlongDirection(m_pnts.begin(), m_pnts.end(), direction)) {
+      // Points that the caller named may be NaN, which contradict the order of the others: then
+      // the result depends on the order in which all of them came.
       OrderByOtherLine();
       SortAlongDirection(m_pnts.begin(), m_pnts.end(), direction);
-      MakePieces([this](std::size_t place) -> const AcGePoint3d& { return m_pnts[place]; });
+    }
+    for (std::size_t i = 1; i < m_pnts.size(); ++i) {
+      if (!m_pnts[i].isEqualTo(m_pnts[i - 1])) {
+        m_pieces.push_back(new WallLineLikeSeg(m_pnts[i - 1], m_pnts[i], m_pLine));
+      }
     }
     return m_pieces.size() - before;
   }
-
-  template <class PointAt>
-  void MakePieces(PointAt pointAt) {
-    for (std::size_t i = 1; i < m_pnts.size(); ++i) {
-      if (!pointAt(i).isEqualTo(pointAt(i - 1))) {
-        m_pieces.push_back(new WallLineLikeSeg(pointAt(i - 1), pointAt(i), m_pLine));
-      }
-    }
-  }
-  CFewAlongDirection m_order;
 
  private:
   void OrderByOtherLine() {

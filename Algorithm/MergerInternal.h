@@ -82,10 +82,6 @@ class CMerger {
     double finished;
   };
 
-  struct Touching {
-    std::uint32_t record = kNobody;
-    std::uint32_t end = CEndPointIndex::kNone;
-  };
   /// How many records of a chain are prefetched, either way.
   static constexpr int kPrefetchDistance = 32;
 
@@ -176,14 +172,15 @@ class CMerger {
   bool MergeOnce(std::uint32_t index, const Tolerances& tolerances) {
     Record& record = m_records[index];
     record.state = EState::InProgress;
-    const Touching atStart = FindOnlyTouching(record.ends[0], record.pSeg->ptStart, tolerances);
-    const Touching atEnd = FindOnlyTouching(record.ends[1], record.pSeg->ptEnd, tolerances);
+    const std::uint32_t atStart =
+        FindOnlyTouching(record.ends[0], record.pSeg->ptStart, tolerances);
+    const std::uint32_t atEnd = FindOnlyTouching(record.ends[1], record.pSeg->ptEnd, tolerances);
     bool merged = false;
     if (!Policy::IsFixed(*record.pSeg, true)) {
       merged = Absorb(index, atStart, true);
     }
     if (!Policy::IsFixed(*record.pSeg, false)) {
-      merged = Absorb(index, merged ? Touching{atEnd.record} : atEnd, false) || merged;
+      merged = Absorb(index, atEnd, false) || merged;
     }
     return merged;
   }
@@ -199,30 +196,23 @@ class CMerger {
     }
   }
 
-  bool TouchesWith(std::uint32_t end, const Seg& cand, const AcGePoint3d& pt) const {
-    const AcGeVector3d toStart = pt - cand.ptStart;
-    return CEndPointIndex::IsStart(end)
-               ? m_limit.IsAbove(toStart)
-               : m_limit.IsAbove(pt - cand.ptEnd) && !std::isnan(toStart.lengthSqrd());
-  }
   /// The one pending or finished record that touches the end, which is at `pt`; kNobody when
   /// none does or several do, or when it could not be absorbed anyway.
-  Touching FindOnlyTouching(std::uint32_t end, const AcGePoint3d& pt,
-                            const Tolerances& tolerances) {
+  std::uint32_t FindOnlyTouching(std::uint32_t end, const AcGePoint3d& pt,
+                                 const Tolerances& tolerances) {
     const std::uint32_t contact = m_records[end / 2].contacts[end % 2];
     // A project whose scale changes on the way is rare, but then contacts are not what they were.
     if (!(tolerances.pending == m_tolerance && tolerances.finished == m_tolerance) ||
         contact == CEndPointContacts::kAmbiguous) {
-      return {SearchOnlyTouching(pt, tolerances)};
+      return SearchOnlyTouching(pt, tolerances);
     }
     if (contact == CEndPointContacts::kNone) {
-      return {};
+      return kNobody;
     }
     // Absorbed are pending records alone, whose ends are those that they began with.
     const Record& other = m_records[contact / 2];
-    return other.state == EState::Pending && TouchesWith(contact, *other.pSeg, pt)
-               ? Touching{contact / 2, contact}
-               : Touching{};
+    return other.state == EState::Pending && Touches(pt, *other.pSeg, m_limit) ? contact / 2
+                                                                               : kNobody;
   }
 
   std::uint32_t SearchOnlyTouching(const AcGePoint3d& pt, const Tolerances& tolerances) {
@@ -240,16 +230,14 @@ class CMerger {
     return only;
   }
 
-  bool Absorb(std::uint32_t index, const Touching& touching, bool bAtStart) {
-    if (touching.record == kNobody || m_records[touching.record].state != EState::Pending) {
+  bool Absorb(std::uint32_t index, std::uint32_t touching, bool bAtStart) {
+    if (touching == kNobody || m_records[touching].state != EState::Pending) {
       return false;
     }
     Record& record = m_records[index];
-    Record& gone = m_records[touching.record];
+    Record& gone = m_records[touching];
     const bool nearIsStart =
-        touching.end != CEndPointIndex::kNone
-            ? CEndPointIndex::IsStart(touching.end)
-            : NearIsStart(*gone.pSeg, bAtStart ? record.pSeg->ptStart : record.pSeg->ptEnd);
+        NearIsStart(*gone.pSeg, bAtStart ? record.pSeg->ptStart : record.pSeg->ptEnd);
     if (!MergeUnlessBroken<Policy>(
             *record.pSeg, *gone.pSeg, bAtStart, nearIsStart,
             [this](const AcGePoint3d& pt) { return m_breakPnts.Hold(pt); })) {
