@@ -1,7 +1,7 @@
 // AcGeLinearEnt3d: straight curves. A line is unbounded (base point and direction as
 // given), a segment ends at its two points and is determined by them: its direction is
 // always their difference. Both keep the given doubles untouched; the direction is made a
-// unit vector only when asked for.
+// unit vector only on demand.
 #pragma once
 
 #include "gecurv3d.h"
@@ -11,7 +11,7 @@ class AcGeLine3d;
 class AcGeLinearEnt3d : public AcGeCurve3d {
  public:
   /// Unit vector; a direction no longer than the global equalVector comes back as it is, so
-  /// a degenerate entity answers the zero vector.
+  /// a degenerate entity gives the zero vector.
   AcGeVector3d direction() const { return m_along.normal(); }
   /// Base point of a line, start point of a segment.
   constexpr AcGePoint3d pointOnLine() const { return m_base; }
@@ -32,7 +32,7 @@ class AcGeLinearEnt3d : public AcGeCurve3d {
                                           tol.equalPoint() * m_along.length();
   }
 
-  /// The point in which the two meet. Answers false and leaves `intPnt` untouched when they
+  /// The point in which the two meet. Returns false and leaves `intPnt` untouched when they
   /// are parallel, collinear (also when they touch end to end), degenerate (no longer than
   /// equalVector), skew by more than equalPoint, or when the point lies beyond an end of a
   /// segment among them by more than equalPoint. The point is the one of this entity that is
@@ -104,18 +104,20 @@ class AcGeLinearEnt3d : public AcGeCurve3d {
     setAll(base, isBounded() ? end - base : along, end);
   }
 
-  /// The point at parameter t, held within the ends of a segment. What is no number gives
-  /// the base, so does infinity on a line.
+  /// The point at parameter t, held within the ends of a segment. NaN gives the base, so does
+  /// infinity on a line.
   AcGePoint3d pointAt(double t) const {
     if (!isBounded()) {
       return std::isfinite(t) ? m_base + m_along * t : m_base;
     }
-    // Chosen from a table: where a point lies along a segment is anyone's guess, and a branch
-    // that is guessed wrong every other time takes longer than all of the arithmetic.
-    const AcGePoint3d inside = m_base + m_along * t;
-    // A direction too short for its square to be told from zero gives t = infinity.
-    const AcGePoint3d* const choice[] = {&m_base, &inside, isDegenerate() ? &m_base : &m_end};
-    return *choice[static_cast<int>(t > 0.0) + static_cast<int>(t >= 1.0)];
+    if (!(t > 0.0)) {
+      return m_base;
+    }
+    if (t < 1.0) {
+      return m_base + m_along * t;
+    }
+    // A direction too short for its square to be distinct from zero gives t = infinity.
+    return isDegenerate() ? m_base : m_end;
   }
   AcGePoint3d foot(const AcGePoint3d& pnt) const {
     return pointAt((pnt - m_base).dotProduct(m_along) / m_along.lengthSqrd());
