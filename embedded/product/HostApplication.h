@@ -49,8 +49,6 @@ class HOST_API HostApplication {
   /// Unloads all modules, last loaded first, whatever they answer.
   void unloadAllModules();
 
-  /// What was asked of the object factory.
-  product::ServiceLookups& serviceLookups() { return m_platform.lookups(); }
   /// As product::Platform::setLogSink.
   product::LogSink setLogSink(product::LogSink sink);
 

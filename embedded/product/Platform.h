@@ -11,8 +11,8 @@
 
 #include "embedded/product/EntityMapping.h"
 #include "embedded/product/LogSink.h"
+#include "embedded/product/LookupObserver.h"
 #include "embedded/product/Project.h"
-#include "embedded/product/ServiceLookups.h"
 #include "embedded/rx/CurrentGuard.h"
 
 namespace quoin::product {
@@ -31,7 +31,9 @@ class HOST_API Platform {
   /// Closes a project together with the map of its nodes.
   void closeProject(Project& project);
   EntityMappings& entityMappings() { return m_entityMappings; }
-  ServiceLookups& lookups() { return m_lookups; }
+  /// Who is told of look-ups from now on; null for nobody. The observer stays the caller's.
+  void setLookupObserver(LookupObserver* observer) { m_lookupObserver = observer; }
+  LookupObserver* lookupObserver() const { return m_lookupObserver; }
 
   /// The names of the fifteen services.
   static std::span<const wchar_t* const> serviceNames();
@@ -53,7 +55,7 @@ class HOST_API Platform {
   rx::CurrentGuard<Platform> m_guard;
   ProjectManager m_projects;
   EntityMappings m_entityMappings;
-  ServiceLookups m_lookups;
+  LookupObserver* m_lookupObserver = nullptr;
   std::set<std::wstring, std::less<>> m_withdrawn;
   LogSink m_sink;
   std::uint64_t m_loggedLines = 0;

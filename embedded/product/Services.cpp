@@ -77,9 +77,11 @@ class ObjectFactory : public IObjectFactory {
     void* const service = second.IsEmpty() && !platform->isWithdrawn(wanted)
                               ? Services::instance().find(wanted)
                               : nullptr;
-    const std::wstring_view secondName(second.GetString(),
-                                       static_cast<std::size_t>(second.GetLength()));
-    platform->lookups().countLookup(wanted, secondName, service);
+    if (LookupObserver* const observer = platform->lookupObserver()) {
+      const std::wstring_view secondName(second.GetString(),
+                                         static_cast<std::size_t>(second.GetLength()));
+      observer->onLookup(wanted, secondName, service != nullptr);
+    }
     return service;
   }
 };
@@ -95,8 +97,9 @@ std::span<const wchar_t* const> Platform::serviceNames() {
 IObjectFactory* GetObjectFactory() {
   using namespace quoin::product;
   static ObjectFactory& factory = *new ObjectFactory;
-  if (Platform* const platform = Platform::current()) {
-    platform->lookups().countFactoryCall();
+  Platform* const platform = Platform::current();
+  if (LookupObserver* const observer = platform ? platform->lookupObserver() : nullptr) {
+    observer->onFactoryCall();
   }
   return &factory;
 }

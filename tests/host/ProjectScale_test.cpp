@@ -11,6 +11,7 @@
 
 #include "embedded/product/HostApplication.h"
 #include "support/HeapWatch.h"
+#include "support/ServiceLookups.h"
 
 namespace {
 
@@ -38,13 +39,13 @@ TEST_F(ProjectScaleTest, IsTheRawValueOfPropertyEleven) {
 }
 
 TEST_F(ProjectScaleTest, EveryCallIsACompleteLookup) {
-  host.serviceLookups().startRecording();
+  const quoin::test::ServiceLookups lookups(host.platform());
   const auto reads = project().root().reads();
   project().setScale(2.0);
   EXPECT_EQ(GetProjectScale(), 2.0);
   project().setScale(3.0);
   EXPECT_EQ(GetProjectScale(), 3.0) << "nothing is kept";
-  const auto& records = host.serviceLookups().records();
+  const auto& records = lookups.records();
   ASSERT_EQ(records.size(), 2U);
   for (std::size_t i = 0; i < records.size(); ++i) {
     EXPECT_EQ(records[i].name, L"工程管理器服务");
@@ -63,7 +64,7 @@ TEST_F(ProjectScaleTest, FollowsTheCurrentProject) {
   EXPECT_EQ(GetProjectScale(), 1.0);
 }
 
-TEST_F(ProjectScaleTest, ARootNodeOfAnotherTypeIsLoggedOnceACallAndAnswersAllTheSame) {
+TEST_F(ProjectScaleTest, ARootNodeOfAnotherTypeIsLoggedOnceACallAndReadAllTheSame) {
   project().root().setType(4);
   project().setScale(0.25);
   EXPECT_EQ(GetProjectScale(), 0.25);

@@ -7,6 +7,7 @@
 #include "embedded/rx/ExtensionModules.h"
 #include "rxframe.h"
 #include "support/HeapWatch.h"
+#include "support/ServiceLookups.h"
 
 namespace {
 
@@ -17,7 +18,7 @@ using quoin::rx::extensionModuleCounts;
 class RecordingLinker : public AcRxDynamicLinker {
  public:
   std::vector<std::string> calls;
-  bool answer = true;
+  bool result = true;
 
   bool loadModule(const ACHAR*, bool, bool) override { return false; }
   bool unloadModule(const ACHAR*, bool) override { return false; }
@@ -35,7 +36,7 @@ class RecordingLinker : public AcRxDynamicLinker {
   bool note(const char* call, void* appId) {
     calls.push_back(call);
     packet = appId;
-    return answer;
+    return result;
   }
 };
 
@@ -100,8 +101,8 @@ TEST_F(ModuleAppTest, UnloadingLeavesNoWatcherInMemory) {
   }
 }
 
-TEST_F(ModuleAppTest, InitialisationAnswersTheFramesResultAndMakesTheWatcherAllTheSame) {
-  linker.answer = false;
+TEST_F(ModuleAppTest, InitialisationReturnsTheFramesResultAndMakesTheWatcherAllTheSame) {
+  linker.result = false;
   EXPECT_EQ(send(AcRx::kInitAppMsg), AcRx::kRetError);
   EXPECT_NE(UserInputStateWatcherDoor::Instance(), nullptr);
   EXPECT_EQ(send(AcRx::kUnloadAppMsg), AcRx::kRetOK) << "empty tables: nothing to remove";
@@ -115,7 +116,8 @@ TEST_F(ModuleAppTest, ASecondInitialisationKeepsTheWatcher) {
   EXPECT_EQ(send(AcRx::kUnloadAppMsg), AcRx::kRetOK);
 }
 
-TEST_F(ModuleAppTest, AllOtherMessagesAreAnsweredOkAndTouchNothing) {
+TEST_F(ModuleAppTest, AllOtherMessagesReturnOkAndTouchNothing) {
+  const quoin::test::ServiceLookups lookups(host.platform());
   for (int code = 0; code <= 30; ++code) {
     if (code != AcRx::kInitAppMsg && code != AcRx::kUnloadAppMsg) {
       EXPECT_EQ(send(static_cast<AcRx::AppMsgCode>(code)), AcRx::kRetOK) << code;
@@ -124,7 +126,7 @@ TEST_F(ModuleAppTest, AllOtherMessagesAreAnsweredOkAndTouchNothing) {
   EXPECT_EQ(send(static_cast<AcRx::AppMsgCode>(-1)), AcRx::kRetOK);
   EXPECT_TRUE(linker.calls.empty());
   EXPECT_EQ(UserInputStateWatcherDoor::Instance(), nullptr);
-  EXPECT_EQ(host.serviceLookups().factoryCalls(), 0U);
+  EXPECT_EQ(lookups.factoryCalls(), 0U);
 }
 
 TEST_F(ModuleAppTest, DefinesNoAutoLispFunctions) {
@@ -179,7 +181,7 @@ class AppWithACommand : public COrvArxModuleApp {
   static constexpr AcRxCommandEntry kCommands[] = {{L"G", L"ONE", nullptr, 0, nullptr}};
 };
 
-TEST(ModuleApp, UnloadingAnswersTheFramesResultAndTheWatcherGoesAllTheSame) {
+TEST(ModuleApp, UnloadingReturnsTheFramesResultAndTheWatcherGoesAllTheSame) {
   using quoin::test::HeapWatch;
   UserInputStateWatcherDoor::Instance() = nullptr;
   const long alive = HeapWatch::handedOut - HeapWatch::takenBack;

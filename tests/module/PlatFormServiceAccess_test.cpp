@@ -11,8 +11,11 @@
 #include "ProjectModel.h"
 #include "embedded/product/HostApplication.h"
 #include "support/HeapWatch.h"
+#include "support/ServiceLookups.h"
 
 namespace {
+
+using quoin::test::ServiceLookups;
 
 class ServiceAccessTest : public testing::Test {
  protected:
@@ -23,33 +26,33 @@ class ServiceAccessTest : public testing::Test {
 };
 
 TEST_F(ServiceAccessTest, TheFirstUseLooksUpTheFifteenServicesInOrderEachWithAFreshFactory) {
-  host.serviceLookups().startRecording();
+  const ServiceLookups lookups(host.platform());
   ASSERT_NE(CPlatFormServiceAccess::Instance(), nullptr);
   const std::vector<std::wstring> expected = {
       L"工程管理器服务",         L"工程事件服务",     L"工程目录事件服务",      L"工程报表事件服务",
       L"数据模型事件服务",       L"模型工厂",         L"工程信息事件服务",      L"资源库访问器对象",
       L"实体模型映射服务",       L"图形修改记录服务", L"联动管理服务",          L"资源库管理器服务",
       L"资源库数据模型事件服务", L"数据模型访问工具", L"资源库节点数据访问服务"};
-  const auto& records = host.serviceLookups().records();
+  const auto& records = lookups.records();
   ASSERT_EQ(records.size(), 15U);
   for (std::size_t i = 0; i < expected.size(); ++i) {
     EXPECT_EQ(records[i].name, expected[i]);
     EXPECT_EQ(records[i].second, L"");
-    EXPECT_EQ(records[i].factoryCall, i + 1) << "the factory is asked for once a service";
+    EXPECT_EQ(records[i].factoryCall, i + 1) << "the factory is fetched once a service";
   }
-  EXPECT_EQ(host.serviceLookups().factoryCalls(), 15U);
+  EXPECT_EQ(lookups.factoryCalls(), 15U);
 }
 
 TEST_F(ServiceAccessTest, LaterUsesLookNothingUp) {
   CPlatFormServiceAccess* const access = CPlatFormServiceAccess::Instance();
-  host.serviceLookups().reset();
+  const ServiceLookups lookups(host.platform());
   EXPECT_EQ(CPlatFormServiceAccess::Instance(), access);
   EXPECT_EQ(CPlatFormServiceAccess::Instance(), access);
-  EXPECT_EQ(host.serviceLookups().factoryCalls(), 0U);
-  EXPECT_EQ(host.serviceLookups().lookups(), 0U);
+  EXPECT_EQ(lookups.factoryCalls(), 0U);
+  EXPECT_TRUE(lookups.records().empty());
 }
 
-TEST_F(ServiceAccessTest, KeepsWhatTheFactoryAnsweredInThatOrder) {
+TEST_F(ServiceAccessTest, KeepsWhatTheFactoryReturnedInThatOrder) {
   const CPlatFormServiceAccess& access = *CPlatFormServiceAccess::Instance();
   std::set<void*> distinct;
   for (int i = 0; i < ePlatFormServiceCount; ++i) {
@@ -85,14 +88,14 @@ TEST_F(ServiceAccessTest, TheNinthServiceMapsNodesToEntities) {
 }
 
 TEST_F(ServiceAccessTest, WithoutMemoryThereIsNoneAndTheNextUseTriesAgain) {
-  host.serviceLookups().reset();
+  const ServiceLookups lookups(host.platform());
   {
     const quoin::test::NoMemoryAfter noMemory(0);
     EXPECT_EQ(CPlatFormServiceAccess::Instance(), nullptr);
   }
-  EXPECT_EQ(host.serviceLookups().lookups(), 0U);
+  EXPECT_TRUE(lookups.records().empty());
   EXPECT_NE(CPlatFormServiceAccess::Instance(), nullptr);
-  EXPECT_EQ(host.serviceLookups().lookups(), 15U);
+  EXPECT_EQ(lookups.records().size(), 15U);
 }
 
 TEST_F(ServiceAccessTest, OnlyTheObjectIsKeptOfItsLookups) {

@@ -10,6 +10,7 @@
 #include "embedded/rx/ExtensionModules.h"
 #include "host/ObjectFactory.h"
 #include "rxregsvc.h"
+#include "support/ServiceLookups.h"
 
 namespace {
 
@@ -106,9 +107,10 @@ TEST_F(QuoinModuleTest, IsUnloadedWhenTheHostEndsAndServesTheNextHost) {
 
 TEST_F(QuoinModuleTest, RegistersNothingAndLooksNothingUpWhenItIsLoaded) {
   HostApplication host;
+  const quoin::test::ServiceLookups lookups(host.platform());
   host.loadModule(kModule);
   EXPECT_TRUE(host.runtime().commands().groupNames().empty());
-  EXPECT_EQ(host.serviceLookups().factoryCalls(), 0U);
+  EXPECT_EQ(lookups.factoryCalls(), 0U);
   EXPECT_EQ(host.editor().prompts(*curDoc()).reactorCount(), 0) << "the watcher is not turned on";
 }
 

@@ -7,6 +7,7 @@
 
 #include "host/Log.h"
 #include "host/ObjectFactory.h"
+#include "support/ServiceLookups.h"
 
 namespace {
 
@@ -66,28 +67,27 @@ TEST(ObjectFactory, WithoutAPlatformItHasNoServices) {
   EXPECT_EQ(lookUp(L"工程管理器服务"), nullptr);
 }
 
-TEST(ServiceLookups, CountsAndRecordsWhatWasAskedFor) {
+TEST(ObjectFactory, TellsAnObserverOfEveryLookupWhileThereIsOne) {
   Platform platform;
-  lookUp(L"模型工厂");
-  EXPECT_EQ(platform.lookups().lookups(), 1U);
-  EXPECT_TRUE(platform.lookups().records().empty()) << "recording is on request";
-  platform.lookups().reset();
-  platform.lookups().startRecording();
-  lookUp(L"模型工厂");
-  lookUp(L"unknown", L"x");
-  IObjectFactory* const factory = GetObjectFactory();
-  factory->GetService(L"模型工厂", L"");
-  factory->GetService(L"模型工厂", L"");
-  EXPECT_EQ(platform.lookups().factoryCalls(), 3U);
-  EXPECT_EQ(platform.lookups().lookups(), 4U);
-  EXPECT_EQ(platform.lookups().byName().at(L"模型工厂"), 3U);
-  const auto& records = platform.lookups().records();
-  ASSERT_EQ(records.size(), 4U);
-  EXPECT_EQ(records[0].factoryCall, 1U);
-  EXPECT_TRUE(records[0].found);
-  EXPECT_EQ(records[1].second, L"x");
-  EXPECT_FALSE(records[1].found);
-  EXPECT_EQ(records[2].factoryCall, records[3].factoryCall) << "one factory for both";
+  {
+    const quoin::test::ServiceLookups lookups(platform);
+    lookUp(L"模型工厂");
+    lookUp(L"unknown", L"x");
+    IObjectFactory* const factory = GetObjectFactory();
+    factory->GetService(L"模型工厂", L"");
+    factory->GetService(L"模型工厂", L"");
+    EXPECT_EQ(lookups.factoryCalls(), 3U);
+    const auto& records = lookups.records();
+    ASSERT_EQ(records.size(), 4U);
+    EXPECT_EQ(records[0].name, L"模型工厂");
+    EXPECT_EQ(records[0].factoryCall, 1U);
+    EXPECT_TRUE(records[0].found);
+    EXPECT_EQ(records[1].second, L"x");
+    EXPECT_FALSE(records[1].found);
+    EXPECT_EQ(records[2].factoryCall, records[3].factoryCall) << "one factory for both";
+  }
+  EXPECT_EQ(platform.lookupObserver(), nullptr);
+  EXPECT_NE(lookUp(L"模型工厂"), nullptr);
 }
 
 TEST(Projects, TheProjectOpenedLastIsCurrent) {
