@@ -1,4 +1,4 @@
-// The CAD product's project model, as far as this module asks for it: the project manager
+// The CAD product's project model, as far as this module uses it: the project manager
 // service with its current project, the nodes of the project's model with their properties,
 // and the mapping between model nodes and the drawing entities that show them.
 #pragma once
@@ -10,7 +10,7 @@
 
 class AcDbObjectId;
 
-/// The type of a project's root node, as IModelNode::GetType() answers it.
+/// The type of a project's root node, as IModelNode::GetType() returns it.
 inline constexpr std::int32_t ROOT_MODEL = 0;
 
 /// A value of a node's property: nothing, a number, a truth value or a text.

@@ -21,7 +21,7 @@ IProjectManagerService* FindProjectManager() {
 
 double GetProjectScale() {
   IModelNode* const pModelNode = FindProjectManager()->GetCurrentProject()->GetRootModelNode();
-  // The check reports and does not stop; a missing node passes it and is then asked all the
+  // The check reports and does not stop; a missing node passes it and is then read all the
   // same, since callers run only while a project is open.
   if (pModelNode && pModelNode->GetType() != ROOT_MODEL) {
     CLog::LogError(kAssertionFormat, L"!pModelNode || pModelNode->GetType() == ROOT_MODEL",

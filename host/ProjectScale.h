@@ -1,5 +1,5 @@
 // The one number that the algorithms read from the open project: its drawing scale, a
-// property of the project's root node. Asked for afresh at every call, never kept. A project
+// property of the project's root node. Read anew at every call, never kept. A project
 // must be open: without one there is no node to ask, and nothing checks that.
 #pragma once
 
@@ -10,7 +10,7 @@ inline constexpr std::int32_t kProjectScaleProperty = 11;
 
 /// The project's scale: the raw value of the root node's property 11, through the object
 /// factory, the project manager and the current project. A root node of another type than
-/// ROOT_MODEL is logged, once a call, and answers all the same.
+/// ROOT_MODEL is logged, once a call, and read all the same.
 double GetProjectScale();
 
 /// The length in the drawing, at scale 1, within which lines count as touching.

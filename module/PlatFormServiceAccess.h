@@ -36,7 +36,7 @@ class CPlatFormServiceAccess {
   CPlatFormServiceAccess(const CPlatFormServiceAccess&) = delete;
   CPlatFormServiceAccess& operator=(const CPlatFormServiceAccess&) = delete;
 
-  /// A service as the platform answered it, null where it has none. The platform owns it.
+  /// A service as the platform returned it, null where it has none. The platform owns it.
   void* GetService(EPlatFormService service) const { return m_services[service]; }
   IEntityModelMappingService* GetEntityModelMappingService() const;
 

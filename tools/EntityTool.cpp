@@ -56,7 +56,7 @@ CString TextOf(const AcDbMText& text) {
   return strText;
 }
 
-/// Adds a text's extents whatever its measuring answers: a failure leaves them fresh.
+/// Adds a text's extents whatever its measuring returns: a failure leaves them fresh.
 void AddTextExtents(const AcDbEntity& text, AcDbExtents& ext) {
   AcDbExtents extText;
   text.getGeomExtents(extText);

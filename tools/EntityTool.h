@@ -20,7 +20,7 @@ class AFX_EXT_CLASS CEntityTool {
   CEntityTool& operator=(const CEntityTool& other);
 
   /// Widens `ext` by the extents of what model space shows: entities whose layer is on, thawed
-  /// and not hidden; invisible ones only where they are asked for. A text is left out when it
+  /// and not hidden; invisible ones only on request. A text is left out when it
   /// has no height (multiline text: no width) and no letters.
   /// Fails: false without a model space that opens for write.
   static bool GetEntExtents(AcDbDatabase* pDb, AcDbExtents& ext, bool bIncludeInvisible);

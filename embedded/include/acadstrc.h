@@ -1,4 +1,4 @@
-// Status codes of the host API: what an operation on the database or the editor answers.
+// Status codes of the host API: what an operation on the database or the editor returns.
 // acadErrorStatusText() gives the code's own name, for messages.
 #pragma once
 

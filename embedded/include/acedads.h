@@ -1,5 +1,5 @@
 // The editor's plain functions: system variables, coordinate systems, input and the AutoLISP
-// functions of a module. Each answers RTNORM, or RTERROR and changes nothing; without a
+// functions of a module. Each returns RTNORM, or RTERROR and changes nothing; without a
 // running host, and for null arguments, that is RTERROR.
 #pragma once
 
@@ -27,7 +27,7 @@ HOST_API int acedTrans(const ads_point point, const resbuf* from, const resbuf* 
 // Input. Nobody sits before this host: the words that a command was started with answer its
 // prompts, one each, in their order. The document's input reactors are told of every prompt.
 // Fails: RTCAN where no word is left; RTNONE for an empty word, as a user's bare Enter; RTERROR
-//        for a word that is not what is asked for. `result` stays as it was.
+//        for a word that is not what the prompt wants. `result` stays as it was.
 
 /// The most letters of a text that acedGetString gives; the caller's buffer has one more.
 inline constexpr unsigned kMaxStringInput = 132;

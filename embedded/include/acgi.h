@@ -1,4 +1,4 @@
-// The graphics interface, as far as modules ask for it: why something is drawn, and the text
+// The graphics interface, as far as modules use it: why something is drawn, and the text
 // style with which texts are.
 #pragma once
 

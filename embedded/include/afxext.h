@@ -29,7 +29,7 @@ struct AFX_EXTENSION_MODULE {
 };
 
 /// Notes the module's handle and marks it initialised.
-/// Fails: answers FALSE, and changes nothing, when it is initialised already.
+/// Fails: returns FALSE, and changes nothing, when it is initialised already.
 HOST_API BOOL AfxInitExtensionModule(AFX_EXTENSION_MODULE& module, HMODULE handle);
 
 /// Deletes the module's CDynLinkLibrary objects and marks it not initialised; a module that

@@ -39,7 +39,7 @@ using HMODULE = HINSTANCE;
 #endif
 
 /// A wide text value. Positions and lengths count characters; positions out of range are
-/// clamped in Left, Mid and Right, and searches answer -1 when they find nothing.
+/// clamped in Left, Mid and Right, and searches return -1 when they find nothing.
 class HOST_API CString {
  public:
   CString() = default;
@@ -104,7 +104,7 @@ class HOST_API CString {
   /// The letters a-z, A-Z; others stay.
   CString& MakeUpper();
   CString& MakeLower();
-  /// Replaces every occurrence, from left to right; answers how many.
+  /// Replaces every occurrence, from left to right; returns how many.
   int Replace(wchar_t from, wchar_t to);
   int Replace(const wchar_t* from, const wchar_t* to);
   void Format(const wchar_t* format, ...);

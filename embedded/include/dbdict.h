@@ -80,7 +80,7 @@ class HOST_API AcDbDictionary : public AcDbObject {
   bool isTreatElementsAsHard() const;
 };
 
-/// A dictionary that answers one entry for every name that it does not have.
+/// A dictionary that returns one entry for every name that it does not have.
 class HOST_API AcDbDictionaryWithDefault : public AcDbDictionary {
  public:
   ACRX_DECLARE_MEMBERS(AcDbDictionaryWithDefault);

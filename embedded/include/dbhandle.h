@@ -26,7 +26,7 @@ class HOST_API AcDbHandle {
   /// Room for getIntoAsciiBuffer: 16 digits and the terminating zero.
   static constexpr std::size_t kTextSize = 17;
   /// Upper-case hexadecimal digits without leading zeros ("0" for the null handle).
-  /// Fails: answers false, and writes nothing but a terminating zero, when they do not fit.
+  /// Fails: returns false, and writes nothing but a terminating zero, when they do not fit.
   bool getIntoAsciiBuffer(ACHAR* buffer, std::size_t bufferSize = kTextSize) const;
 
   friend constexpr bool operator==(const AcDbHandle& a, const AcDbHandle& b) = default;

@@ -4,7 +4,7 @@
 // An object of a database is reached by opening its id (acdbOpenObject) and must be closed;
 // an object made with `new` belongs to whoever made it until it is appended to a database.
 // Reading needs the object open for read or write, every setter needs it open for write and
-// answers eNotOpenForWrite otherwise. A change touches only the tags that it is about; all
+// returns eNotOpenForWrite otherwise. A change touches only the tags that it is about; all
 // else in the object's record stays as the file has it. docs/host-api.md tells the rules.
 #pragma once
 
@@ -146,7 +146,7 @@ class HOST_API AcDbObject : public AcRxObject {
  protected:
   AcDbObject();
   /// For classes whose objects are mostly made, read and deleted: what keeps track of records and
-  /// of opening is only made when somebody asks for more than the class itself can answer.
+  /// of opening is only made when somebody needs more than the class itself provides.
   struct WithoutRecord {};
   explicit AcDbObject(WithoutRecord);
   /// Whether nobody has asked yet.
@@ -412,7 +412,7 @@ class HOST_API AcDbDatabase : public AcRxObject {
 
   // --- ids --------------------------------------------------------------------------------
   /// The object with this handle. (Reserving an id for a handle that no object has is not
-  /// offered: createIfNotFound answers eNotApplicable then.)
+  /// offered: createIfNotFound returns eNotApplicable then.)
   /// Fails: eUnknownHandle, eNullHandle, eNotApplicable; the id is null then.
   Acad::ErrorStatus getAcDbObjectId(AcDbObjectId& id, bool createIfNotFound,
                                     const AcDbHandle& handle, Adesk::UInt32 xRefId = 0);

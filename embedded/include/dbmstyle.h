@@ -60,8 +60,8 @@ class HOST_API AcDbMlineStyle : public AcDbObject {
   /// Adds an element in its place by offset, behind those of the same offset; `index` tells
   /// which it is. The null linetype is by layer. Whether multilines of the style exist is not
   /// looked at (checkIfReferenced).
-  /// Fails: eNotOpenForWrite, eInvalidInput (not finite, a 17th element), and what a linetype
-  /// that cannot be named answers; the index is -1 then.
+  /// Fails: eNotOpenForWrite, eInvalidInput (not finite, a 17th element), and what naming
+  /// the linetype fails with; the index is -1 then.
   Acad::ErrorStatus addElement(int& index, double offset, const AcCmColor& color,
                                AcDbObjectId linetype, bool checkIfReferenced = true);
   Acad::ErrorStatus addElement(double offset, const AcCmColor& color, AcDbObjectId linetype);

@@ -1,6 +1,6 @@
 // AcDbPolyline: the light polyline, with its vertices in one record. It lies in a plane given
 // by normal and elevation; 2D points are in the plane's own coordinate system, 3D points in
-// world coordinates. Files before R14 have no such entity: appending one there answers
+// world coordinates. Files before R14 have no such entity: appending one there returns
 // eIllegalEntityType (use AcDb2dPolyline).
 #pragma once
 

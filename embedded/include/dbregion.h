@@ -1,7 +1,7 @@
 // AcDbRegion: a plane face with straight and curved edges, for set operations.
 //
 // Regions live in memory alone: they are made for a computation and in no database (appending
-// one answers eIllegalEntityType). What the host computes with is plane polygons; arcs are
+// one returns eIllegalEntityType). What the host computes with is plane polygons; arcs are
 // chords of a 256th of a full turn. REGION entities of drawing files keep their data closed and
 // are plain entities.
 #pragma once
@@ -21,9 +21,11 @@ class HOST_API AcDbRegion : public AcDbEntity {
   /// One region for every closed loop of the curves (AcDbLine, AcDbArc, AcDbCircle, AcDbPolyline),
   /// loops in the order of their first curves. Ends meet when they are equal within the global
   /// tolerance; lines without length are passed over. Coordinates of ends stay as they are, bit for
-  /// bit, in horizontal planes. Owns:  the curves stay the caller's; the regions are the caller's
-  /// to delete. Fails: eInvalidInput (nothing closes, a curve of another class, numbers that are
-  /// not
+  /// bit, in horizontal planes.
+  ///
+  /// Owns:  the curves stay the caller's; the regions are the caller's to delete.
+  ///
+  /// Fails: eInvalidInput (nothing closes, a curve of another class, coordinates that are not
   ///        finite), eNonCoplanarGeometry, eSelfIntersecting, eDegenerateGeometry (no area). A
   ///        loop that fails does not keep the others from becoming regions; the status is that
   ///        of the first that failed.

@@ -156,7 +156,7 @@ class HOST_API AcDbTextStyleTableRecord : public AcDbSymbolTableRecord {
   Acad::ErrorStatus setFileName(const ACHAR* fileName);
   Acad::ErrorStatus bigFontFileName(const ACHAR*& fileName) const;
   Acad::ErrorStatus setBigFontFileName(const ACHAR* fileName);
-  /// 0: the height is asked for with each text.
+  /// 0: the height is prompted for with each text.
   double textSize() const;
   Acad::ErrorStatus setTextSize(double size);
   double xScale() const;
@@ -169,7 +169,7 @@ ACDB_SYMBOL_TABLE(AcDbTextStyleTable, AcDbTextStyleTableRecord, AcDbTextStyleTab
 
 /// The settings of a dimension style, dimension variables by their names (dbdimvar.h).
 ///
-/// Setters answer eNotOpenForWrite, eInvalidInput for a number that is not finite and for a
+/// Setters return eNotOpenForWrite, eInvalidInput for a number that is not finite and for a
 /// value out of the variable's range; the setting stays as it was then. What the file's
 /// release does not know is taken and not written.
 class HOST_API AcDbDimStyleTableRecord : public AcDbSymbolTableRecord {

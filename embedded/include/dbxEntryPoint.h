@@ -1,4 +1,4 @@
-// The application object that a module answers the host's messages with. A module derives
+// The application object that handles the host's messages for a module. A module derives
 // from AcRxDbxApp, or from AcRxArxApp (arxEntryPoint.h) when it talks to the editor, keeps
 // exactly one static object of its class and hands every message to dispatch().
 #pragma once
@@ -22,7 +22,7 @@ class HOST_API AcRxDbxApp {
   AcRxDbxApp& operator=(const AcRxDbxApp&) = delete;
 
   // The handlers, in slot order: the codes 1 to 15, then code 0. Those without a comment
-  // answer kRetOK and do nothing.
+  // return kRetOK and do nothing.
 
   /// Unlocks the module and declares it MDI-aware, as its load options say, registers its
   /// custom classes and rebuilds the class hierarchy.
@@ -54,7 +54,7 @@ class HOST_API AcRxDbxApp {
   /// The handler that dispatch() calls for a code from 0 to 15.
   static Handler handlerFor(AcRx::AppMsgCode msg);
 
-  /// Calls the handler for a message and answers its result; kRetOK, without a call, for a
+  /// Calls the handler for a message and returns its result; kRetOK, without a call, for a
   /// code outside 0 to 15.
   AcRx::AppRetCode dispatch(AcRx::AppMsgCode msg, void* pkt);
 

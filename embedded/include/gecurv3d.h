@@ -1,4 +1,4 @@
-// AcGeCurve3d: what all curves answer. The only curves so far are the linear ones, so the
+// AcGeCurve3d: what all curves can do. The only curves so far are the linear ones, so the
 // operations are defined with AcGeLinearEnt3d in gelent3d.h.
 #pragma once
 
@@ -8,7 +8,7 @@ class AcGeCurve3d : public AcGeEntity3d {
  public:
   /// The point of the curve nearest to `pnt`: with d the direction from base (start) A to end B
   /// and t = ((pnt - A) . d) / (d . d), on a segment A itself for t <= 0, B itself for t >= 1,
-  /// otherwise A + t d. Where t is no number (a degenerate curve, a NaN, infinities that
+  /// otherwise A + t d. Where t is NaN (a degenerate curve, a NaN, infinities that
   /// cancel) it is A; so it is on a line where t is infinite.
   /// Error:  the rounding of A + t d, so about one unit in the last place of the coordinates:
   ///         1e-7 at a billion units out, except where d or A . d is free of rounding.

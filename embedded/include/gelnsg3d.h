@@ -1,5 +1,5 @@
 // AcGeLineSeg3d: a segment between two points, which it keeps with their very bits. Equal
-// end points answer equally, however the segment was made. Both points equal make a
+// end points give equal results, however the segment was made. Both points equal make a
 // degenerate segment: it is measured as that point and crosses nothing.
 #pragma once
 

@@ -69,7 +69,7 @@ HOST_API Acad::ErrorStatus setCodePage(AcDbDatabase* database, const ACHAR* name
 /// Whether setCodePage() takes the name.
 HOST_API bool isKnownCodePage(const ACHAR* name);
 
-/// Called while a file is read or saved, with 0 to 1; answering false stops the work with
+/// Called while a file is read or saved, with 0 to 1; returning false stops the work with
 /// eUserBreak, and every file stays whole. An empty function takes it away.
 using Progress = std::function<bool(double fraction)>;
 HOST_API void setProgress(AcDbDatabase* database, Progress progress);
@@ -92,7 +92,7 @@ HOST_API bool hasExtents(const AcDbObjectId& id);
 /// Where the object stands in the file that was read: the line (from 1) of an ASCII file, the
 /// byte offset in a binary one; 0 for a new object.
 HOST_API Adesk::UInt64 lineNumber(const AcDbObjectId& id);
-/// Whether a number of the object, as the file has it, is none or is not finite. The object answers
+/// Whether a number of the object, as the file has it, is none or is not finite. The object returns
 /// 0 for such a number.
 HOST_API bool hasUnreadableNumber(const AcDbObject* object);
 /// The name of an entity's layer without opening anything; empty for other objects.

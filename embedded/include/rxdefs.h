@@ -1,4 +1,4 @@
-// Messages that the host sends to a module's entry point, and what the module answers.
+// Messages that the host sends to a module's entry point, and what the module returns.
 #pragma once
 
 #include "acadstrc.h"

@@ -17,9 +17,9 @@ class HOST_API AcRxDictionary : public AcRxObject {
   /// The object under this name; null if there is none.
   AcRxObject* at(const ACHAR* key) const;
   bool has(const ACHAR* key) const { return at(key) != nullptr; }
-  /// Puts an object under a name; answers the one that stood there, null if none.
+  /// Puts an object under a name; returns the one that stood there, null if none.
   AcRxObject* atPut(const ACHAR* key, AcRxObject* object);
-  /// Takes a name out; answers the object that stood there, null if none.
+  /// Takes a name out; returns the object that stood there, null if none.
   AcRxObject* remove(const ACHAR* key);
   Adesk::UInt32 numEntries() const { return static_cast<Adesk::UInt32>(m_entries.size()); }
 

@@ -90,7 +90,7 @@ class HOST_API AcRxClass : public AcRxObject {
 };
 
 /// Registers a class under its parent's descriptor, unless `slot` holds its descriptor
-/// already, and answers the descriptor. The macros below call it.
+/// already, and returns the descriptor. The macros below call it.
 HOST_API AcRxClass* acrxDefineClass(std::atomic<AcRxClass*>& slot, const AcRxClassInfo& info,
                                     AcRxClass* parent);
 

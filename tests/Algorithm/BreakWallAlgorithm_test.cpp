@@ -23,7 +23,7 @@ class OpenBreak : public CBreakWallAlgorithm {
 
 class BreakWall : public testing::Test {
  protected:
-  /// Fills the algorithm with "x,y x,y; ..." and answers the records.
+  /// Fills the algorithm with "x,y x,y; ..." and returns the records.
   std::vector<WallLineLikeSeg*> fill(std::string_view lines) {
     for (const auto& [start, end] : quoin::test::segments(lines)) {
       m_algorithm.GetSrcWallLines().push_back(new WallLineLikeSeg(start, end));

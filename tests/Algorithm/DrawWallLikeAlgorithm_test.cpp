@@ -34,7 +34,7 @@ class DrawWall : public testing::Test {
     }
     return m_algorithm.GetSrcWallLines();
   }
-  /// Draws and answers the cut points.
+  /// Draws and returns the cut points.
   std::string draw(std::string_view from, std::string_view to) {
     std::string result;
     for (const AcGePoint3d& pt : m_algorithm.CalcNewWallLine(point(from), point(to))) {

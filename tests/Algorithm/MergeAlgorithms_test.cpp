@@ -34,7 +34,7 @@ class MergeGouge : public testing::Test {
     }
     return m_algorithm.GetSrcGougeLines();
   }
-  /// Merges and answers the survivors in source order.
+  /// Merges and returns the survivors in source order.
   std::string merge(std::string_view lines) {
     fill(lines);
     m_algorithm.MergeGougeLines();

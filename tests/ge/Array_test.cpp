@@ -24,7 +24,7 @@ TEST(Array, DefaultIsEmptyWithGrowthStepEight) {
   EXPECT_EQ(array.growLength(), 8);
 }
 
-TEST(Array, AppendAnswersTheIndexAndGrowsByTheStep) {
+TEST(Array, AppendReturnsTheIndexAndGrowsByTheStep) {
   AcArray<int> array(0, 3);
   EXPECT_EQ(array.append(5), 0);
   EXPECT_EQ(array.physicalLength(), 3);

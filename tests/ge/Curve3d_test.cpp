@@ -26,13 +26,13 @@ TEST(ClosestPoint, ALineIsUnbounded) {
   EXPECT_EQ(line(0, 0, 1, 0).distanceTo(P(1e9, -2)), 2.0);
 }
 
-TEST(ClosestPoint, ADegenerateEntityAnswersItsBasePoint) {
+TEST(ClosestPoint, ADegenerateEntityGivesItsBasePoint) {
   EXPECT_TRUE(sameBits(seg(3, 4, 3, 4).closestPointTo(P(0, 0)), P(3, 4)));
   EXPECT_EQ(seg(3, 4, 3, 4).distanceTo(P(0, 0)), 5.0);
   EXPECT_TRUE(sameBits(line(3, 4, 3, 4).closestPointTo(P(0, 0)), P(3, 4)));
 }
 
-TEST(ClosestPoint, NotANumberAndInfinityAnswerTheStart) {
+TEST(ClosestPoint, NotANumberAndInfinityGiveTheStart) {
   EXPECT_TRUE(sameBits(seg(1, 2, 9, 9).closestPointTo(P(kNaN, 0)), P(1, 2)));
   EXPECT_TRUE(std::isnan(seg(1, 2, 9, 9).distanceTo(P(kNaN, 0))));
   EXPECT_TRUE(sameBits(seg(1, 2, kInfinity, 2).closestPointTo(P(5, 5)), P(1, 2)));
@@ -111,8 +111,8 @@ TEST(CurveDistance, IsSymmetricAndKeepsUnderReversalAndMotion) {
   std::uniform_int_distribution<int> lattice(-4, 4);
   for (int i = 0; i < 4000; ++i) {
     const auto point = [&] {
-      const int level = lattice(random) / 4;  // mostly 0, so that many segments lie in a plane
-      return P(lattice(random), lattice(random), level);
+      const int height = lattice(random) / 4;  // mostly 0, so that many segments lie in a plane
+      return P(lattice(random), lattice(random), height);
     };
     const AcGePoint3d a = point(), b = point(), c = point(), d = point();
     const double distance = AcGeLineSeg3d(a, b).distanceTo(AcGeLineSeg3d(c, d));
@@ -136,7 +136,7 @@ TEST(ClosestPoint, TheSignOfAZeroCoordinateStaysAtTheEnds) {
   EXPECT_TRUE(sameBits(segment.closestPointTo(P(14, 3)), P(10, -0.0, -0.0)));
 }
 
-TEST(ClosestPoint, ASegmentWhoseSquaredLengthVanishesAnswersItsStart) {
+TEST(ClosestPoint, ASegmentWhoseSquaredLengthVanishesGivesItsStart) {
   const AcGeLineSeg3d tiny(P(0, 0), P(1e-170, 0));
   EXPECT_TRUE(sameBits(tiny.closestPointTo(P(1, 0)), P(0, 0)));
   EXPECT_TRUE(sameBits(tiny.closestPointTo(P(-1, 0)), P(0, 0)));

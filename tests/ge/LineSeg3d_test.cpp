@@ -28,7 +28,7 @@ TEST(LineSeg3d, SetReplacesBothPoints) {
   EXPECT_EQ(segment.endPoint(), P(2, 3, 1));
 }
 
-TEST(LineSeg3d, EqualEndPointsAnswerEquallyHoweverItWasMade) {
+TEST(LineSeg3d, EqualEndPointsGiveEqualResultsHoweverItWasMade) {
   const AcGePoint3d start = P(1e9, 0.1);
   const AcGeLineSeg3d byVector(start, AcGeVector3d(1e-3, 0.2, 0));
   const AcGeLineSeg3d byPoints(start, byVector.endPoint());

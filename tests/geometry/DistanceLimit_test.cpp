@@ -37,7 +37,7 @@ TEST(DistanceLimit, NothingIsBelowALimitThatIsNotPositive) {
   }
 }
 
-TEST(DistanceLimit, LengthsARoundingOrTwoApartAreToldApartAsByTheRoot) {
+TEST(DistanceLimit, LengthsARoundingOrTwoApartCompareAsTheirRoots) {
   std::mt19937_64 random(91);
   std::uniform_real_distribution<double> unit(-1.0, 1.0);
   int below = 0;

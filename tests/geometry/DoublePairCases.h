@@ -1,4 +1,4 @@
-// What every form of CDoublePair must answer: what the same comparisons of single doubles answer.
+// What every form of CDoublePair must give: what the same comparisons of single doubles give.
 // Included by a file that has said which form it wants.
 #pragma once
 
@@ -9,13 +9,13 @@
 #include <limits>
 #include <vector>
 
-/// Runs through pairs of values that include zeros of both signs, infinities and no number.
+/// Runs through pairs of values that include zeros of both signs, infinities and NaN.
 template <class Pair>
 void expectPairsWorkAsDoublesDo() {
   const double infinity = std::numeric_limits<double>::infinity();
-  const double noNumber = std::numeric_limits<double>::quiet_NaN();
-  const std::vector<double> values = {0.0, -0.0, 1.0, -1.0, 2.5, infinity, -infinity, noNumber};
-  // By bits: -0 is not 0 here, and no number is itself.
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const std::vector<double> values = {0.0, -0.0, 1.0, -1.0, 2.5, infinity, -infinity, nan};
+  // By bits: -0 is not 0 here, and NaN is itself.
   const auto isSame = [](double a, double b) {
     return a == b ? std::signbit(a) == std::signbit(b) : a != a && b != b;
   };

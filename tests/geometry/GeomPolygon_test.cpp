@@ -181,7 +181,7 @@ TEST(GeomPolygon, ProjectsOntoALineBesideIt) {
             text(AcGePoint3d(10, 50, 0), AcGePoint3d(0, 50, 0)));
 }
 
-TEST(GeomPolygon, ProjectsOntoAnUprightLineAsAPoint) {
+TEST(GeomPolygon, ProjectsOntoAVerticalLineAsAPoint) {
   CGeomPolygon square = rectangle(0, 0, 10, 4);
   AcGeLineSeg3d seg;
   square.GetPrjLineSeg(seg, AcGeLine3d(AcGePoint3d(1, 2, 3), AcGeVector3d(0, 0, 1)));

@@ -53,8 +53,9 @@ TEST(AxisCutOracle, LargeSetsGiveTheSameBits) {
   }
 }
 
-/// Level and upright axes on a lattice: ends on other axes, short of them or past them by about the
-/// point tolerance, crossings as near to each other, the odd slanted line and other height.
+/// Horizontal and vertical axes on a lattice: ends on other axes, short of them or past them by
+/// about the point tolerance, crossings as near to each other, the odd slanted line and other
+/// height.
 Axes latticeAxes(std::mt19937_64& random, int count) {
   const double slops[] = {0.0,    0.0,  0.0,   1e-11, -1e-10, 1e-10,
                           -2e-10, 1e-9, -5e-9, 1e-8,  0.3,    -0.3};

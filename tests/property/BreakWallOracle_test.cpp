@@ -49,7 +49,8 @@ TEST(BreakWallOracle, SmallSetsOfEveryKindAtEveryScaleGiveTheSameBits) {
 }
 
 TEST(BreakWallOracle, AppendedPointsThatAreNoNumbersGiveTheSameBits) {
-  // No number is before or behind nothing, so where the others end up depends on where they began.
+  // NaN is neither before nor behind anything, so where the others end up depends on where they
+  // began.
   RunningHost host;
   std::mt19937_64 random(101);
   std::uniform_real_distribution<double> unit(0.0, 1.0);
@@ -256,9 +257,9 @@ TEST(BreakWallSpeed, TenThousandLinesBreakInSeconds) {
     const double x = 100.0 * coordinate(random);
     const double y = 100.0 * coordinate(random);
     const double length = 100.0 * (1 + coordinate(random) % 40);
-    const bool upright = coordinate(random) % 2 == 0;
+    const bool isVertical = coordinate(random) % 2 == 0;
     lines.emplace_back(AcGePoint3d(x, y, 0),
-                       upright ? AcGePoint3d(x, y + length, 0) : AcGePoint3d(x + length, y, 0));
+                       isVertical ? AcGePoint3d(x, y + length, 0) : AcGePoint3d(x + length, y, 0));
   }
   const auto begin = std::chrono::steady_clock::now();
   EXPECT_GT(breakWithModule(lines).size(), 0u);

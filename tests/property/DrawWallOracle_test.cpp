@@ -87,15 +87,15 @@ TEST(DrawWallOracle, LargeSetsGiveTheSameBits) {
 
 /// Lines that cross the X axis between 0 and 1000 at angles of 45 to 135 degrees, or stop
 /// short of it: none is parallel to it, so the origin plays no part.
-std::vector<WallLineLikeSeg> fence(std::mt19937_64& random, bool upright = false) {
+std::vector<WallLineLikeSeg> fence(std::mt19937_64& random, bool isVertical = false) {
   std::uniform_real_distribution<double> along(20.0, 980.0);
-  std::uniform_real_distribution<double> reach(-200.0, 200.0);
+  std::uniform_real_distribution<double> extent(-200.0, 200.0);
   std::vector<WallLineLikeSeg> lines;
   for (int i = 0; i < 8; ++i) {
     const double foot = along(random);
-    const double slope = upright ? 0.0 : reach(random) / 200.0;
-    const double from = reach(random);
-    const double to = reach(random);
+    const double slope = isVertical ? 0.0 : extent(random) / 200.0;
+    const double from = extent(random);
+    const double to = extent(random);
     lines.emplace_back(AcGePoint3d(foot + slope * from, from, 0),
                        AcGePoint3d(foot + slope * to, to, 0));
   }
@@ -161,7 +161,7 @@ TEST(DrawWallLaws, DrawnTheOtherWayTheSameCutsAreMadeInReverse) {
 }
 
 TEST(DrawWallLaws, ShiftedByAMillionTheSameCutsAreMade) {
-  // Of upright lines: a slanted one crosses at a rounded point, and a million units out that
+  // Of vertical lines: a slanted one crosses at a rounded point, and a million units out that
   // may turn the direction of its shorter part by more than the tolerance of equal directions.
   RunningHost host;
   std::mt19937_64 random(47);

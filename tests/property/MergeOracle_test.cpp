@@ -68,7 +68,7 @@ MergeSet randomChains(std::mt19937_64& random, int count) {
         ptEnd.y += 0.1 * slop();
         break;
       case 1:
-        ptEnd.set(ptStart.x, ptStart.y + 20.0, 0.0);  // upright: makes junctions
+        ptEnd.set(ptStart.x, ptStart.y + 20.0, 0.0);  // vertical: makes junctions
         break;
       case 2:
         ptEnd = ptStart;
@@ -178,7 +178,7 @@ TEST(MergeOracle, LargeSetsGiveTheSameBits) {
 }
 
 /// Many long chains at all angles, some of whose links do not quite meet or agree, in random order
-/// and sense.
+/// and orientation.
 MergeSet longChains(std::mt19937_64& random) {
   std::uniform_real_distribution<double> anywhere(-1e4, 1e4);
   std::uniform_real_distribution<double> length(20.0, 90.0);
@@ -295,7 +295,7 @@ TEST(MergeLaws, ARecordWithoutNumbersThatStandsTwiceChangesNothingForTheOthers) 
   EXPECT_GT(results, 100u);
 }
 
-/// Chains on far rows, each link touching the next exactly, links in random order and sense.
+/// Chains on far rows, each link touching the next exactly, links in random order and orientation.
 std::vector<WallLine> cleanChains(std::mt19937_64& random) {
   std::uniform_int_distribution<int> length(1, 6);
   std::vector<WallLine> walls;

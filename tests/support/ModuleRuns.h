@@ -110,7 +110,7 @@ std::vector<std::size_t> numbersOf(const Pointers& pointers, const std::vector<R
 
 }  // namespace detail
 
-/// Merges in place; returns the numbers of the result set.
+/// Merges in place; returns the indices of the result set.
 inline std::set<std::size_t> mergeGougesWithModule(std::vector<oracle::GougeLine>& lines,
                                                    const std::vector<AcGePoint3d>& breakPoints) {
   CMergeGougeAlgorithm algorithm;

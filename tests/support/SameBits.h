@@ -1,4 +1,4 @@
-// Bit for bit comparison of results. Two values that are no numbers count as the same: which
+// Bit for bit comparison of results. Two NaN count as the same: which
 // of its operands' NaN an addition hands on is the compiler's choice.
 #pragma once
 

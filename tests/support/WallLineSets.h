@@ -1,5 +1,5 @@
 // Random sets of wall lines that aim at trouble: shared points, ends at the capture distance,
-// near-parallel and zero-length lines, duplicates, huge offsets, values that are no numbers.
+// near-parallel and zero-length lines, duplicates, huge offsets, NaN.
 #pragma once
 
 #include <cmath>
@@ -38,7 +38,7 @@ inline std::vector<WallLineLikeSeg> randomWallLines(std::mt19937_64& random, int
         return 1e9 + 5.0 * lattice(random);
       case 4:  // nearly everything on one line
         return die(random) == 0 ? anywhere(random) : 0.25 * lattice(random);
-      default:  // NaN now and then
+      default:  // the odd NaN
         switch (die(random)) {
           case 0:
             return std::nan("");

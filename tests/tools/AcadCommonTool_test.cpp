@@ -122,7 +122,7 @@ TEST(View, FromBelowIsNoTopView) {
 TEST(View, TheDirectionIsTheWorldsInEveryUserCoordinateSystem) {
   quoin::test::RunningHost host;
   quoin::ed::Editor& editor = host.host().editor();
-  // Upright and far away: Z of this system is the world's X.
+  // Vertical and far away: Z of this system is the world's X.
   quoin::ed::UserSystem system;
   system.origin = AcGePoint3d(1000, 2000, 3000);
   system.xAxis = AcGeVector3d(0, 1, 0);
