@@ -30,8 +30,8 @@ class CBreakPnts {
     bool isHeld = false;
     if (!m_points.empty()) {
       m_index->VisitNear(CCaptureBox(pt, m_equalPoint), m_index->ColumnAt(pt.x),
-                         [&](std::uint32_t near) {
-                           isHeld = m_points[CEndPointIndex::LineOf(near)].ptStart.isEqualTo(pt);
+                         [&](std::uint32_t found) {
+                           isHeld = m_points[CEndPointIndex::LineOf(found)].ptStart.isEqualTo(pt);
                            return !isHeld;
                          });
     }

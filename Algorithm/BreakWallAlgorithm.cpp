@@ -277,10 +277,10 @@ void CBreakWallAlgorithm::SplitWallLines() {
   CPieceOrder order(m_newWallLines, m_srcWallLines.size());
   CPieceMaker maker(m_wallBreakPnts, m_newWallLines);
 
-  const auto breakLine = [&](const PreparedLine& line, std::span<const std::uint32_t> near) {
+  const auto breakLine = [&](const PreparedLine& line, std::span<const std::uint32_t> endsNear) {
     WallLineLikeSeg* const pLine = m_srcWallLines[line.index];
     maker.Begin(pLine);
-    for (const std::uint32_t end : near) {
+    for (const std::uint32_t end : endsNear) {
       const std::size_t otherLine = CEndPointIndex::LineOf(end);
       const WallLineLikeSeg* const pOther = m_srcWallLines[otherLine];
       AcGePoint3d ptBreak;
@@ -295,7 +295,7 @@ void CBreakWallAlgorithm::SplitWallLines() {
   // Column by column, so that lines that meet are in the cache together, and a few lines at a time,
   // whose records are prefetched.
   std::vector<PreparedLine> prepared;
-  CEndPointIndex::CFound near;
+  CEndPointIndex::CFound found;
   for (std::size_t column = 0; column < index.ColumnCount(); ++column) {
     std::span<const CEndPointIndex::End> ends = index.EndsOfColumn(column);
     while (!ends.empty()) {
@@ -305,21 +305,21 @@ void CBreakWallAlgorithm::SplitWallLines() {
         Prefetch(*m_srcWallLines[end.Line()]);
       }
       prepared.clear();
-      near.Clear();
+      found.Clear();
       for (const CEndPointIndex::End& start : batch) {
         if (start.IsStart()) {
           const std::size_t own = start.Line();
           PreparedLine& line =
               prepared.emplace_back(*m_srcWallLines[own], captureDistances.Of(own), own);
           if (line.toBreak.IsLongEnough()) {
-            line.nearCount = index.CollectNear(line.toBreak.GetBox(), column, own, near);
+            line.nearCount = index.CollectNear(line.toBreak.GetBox(), column, own, found);
           }
         }
       }
-      for (const std::uint32_t end : near.All()) {
+      for (const std::uint32_t end : found.All()) {
         Prefetch(*m_srcWallLines[CEndPointIndex::LineOf(end)]);
       }
-      std::span<const std::uint32_t> left = near.All();
+      std::span<const std::uint32_t> left = found.All();
       for (const PreparedLine& line : prepared) {
         breakLine(line, left.first(line.nearCount));
         left = left.subspan(line.nearCount);

@@ -218,8 +218,8 @@ class CMerger {
   std::uint32_t SearchOnlyTouching(const AcGePoint3d& pt, const Tolerances& tolerances) {
     const CCaptureBox box(pt, std::fmax(tolerances.pending, tolerances.finished));
     std::uint32_t only = kNobody;
-    m_index->VisitNear(box, m_index->ColumnAt(pt.x), [&](std::uint32_t near) {
-      const std::uint32_t other = Owner(near);
+    m_index->VisitNear(box, m_index->ColumnAt(pt.x), [&](std::uint32_t found) {
+      const std::uint32_t other = Owner(found);
       if (other == kNobody || other == only || !TouchesNow(pt, m_records[other], tolerances)) {
         return true;
       }

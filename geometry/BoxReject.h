@@ -61,14 +61,14 @@ class CLineBoxReject {
     const CDoublePair none(0.0, 0.0);
     const double largest = m_allowance / GeomConst::kRoundingSlack;
     constexpr std::size_t kChunk = 256;
-    Line* near[kChunk];
+    Line* found[kChunk];
     for (std::size_t first = 0; first < lines.size(); first += kChunk) {
       const std::span<Line* const> chunk(lines.data() + first,
                                          std::min(kChunk, lines.size() - first));
       std::size_t count = 0;
       const auto keepUnlessRejected = [&](Line* pLine) {
         if (!IsRejected(pLine->ptStart, pLine->ptEnd)) {
-          near[count++] = pLine;
+          found[count++] = pLine;
         }
       };
       CDoublePair sizes = none;
@@ -96,7 +96,7 @@ class CLineBoxReject {
         keepUnlessRejected(chunk[i]);
       }
       for (i = 0; i < count; ++i) {
-        visit(near[i]);
+        visit(found[i]);
       }
     }
   }
