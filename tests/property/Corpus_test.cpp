@@ -1,7 +1,10 @@
 // Every case of the corpus, by the module and by the direct forms.
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <fstream>
+#include <map>
+#include <set>
 
 #include "support/CorpusRun.h"
 #include "support/RunningHost.h"
@@ -24,19 +27,39 @@ std::string headOf(const CorpusCase& entry) {
   return entry.place + ": " + entry.name + "\n(" + entry.why + ")";
 }
 
-TEST(Corpus, TheModuleGivesWhatEachCaseExpects) {
+/// A case is a test: `ctest -R Corpus.*AGapOf10` runs one.
+class CorpusCases : public testing::TestWithParam<CorpusCase> {};
+
+TEST_P(CorpusCases, GivesWhatItExpects) {
   RunningHost host;
-  for (const CorpusCase& entry : readCorpus()) {
-    EXPECT_EQ(resultOf(host, entry, Runner::Module), joined(entry.expected)) << headOf(entry);
-  }
+  const CorpusCase& entry = GetParam();
+  EXPECT_EQ(resultOf(host, entry, Runner::Module), joined(entry.expected)) << headOf(entry);
+  EXPECT_EQ(resultOf(host, entry, Runner::Oracle), joined(entry.expected))
+      << headOf(entry) << "\nby the direct form";
 }
 
-TEST(Corpus, TheDirectFormsGiveWhatEachCaseExpects) {
-  RunningHost host;
-  for (const CorpusCase& entry : readCorpus()) {
-    EXPECT_EQ(resultOf(host, entry, Runner::Oracle), joined(entry.expected)) << headOf(entry);
+/// "break: a gap of -9.999" as "BreakAGapOfMinus9_999".
+std::string testNameOf(const testing::TestParamInfo<CorpusCase>& info) {
+  std::string name;
+  bool beginsWord = true;
+  const std::string& words = info.param.name;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    const auto letter = static_cast<unsigned char>(words[i]);
+    const bool isBeforeDigit =
+        i + 1 < words.size() && std::isdigit(static_cast<unsigned char>(words[i + 1])) != 0;
+    if (std::isalnum(letter) != 0) {
+      name += beginsWord ? static_cast<char>(std::toupper(letter)) : words[i];
+    } else if (letter == '-' && isBeforeDigit) {
+      name += "Minus";
+    } else if (isBeforeDigit && !beginsWord) {
+      name += '_';
+    }
+    beginsWord = std::isalnum(letter) == 0;
   }
+  return name;
 }
+
+INSTANTIATE_TEST_SUITE_P(Corpus, CorpusCases, testing::ValuesIn(readCorpus()), testNameOf);
 
 TEST(Corpus, AKnownFailureThatPassesMustMoveToTheIssues) {
   RunningHost host;

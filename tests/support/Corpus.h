@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -22,6 +23,11 @@ struct CorpusCase {
   double scale = 1.0;
   std::vector<std::pair<std::string, std::string>> input;  // key and value, in order
   std::vector<std::string> expected;
+
+  /// What a test calls it where it lists its cases.
+  friend std::ostream& operator<<(std::ostream& out, const CorpusCase& entry) {
+    return out << entry.place;
+  }
 };
 
 namespace detail {

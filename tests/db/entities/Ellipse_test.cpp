@@ -139,5 +139,15 @@ TEST(EntityTransforms, AStretchedEllipseIsAnotherEllipse) {
   EXPECT_NEAR(one.numbers(40)[0], 1.0 / 3.0, 1e-12);
 }
 
+TEST(EntityTransforms, AWholeEllipseWithSixDigitsStaysAsItIsWritten) {
+  OneEntity ellipse("ELLIPSE",
+                    "100 AcDbEllipse|10 1.0|20 2.0|30 0.0|11 4.0|21 1.0|31 0.0|210 0.0|220 0.0|"
+                    "230 1.0|40 0.5|41 0.0|42 6.283185");
+  EXPECT_EQ(ellipse.transform(AcGeMatrix3d().setToMirroring({0.0, 0.0, 0.0}, AcGeVector3d::kXAxis)),
+            Acad::eOk);
+  EXPECT_EQ(ellipse.numbers(41), (std::vector<double>{0.0}));
+  EXPECT_EQ(ellipse.numbers(42), (std::vector<double>{6.283185}));
+}
+
 }  // namespace
 }  // namespace quoin::test
