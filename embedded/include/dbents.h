@@ -40,13 +40,6 @@ class HOST_API AcDbLine : public AcDbCurve {
 
   Acad::ErrorStatus getStartPoint(AcGePoint3d& point) const override;
   Acad::ErrorStatus getEndPoint(AcGePoint3d& point) const override;
-
- private:
-  void tellWhatItWasMadeOf(quoin::db::ObjectImpl& impl) const override;
-
-  // What it was made of, while it isAsMade().
-  AcGePoint3d m_madeStart;
-  AcGePoint3d m_madeEnd;
 };
 
 class HOST_API AcDbCircle : public AcDbCurve {

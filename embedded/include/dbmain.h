@@ -145,21 +145,11 @@ class HOST_API AcDbObject : public AcRxObject {
 
  protected:
   AcDbObject();
-  /// For classes whose objects are mostly made, read and deleted: what keeps track of records and
-  /// of opening is only made when somebody needs more than the class itself provides.
-  struct WithoutRecord {};
-  explicit AcDbObject(WithoutRecord);
-  /// Whether nobody has asked yet.
-  bool isAsMade() const { return !m_impl; }
 
  private:
   friend struct quoin::db::Access;
-  /// What an object made WithoutRecord is, told when somebody asks.
-  virtual void tellWhatItWasMadeOf(quoin::db::ObjectImpl&) const {}
-  quoin::db::ObjectImpl& makeImpl() const;
-  quoin::db::ObjectImpl& impl() const { return m_impl ? *m_impl : makeImpl(); }
 
-  mutable std::unique_ptr<quoin::db::ObjectImpl> m_impl;
+  std::unique_ptr<quoin::db::ObjectImpl> m_impl;
 };
 
 class HOST_API AcDbEntity : public AcDbObject {
@@ -247,7 +237,6 @@ class HOST_API AcDbEntity : public AcDbObject {
 
  protected:
   AcDbEntity();
-  explicit AcDbEntity(WithoutRecord without) : AcDbObject(without) {}
   friend struct quoin::db::Access;
 };
 
@@ -265,7 +254,6 @@ class HOST_API AcDbCurve : public AcDbEntity {
 
  protected:
   AcDbCurve();
-  explicit AcDbCurve(WithoutRecord without) : AcDbEntity(without) {}
 };
 
 /// Walks objects that belong to another one: vertices, attributes.

@@ -88,17 +88,8 @@ AcDbObject* quoin::db::Access::newPlainObject() {
 
 AcDbObject::AcDbObject() : m_impl(std::make_unique<ObjectImpl>()) {}
 
-AcDbObject::AcDbObject(WithoutRecord) {}
-
-quoin::db::ObjectImpl& AcDbObject::makeImpl() const {
-  auto made = std::make_unique<ObjectImpl>();
-  tellWhatItWasMadeOf(*made);
-  m_impl = std::move(made);
-  return *m_impl;
-}
-
 AcDbObject::~AcDbObject() {
-  if (m_impl && m_impl->stub) {
+  if (m_impl->stub) {
     try {
       noteDeletedInDatabase(describe(*this));
     } catch (const std::bad_alloc&) {

@@ -70,8 +70,7 @@ struct ObjectImpl {
 
 /// The door to the private parts of the API's classes.
 struct Access {
-  /// Fails: throws std::bad_alloc, for an object that was made WithoutRecord.
-  static ObjectImpl& of(const AcDbObject& object) { return object.impl(); }
+  static ObjectImpl& of(const AcDbObject& object) { return *object.m_impl; }
   static DatabaseImpl& of(const AcDbDatabase& database) { return *database.m_impl; }
   static AcDbObject* newPlainEntity();
   static AcDbObject* newPlainObject();

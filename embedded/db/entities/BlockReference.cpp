@@ -1,6 +1,5 @@
 // INSERT: block references and their arrays.
 #include <cmath>
-#include <numbers>
 
 #include "dbents.h"
 #include "embedded/db/core/Append.h"
@@ -193,8 +192,6 @@ Acad::ErrorStatus AcDbMInsertBlock::setRowSpacing(double spacing) {
 namespace quoin::db {
 namespace {
 
-using dxf::Version;
-
 Acad::ErrorStatus extentsOfReference(const Drawn& entity, const AcGeMatrix3d& toWorld,
                                      ExtentsWalk& walk, AcDbExtents& box) {
   const ReferenceFields fields(entity.tags);
@@ -231,7 +228,6 @@ Acad::ErrorStatus extentsOfReference(const Drawn& entity, const AcGeMatrix3d& to
 }
 
 Acad::ErrorStatus transformReference(RecordEdit& edit, const AcGeMatrix3d& matrix) {
-  constexpr double kSameShape = 1.0e-10;
   const ReferenceFields fields(edit.tags());
   const PlaneMap plane(fields.normal, matrix);
   const double cosine = std::cos(fields.rotation);

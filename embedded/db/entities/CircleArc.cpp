@@ -169,8 +169,6 @@ Acad::ErrorStatus AcDbArc::getEndPoint(AcGePoint3d& point) const {
 namespace quoin::db {
 namespace {
 
-using dxf::Version;
-
 Acad::ErrorStatus extentsOfArc(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
                                AcDbExtents& box) {
   const TagList& tags = entity.tags;

@@ -66,7 +66,6 @@ namespace quoin::db {
 namespace {
 
 using dxf::Version;
-
 using enum Meaning;
 
 /// What a dimension without a block is known by.

@@ -71,8 +71,6 @@ Acad::ErrorStatus AcDbFace::makeEdgeInvisibleAt(Adesk::UInt16 index) {
 namespace quoin::db {
 namespace {
 
-using dxf::Version;
-
 Acad::ErrorStatus extentsOfFace(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
                                 AcDbExtents& box) {
   const TagRange range = layout::kFace.in(entity.tags);

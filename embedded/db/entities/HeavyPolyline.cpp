@@ -306,8 +306,6 @@ Acad::ErrorStatus AcDb3dPolyline::getEndPoint(AcGePoint3d& point) const {
 namespace quoin::db {
 namespace {
 
-using dxf::Version;
-
 /// Whether a vertex of a mesh lists the corners of a face and has no place itself.
 bool isFaceOnly(std::int64_t flags) {
   constexpr std::int64_t kIsLocation = 64;

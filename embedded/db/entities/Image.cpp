@@ -7,7 +7,6 @@ namespace quoin::db {
 namespace {
 
 using dxf::Version;
-
 using enum Meaning;
 
 Acad::ErrorStatus extentsOfImage(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,

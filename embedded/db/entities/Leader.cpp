@@ -9,7 +9,6 @@ namespace quoin::db {
 namespace {
 
 using dxf::Version;
-
 using enum Meaning;
 
 constexpr int kPoint = 10;

@@ -7,7 +7,6 @@ namespace quoin::db {
 namespace {
 
 using dxf::Version;
-
 using enum Meaning;
 
 /// A light counts with its place: how large its sign is drawn depends on the view.

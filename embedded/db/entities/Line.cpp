@@ -38,25 +38,18 @@ bool isAtOrigin(const AcGePoint3d& point) {
 
 AcDbLine::AcDbLine() = default;
 
-AcDbLine::AcDbLine(const AcGePoint3d& start, const AcGePoint3d& end) : AcDbCurve(WithoutRecord()) {
+AcDbLine::AcDbLine(const AcGePoint3d& start, const AcGePoint3d& end) {
   if (isPlain(start) && isPlain(end)) {
-    m_madeStart = start;
-    m_madeEnd = end;
+    ObjectImpl& impl = Access::of(*this);
+    impl.madeLine.emplace(ObjectImpl::MadeLine{start, end});
+    impl.isModified = !isAtOrigin(start) || !isAtOrigin(end);
     return;
   }
   setStartPoint(start);
   setEndPoint(end);
 }
 
-void AcDbLine::tellWhatItWasMadeOf(ObjectImpl& impl) const {
-  impl.madeLine.emplace(ObjectImpl::MadeLine{m_madeStart, m_madeEnd});
-  impl.isModified = !isAtOrigin(m_madeStart) || !isAtOrigin(m_madeEnd);
-}
-
 AcGePoint3d AcDbLine::startPoint() const {
-  if (isAsMade()) {
-    return m_madeStart;
-  }
   if (const ObjectImpl::MadeLine* const made = madeLine(*this)) {
     return made->start;
   }
@@ -64,9 +57,6 @@ AcGePoint3d AcDbLine::startPoint() const {
 }
 
 AcGePoint3d AcDbLine::endPoint() const {
-  if (isAsMade()) {
-    return m_madeEnd;
-  }
   if (const ObjectImpl::MadeLine* const made = madeLine(*this)) {
     return made->end;
   }
@@ -109,8 +99,6 @@ Acad::ErrorStatus AcDbLine::getEndPoint(AcGePoint3d& point) const {
 
 namespace quoin::db {
 namespace {
-
-using dxf::Version;
 
 Acad::ErrorStatus extentsOfLine(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
                                 AcDbExtents& box) {

@@ -217,7 +217,6 @@ Acad::ErrorStatus transformMText(RecordEdit& edit, const AcGeMatrix3d& matrix) {
   edit.setPoint(layout::kMText, kLocation, matrix * tags.point(kLocation, range));
   const AcGeVector3d oldDirection = mtextDirectionOf(tags);
   const AcGeVector3d direction = (matrix * oldDirection).normal();
-  constexpr double kSameDirection = 1.0e-14;
   const bool isVector = tags.find(mtext::kDirection, range) != TagList::kNone;
   if ((direction - oldDirection).length() > kSameDirection || !(normal == before)) {
     if (isVector || plane.isMirrored || !(plane.normal == before)) {

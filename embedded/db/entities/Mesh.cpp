@@ -7,7 +7,6 @@ namespace quoin::db {
 namespace {
 
 using dxf::Version;
-
 using enum Meaning;
 
 constexpr int kVertex = 10;

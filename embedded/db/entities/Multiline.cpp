@@ -269,7 +269,6 @@ namespace quoin::db {
 namespace {
 
 using dxf::Version;
-
 using enum Meaning;
 
 /// The half circle from the outermost element to the other, outwards.

@@ -47,8 +47,6 @@ Acad::ErrorStatus AcDbPoint::setNormal(const AcGeVector3d& normal) {
 namespace quoin::db {
 namespace {
 
-using dxf::Version;
-
 Acad::ErrorStatus extentsOfPoint(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
                                  AcDbExtents& box) {
   const TagRange range = layout::kPoint.in(entity.tags);

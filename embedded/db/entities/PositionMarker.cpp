@@ -5,8 +5,6 @@
 namespace quoin::db {
 namespace {
 
-using dxf::Version;
-
 using enum Meaning;
 
 constexpr std::array kRules{Rule{"AcDbGeoPositionMarker", 10, Point},

@@ -6,7 +6,6 @@ namespace quoin::db {
 namespace {
 
 using dxf::Version;
-
 using enum Meaning;
 
 constexpr std::array kRayRules{Rule{"AcDbRay", 10, Point}, Rule{"AcDbRay", 11, Direction}};

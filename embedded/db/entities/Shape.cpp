@@ -7,8 +7,6 @@
 namespace quoin::db {
 namespace {
 
-using dxf::Version;
-
 Acad::ErrorStatus transformShape(RecordEdit& edit, const AcGeMatrix3d& matrix) {
   constexpr std::array kLengths{40, 39};
   return transformPlaced(edit, matrix, {"AcDbShape", 50, 41, kLengths});

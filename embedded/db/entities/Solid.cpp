@@ -7,8 +7,6 @@
 namespace quoin::db {
 namespace {
 
-using dxf::Version;
-
 using enum Meaning;
 
 Acad::ErrorStatus extentsOfSolid(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,

@@ -178,7 +178,6 @@ namespace quoin::db {
 namespace {
 
 using dxf::Version;
-
 using enum Meaning;
 
 Acad::ErrorStatus extentsOfSpline(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,

@@ -276,8 +276,6 @@ Adesk::Boolean AcDbAttribute::isConstant() const {
 namespace quoin::db {
 namespace {
 
-using dxf::Version;
-
 /// A box in a text's own axes, as seen through `toWorld`.
 void addSlantedBox(double left, double bottom, double right, double top,
                    const AcGeMatrix3d& toWorld, double slant, AcDbExtents& box) {

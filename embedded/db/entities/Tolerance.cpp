@@ -13,7 +13,6 @@ namespace quoin::db {
 namespace {
 
 using dxf::Version;
-
 using enum Meaning;
 
 constexpr int kText = 1;

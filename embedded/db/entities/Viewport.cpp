@@ -6,8 +6,6 @@
 namespace quoin::db {
 namespace {
 
-using dxf::Version;
-
 using enum Meaning;
 
 Acad::ErrorStatus extentsOfViewport(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,

@@ -2,17 +2,9 @@
 
 #include <cmath>
 #include <initializer_list>
-#include <numbers>
 
 namespace quoin::db {
 namespace {
-
-/// Rounding in a product of three matrices of unit size stays below this; a normal that turns
-/// less is the same normal.
-constexpr double kSameDirection = 1.0e-14;
-/// Relative deviation up to which a map counts as keeping shapes (what gTol is for unit
-/// vectors).
-constexpr double kSameShape = 1.0e-10;
 
 AcGeVector3d snapped(const AcGeVector3d& normal, const AcGeVector3d& before) {
   for (const AcGeVector3d& exact : {before, AcGeVector3d::kZAxis, -AcGeVector3d::kZAxis}) {
@@ -60,10 +52,9 @@ double PlaneMap::angle(double before) const {
   if (!isMirrored && turn == 0.0) {
     return before;
   }
-  constexpr double kTurn = 2.0 * std::numbers::pi;
-  const double after = std::fmod(isMirrored ? turn - before : turn + before, kTurn);
-  const double wrapped = after < 0.0 ? after + kTurn : after;
-  return wrapped >= kTurn ? 0.0 : wrapped;
+  const double after = std::fmod(isMirrored ? turn - before : turn + before, kFullTurn);
+  const double wrapped = after < 0.0 ? after + kFullTurn : after;
+  return wrapped >= kFullTurn ? 0.0 : wrapped;
 }
 
 }  // namespace quoin::db

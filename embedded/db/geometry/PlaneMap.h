@@ -2,9 +2,18 @@
 // the map from the old plane's coordinates to the new plane's.
 #pragma once
 
+#include <numbers>
+
 #include "gemat3d.h"
 
 namespace quoin::db {
+
+inline constexpr double kFullTurn = 2.0 * std::numbers::pi;
+/// Rounding in a product of three matrices of unit size stays below this; a normal that turns
+/// less is the same normal.
+inline constexpr double kSameDirection = 1.0e-14;
+/// Relative deviation up to which a map counts as keeping shapes (what gTol is for unit vectors).
+inline constexpr double kSameShape = 1.0e-10;
 
 struct PlaneMap {
   PlaneMap(const AcGeVector3d& oldNormal, const AcGeMatrix3d& matrix);

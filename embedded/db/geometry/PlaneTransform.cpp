@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numbers>
 
 #include "embedded/db/geometry/TransformSchema.h"
 
@@ -50,7 +51,6 @@ Acad::ErrorStatus transformStraight(RecordEdit& edit, const SubclassLayout& layo
   if (length != 1.0) {
     edit.scaleDouble(layout, code::kThickness, length);
   }
-  constexpr double kSameDirection = 1.0e-14;
   const AcGeVector3d normal = up / length;
   if ((normal - before).length() > kSameDirection) {
     setNewNormal(edit, layout, normal);

@@ -1,15 +1,12 @@
 // How entities that lie in a plane, or are placed in one, are transformed: what their kinds share.
 #pragma once
 
-#include <numbers>
 #include <span>
 
 #include "embedded/db/core/ObjectImpl.h"
 #include "embedded/db/geometry/PlaneMap.h"
 
 namespace quoin::db {
-
-inline constexpr double kFullTurn = 2.0 * std::numbers::pi;
 
 /// The value in [0, turn).
 double wrapped(double value, double turn);

@@ -80,7 +80,7 @@ TransformParts::TransformParts(const AcGeVector3d& normal, const AcGeMatrix3d& m
       plane(normal, map),
       length(plane.scale),
       isSimilar(plane.isSimilar && plane.keepsPerpendicular &&
-                std::fabs(plane.heightScale - plane.scale) <= 1.0e-10 * plane.scale) {}
+                std::fabs(plane.heightScale - plane.scale) <= kSameShape * plane.scale) {}
 
 void transformTag(RecordEdit& edit, std::size_t index, Meaning meaning,
                   const TransformParts& parts) {

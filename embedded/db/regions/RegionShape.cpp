@@ -1,8 +1,8 @@
 #include "embedded/db/regions/RegionShape.h"
 
+#include <geos_c.h>
 #include <algorithm>
 #include <cmath>
-#include <geos_c.h>
 #include <utility>
 
 #include "gegbl.h"
@@ -68,10 +68,11 @@ Geometry ringOf(const RingBuffer& buffer) {
 /// crosses and touches itself nowhere. Most outlines of rooms and houses are so, and this takes a
 /// tenth of the time of looking for crossings. False proves nothing.
 ///
-/// The orientation of each edge about the mean is the sign of a determinant that is further from zero
-/// than it may be off by rounding (J. R. Shewchuk, Adaptive Precision Floating-Point Arithmetic
-/// and Fast Robust Geometric Predicates, 1997: (3 + 16 e) e times the sum of its two products).
-/// Edges of one orientation, less than half a turn each, go round as often as they pass the ray along x.
+/// The orientation of each edge about the mean is the sign of a determinant that is further from
+/// zero than it may be off by rounding (J. R. Shewchuk, Adaptive Precision Floating-Point
+/// Arithmetic and Fast Robust Geometric Predicates, 1997: (3 + 16 e) e times the sum of its two
+/// products). Edges of one orientation, less than half a turn each, go round as often as they pass
+/// the ray along x.
 bool isStarShaped(const RingBuffer& ring) {
   constexpr double kRounding = 4.0 * 0x1p-53;
   constexpr double kLeast = 1.0e-280;  // where products lose digits
