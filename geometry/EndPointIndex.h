@@ -21,7 +21,7 @@
 /// Returns every end that CCaptureBox::Holds(), and only such ends. Why none is missed: the
 /// columns part the ends by x, and a search visits all whose [minX, maxX] meets the box's. Of a
 /// column all ends are read whose y lies in the range that the box gives for the column's x: row
-/// numbers never fall as y rises, so they stand in the rows from that of the lower bound to that
+/// indices never fall as y rises, so they stand in the rows from that of the lower bound to that
 /// of the upper one.
 class CEndPointIndex : public CEndPointColumns {
  public:

@@ -9,12 +9,12 @@ namespace quoin::oracle {
 namespace {
 
 AxisLikeLineSeg cutAxisLine(const std::vector<std::optional<AxisLikeLineSeg>>& lines,
-                            std::size_t number) {
-  const AxisLikeLineSeg& line = *lines[number];
+                            std::size_t index) {
+  const AxisLikeLineSeg& line = *lines[index];
   const AcGeLineSeg3d segment(line.ptStart, line.ptEnd);
   std::vector<AcGePoint3d> collected;
   for (std::size_t i = 0; i < lines.size(); ++i) {
-    if (i == number || !lines[i]) {
+    if (i == index || !lines[i]) {
       continue;
     }
     AcGePoint3d crossing;

@@ -8,7 +8,7 @@
 
 namespace quoin::oracle {
 
-/// A piece and the number of the line that it was cut from.
+/// A piece and the index of the line that it was cut from.
 struct Piece {
   AcGePoint3d ptStart;
   AcGePoint3d ptEnd;
@@ -16,7 +16,7 @@ struct Piece {
 };
 
 /// The pieces of all lines, in the order in which they are made. `appended` holds the points
-/// that the caller names, by line number.
+/// that the caller names, by line index.
 std::vector<Piece> breakWallLines(const std::vector<WallLineLikeSeg>& lines,
                                   const std::map<std::size_t, std::vector<AcGePoint3d>>& appended,
                                   double projectScale);

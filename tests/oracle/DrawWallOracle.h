@@ -11,7 +11,7 @@ namespace quoin::oracle {
 struct DrawnLine {
   std::vector<AcGePoint3d> points;      // the cut points, sorted, both ends among them
   std::vector<WallLineLikeSeg> lines;   // the existing lines as they are afterwards
-  std::vector<std::size_t> modified;    // numbers of those that were taken into account
+  std::vector<std::size_t> modified;    // indices of those that were taken into account
   std::vector<Piece> cutOff;            // far parts of existing lines
   std::vector<WallLineLikeSeg> pieces;  // the new line's pieces
 };

@@ -189,9 +189,9 @@ TEST(BreakWallLaws, PiecesCoverTheirLineWithoutGapInItsDirection) {
 }
 
 /// The pieces line by line, in the numbering of another order of the same lines.
-std::vector<Piece> renumbered(std::vector<Piece> pieces, const std::vector<std::size_t>& numbers) {
+std::vector<Piece> renumbered(std::vector<Piece> pieces, const std::vector<std::size_t>& indices) {
   for (Piece& piece : pieces) {
-    piece.source = numbers[piece.source];
+    piece.source = indices[piece.source];
   }
   std::stable_sort(pieces.begin(), pieces.end(),
                    [](const Piece& a, const Piece& b) { return a.source < b.source; });
@@ -204,14 +204,14 @@ TEST(BreakWallLaws, TheOrderOfTheLinesDecidesOnlyTheOrderOfTheResult) {
   for (int round = 0; round < 300; ++round) {
     // Cuts that are nearly one point may be merged in either order; whole coordinates are not.
     const std::vector<WallLineLikeSeg> lines = quoin::test::cityBlock(random);
-    std::vector<std::size_t> numbers(lines.size());
-    std::iota(numbers.begin(), numbers.end(), 0u);
-    std::shuffle(numbers.begin(), numbers.end(), random);
+    std::vector<std::size_t> indices(lines.size());
+    std::iota(indices.begin(), indices.end(), 0u);
+    std::shuffle(indices.begin(), indices.end(), random);
     std::vector<WallLineLikeSeg> permuted;
-    for (const std::size_t number : numbers) {
-      permuted.push_back(lines[number]);
+    for (const std::size_t index : indices) {
+      permuted.push_back(lines[index]);
     }
-    ASSERT_NO_FATAL_FAILURE(expectSameBits(renumbered(breakWithModule(permuted), numbers),
+    ASSERT_NO_FATAL_FAILURE(expectSameBits(renumbered(breakWithModule(permuted), indices),
                                            breakWithModule(lines), lines));
   }
 }

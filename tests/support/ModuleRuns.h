@@ -22,28 +22,28 @@
 
 namespace quoin::test {
 
-/// Break points that the caller names, by line number.
+/// Break points that the caller names, by line index.
 using NamedCuts = std::map<std::size_t, std::vector<AcGePoint3d>>;
 
 inline std::vector<oracle::Piece> breakWithModule(const std::vector<WallLineLikeSeg>& lines,
                                                   const NamedCuts& cuts = {}) {
   CBreakWallAlgorithm algorithm;
-  std::map<const WallLineLikeSeg*, std::size_t> numberOf;
+  std::map<const WallLineLikeSeg*, std::size_t> indexOf;
   for (const WallLineLikeSeg& line : lines) {
     algorithm.GetSrcWallLines().push_back(new WallLineLikeSeg(line));
-    numberOf.emplace(algorithm.GetSrcWallLines().back(), numberOf.size());
+    indexOf.emplace(algorithm.GetSrcWallLines().back(), indexOf.size());
   }
-  for (const auto& [number, points] : cuts) {
+  for (const auto& [index, points] : cuts) {
     AcArray<AcGePoint3d> array;
     for (const AcGePoint3d& pt : points) {
       array.append(pt);
     }
-    algorithm.AppendWallBreakPnt(algorithm.GetSrcWallLines().at(number), array);
+    algorithm.AppendWallBreakPnt(algorithm.GetSrcWallLines().at(index), array);
   }
   algorithm.SplitWallLines();
   std::vector<oracle::Piece> pieces;
   for (const WallLineLikeSeg* piece : algorithm.GetNewWallLines()) {
-    pieces.push_back({piece->ptStart, piece->ptEnd, numberOf.at(piece->pSrcLine)});
+    pieces.push_back({piece->ptStart, piece->ptEnd, indexOf.at(piece->pSrcLine)});
   }
   return pieces;
 }
@@ -51,12 +51,12 @@ inline std::vector<oracle::Piece> breakWithModule(const std::vector<WallLineLike
 inline oracle::DrawnLine drawWithModule(const std::vector<WallLineLikeSeg>& lines,
                                         const AcGePoint3d& ptStart, const AcGePoint3d& ptEnd) {
   std::vector<std::unique_ptr<WallLineLikeSeg>> records;
-  std::map<const WallLineLikeSeg*, std::size_t> numberOf;
+  std::map<const WallLineLikeSeg*, std::size_t> indexOf;
   CDrawWallLikeAlgorithm algorithm;
   for (const WallLineLikeSeg& line : lines) {
     records.push_back(std::make_unique<WallLineLikeSeg>(line));
     algorithm.GetSrcWallLines().push_back(records.back().get());
-    numberOf.emplace(records.back().get(), numberOf.size());
+    indexOf.emplace(records.back().get(), indexOf.size());
   }
   oracle::DrawnLine drawn;
   for (const AcGePoint3d& pt : algorithm.CalcNewWallLine(ptStart, ptEnd)) {
@@ -66,11 +66,11 @@ inline oracle::DrawnLine drawWithModule(const std::vector<WallLineLikeSeg>& line
     drawn.lines.push_back(*record);
   }
   for (const WallLineLikeSeg* line : algorithm.GetSrcModifyiedWallLines()) {
-    drawn.modified.push_back(numberOf.at(line));
+    drawn.modified.push_back(indexOf.at(line));
     records[drawn.modified.back()].release();  // has passed to the algorithm
   }
   for (const WallLineLikeSeg* piece : algorithm.GetSrcNewWallLines()) {
-    drawn.cutOff.push_back({piece->ptStart, piece->ptEnd, numberOf.at(piece->pSrcLine)});
+    drawn.cutOff.push_back({piece->ptStart, piece->ptEnd, indexOf.at(piece->pSrcLine)});
   }
   for (const WallLineLikeSeg* piece : algorithm.GetNewWallLines()) {
     drawn.pieces.push_back(*piece);
@@ -97,15 +97,15 @@ namespace detail {
 /// Numbers of records, for the merges' lists of pointers.
 template <class Record, class Pointers>
 std::vector<std::size_t> numbersOf(const Pointers& pointers, const std::vector<Record*>& records) {
-  std::map<const Record*, std::size_t> numberOf;
+  std::map<const Record*, std::size_t> indexOf;
   for (const Record* record : records) {
-    numberOf.emplace(record, numberOf.size());
+    indexOf.emplace(record, indexOf.size());
   }
-  std::vector<std::size_t> numbers;
+  std::vector<std::size_t> indices;
   for (const Record* pointer : pointers) {
-    numbers.push_back(numberOf.at(pointer));
+    indices.push_back(indexOf.at(pointer));
   }
-  return numbers;
+  return indices;
 }
 
 }  // namespace detail
