@@ -28,7 +28,7 @@ std::optional<double> parseAboveZero(std::string_view text) {
 }
 
 std::string checkScale(const std::string& text) {
-  return parseAboveZero(text) ? "" : "'" + text + "' is no number above zero";
+  return parseAboveZero(text) ? "" : "'" + text + "' is not a number above zero";
 }
 
 std::string checkLength(const std::string& text) {

@@ -50,7 +50,7 @@ struct Capture {
 };
 
 /// Takes the drawing for one in --units, if they are given, and sets the host's current project to
-/// the scale whose capture distance the options ask for.
+/// the scale whose capture distance the options name.
 /// Fails: throws CommandError (Usage) where that distance is not finite or 0.
 Capture setCapture(const CaptureOptions& options, Drawing& drawing);
 /// "0.01 m (10 mm)", "5 mm (--tolerance)".

@@ -13,12 +13,7 @@ namespace quoin::commands {
 
 ChosenEntities chooseEntities(Drawing& drawing, const std::set<std::wstring>& layers,
                               const AcDbObjectId& except) {
-  std::set<std::wstring> locked;
-  for (const LayerContent& layer : drawing.layers()) {
-    if (layer.isLocked) {
-      locked.insert(layer.name);
-    }
-  }
+  const std::set<std::wstring> locked = drawing.lockedLayers();
   ChosenEntities chosen;
   drawing.forEachEntity(drawing.modelSpaceId(), [&](const AcDbObjectId& id) {
     const std::wstring layer = hostx::layerName(id);

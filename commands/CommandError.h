@@ -6,7 +6,7 @@
 
 namespace quoin::commands {
 
-/// What the program answers to its caller. `quoin --help` lists them.
+/// Exit codes of the program. `quoin --help` lists them.
 enum class ExitCode : int {
   Ok = 0,
   Usage = 2,             // the command line cannot be understood

@@ -66,8 +66,8 @@ void passWordsOn(std::vector<std::string>& words, const Commands& commands) {
   }
 }
 
-/// Finds what the words ask for. False where it was help or the version, which are printed.
-/// Fails: throws CommandError (Usage).
+/// Finds the command that the words name. False where it was help or the version, which are
+/// printed. Fails: throws CommandError (Usage).
 bool parse(CLI::App& app, std::vector<std::string> words) {
   if (!words.empty() && words.front().front() != '-' && !findCommand(app, words.front())) {
     throw CommandError(ExitCode::Usage, noCommand(words.front(), app));

@@ -3,7 +3,7 @@
 
 namespace quoin::commands {
 
-/// Runs a command line, the program's name first, and answers the exit code (ExitCode.h).
+/// Runs a command line, the program's name first, and returns the exit code (ExitCode.h).
 /// Lets no exception out: what goes wrong is told on the standard error stream.
 int runCommandLine(int argc, const char* const* argv);
 

@@ -34,6 +34,35 @@ class FileProgress {
   Progress m_progress;
 };
 
+/// All layers in table order; what is on them is not counted.
+std::vector<LayerContent> layersOf(AcDbDatabase& database) {
+  std::vector<LayerContent> layers;
+  AcDbLayerTable* table = nullptr;
+  AcDbLayerTableIterator* made = nullptr;
+  if (database.getLayerTable(table, AcDb::kForRead) != Acad::eOk) {
+    return layers;
+  }
+  table->newIterator(made);
+  table->close();
+  const std::unique_ptr<AcDbLayerTableIterator> iterator(made);
+  for (; iterator && !iterator->done(); iterator->step()) {
+    AcDbLayerTableRecord* record = nullptr;
+    if (iterator->getRecord(record, AcDb::kForRead) != Acad::eOk) {
+      continue;
+    }
+    LayerContent layer;
+    const ACHAR* name = L"";
+    record->getName(name);
+    layer.name = name;
+    layer.isOff = record->isOff();
+    layer.isFrozen = record->isFrozen();
+    layer.isLocked = record->isLocked();
+    record->close();
+    layers.push_back(std::move(layer));
+  }
+  return layers;
+}
+
 }  // namespace
 
 std::size_t LayerContent::count() const {
@@ -119,31 +148,18 @@ void Drawing::forEachEntity(const AcDbObjectId& block,
   });
 }
 
-std::vector<LayerContent> Drawing::layers() {
-  std::vector<LayerContent> layers;
-  AcDbLayerTable* table = nullptr;
-  AcDbLayerTableIterator* made = nullptr;
-  if (m_database->getLayerTable(table, AcDb::kForRead) != Acad::eOk) {
-    return layers;
-  }
-  table->newIterator(made);
-  table->close();
-  const std::unique_ptr<AcDbLayerTableIterator> iterator(made);
-  for (; iterator && !iterator->done(); iterator->step()) {
-    AcDbLayerTableRecord* record = nullptr;
-    if (iterator->getRecord(record, AcDb::kForRead) != Acad::eOk) {
-      continue;
+std::set<std::wstring> Drawing::lockedLayers() {
+  std::set<std::wstring> locked;
+  for (const LayerContent& layer : layersOf(*m_database)) {
+    if (layer.isLocked) {
+      locked.insert(layer.name);
     }
-    LayerContent layer;
-    const ACHAR* name = L"";
-    record->getName(name);
-    layer.name = name;
-    layer.isOff = record->isOff();
-    layer.isFrozen = record->isFrozen();
-    layer.isLocked = record->isLocked();
-    record->close();
-    layers.push_back(std::move(layer));
   }
+  return locked;
+}
+
+std::vector<LayerContent> Drawing::layers() {
+  std::vector<LayerContent> layers = layersOf(*m_database);
   std::map<std::wstring, std::size_t> numberOf;
   for (std::size_t i = 0; i < layers.size(); ++i) {
     numberOf.emplace(layers[i].name, i);

@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,8 @@ class Drawing {
   std::vector<AcDbObjectId> entities(const AcDbObjectId& block);
   /// All layers in table order.
   std::vector<LayerContent> layers();
+  /// The names of those that are locked.
+  std::set<std::wstring> lockedLayers();
 
   /// Saves under a name; the file there is the old one or the new one, whole, at every moment.
   /// Fails: throws CommandError (OutputUnwritable, Interrupted).
@@ -86,7 +89,7 @@ std::string nameText(const Drawing& drawing, const AcDbObjectId& id);
 /// Fails: throws CommandError (EntityFailed) that names the entity and the status.
 void check(Acad::ErrorStatus status, const Drawing& drawing, const AcDbObjectId& id,
            const char* action);
-/// The name behind a function of the host API that answers a copy to be freed.
+/// The name behind a function of the host API that returns a copy to be freed.
 std::wstring takeText(ACHAR* text);
 
 }  // namespace quoin::commands

@@ -68,7 +68,7 @@ Outcome unpacked(const os::SideResult& result, const Report::Wanted& wanted, con
     }
     outcome.error = result.text;
   } catch (const nlohmann::json::exception&) {
-    outcome.error = "the process that worked on it gave no whole answer";
+    outcome.error = "the process that worked on it sent no whole result";
   }
   outcome.code = os::isInterrupted() ? ExitCode::Interrupted : codeOfDeath;
   outcome.error = job.input + ": " + outcome.error + stateText(job, before);

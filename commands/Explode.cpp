@@ -142,10 +142,8 @@ void Exploder::readLayers() {
   if (std::exchange(m_hasLayers, true)) {
     return;
   }
+  m_locked = m_drawing.lockedLayers();
   for (const LayerContent& layer : m_drawing.layers()) {
-    if (layer.isLocked) {
-      m_locked.insert(layer.name);
-    }
     if (layer.isFrozen || layer.isOff) {
       m_hidden.insert(layer.name);
     }

@@ -46,7 +46,7 @@ class MergeCommand : public DrawingCommand {
         "Lines join when they bend by at most one degree, when no third line ends there, and\n"
         "when layer, colour, linetype, line weight, thickness and elevation agree. The line that\n"
         "stays keeps its handle; the ones it absorbs are erased. Lines on locked layers, and\n"
-        "lines that are not level, are left alone.\n\n"
+        "lines with ends at different heights, are left alone.\n\n"
         "Examples:\n"
         "  quoin merge broken.dxf -o merged.dxf --picture merged.png\n"
         "  quoin merge plan.dxf --layer 'A-WALL*' --keep-at 3000,0 -o merged.dxf");

@@ -7,14 +7,12 @@
 
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
-#include "commands/Junctions.h"
-#include "commands/LayerChoice.h"
 #include "commands/PointIndex.h"
 #include "commands/Progress.h"
+#include "commands/ReferenceWalls.h"
 #include "commands/ReportFields.h"
 #include "commands/WallBodies.h"
 #include "commands/WallChanges.h"
-#include "commands/WallLines.h"
 #include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
@@ -46,12 +44,7 @@ class OutlineCommand : public DrawingCommand {
     CLI::App* const command = app.add_subcommand(
         "outline", "Draw the outline of walls given by reference lines and widths");
     m_options.declareFiles(*command);
-    m_options.declareLayers(*command,
-                            "Layers with the reference lines, * and ? allowed; may be repeated");
-    command->get_option("--layer")->required();
-    m_options.declareScale(*command);
-    m_options.declareInBlocks(*command);
-    m_widths.declare(*command);
+    declareReferenceWalls(*command, m_options, m_widths);
     command->add_option("--out-layer", m_outLayer, "The layer of the outline")
         ->type_name("NAME")
         ->capture_default_str();
@@ -67,11 +60,9 @@ class OutlineCommand : public DrawingCommand {
 
   std::string name() const override { return "outline"; }
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
-    const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
-    const WallLines found = collectWallLines(drawing, layers, m_options.takesInside);
-    checkAnyWallLine(drawing, layers, found);
-    const Capture capture = setCapture(m_options.capture, drawing);
-    const std::vector<BodyWall> walls = makeWalls(drawing, found.lines, m_widths);
+    const ReferenceWalls reference = collectReferenceWalls(drawing, m_options, m_widths);
+    const std::vector<BodyWall>& walls = reference.walls;
+    const Capture& capture = reference.capture;
     std::vector<OutlineLine> lines = flatten(showWalls(walls, capture.distance));
     Picture picture;
     if (job.hasPicture()) {
@@ -90,13 +81,10 @@ class OutlineCommand : public DrawingCommand {
     }
     job.save(drawing);
     job.render(picture, report);
-    tell(drawing, layers, walls, lines, capture, report);
-    tellLeftOut(drawing, found, true, report);
-    warnOfReferenceLines(drawing, found.lines, report);
-    warnOfUnits(m_options.capture, drawing, found.lines, report);
+    tell(drawing, reference, lines, report);
+    tellReferenceWalls(drawing, m_options, reference, report);
     if (report.isJson()) {
-      addJson(drawing, layers, walls, lines, capture, report.json);
-      addLeftOut(drawing, found, report.json);
+      addJson(drawing, reference, lines, report.json);
     }
   }
 
@@ -211,38 +199,28 @@ class OutlineCommand : public DrawingCommand {
     return picture;
   }
 
-  void tell(const Drawing& drawing, const std::set<std::wstring>& layers,
-            const std::vector<BodyWall>& walls, const std::vector<OutlineLine>& lines,
-            const Capture& capture, Report& report) const {
-    report.line("layers: {}", namesText(layers));
-    report.line("ends closer than {} meet", captureText(capture, drawing));
-    report.line("{} outlined by {} on {}: {} of free walls, {}", countText(walls.size(), "wall"),
-                countText(lines.size(), "line"), m_outLayer,
+  void tell(const Drawing& drawing, const ReferenceWalls& reference,
+            const std::vector<OutlineLine>& lines, Report& report) const {
+    report.line("layers: {}", namesText(reference.layers));
+    report.line("ends closer than {} meet", captureText(reference.capture, drawing));
+    report.line("{} outlined by {} on {}: {} of free walls, {}",
+                countText(reference.walls.size(), "wall"), countText(lines.size(), "line"),
+                m_outLayer,
                 countText(count(lines, LineRole::Start) + count(lines, LineRole::End), "end"),
                 countText(count(lines, LineRole::Connection), "connection"));
   }
 
-  void addJson(const Drawing& drawing, const std::set<std::wstring>& layers,
-               const std::vector<BodyWall>& walls, const std::vector<OutlineLine>& lines,
-               const Capture& capture, nlohmann::json& report) const {
-    report.update({{"capture", captureJson(capture)},
-                   {"layers", namesJson(layers)},
-                   {"outLayer", m_outLayer},
-                   {"lines", walls.size()},
-                   {"added", lines.size()},
-                   {"walls", nlohmann::json::array()}});
-    std::size_t next = 0;
-    for (std::size_t i = 0; i < walls.size(); ++i) {
-      nlohmann::json results = nlohmann::json::array();
-      for (; next < lines.size() && lines[next].wall == i; ++next) {
-        results.push_back(
-            lineJson(lines[next].handle, lines[next].seg.ptStart, lines[next].seg.ptEnd));
-        results.back()["role"] = nameOf(lines[next].role);
-      }
-      nlohmann::json wall = wallJson(drawing, walls[i]);
-      wall["results"] = std::move(results);
-      report["walls"].push_back(std::move(wall));
+  void addJson(const Drawing& drawing, const ReferenceWalls& reference,
+               const std::vector<OutlineLine>& lines, nlohmann::json& report) const {
+    std::vector<nlohmann::json> results(reference.walls.size(),
+                                        nlohmann::json{{"results", nlohmann::json::array()}});
+    for (const OutlineLine& line : lines) {
+      nlohmann::json entry = lineJson(line.handle, line.seg.ptStart, line.seg.ptEnd);
+      entry["role"] = nameOf(line.role);
+      results[line.wall]["results"].push_back(std::move(entry));
     }
+    report.update({{"outLayer", m_outLayer}, {"added", lines.size()}});
+    addReferenceWalls(drawing, reference, results, report);
   }
 
   WidthOptions m_widths;

@@ -22,13 +22,8 @@ Adesk::UInt32 colorKey(const AcCmEntityColor& color) {
 }  // namespace
 
 SingleLines collectSingleLines(Drawing& drawing, const std::set<std::wstring>& layers,
-                               bool onlyLevel) {
-  std::set<std::wstring> locked;
-  for (const LayerContent& layer : drawing.layers()) {
-    if (layer.isLocked) {
-      locked.insert(layer.name);
-    }
-  }
+                               bool onlyInPlane) {
+  const std::set<std::wstring> locked = drawing.lockedLayers();
   SingleLines found;
   drawing.forEachEntity(drawing.modelSpaceId(), [&](const AcDbObjectId& id) {
     const std::wstring layer = hostx::layerName(id);
@@ -54,8 +49,8 @@ SingleLines collectSingleLines(Drawing& drawing, const std::set<std::wstring>& l
       found.skipped.push_back({id, kUnreadableNumber});
     } else if (start == end) {
       found.skipped.push_back({id, "has no length"});
-    } else if (onlyLevel && start.z != end.z) {
-      found.skipped.push_back({id, "is not level"});
+    } else if (onlyInPlane && start.z != end.z) {
+      found.skipped.push_back({id, "has ends at different heights"});
     } else {
       found.lines.push_back({start,
                              end,

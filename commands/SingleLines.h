@@ -1,4 +1,4 @@
-// LINE entities of model space with the properties that tell them apart, and simple changes to
+// LINE entities of model space with the properties that distinguish them, and simple changes to
 // them: for the commands that work on whole lines (merging, trimming of axes).
 #pragma once
 
@@ -30,10 +30,10 @@ struct SingleLines : LeftOut {
 };
 
 /// The LINE entities on the layers in file order. Lines on locked layers and of no length are
-/// skipped with the reason, with `onlyLevel` those with ends at different heights too; everything
+/// skipped with the reason, with `onlyInPlane` those with ends at different heights too; everything
 /// else on the layers is counted.
 SingleLines collectSingleLines(Drawing& drawing, const std::set<std::wstring>& layers,
-                               bool onlyLevel);
+                               bool onlyInPlane);
 
 /// Fails: throws CommandError (NothingToDo) that names what is on the layers instead where there
 /// is no line.

@@ -7,11 +7,9 @@
 
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
-#include "commands/Junctions.h"
-#include "commands/LayerChoice.h"
+#include "commands/ReferenceWalls.h"
 #include "commands/ReportFields.h"
 #include "commands/WallBodies.h"
-#include "commands/WallLines.h"
 #include "commands/WallModel.h"
 #include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
@@ -37,12 +35,7 @@ class SolidCommand : public DrawingCommand {
     m_options.resultEnding = ".obj";
     command->add_option("--height", m_height, "Height of the walls, drawing units")->required();
     m_options.declarePicture(*command, "Make a picture of the bodies, seen from above at an angle");
-    m_options.declareLayers(*command,
-                            "Layers with the reference lines, * and ? allowed; may be repeated");
-    command->get_option("--layer")->required();
-    m_options.declareScale(*command);
-    m_options.declareInBlocks(*command);
-    m_widths.declare(*command);
+    declareReferenceWalls(*command, m_options, m_widths);
     command->footer(
         "Walls stand on their reference lines' height. Bodies are closed; those of walls that\n"
         "meet share the faces' middle points.\n\n"
@@ -65,11 +58,9 @@ class SolidCommand : public DrawingCommand {
   }
 
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
-    const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
-    const WallLines found = collectWallLines(drawing, layers, m_options.takesInside);
-    checkAnyWallLine(drawing, layers, found);
-    const Capture capture = setCapture(m_options.capture, drawing);
-    const std::vector<BodyWall> walls = makeWalls(drawing, found.lines, m_widths);
+    const ReferenceWalls reference = collectReferenceWalls(drawing, m_options, m_widths);
+    const std::vector<BodyWall>& walls = reference.walls;
+    const Capture& capture = reference.capture;
     const std::vector<PrepareFrom2dTo3dData> ends = prepareWalls(walls, capture.distance);
     std::vector<WallPrism> prisms;
     for (std::size_t i = 0; i < walls.size(); ++i) {
@@ -80,12 +71,9 @@ class SolidCommand : public DrawingCommand {
       job.render(paint(drawing, prisms), report);
     }
     tell(drawing, capture, ends, prisms, report);
-    tellLeftOut(drawing, found, true, report);
-    warnOfReferenceLines(drawing, found.lines, report);
-    warnOfUnits(m_options.capture, drawing, found.lines, report);
+    tellReferenceWalls(drawing, m_options, reference, report);
     if (report.isJson()) {
-      addJson(drawing, layers, capture, walls, ends, report.json);
-      addLeftOut(drawing, found, report.json);
+      addJson(drawing, reference, ends, report.json);
     }
   }
 
@@ -200,26 +188,20 @@ class SolidCommand : public DrawingCommand {
                 2 * ends.size() - freeEnds(ends));
   }
 
-  void addJson(const Drawing& drawing, const std::set<std::wstring>& layers, const Capture& capture,
-               const std::vector<BodyWall>& walls, const std::vector<PrepareFrom2dTo3dData>& ends,
-               nlohmann::json& report) const {
-    report.update({{"capture", captureJson(capture)},
-                   {"layers", namesJson(layers)},
-                   {"lines", walls.size()},
-                   {"height", m_height},
-                   {"walls", nlohmann::json::array()}});
-    for (std::size_t i = 0; i < walls.size(); ++i) {
-      nlohmann::json wall = wallJson(drawing, walls[i]);
-      wall.update({{"freeStart", ends[i].bHasStartWall},
-                   {"freeEnd", ends[i].bHasEndWall},
-                   {"start",
-                    {pointJson(ends[i].ptStartLeft), pointJson(ends[i].ptStartMid),
-                     pointJson(ends[i].ptStartRight)}},
-                   {"end",
-                    {pointJson(ends[i].ptEndLeft), pointJson(ends[i].ptEndMid),
-                     pointJson(ends[i].ptEndRight)}}});
-      report["walls"].push_back(std::move(wall));
+  void addJson(const Drawing& drawing, const ReferenceWalls& reference,
+               const std::vector<PrepareFrom2dTo3dData>& ends, nlohmann::json& report) const {
+    std::vector<nlohmann::json> results;
+    for (const PrepareFrom2dTo3dData& end : ends) {
+      results.push_back(
+          {{"freeStart", end.bHasStartWall},
+           {"freeEnd", end.bHasEndWall},
+           {"start",
+            {pointJson(end.ptStartLeft), pointJson(end.ptStartMid), pointJson(end.ptStartRight)}},
+           {"end",
+            {pointJson(end.ptEndLeft), pointJson(end.ptEndMid), pointJson(end.ptEndRight)}}});
     }
+    report["height"] = m_height;
+    addReferenceWalls(drawing, reference, results, report);
   }
 
   WidthOptions m_widths;

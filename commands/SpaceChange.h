@@ -28,7 +28,7 @@ struct SpaceChanged {
   db::ViewChanges views;
 };
 
-/// Changes the drawing; what it says of an entity is what the host answered for that entity.
+/// Changes the drawing; what it says of an entity is what the host returned for that entity.
 /// Fails: throws CommandError; EntityFailed with the entities that cannot follow, Interrupted. The
 /// drawing is changed in part then and not to be saved.
 SpaceChanged changeModelSpace(Drawing& drawing, const SpaceChange& change);

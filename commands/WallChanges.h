@@ -38,7 +38,7 @@ struct WallChange {
 /// Fails: throws CommandError (EntityFailed).
 void applyWallChanges(Drawing& drawing, std::vector<WallChange>& changes);
 
-/// Adds a new entity to a block and answers its handle.
+/// Adds a new entity to a block and returns its handle.
 /// Fails: throws CommandError (EntityFailed).
 std::string appendEntity(Drawing& drawing, const AcDbObjectId& block,
                          std::unique_ptr<AcDbEntity> entity);

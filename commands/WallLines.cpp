@@ -81,12 +81,7 @@ class Collector {
 
 WallLines collectWallLines(Drawing& drawing, const std::set<std::wstring>& layers,
                            bool takesInside) {
-  std::set<std::wstring> locked;
-  for (const LayerContent& layer : drawing.layers()) {
-    if (layer.isLocked) {
-      locked.insert(layer.name);
-    }
-  }
+  const std::set<std::wstring> locked = drawing.lockedLayers();
   Collector collector(locked);
   drawing.forEachEntity(drawing.modelSpaceId(), [&](const AcDbObjectId& id) {
     const std::wstring layer = hostx::layerName(id);

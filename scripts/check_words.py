@@ -23,9 +23,15 @@ RULES = [
     (re.compile(r"\bnot (?:yet )?imple" r"mented\b", re.IGNORECASE), "something unfinished"),
 ]
 
+# What a formatter of code leaves in Markdown: it takes a heading for a directive.
+MARKDOWN_RULES = [
+    (re.compile(r"^#+\w[^\n]* :", re.MULTILINE), "a heading that a formatter of code has torn"),
+    (re.compile(r"`\w+ / \w+"), "a path that a formatter of code has torn"),
+]
 
-def complaints_about(text):
-    for pattern, what in RULES:
+
+def complaints_about(text, rules=RULES):
+    for pattern, what in rules:
         for match in pattern.finditer(text):
             yield text.count("\n", 0, match.start()) + 1, what
 
@@ -47,6 +53,11 @@ def self_test():
     for text in right:
         if list(complaints_about(text)):
             sys.exit(f"check_words: complains wrongly about {text!r}")
+    for text in ("#product : the platform", "see `docs / formats.md`"):
+        if not list(complaints_about(text, MARKDOWN_RULES)):
+            sys.exit(f"check_words: misses {text!r}")
+    if list(complaints_about("# product: the platform\n#include <x>", MARKDOWN_RULES)):
+        sys.exit("check_words: complains wrongly about a heading")
     print("check_words: finds what it looks for, and nothing else")
 
 
@@ -65,7 +76,8 @@ def main(arguments):
             count += 1
         if b"\0" in data or file.suffix.lower() in (".dxf", ".png"):
             continue
-        for line, what in complaints_about(data.decode("utf-8", errors="replace")):
+        rules = RULES + (MARKDOWN_RULES if file.suffix == ".md" else [])
+        for line, what in complaints_about(data.decode("utf-8", errors="replace"), rules):
             print(f"{name}:{line}: {what}")
             count += 1
     print(f"{len(seen)} files, {count} complaints")

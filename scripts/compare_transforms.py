@@ -10,7 +10,7 @@ kind over all maps:
   same     every coordinate, vector, length and angle, and the box of what shows, agree
   shape    the box agrees, the numbers that describe it do not
   differ   the boxes differ
-  refused  the host answers an error, the entity stays
+  refused  the host returns an error, the entity stays
   theirs   ezdxf refuses, or replaces the entity by others
   neither  both refuse
 

@@ -22,7 +22,7 @@ inline constexpr Color kPaper{1.0, 1.0, 1.0};
 inline constexpr Color kInk{0.13, 0.13, 0.15};
 inline constexpr Color kPlan{0.74, 0.75, 0.77};   // what is not worked on
 inline constexpr Color kWall{0.20, 0.21, 0.24};   // what is worked on, unchanged
-inline constexpr Color kFirst{0.05, 0.40, 0.75};  // results told apart: blue, orange, ...
+inline constexpr Color kFirst{0.05, 0.40, 0.75};  // distinct results: blue, orange, ...
 inline constexpr Color kSecond{0.88, 0.46, 0.05};
 inline constexpr Color kThird{0.10, 0.55, 0.35};
 inline constexpr Color kMark{0.80, 0.05, 0.20};

@@ -290,10 +290,11 @@ class PlanPainter {
     Path path;
     path.points.push_back(flat(toWorld * shape.vertices.front().world));
     // Seen from below, or mirrored, arcs run the other way round.
-    const double sense = (shape.normal.z < 0.0 ? -1.0 : 1.0) * (toWorld.det() < 0.0 ? -1.0 : 1.0);
+    const double orientation =
+        (shape.normal.z < 0.0 ? -1.0 : 1.0) * (toWorld.det() < 0.0 ? -1.0 : 1.0);
     for (std::size_t i = 0; i < shape.segmentCount(); ++i) {
       appendBulge(path.points, flat(toWorld * shape.vertices[i].world),
-                  flat(toWorld * shape.segmentEnd(i).world), sense * shape.vertices[i].bulge);
+                  flat(toWorld * shape.segmentEnd(i).world), orientation * shape.vertices[i].bulge);
     }
     m_picture.paths.push_back(std::move(path));
   }

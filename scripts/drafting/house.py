@@ -79,7 +79,7 @@ def _openings(sheet):
         for begin, stop, number in openings:
             if number.startswith("C"):
                 sheet.window(OPENING, at(begin, -HALF), at(stop, -HALF), THICK)
-            # Clear of the wall, though the words lie level beside upright walls too.
+            # Clear of the wall, though the words lie horizontally beside vertical walls too.
             sheet.text(WORDS, at((begin + stop) / 2, -450 if dx else -600), 200, number)
     middle = 6000
     sheet.door(OPENING, (5100, HALF), (middle, HALF), 1)

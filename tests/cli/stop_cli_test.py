@@ -16,7 +16,7 @@ import time
 import unittest
 
 import quoin_cli_test as cli
-import run_cli_test
+import RunCommand_cli_test
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "scripts"))
 import make_large_plan  # noqa: E402 - the line above finds it
@@ -111,7 +111,7 @@ class StopTest(cli.CliTest):
                       ["solid", plan, *widths, "--height", "9", "-o", out / "out.dxf"],
                       ["style", "dim", plan, "--name", "D", "--scale", "9", *drawing],
                       ["style", "mline", plan, "--name", "M", *drawing],
-                      ["run", run_cli_test.MODULE, "ADDLINE", plan, *drawing, "--", "0,0", "9"],
+                      ["run", RunCommand_cli_test.MODULE, "ADDLINE", plan, *drawing, "--", "0,0", "9"],
                       ["break", plan, second, *walls, "-o", out, "--jobs", "2"],
                       ["paint", plan, *walls, "--rgb", "1,2,3", *drawing],
                       ["match-properties", plan, "--from", "101", *walls, *drawing],

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """End-to-end runs of `break --in-blocks` where lines inside blocks and multilines are cut.
 
-usage: explode_cli_test.py [UNITTEST ARGUMENT...]
+usage: Explode_cli_test.py [UNITTEST ARGUMENT...]
 The environment is that of quoin_cli_test.py, whose helpers it uses.
 """
 

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """End-to-end runs of `quoin run`: commands of a client module, alone and on drawings.
 
-usage: run_cli_test.py [UNITTEST ARGUMENT...]
+usage: RunCommand_cli_test.py [UNITTEST ARGUMENT...]
 The environment is that of quoin_cli_test.py; the module is that of tests/rx/modules/Commands.cpp,
 beside the program.
 """
