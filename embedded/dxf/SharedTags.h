@@ -1,7 +1,7 @@
 // The tags that entities of all kinds share (layer, colour, linetype, ...). Their place is behind
 // the marker AcDbEntity, but some writers put them behind the marker of the kind, and readers take
-// them there. They count there only where the kind has no use of its own for the group code: its row
-// says so (embedded/db/core/RecordKinds.h, where the function is defined).
+// them there. They count there only where the kind has no use of its own for the group code: its
+// row says so (embedded/db/core/RecordKinds.h, where the function is defined).
 #pragma once
 
 #include <string_view>
