@@ -191,6 +191,7 @@ class SolidCommand : public DrawingCommand {
   void addJson(const Drawing& drawing, const ReferenceWalls& reference,
                const std::vector<PrepareFrom2dTo3dData>& ends, nlohmann::json& report) const {
     std::vector<nlohmann::json> results;
+    results.reserve(ends.size());
     for (const PrepareFrom2dTo3dData& end : ends) {
       results.push_back(
           {{"freeStart", end.bHasStartWall},
