@@ -102,30 +102,31 @@ AcDbObject::~AcDbObject() {
 // --- identity -------------------------------------------------------------------------------
 
 AcDbObjectId AcDbObject::objectId() const {
-  return AcDbObjectId(impl().stub);
+  return AcDbObjectId(m_impl->stub);
 }
 
 AcDbObjectId AcDbObject::ownerId() const {
-  return impl().stub ? AcDbObjectId(impl().database->ownerOf(*impl().stub)) : AcDbObjectId::kNull;
+  return m_impl->stub ? AcDbObjectId(m_impl->database->ownerOf(*m_impl->stub))
+                      : AcDbObjectId::kNull;
 }
 
 void AcDbObject::getAcDbHandle(AcDbHandle& handle) const {
-  handle = AcDbHandle(impl().stub ? impl().stub->handle : 0);
+  handle = AcDbHandle(m_impl->stub ? m_impl->stub->handle : 0);
 }
 
 AcDbDatabase* AcDbObject::database() const {
-  return impl().database ? impl().database->self : nullptr;
+  return m_impl->database ? m_impl->database->self : nullptr;
 }
 
 AcDbObjectId AcDbObject::extensionDictionary() const {
-  if (!impl().database) {
+  if (!m_impl->database) {
     return AcDbObjectId::kNull;
   }
   const TagList& tags = tagsOf(*this);
   const TagRange group = tags.group("{ACAD_XDICTIONARY");
   for (std::size_t i = group.first; i < group.last; ++i) {
     if (tags[i].code != kGroupCode) {
-      return AcDbObjectId(impl().database->byHandle(tags.handleAt(i)));
+      return AcDbObjectId(m_impl->database->byHandle(tags.handleAt(i)));
     }
   }
   return AcDbObjectId::kNull;
@@ -136,11 +137,11 @@ Acad::ErrorStatus AcDbObject::createExtensionDictionary() {
   if (status != Acad::eOk) {
     return status;
   }
-  if (!impl().stub) {
+  if (!m_impl->stub) {
     return Acad::eNotInDatabase;
   }
   try {
-    DatabaseImpl& database = *impl().database;
+    DatabaseImpl& database = *m_impl->database;
     AcDbStub* const former = extensionDictionary();
     if (former && !former->erased) {
       return Acad::eAlreadyInDb;
@@ -149,7 +150,7 @@ Acad::ErrorStatus AcDbObject::createExtensionDictionary() {
     if (!database.format().hasSubclassMarkers() || handleTag == TagList::kNone) {
       return Acad::eNotApplicable;
     }
-    const AcDbStub* const made = appendDictionary(database, impl().stub, true);
+    const AcDbStub* const made = appendDictionary(database, m_impl->stub, true);
     return change(*this, [&](RecordEdit& edit) {
       const TagRange group = edit.tags().group("{ACAD_XDICTIONARY");
       const dxf::Format& format = database.format();
@@ -171,7 +172,7 @@ Acad::ErrorStatus AcDbObject::createExtensionDictionary() {
 // --- opening and closing --------------------------------------------------------------------
 
 Acad::ErrorStatus AcDbObject::close() {
-  switch (impl().state) {
+  switch (m_impl->state) {
     case OpenState::Free:
       return Acad::eNotInDatabase;
     case OpenState::Closed:
@@ -182,7 +183,7 @@ Acad::ErrorStatus AcDbObject::close() {
       }
       return Acad::eNotOpenForRead;
     case OpenState::Read:
-      if (--impl().readers > 0) {
+      if (--m_impl->readers > 0) {
         return Acad::eOk;
       }
       break;
@@ -194,7 +195,7 @@ Acad::ErrorStatus AcDbObject::close() {
 }
 
 Acad::ErrorStatus AcDbObject::upgradeOpen() {
-  switch (impl().state) {
+  switch (m_impl->state) {
     case OpenState::Free:
       return Acad::eNotInDatabase;
     case OpenState::Closed:
@@ -204,23 +205,23 @@ Acad::ErrorStatus AcDbObject::upgradeOpen() {
     case OpenState::Read:
       break;
   }
-  if (impl().readers > 1) {
+  if (m_impl->readers > 1) {
     return Acad::eWasOpenForRead;
   }
-  impl().readers = 0;
-  impl().state = OpenState::Write;
+  m_impl->readers = 0;
+  m_impl->state = OpenState::Write;
   return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbObject::downgradeOpen() {
-  if (impl().state == OpenState::Free) {
+  if (m_impl->state == OpenState::Free) {
     return Acad::eNotInDatabase;
   }
-  if (impl().state != OpenState::Write) {
+  if (m_impl->state != OpenState::Write) {
     return Acad::eNotOpenForWrite;
   }
-  impl().readers = 1;
-  impl().state = OpenState::Read;
+  m_impl->readers = 1;
+  m_impl->state = OpenState::Read;
   return Acad::eOk;
 }
 
@@ -229,12 +230,12 @@ Acad::ErrorStatus AcDbObject::erase(Adesk::Boolean erasing) {
   if (status != Acad::eOk) {
     return status;
   }
-  AcDbStub* const stub = impl().stub;
+  AcDbStub* const stub = m_impl->stub;
   if (!stub) {
     return Acad::eNotInDatabase;
   }
   try {
-    DatabaseImpl& database = *impl().database;
+    DatabaseImpl& database = *m_impl->database;
     if (isIndispensable(database, *stub)) {
       return Acad::eNotApplicable;
     }
@@ -255,27 +256,27 @@ Acad::ErrorStatus AcDbObject::erase(Adesk::Boolean erasing) {
 }
 
 bool AcDbObject::isErased() const {
-  return impl().stub && impl().stub->erased;
+  return m_impl->stub && m_impl->stub->erased;
 }
 
 bool AcDbObject::isEffectivelyErased() const {
-  return impl().stub && impl().database->isErased(*impl().stub);
+  return m_impl->stub && m_impl->database->isErased(*m_impl->stub);
 }
 
 bool AcDbObject::isReadEnabled() const {
-  return impl().state != OpenState::Closed;
+  return m_impl->state != OpenState::Closed;
 }
 
 bool AcDbObject::isWriteEnabled() const {
-  return impl().state == OpenState::Free || impl().state == OpenState::Write;
+  return m_impl->state == OpenState::Free || m_impl->state == OpenState::Write;
 }
 
 bool AcDbObject::isModified() const {
-  return impl().isModified;
+  return m_impl->isModified;
 }
 
 bool AcDbObject::isNewObject() const {
-  return !impl().stub || impl().stub->isNew;
+  return !m_impl->stub || m_impl->stub->isNew;
 }
 
 // --- opening by id --------------------------------------------------------------------------

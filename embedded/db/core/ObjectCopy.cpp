@@ -97,12 +97,12 @@ Placement quoin::db::placementOf(const AcDbObject& object) {
 
 AcRxObject* AcDbObject::clone() const {
   try {
-    switch (impl().state) {
+    switch (m_impl->state) {
       case OpenState::Free:
         return copyOfFree(*this).release();
       case OpenState::Read:
       case OpenState::Write: {
-        std::unique_ptr<AcDbObject> copy = copyOf(*impl().stub);
+        std::unique_ptr<AcDbObject> copy = copyOf(*m_impl->stub);
         for (const auto& part : Access::of(*copy).parts) {
           Access::of(*part).partOf = copy.get();
         }
@@ -155,7 +155,7 @@ Acad::ErrorStatus AcDbObject::handOverTo(AcDbObject* newObject, bool keepXData, 
   if (!newObject) {
     return Acad::eNullObjectPointer;
   }
-  AcDbStub* const stub = impl().stub;
+  AcDbStub* const stub = m_impl->stub;
   if (!stub) {
     return Acad::eNotInDatabase;
   }
@@ -168,7 +168,7 @@ Acad::ErrorStatus AcDbObject::handOverTo(AcDbObject* newObject, bool keepXData, 
     return Acad::eNotApplicable;
   }
   try {
-    DatabaseImpl& database = *impl().database;
+    DatabaseImpl& database = *m_impl->database;
     Placement placement = placementOf(*this);
     if (!keepExtDict) {
       placement.groups.clear();

@@ -199,8 +199,8 @@ Acad::ErrorStatus AcDbObject::setXData(const resbuf* data) {
         }
       }
       if (!isEmpty) {
-        if (impl().database) {
-          impl().database->ensureRecord(TableKind::RegApp, app, true);
+        if (m_impl->database) {
+          m_impl->database->ensureRecord(TableKind::RegApp, app, true);
         }
         dxf::putText(added, kAppNameCode, app, tags.format());
       }
