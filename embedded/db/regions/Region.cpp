@@ -232,15 +232,15 @@ AcDbRegion::~AcDbRegion() = default;
 Acad::ErrorStatus AcDbRegion::createFromCurves(const AcDbVoidPtrArray& curves,
                                                AcDbVoidPtrArray& regions) {
   try {
-    std::vector<CurvePoints> curves;
-    curves.reserve(static_cast<std::size_t>(curves.length()));
+    std::vector<CurvePoints> read;
+    read.reserve(static_cast<std::size_t>(curves.length()));
     for (int i = 0; i < curves.length(); ++i) {
-      if (!appendCurve(curves, static_cast<const AcRxObject*>(curves[i]))) {
+      if (!appendCurve(read, static_cast<const AcRxObject*>(curves[i]))) {
         return Acad::eInvalidInput;
       }
     }
-    Acad::ErrorStatus status = curves.empty() ? Acad::eInvalidInput : Acad::eOk;
-    LooseCurves loose(std::move(curves));
+    Acad::ErrorStatus status = read.empty() ? Acad::eInvalidInput : Acad::eOk;
+    LooseCurves loose(std::move(read));
     while (const CurvePoints* const first = loose.takeFirst()) {
       const std::optional<RegionLoop> loop = closedLoop(*first, loose);
       std::unique_ptr<RegionShape> shape;
