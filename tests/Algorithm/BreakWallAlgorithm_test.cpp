@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <numbers>
 
 #include "support/GeometryText.h"
 #include "support/HeapWatch.h"
@@ -51,6 +52,24 @@ TEST_F(BreakWall, NoLineYieldsNothing) {
 
 TEST_F(BreakWall, TheTopOfATIsCutAtTheFootOfTheStem) {
   EXPECT_EQ(split("0,0 1000,0; 400,5 400,800"), "0,0 400,0; 400,0 1000,0");
+}
+
+TEST_F(BreakWall, AStemCutsAtItsOwnEndWhateverItsAngle) {
+  const AcGePoint3d foot = point("5000,0");
+  for (int degrees = 1; degrees < 180; ++degrees) {
+    const double angle = degrees * std::numbers::pi / 180.0;
+    const AcGePoint3d top = foot + AcGeVector3d(std::cos(angle), std::sin(angle), 0.0) * 2000.0;
+    for (const bool endsThere : {false, true}) {
+      OpenBreak algorithm;
+      algorithm.GetSrcWallLines() = {
+          new WallLineLikeSeg(point("0,0"), point("10000,0")),
+          endsThere ? new WallLineLikeSeg(top, foot) : new WallLineLikeSeg(foot, top)};
+      algorithm.SplitWallLines();
+      EXPECT_EQ(quoin::test::textOfSegments(algorithm.GetNewWallLines()),
+                "0,0 5000,0; 5000,0 10000,0")
+          << degrees << " degrees";
+    }
+  }
 }
 
 TEST_F(BreakWall, PiecesNameTheLineTheyWereCutFrom) {
