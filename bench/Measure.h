@@ -53,33 +53,30 @@ void dropFromCaches([[maybe_unused]] const std::vector<Record*>& records) {
 #endif
 }
 
-/// Registers "workload/form/size". `prepare(size)` returns what `work` takes; `work` returns a
-/// count of results, which goes into the table.
-template <class Prepare, class Work>
-void measure(const std::string& workload, const std::string& form, std::size_t size,
-             Prepare prepare, Work work, int iterations = 0) {
-  const auto run = [=](benchmark::State& state) {
-    double best = std::numeric_limits<double>::infinity();
-    double results = 0.0;
-    for (auto _ : state) {
-      auto input = prepare(size);
-      const auto begin = std::chrono::steady_clock::now();
-      results = static_cast<double>(work(*input));
-      const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
-      state.SetIterationTime(seconds.count());
-      best = std::min(best, seconds.count());
-    }
-    state.counters["best_s"] = best;
-    state.counters["results"] = results;
-    auto input = prepare(size);
-    startCountingMemory();
-    work(*input);
-    state.counters["peak_bytes"] = static_cast<double>(stopCountingMemory());
-  };
-  benchmark::RegisterBenchmark((workload + "/" + form + "/" + std::to_string(size)).c_str(), run)
-      ->UseManualTime()
-      ->Unit(benchmark::kMillisecond)
-      ->Iterations(iterations > 0 ? iterations : iterationsFor(size));
+/// What a form found, so that forms which do the same can be held against each other: how many
+/// results, and the sum of their lengths, areas or bytes.
+struct Found {
+  double count = 0.0;
+  double sum = 0.0;
+
+  /// Sums are taken in another order by each form, so that their last digits differ.
+  bool isSameAs(const Found& other) const {
+    constexpr double kSummation = 1.0e-9;
+    return count == other.count &&
+           std::abs(sum - other.sum) <= kSummation * std::max(std::abs(sum), std::abs(other.sum));
+  }
+};
+
+/// The median of some values, and half the distance between their quartiles.
+struct Spread {
+  double median;
+  double halfRange;
+};
+
+inline Spread spreadOf(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  const std::size_t last = values.size() - 1;
+  return {values[last / 2], (values[last - last / 4] - values[last / 4]) / 2.0};
 }
 
 /// A row: what is measured under "workload/size". The first form is ours, the others are peers.

@@ -64,7 +64,7 @@ void shuffle(std::vector<Value>& values, Random& random) {
 constexpr double kPlot = 50000.0;  // from building to building, and from chain to chain
 
 /// Wall lines of a city: buildings of six strips between seven long walls, with rooms whose walls
-/// end on the long ones. Every fourth building stands at an angle. In random orientation and, if
+/// end on the long ones. Every fourth building stands at an angle. In random direction and, if
 /// `shuffled`, in random order.
 inline std::vector<Line> city(std::size_t count, bool shuffled = true) {
   constexpr std::size_t kLinesPerBuilding = 39;
@@ -109,7 +109,7 @@ inline std::vector<Line> city(std::size_t count, bool shuffled = true) {
 }
 
 /// Chains of 4 to 40 collinear fragments that share their ends bit for bit, in random order and
-/// orientation; three of four run horizontally or vertically.
+/// direction; three of four are horizontal or vertical.
 inline std::vector<Line> chains(std::size_t count) {
   Random random;
   std::vector<Line> lines;
@@ -120,11 +120,11 @@ inline std::vector<Line> chains(std::size_t count) {
     const std::size_t fragments = 4 + random.below(37);
     const double originX = static_cast<double>(chain % side) * kPlot;
     const double originY = static_cast<double>(chain / side) * kPlot;
-    const bool vertical = (random.next() & 1u) != 0;
+    const bool isVertical = (random.next() & 1u) != 0;
     const double angleRad = random.between(0.0, std::numbers::pi);
     const bool straight = chain % 4 < 3;
-    const double c = straight ? (vertical ? 0.0 : 1.0) : std::cos(angleRad);
-    const double s = straight ? (vertical ? 1.0 : 0.0) : std::sin(angleRad);
+    const double c = straight ? (isVertical ? 0.0 : 1.0) : std::cos(angleRad);
+    const double s = straight ? (isVertical ? 1.0 : 0.0) : std::sin(angleRad);
     double from = 0.0;
     for (std::size_t i = 0; i < fragments && lines.size() < count; ++i) {
       const double to = from + random.between(200.0, 1000.0);
@@ -151,7 +151,7 @@ inline Line dragged(std::size_t cityLines, int frame) {
 inline std::vector<Line> axes(int count) {
   Random random;
   std::vector<Line> lines;
-  const auto add = [&](bool vertical) {
+  const auto add = [&](bool isVertical) {
     for (int i = 0; i < count; ++i) {
       const double at = 6000.0 * i + random.between(-1000.0, 1000.0);
       double from = -random.between(2000.0, 4000.0);
@@ -159,7 +159,7 @@ inline std::vector<Line> axes(int count) {
       if (random.below(8) == 0) {
         from = 6000.0 * (count / 2) + 3000.0;
       }
-      lines.push_back(vertical ? Line{at, from, at, to} : Line{from, at, to, at});
+      lines.push_back(isVertical ? Line{at, from, at, to} : Line{from, at, to, at});
     }
   };
   add(false);
