@@ -123,18 +123,19 @@ void appendFreeEntity(DatabaseImpl& database, dxf::Block& block, AcDbObject& ent
       tags.text(code::kName, layout::kReference.in(tags)).value_or(L"").empty()) {
     throw dxf::FileError(Acad::eNullBlockName, "the reference names no block");
   }
-  const bool hasParts = !impl.parts.empty();
+  const std::vector<std::unique_ptr<AcDbObject>>& ownParts = impl.own().parts;
+  const bool hasParts = !ownParts.empty();
   Placement placement;
   placement.handle = database.store.newHandle();
   placement.owner = block.record->handle;
-  placement.space = impl.copiedFromOwner == block.record ? Placement::Space::Keep
-                    : isPaperSpace(block)                ? Placement::Space::Paper
-                                                         : Placement::Space::Model;
+  placement.space = impl.own().copiedFromOwner == block.record ? Placement::Space::Keep
+                    : isPaperSpace(block)                      ? Placement::Space::Paper
+                                                               : Placement::Space::Model;
   // Every record is made before the first is appended, so that a failure leaves nothing.
   const std::string marked = withPartsMark(tags, hasParts);
   std::string bytes = transferred(TagList(marked, tags.format()), database.format(), placement);
   std::vector<NewRecord> parts;
-  for (const auto& part : impl.parts) {
+  for (const auto& part : ownParts) {
     const Placement at = partPlacement(database, placement.handle, placement.space);
     parts.push_back({transferred(tagsOf(*part), database.format(), at), at.handle});
   }
@@ -143,7 +144,7 @@ void appendFreeEntity(DatabaseImpl& database, dxf::Block& block, AcDbObject& ent
     parts.push_back({sequenceEnd(database, tags, at), at.handle});
   }
   ensureNames(database, tags);
-  for (const auto& part : impl.parts) {
+  for (const auto& part : ownParts) {
     ensureNames(database, tagsOf(*part));
   }
   AcDbStub* const stub = database.store.appendEntity(block, std::move(bytes), placement.handle);
@@ -190,7 +191,7 @@ Acad::ErrorStatus appendPart(AcDbObject& owner, AcDbObjectId& id, AcDbObject* pa
   }
   ObjectImpl& impl = Access::of(owner);
   ObjectImpl& partImpl = Access::of(*part);
-  if (partImpl.state != OpenState::Free || partImpl.partOf) {
+  if (partImpl.state != OpenState::Free || partImpl.own().partOf) {
     return Acad::eAlreadyInDb;
   }
   try {
@@ -198,8 +199,9 @@ Acad::ErrorStatus appendPart(AcDbObject& owner, AcDbObjectId& id, AcDbObject* pa
       appendFreePart(*impl.stub, *part);
       id = AcDbObjectId(partImpl.stub);
     } else {
-      impl.parts.emplace_back(part);
-      partImpl.partOf = &owner;
+      AcDbObject*& partOf = partImpl.ownToChange().partOf;
+      impl.ownToChange().parts.emplace_back(part);
+      partOf = &owner;
     }
     return Acad::eOk;
   } catch (...) {

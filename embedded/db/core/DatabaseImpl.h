@@ -214,7 +214,7 @@ void forEachPart(const AcDbObject& entity, Visit&& visit) {
   if (impl.stub) {
     forEachPart(*impl.stub, visit);
   }
-  for (const auto& part : impl.parts) {
+  for (const auto& part : impl.own().parts) {
     visit(tagsOf(*part));
   }
 }

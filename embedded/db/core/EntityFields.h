@@ -40,7 +40,7 @@ Acad::ErrorStatus changeWithParts(AcDbObject& entity, bool withParts, Edits&& ed
         }
       }
     }
-    for (const auto& part : impl.parts) {
+    for (const auto& part : impl.own().parts) {
       change(*part, edits);
     }
     return Acad::eOk;

@@ -17,20 +17,22 @@ namespace dxf = quoin::dxf;
 namespace {
 
 std::unique_ptr<AcDbObject> copyOfFree(const AcDbObject& object) {
-  const ObjectImpl& impl = Access::of(object);
+  // Reading the tags may make the record.
+  const std::string_view bytes = tagsOf(object).bytes();
+  const ObjectImpl::Own& own = Access::of(object).own();
   const ClassRow* const row = classOf(object.isA());
   const bool isEntity = object.isKindOf(AcDbEntity::desc());
   std::unique_ptr<AcDbObject> copy(row        ? row->make()
                                    : isEntity ? Access::newPlainEntity()
                                               : Access::newPlainObject());
-  ObjectImpl& made = Access::of(*copy);
-  made.ownBytes = std::string(tagsOf(object).bytes());
-  made.ownFormat = impl.ownFormat;
-  made.copiedFromOwner = impl.copiedFromOwner;
-  made.namesFrom = impl.namesFrom;
-  for (const auto& part : impl.parts) {
+  ObjectImpl::Own& made = Access::of(*copy).ownToChange();
+  made.bytes = std::string(bytes);
+  made.format = own.format;
+  made.copiedFromOwner = own.copiedFromOwner;
+  made.namesFrom = own.namesFrom;
+  for (const auto& part : own.parts) {
     made.parts.push_back(copyOfFree(*part));
-    Access::of(*made.parts.back()).partOf = copy.get();
+    Access::of(*made.parts.back()).ownToChange().partOf = copy.get();
   }
   return copy;
 }
@@ -68,12 +70,12 @@ std::string missingXData(const TagList& from, const TagList& to) {
 }
 
 /// Makes the parts of a resident owner those of a free object.
-void replaceParts(AcDbStub& owner, ObjectImpl& parts) {
+void replaceParts(AcDbStub& owner, const std::vector<std::unique_ptr<AcDbObject>>& parts) {
   DatabaseImpl& database = DatabaseImpl::of(owner);
   for (AcDbStub* const former : database.store.subEntities(owner)) {
     database.store.setErased(*former, true);
   }
-  for (const auto& part : parts.parts) {
+  for (const auto& part : parts) {
     appendFreePart(owner, *part);
     closeView(*part);
   }
@@ -103,8 +105,8 @@ AcRxObject* AcDbObject::clone() const {
       case OpenState::Read:
       case OpenState::Write: {
         std::unique_ptr<AcDbObject> copy = copyOf(*m_impl->stub);
-        for (const auto& part : Access::of(*copy).parts) {
-          Access::of(*part).partOf = copy.get();
+        for (const auto& part : Access::of(*copy).own().parts) {
+          Access::of(*part).ownToChange().partOf = copy.get();
         }
         return copy.release();
       }
@@ -164,7 +166,7 @@ Acad::ErrorStatus AcDbObject::handOverTo(AcDbObject* newObject, bool keepXData, 
   }
   const bool areEntities =
       stub->role == dxf::Role::Entity && newObject->isKindOf(AcDbEntity::desc());
-  if (!areEntities || Access::of(*newObject).partOf) {
+  if (!areEntities || Access::of(*newObject).own().partOf) {
     return Acad::eNotApplicable;
   }
   try {
@@ -178,16 +180,14 @@ Acad::ErrorStatus AcDbObject::handOverTo(AcDbObject* newObject, bool keepXData, 
       made += missingXData(tagsOf(*this), TagList(made, database.format()));
     }
     ObjectImpl& taken = Access::of(*newObject);
-    std::vector<std::unique_ptr<AcDbObject>> parts = std::move(taken.parts);
+    std::vector<std::unique_ptr<AcDbObject>> parts = std::move(taken.ownToChange().parts);
     ensureNames(database, tagsOf(*newObject));
     const TagList madeTags(made, database.format());
     made = withPartsMark(madeTags, !parts.empty());
     unbind(*this);
     database.replace(*stub, std::move(made));
     bind(*newObject, *stub);
-    ObjectImpl holder;
-    holder.parts = std::move(parts);
-    replaceParts(*stub, holder);
+    replaceParts(*stub, parts);
     return Acad::eOk;
   } catch (...) {
     return statusOfException();
@@ -199,11 +199,14 @@ namespace quoin::db {
 void bind(AcDbObject& object, AcDbStub& stub) {
   ObjectImpl& impl = Access::of(object);
   impl.forgetDecoded();
-  impl.ownBytes.clear();
-  impl.ownFormat.reset();
-  impl.parts.clear();
-  impl.partOf = nullptr;
-  impl.copiedFromOwner = nullptr;
+  if (impl.hasOwn()) {
+    ObjectImpl::Own& own = impl.ownToChange();
+    own.bytes.clear();
+    own.format.reset();
+    own.parts.clear();
+    own.partOf = nullptr;
+    own.copiedFromOwner = nullptr;
+  }
   impl.stub = &stub;
   impl.database = &DatabaseImpl::of(stub);
   impl.state = OpenState::Write;
@@ -220,11 +223,12 @@ void unbind(AcDbObject& object) {
   std::vector<std::unique_ptr<AcDbObject>> parts = copiesOfParts(*stub);
   std::string bytes = headless(tagsOf(object));
   auto format = std::make_shared<const dxf::Format>(database->format());
+  ObjectImpl::Own& own = impl.ownToChange();
   impl.forgetDecoded();
-  impl.ownBytes = std::move(bytes);
-  impl.ownFormat = std::move(format);
-  impl.parts = std::move(parts);
-  impl.copiedFromOwner = stub->owner;
+  own.bytes = std::move(bytes);
+  own.format = std::move(format);
+  own.parts = std::move(parts);
+  own.copiedFromOwner = stub->owner;
   stub->object = nullptr;
   --database->openCount;
   impl.stub = nullptr;
@@ -235,17 +239,17 @@ void unbind(AcDbObject& object) {
 std::unique_ptr<AcDbObject> copyOf(const AcDbStub& stub) {
   DatabaseImpl& database = DatabaseImpl::of(stub);
   std::unique_ptr<AcDbObject> copy = makeView(stub);
-  ObjectImpl& impl = Access::of(*copy);
+  ObjectImpl::Own& own = Access::of(*copy).ownToChange();
   if (stub.role == dxf::Role::TableRecord && database.kindOf(stub) == "DIMSTYLE") {
-    impl.ownBytes = freeDimStyle(database.tagsOf(stub), database);
-    impl.ownFormat = neutralFormat();
-    impl.namesFrom = database.token;
+    own.bytes = freeDimStyle(database.tagsOf(stub), database);
+    own.format = neutralFormat();
+    own.namesFrom = database.token;
   } else {
-    impl.ownBytes = headless(database.tagsOf(stub));
-    impl.ownFormat = std::make_shared<const dxf::Format>(database.format());
+    own.bytes = headless(database.tagsOf(stub));
+    own.format = std::make_shared<const dxf::Format>(database.format());
   }
-  impl.copiedFromOwner = stub.owner;
-  impl.parts = copiesOfParts(stub);
+  own.copiedFromOwner = stub.owner;
+  own.parts = copiesOfParts(stub);
   return copy;
 }
 

@@ -34,8 +34,9 @@ void makeOwnBytes(const AcDbObject& object, ObjectImpl& impl) {
     put(code::kLineEnd, impl.madeLine->end);
     impl.madeLine.reset();
   }
-  impl.ownBytes = std::move(bytes);
-  impl.ownFormat = neutralFormat();
+  ObjectImpl::Own& own = impl.ownToChange();
+  own.bytes = std::move(bytes);
+  own.format = neutralFormat();
 }
 
 }  // namespace
@@ -52,6 +53,18 @@ const std::shared_ptr<const dxf::Format>& neutralFormat() {
   return format;
 }
 
+const ObjectImpl::Own& ObjectImpl::own() const {
+  static const Own none;
+  return m_own ? *m_own : none;
+}
+
+ObjectImpl::Own& ObjectImpl::ownToChange() {
+  if (!m_own) {
+    m_own = std::make_unique<Own>();
+  }
+  return *m_own;
+}
+
 const TagList& tagsOf(const AcDbObject& object) noexcept {
   try {
     ObjectImpl& impl = Access::of(object);
@@ -65,10 +78,10 @@ const TagList& tagsOf(const AcDbObject& object) noexcept {
     if (impl.stub) {
       return impl.tags.emplace(impl.database->bytesOf(*impl.stub), impl.database->format());
     }
-    if (impl.ownBytes.empty()) {
+    if (impl.own().bytes.empty()) {
       makeOwnBytes(object, impl);
     }
-    return impl.tags.emplace(impl.ownBytes, *impl.ownFormat);
+    return impl.tags.emplace(impl.own().bytes, *impl.own().format);
   } catch (...) {
     return noTags();  // where memory runs out, so does the count of what was closed
   }
@@ -97,7 +110,7 @@ void setBytes(AcDbObject& object, std::string bytes) {
   if (impl.stub) {
     impl.database->replace(*impl.stub, std::move(bytes));
   } else {
-    impl.ownBytes = std::move(bytes);
+    impl.ownToChange().bytes = std::move(bytes);
     impl.madeLine.reset();
   }
   impl.isModified = true;
@@ -151,7 +164,7 @@ std::wstring textOf(const AcDbObject& object, const SubclassLayout& layout, int 
 }
 
 const ACHAR* keptText(const AcDbObject& object, int code, std::wstring text) {
-  auto& texts = Access::of(object).texts;
+  auto& texts = Access::of(object).ownToChange().texts;
   for (auto& [keptCode, kept] : texts) {
     if (keptCode == code) {
       kept = std::move(text);

@@ -37,9 +37,8 @@ struct ObjectImpl {
   AcDbStub* stub = nullptr;
   DatabaseImpl* database = nullptr;
 
-  // --- free objects -----------------------------------------------------------------------
-  std::string ownBytes;  // empty until first asked for: the class's default record
-  std::shared_ptr<const dxf::Format> ownFormat;
+  std::uint64_t closedHandle = 0;  // of a closed object, for messages
+
   /// A line as it was made, while it has no bytes: most lines that are made for a computation are
   /// read and deleted without anybody asking for their record.
   struct MadeLine {
@@ -47,25 +46,37 @@ struct ObjectImpl {
     AcGePoint3d end;
   };
   std::optional<MadeLine> madeLine;
-  std::vector<std::unique_ptr<AcDbObject>> parts;
-  AcDbObject* partOf = nullptr;
-  /// Where the object that this is a copy of stood; decides what is kept of the copy's space.
-  const AcDbStub* copiedFromOwner = nullptr;
-  /// The drawing in which names are looked up while the object is in none.
-  std::weak_ptr<DatabaseImpl* const> namesFrom;
 
   // --- decoded, until the record changes --------------------------------------------------
   std::optional<TagList> tags;
   std::unique_ptr<Decoded> decoded;
-  /// Texts handed out as pointers, by group code.
-  std::list<std::pair<int, std::wstring>> texts;
-
-  std::uint64_t closedHandle = 0;  // of a closed object, for messages
 
   void forgetDecoded() {
     tags.reset();
     decoded.reset();
   }
+
+  // --- what free objects have, and few others -----------------------------------------------
+  struct Own {
+    std::string bytes;  // empty until first read: the class's default record
+    std::shared_ptr<const dxf::Format> format;
+    std::vector<std::unique_ptr<AcDbObject>> parts;
+    AcDbObject* partOf = nullptr;
+    /// Where the object that this is a copy of stood; decides what is kept of the copy's space.
+    const AcDbStub* copiedFromOwner = nullptr;
+    /// The drawing in which names are looked up while the object is in none.
+    std::weak_ptr<DatabaseImpl* const> namesFrom;
+    /// Texts handed out as pointers, by group code.
+    std::list<std::pair<int, std::wstring>> texts;
+  };
+  /// An empty one where nothing of it was set.
+  const Own& own() const;
+  /// For changes. Fails: throws std::bad_alloc, where nothing was set before.
+  Own& ownToChange();
+  bool hasOwn() const { return m_own != nullptr; }
+
+ private:
+  std::unique_ptr<Own> m_own;
 };
 
 /// The door to the private parts of the API's classes.

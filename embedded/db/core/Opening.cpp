@@ -71,7 +71,9 @@ void closeView(AcDbObject& view, bool intoQuarantine) noexcept {
   impl.state = OpenState::Closed;
   impl.readers = 0;
   impl.forgetDecoded();
-  impl.texts.clear();
+  if (impl.hasOwn()) {
+    impl.ownToChange().texts.clear();
+  }
   if (intoQuarantine) {
     quarantine(&view);
   }

@@ -58,7 +58,7 @@ AcDbObjectIterator* Access::newPartIterator(const AcDbObject& owner) {
         }
       }
     } else {
-      for (const auto& part : impl.parts) {
+      for (const auto& part : impl.own().parts) {
         state->objects.push_back(part.get());
       }
     }

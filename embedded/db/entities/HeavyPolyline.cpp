@@ -45,7 +45,7 @@ double usualWidth(const AcDb2dVertex& vertex, int code) {
     const TagList tags = impl.database->tagsOf(*owner);
     return tags.number(code, layout::kPolyline2d.in(tags), 0.0);
   }
-  return impl.partOf ? numberOf(*impl.partOf, layout::kPolyline2d, code) : 0.0;
+  return impl.own().partOf ? numberOf(*impl.own().partOf, layout::kPolyline2d, code) : 0.0;
 }
 
 double widthOf(const AcDb2dVertex& vertex, int code) {

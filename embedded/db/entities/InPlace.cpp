@@ -284,9 +284,9 @@ std::unique_ptr<AcDbEntity> copyInPlace(const AcDbObjectId& entity, const AcGeMa
     status = inherit(*copy, database, inherited);
   }
   // The attributes of an insert inherit from that insert, as they did.
-  const std::size_t parts = !copy || kind == "INSERT" ? 0 : Access::of(*copy).parts.size();
+  const std::size_t parts = !copy || kind == "INSERT" ? 0 : Access::of(*copy).own().parts.size();
   for (std::size_t i = 0; status == Acad::eOk && i < parts; ++i) {
-    status = inherit(*Access::of(*copy).parts[i], database, inherited);
+    status = inherit(*Access::of(*copy).own().parts[i], database, inherited);
   }
   if (status != Acad::eOk) {
     cause = causeOf(status, kind);

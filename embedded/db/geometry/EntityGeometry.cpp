@@ -192,7 +192,7 @@ Acad::ErrorStatus transformFree(AcDbObject& entity, const AcGeMatrix3d& matrix) 
   std::string bytes;
   Acad::ErrorStatus status = transformedBytes(tags, matrix, bytes);
   std::vector<std::string> parts;
-  for (const auto& part : Access::of(entity).parts) {
+  for (const auto& part : Access::of(entity).own().parts) {
     std::string& partBytes = parts.emplace_back();
     if (status == Acad::eOk) {
       status = transformedPart(tags, tagsOf(*part), matrix, partBytes);
@@ -200,7 +200,7 @@ Acad::ErrorStatus transformFree(AcDbObject& entity, const AcGeMatrix3d& matrix) 
   }
   if (status == Acad::eOk) {
     for (std::size_t i = 0; i < parts.size(); ++i) {
-      setBytes(*Access::of(entity).parts[i], std::move(parts[i]));
+      setBytes(*Access::of(entity).own().parts[i], std::move(parts[i]));
     }
     setBytes(entity, std::move(bytes));
   }

@@ -67,7 +67,7 @@ Acad::ErrorStatus AcDbBlockTableRecord::appendAcDbEntity(AcDbObjectId& id, AcDbE
     return Acad::eNotInDatabase;
   }
   const ObjectImpl& impl = Access::of(*entity);
-  if (impl.state != OpenState::Free || impl.partOf) {
+  if (impl.state != OpenState::Free || impl.own().partOf) {
     return Acad::eAlreadyInDb;
   }
   if (isPart(*entity)) {

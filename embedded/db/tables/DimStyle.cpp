@@ -77,7 +77,7 @@ DatabaseImpl* lookUpDatabase(const AcDbDimStyleTableRecord& style) {
   if (impl.database) {
     return impl.database;
   }
-  if (const auto remembered = impl.namesFrom.lock()) {
+  if (const auto remembered = impl.own().namesFrom.lock()) {
     return *remembered;
   }
   const AcDbDatabase* const working = acdbHostApplicationServices()->workingDatabase();
@@ -138,7 +138,7 @@ Acad::ErrorStatus setReference(AcDbDimStyleTableRecord& style, int code, AcDbObj
       }
     });
     if (status == Acad::eOk && stub && !isResident) {
-      Access::of(style).namesFrom = DatabaseImpl::of(*stub).token;
+      Access::of(style).ownToChange().namesFrom = DatabaseImpl::of(*stub).token;
     }
     return status;
   } catch (...) {
@@ -317,8 +317,9 @@ Acad::ErrorStatus AcDbDimStyleTableRecord::copyFrom(const AcRxObject* other) {
     if (own.stub) {
       bytes = placedDimStyle(TagList(bytes, *neutralFormat()), *own.database, placementOf(*this));
     } else {
-      own.ownFormat = neutralFormat();
-      own.namesFrom = from.stub ? from.database->token : from.namesFrom;
+      ObjectImpl::Own& kept = own.ownToChange();
+      kept.format = neutralFormat();
+      kept.namesFrom = from.stub ? from.database->token : from.own().namesFrom;
     }
     setBytes(*this, std::move(bytes));
     return Acad::eOk;
