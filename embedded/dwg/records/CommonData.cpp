@@ -1,0 +1,302 @@
+#include "embedded/dwg/records/CommonData.h"
+
+#include <cstdint>
+
+namespace quoin::dwg {
+namespace {
+
+using dxf::Version;
+
+// The flags above a colour's index.
+constexpr std::int64_t kTrueColor = 0x8000;
+constexpr std::int64_t kNamedColor = 0x4000;
+constexpr std::int64_t kTransparency = 0x2000;
+constexpr std::int64_t kIndexMask = 0x1FFF;
+constexpr std::int64_t kByLayer = 256;
+
+constexpr int kMostExtendedData = 0x7FFF;
+
+void codeExtendedData(RecordCoder& coder) {
+  if (coder.isReading()) {
+    BitReader& data = coder.data();
+    while (!coder.hasFailed()) {
+      const std::uint16_t size = data.bitShort().value;
+      if (size == 0) {
+        return;
+      }
+      const HandleReference application = data.handle();
+      coder.values().addHandle(kExtendedDataApp, application.resolved(coder.own()), application);
+      coder.bytes(kExtendedDataBytes, size);
+    }
+    return;
+  }
+  BitWriter& out = coder.dataOut();
+  for (std::size_t left = coder.amount(kExtendedDataApp); left != 0; --left) {
+    const std::string bytes = coder.nextBytes(kExtendedDataBytes);
+    const Value* const application = coder.next(kExtendedDataApp);
+    if (bytes.size() > kMostExtendedData) {
+      coder.fail();
+      return;
+    }
+    out.bitShort(static_cast<std::uint16_t>(bytes.size()));
+    out.handle(application->reference.code != 0
+                   ? application->reference
+                   : absoluteReference(static_cast<std::uint64_t>(application->integer),
+                                       kHardPointer));
+    coder.impliedHandle(kExtendedDataApp, 0);
+    coder.bytes(kExtendedDataBytes, bytes.size());
+  }
+  out.bitShort(0);
+}
+
+void codeReactors(RecordCoder& coder) {
+  const std::size_t count = coder.countBL(kReactorCount, kReactor);
+  for (std::size_t i = 0; i < count && !coder.hasFailed(); ++i) {
+    coder.H(kReactor, kSoftPointer);
+  }
+}
+
+void codeExtensionDictionary(RecordCoder& coder) {
+  const bool isMissing =
+      coder.since(Version::R2004) &&
+      coder.omits(kNoExtensionDictionary, coder.nextHandle(kExtensionDictionary) == 0);
+  if (!isMissing) {
+    coder.H(kExtensionDictionary, kHardOwner);
+  }
+  if (coder.since(Version::R2013)) {
+    coder.B(kHasBinaryData);
+  }
+}
+
+void codeGraphics(RecordCoder& coder) {
+  const bool hasGraphics =
+      coder.isReading() ? coder.data().bit() : coder.amount(kGraphics) != 0;
+  if (!coder.isReading()) {
+    coder.dataOut().bit(hasGraphics);
+  }
+  if (!hasGraphics) {
+    return;
+  }
+  std::uint64_t size = coder.isReading() ? 0 : coder.nextBytes(kGraphics).size();
+  if (coder.since(Version::R2010)) {
+    if (coder.isReading()) {
+      size = coder.data().bitLongLong();
+    } else {
+      coder.dataOut().bitLongLong(size);
+    }
+  } else if (coder.isReading()) {
+    size = coder.data().rawLong();
+  } else {
+    coder.dataOut().rawLong(static_cast<std::uint32_t>(size));
+  }
+  coder.bytes(kGraphics, size);
+}
+
+/// The colour of an entity: its index with flags above it, and what these flags ask for.
+void codeEntityColor(RecordCoder& coder) {
+  if (!coder.since(Version::R2004)) {
+    coder.BS(common(62), kByLayer);
+    return;
+  }
+  std::int64_t code = 0;
+  if (coder.isReading()) {
+    code = static_cast<std::uint16_t>(coder.BS(kColorCode));
+    coder.impliedInteger(common(62), code & kIndexMask);
+  } else {
+    // What the file says stays as long as it still says the same.
+    const std::int64_t index = coder.nextInteger(common(62), kByLayer);
+    coder.impliedInteger(common(62), 0);
+    const std::int64_t flags = (coder.amount(common(420)) != 0 ? kTrueColor : 0) |
+                               (coder.amount(kColorHandle) != 0 ? kNamedColor : 0) |
+                               (coder.amount(common(440)) != 0 ? kTransparency : 0);
+    code = (index & kIndexMask) | flags;
+    const auto former = static_cast<std::uint16_t>(coder.nextInteger(kColorCode, -1));
+    const Value* const kept = coder.next(kColorCode);
+    coder.dataOut().bitShort(static_cast<std::uint16_t>(code),
+                             kept != nullptr && former == code ? kept->form : -1);
+    coder.impliedInteger(kColorCode, 0);
+  }
+  if ((code & kTrueColor) != 0) {
+    coder.BL(common(420));
+  }
+  if ((code & kTransparency) != 0) {
+    coder.BL(common(440));
+  }
+}
+
+/// A reference that two bits may stand for: 0 by layer, 1 by block, 3 a handle.
+void codeFormOrHandle(RecordCoder& coder, int formKey, int key) {
+  constexpr std::int64_t kNamed = 3;
+  std::int64_t form = 0;
+  if (coder.isReading()) {
+    form = coder.BB(formKey);
+  } else {
+    const bool isNamed = coder.nextHandle(key) != 0;
+    form = isNamed ? kNamed : coder.nextInteger(formKey);
+    form = !isNamed && form == kNamed ? 0 : form;
+    coder.impliedInteger(formKey, 0);
+    coder.dataOut().bits(static_cast<std::uint32_t>(form), 2);
+  }
+  if (form == kNamed) {
+    coder.H(key, kHardPointer);
+  }
+}
+
+void codeLinetype(RecordCoder& coder, const DrawingFacts& facts) {
+  enum Form : std::int64_t { ByLayer = 0, ByBlock = 1, Continuous = 2, Named = 3 };
+  const int key = common(6);
+  std::int64_t form = Named;
+  if (coder.isReading()) {
+    form = coder.BB(kLinetypeForm);
+    if (form != Named) {
+      coder.impliedHandle(key, form == ByLayer   ? facts.byLayerLinetype
+                               : form == ByBlock ? facts.byBlockLinetype
+                                                 : facts.continuousLinetype);
+    }
+  } else {
+    const std::uint64_t linetype = coder.nextHandle(key);
+    const bool wasNamed = coder.nextInteger(kLinetypeForm, 0) == Named;
+    coder.impliedInteger(kLinetypeForm, 0);
+    form = linetype == 0 || linetype == facts.byLayerLinetype ? ByLayer
+           : linetype == facts.byBlockLinetype                ? ByBlock
+           : linetype == facts.continuousLinetype && !wasNamed ? Continuous
+                                                               : Named;
+    coder.dataOut().bits(static_cast<std::uint32_t>(form), 2);
+    if (form != Named) {
+      coder.impliedHandle(key, 0);
+    }
+  }
+  if (form == Named) {
+    coder.H(key, kHardPointer);
+  }
+}
+
+void codeOwner(RecordCoder& coder, const DrawingFacts& facts) {
+  enum Mode : std::int64_t { Named = 0, PaperSpace = 1, ModelSpace = 2 };
+  std::int64_t mode = Named;
+  if (coder.isReading()) {
+    mode = coder.BB(kEntityMode);
+    if (mode != Named) {
+      coder.impliedHandle(kOwner, mode == PaperSpace ? facts.paperSpace : facts.modelSpace);
+    }
+  } else {
+    const std::uint64_t owner = coder.nextHandle(kOwner);
+    const bool wasNamed = coder.nextInteger(kEntityMode, PaperSpace) == Named;
+    coder.impliedInteger(kEntityMode, 0);
+    mode = wasNamed                   ? Named
+           : owner == facts.modelSpace ? ModelSpace
+           : owner == facts.paperSpace ? PaperSpace
+                                       : Named;
+    coder.dataOut().bits(static_cast<std::uint32_t>(mode), 2);
+    if (mode != Named) {
+      coder.impliedHandle(kOwner, 0);
+    }
+  }
+  if (mode == Named) {
+    coder.H(kOwner, kSoftPointer);
+  }
+}
+
+}  // namespace
+
+const char* const kEntityLayout =
+    "8#9:LAYER 6#9:LTYPE?ByLayer 347#9?0 62#9?256 420#9? 440#9? 48#9?1 60#9?0 370#9w?29 390#9?0 "
+    "284#9?0";
+
+std::uint16_t codeHead(RecordCoder& coder, std::uint16_t type) {
+  type = coder.objectType(type);
+  if (coder.isReading()) {
+    const HandleReference own = coder.data().handle();
+    coder.values().addHandle(kOwnHandle, own.offset, own);
+  } else {
+    const Value* const own = coder.next(kOwnHandle);
+    coder.dataOut().handle(own != nullptr && own->reference.offset == coder.own()
+                               ? own->reference
+                               : absoluteReference(coder.own(), 0));
+  }
+  codeExtendedData(coder);
+  return type;
+}
+
+void codeEntity(RecordCoder& coder, const DrawingFacts& facts) {
+  codeGraphics(coder);
+  if (!coder.since(Version::R2000)) {
+    coder.sizeInBits();
+  }
+  codeOwner(coder, facts);
+  codeReactors(coder);
+  codeExtensionDictionary(coder);
+  if (!coder.since(Version::R2000)) {
+    coder.H(common(8), kHardPointer);
+    if (!coder.omits(kLinetypeForm, coder.nextHandle(common(6)) == facts.byLayerLinetype)) {
+      coder.H(common(6), kHardPointer);
+    } else {
+      coder.impliedHandle(common(6), facts.byLayerLinetype);
+    }
+  }
+  if (!coder.since(Version::R2004)) {
+    if (!coder.omits(kNoLinks, coder.next(kPrevious) == nullptr)) {
+      coder.H(kPrevious, kSoftPointer);
+      coder.H(kNext, kSoftPointer);
+    }
+  }
+  codeEntityColor(coder);
+  if (coder.since(Version::R2004)) {
+    const bool isNamed =
+        coder.isReading()
+            ? (coder.values().first(kColorCode)->integer & kNamedColor) != 0
+            : coder.amount(kColorHandle) != 0;
+    if (isNamed) {
+      coder.H(kColorHandle, kHardPointer);
+    }
+  }
+  coder.BD(common(48), 1.0);
+  if (!coder.since(Version::R2000)) {
+    coder.BS(common(60));
+    return;
+  }
+  coder.H(common(8), kHardPointer);
+  codeLinetype(coder, facts);
+  if (coder.since(Version::R2007)) {
+    codeFormOrHandle(coder, kMaterialForm, common(347));
+    coder.RC(common(284));
+  }
+  codeFormOrHandle(coder, kPlotStyleForm, common(390));
+  if (coder.since(Version::R2010)) {
+    for (int i = 0; i < 3; ++i) {
+      if (coder.B(kHasVisualStyles) != 0) {
+        coder.H(kVisualStyle, kHardPointer);
+      }
+    }
+  }
+  coder.BS(common(60));
+  constexpr std::int64_t kByLayerWeight = 29;
+  coder.RC(common(370), kByLayerWeight);
+}
+
+void codeObject(RecordCoder& coder) {
+  if (!coder.since(Version::R2000)) {
+    coder.sizeInBits();
+  }
+  coder.H(kOwner, kSoftPointer);
+  codeReactors(coder);
+  codeExtensionDictionary(coder);
+}
+
+void codeColor(RecordCoder& coder, int key, int trueKey, int hiddenKey) {
+  coder.BS(key);
+  if (!coder.since(Version::R2004)) {
+    return;
+  }
+  coder.BL(trueKey);
+  // 1: a name follows, 2: the name of a colour book.
+  const std::int64_t names = coder.RC(hiddenKey);
+  if ((names & 1) != 0) {
+    coder.TV(hiddenKey - 1);
+  }
+  if ((names & 2) != 0) {
+    coder.TV(hiddenKey - 2);
+  }
+}
+
+}  // namespace quoin::dwg

@@ -1,0 +1,60 @@
+// What all records begin with: type, handle, extended data, owner, reactors, extension
+// dictionary; and what all entities have beside: space, layer, linetype, colour, line weight.
+//
+// Source: Open Design Specification for .dwg files, "Common entity data", "Common object data",
+// "Extended object data".
+#pragma once
+
+#include "embedded/dwg/records/DrawingFacts.h"
+#include "embedded/dwg/records/RecordCoder.h"
+
+namespace quoin::dwg {
+
+/// Keys of what stands in front of a record's own fields.
+enum CommonKey : int {
+  kExtendedDataApp = -1,     // once for each application, with its bytes
+  kExtendedDataBytes = -2,
+  kGraphics = -3,            // the picture of a proxy
+  kEntityMode = -4,          // 0: owner named, 1: paper space, 2: model space
+  kOwner = -5,
+  kReactorCount = -6,
+  kReactor = -7,
+  kNoExtensionDictionary = -8,
+  kExtensionDictionary = -9,
+  kHasBinaryData = -10,
+  kNoLinks = -11,
+  kPrevious = -12,
+  kNext = -13,
+  kColorCode = -14,
+  kColorHandle = -15,
+  kLinetypeForm = -16,
+  kMaterialForm = -17,
+  kPlotStyleForm = -18,
+  kHasVisualStyles = -19,    // three times
+  kVisualStyle = -20,
+  kType = -21,
+  kOwnHandle = -22,
+  kLayerOfOldEntity = -23,
+  kHasGraphics = -24,
+};
+
+/// Keys of the tags that all entities share: their group code + kCommon.
+inline constexpr int common(int code) {
+  return code + kCommon;
+}
+
+/// How DXF spells the tags behind the marker AcDbEntity.
+extern const char* const kEntityLayout;
+
+/// Type, handle, extended data. Returns the type.
+std::uint16_t codeHead(RecordCoder& coder, std::uint16_t type);
+/// What an entity has in front of its kind's own fields, behind codeHead().
+void codeEntity(RecordCoder& coder, const DrawingFacts& facts);
+/// What an object has in front of its kind's own fields, behind codeHead().
+void codeObject(RecordCoder& coder);
+
+/// A colour of an object or a part of one (CMC): the keys are `key` for the index, 420 and 430 in
+/// place of its last digits' 60 and 430 for true colour and name where `trueKey`, `nameKey` say.
+void codeColor(RecordCoder& coder, int key, int trueKey, int hiddenKey);
+
+}  // namespace quoin::dwg

@@ -1,0 +1,123 @@
+#include "embedded/dwg/records/Kinds.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <unordered_map>
+
+namespace quoin::dwg {
+namespace {
+
+constexpr std::size_t kFixedTypes = 500;
+
+struct Tables {
+  std::array<const Kind*, kFixedTypes> byType{};
+  std::unordered_map<std::string_view, const Kind*> byClass;
+
+  Tables() {
+    for (const auto kinds : {curveKinds(), polylineKinds(), textKinds(), blockKinds(), tableKinds(),
+                             objectKinds()}) {
+      for (const Kind& kind : kinds) {
+        if (kind.type != 0) {
+          byType.at(kind.type) = &kind;
+        }
+        byClass.emplace(kind.name, &kind);
+      }
+    }
+  }
+};
+
+const Tables& tables() {
+  static const Tables kTables;
+  return kTables;
+}
+
+}  // namespace
+
+const Kind* kindOfType(std::uint16_t type) {
+  return type < kFixedTypes ? tables().byType[type] : nullptr;
+}
+
+const Kind* kindOfClass(std::string_view dxfName) {
+  const auto found = tables().byClass.find(dxfName);
+  return found == tables().byClass.end() ? nullptr : found->second;
+}
+
+std::string_view nameOfType(std::uint16_t type) {
+  switch (type) {
+    case 20:
+    case 21:
+    case 22:
+    case 23:
+    case 24:
+    case 25:
+    case 26:
+      return "DIMENSION";
+    case 28:
+      return "3DFACE";
+    case 31:
+      return "SOLID";
+    case 32:
+      return "TRACE";
+    case 33:
+      return "SHAPE";
+    case 34:
+      return "VIEWPORT";
+    case 37:
+      return "REGION";
+    case 38:
+      return "3DSOLID";
+    case 39:
+      return "BODY";
+    case 43:
+      return "OLEFRAME";
+    case 45:
+      return "LEADER";
+    case 46:
+      return "TOLERANCE";
+    case 47:
+      return "MLINE";
+    case 61:
+      return "VIEW";
+    case 65:
+      return "VPORT";
+    case 69:
+      return "DIMSTYLE";
+    case 70:
+      return "VP_ENT_HDR_CONTROL";
+    case 71:
+      return "VP_ENT_HDR";
+    case 73:
+      return "MLINESTYLE";
+    case 74:
+      return "OLE2FRAME";
+    case 78:
+      return "HATCH";
+    case 79:
+      return "XRECORD";
+    case 81:
+      return "VBA_PROJECT";
+    case 82:
+      return "LAYOUT";
+    case 498:
+      return "ACAD_PROXY_ENTITY";
+    case 499:
+      return "ACAD_PROXY_OBJECT";
+    default:
+      return {};
+  }
+}
+
+void codeOwned(RecordCoder& coder, std::size_t count) {
+  if (coder.since(dxf::Version::R2004)) {
+    for (std::size_t i = 0; i < count && !coder.hasFailed(); ++i) {
+      coder.H(kOwned, kHardOwner);
+    }
+  } else {
+    coder.H(kFirstOwned, kSoftPointer);
+    coder.H(kLastOwned, kSoftPointer);
+  }
+  coder.H(kSequenceEnd, kHardOwner);
+}
+
+}  // namespace quoin::dwg

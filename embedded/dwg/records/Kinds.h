@@ -1,0 +1,64 @@
+// The kinds of records that are read into tags and written from them: one row each.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "embedded/dwg/records/DrawingFacts.h"
+#include "embedded/dwg/records/RecordCoder.h"
+
+namespace quoin::dwg {
+
+/// Which tags stand in front of the kind's own.
+enum class Family : std::uint8_t { Entity, Object, TableRecord, Table };
+
+struct Kind {
+  /// The object type; 0 where the drawing's classes number the kind.
+  std::uint16_t type = 0;
+  /// What DXF calls it (group 0).
+  const char* name = "";
+  Family family = Family::Entity;
+  /// The fields behind those that all records share, in their order in a DWG record.
+  void (*code)(RecordCoder& coder, const DrawingFacts& facts) = nullptr;
+  /// The tags behind those that all records share (DxfLayout.h).
+  const char* layout = "";
+};
+
+std::span<const Kind> curveKinds();
+std::span<const Kind> polylineKinds();
+std::span<const Kind> textKinds();
+std::span<const Kind> blockKinds();
+std::span<const Kind> fillKinds();
+std::span<const Kind> dimensionKinds();
+std::span<const Kind> leaderKinds();
+std::span<const Kind> tableKinds();
+std::span<const Kind> objectKinds();
+
+/// The kind with this object type, or of a class with this DXF name; null for one that is kept
+/// unread.
+HOST_API const Kind* kindOfType(std::uint16_t type);
+HOST_API const Kind* kindOfClass(std::string_view dxfName);
+
+/// What DXF calls an object type up to 499 that has no row; empty for none.
+HOST_API std::string_view nameOfType(std::uint16_t type);
+
+/// Handles that several kinds have at their end.
+enum OwnedKey : int {
+  kOwned = -40,       // R2004 and later: all of them
+  kFirstOwned = -41,  // up to R2000
+  kLastOwned = -42,
+  kSequenceEnd = -43,
+  kExternalBlock = -44,
+  kHiddenFlags = -45,
+  kBlockFlags = -46,  // of a block header: group 70 of its BLOCK
+};
+
+/// First and last of what an entity owns, or all of it, and what ends them.
+void codeOwned(RecordCoder& coder, std::size_t count);
+/// The bits of a table record that say how it depends on an external reference; its group 70 shows bit 16.
+std::int64_t codeDependence(RecordCoder& coder);
+/// The colour of a layer: 62, negative where the layer is off, and 420.
+void codeLayerColor(RecordCoder& coder, bool isOff, int indexKey, int trueKey, int namesKey);
+
+}  // namespace quoin::dwg

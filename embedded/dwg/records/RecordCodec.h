@@ -1,0 +1,68 @@
+// One DWG record to tags and back: what stands in front of its own fields, its kind's fields, and
+// its extended data.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "embedded/dwg/records/DrawingFacts.h"
+#include "embedded/dwg/records/Kinds.h"
+#include "embedded/dwg/records/RecordValues.h"
+
+namespace quoin::dwg {
+
+/// A record as it stands in the file: see RecordCoder.
+struct RecordSource {
+  std::uint64_t handle = 0;
+  std::string_view data;
+  std::uint64_t handleBits = 0;
+};
+
+/// What a drawing's class section says of an object type from 500 on.
+struct ClassFacts {
+  std::string dxfName;
+  bool isEntity = false;
+};
+using Classes = std::unordered_map<std::uint16_t, ClassFacts>;
+
+/// A record's fields.
+struct DecodedRecord {
+  std::uint16_t type = 0;
+  const Kind* kind = nullptr;  // null: kept unread behind what all records share
+  std::string name;            // DXF name, of unread ones too; empty where nobody knows it
+  bool isEntity = false;
+  /// Whether all of it was understood: it can be written again from its fields.
+  bool isWhole = false;
+  RecordValues values;
+
+  std::uint64_t handleAt(int key) const;
+};
+
+class HOST_API RecordCodec {
+ public:
+  RecordCodec(const DrawingFacts& facts, const Classes& classes)
+      : m_facts(&facts), m_classes(&classes) {}
+
+  /// The record's fields. What cannot be read behind the shared ones leaves it unread.
+  void decode(const RecordSource& source, DecodedRecord& record) const;
+  /// Appends the record's tags, from its kind (group 0) on.
+  void writeTags(const DecodedRecord& record, std::string& bytes) const;
+  /// The record's fields as bits. Fails: false for an unread record and for what does not fit.
+  bool encode(std::uint64_t handle, const DecodedRecord& record, RecordBytes& bytes) const;
+  /// Whether writing what was read gives the very bits again, so that it may be edited.
+  bool isExact(const RecordSource& source, const DecodedRecord& record) const;
+  /// Puts what the tags say in the place of the record's fields.
+  /// Fails: false with the cause.
+  bool readTags(std::string_view tags, DecodedRecord& record, std::string& problem) const;
+
+ private:
+  void writeHead(const DecodedRecord& record, std::string& bytes) const;
+  void writeExtendedData(const DecodedRecord& record, std::string& bytes) const;
+
+  const DrawingFacts* m_facts;
+  const Classes* m_classes;
+};
+
+}  // namespace quoin::dwg

@@ -1,0 +1,629 @@
+#include "embedded/dwg/records/RecordCoder.h"
+
+#include <bit>
+#include <cstdio>
+#include <utility>
+
+#include "embedded/os/CodePage.h"
+
+namespace quoin::dwg {
+namespace {
+
+using dxf::Version;
+
+constexpr std::uint16_t kLongSize = 0x8000;  // the stream of texts has a size of two shorts
+constexpr int kTerminated = 4;           // added to a text's form: a zero behind it counts
+constexpr std::size_t kLargestSize = std::size_t{1} << 30;
+
+/// Text of these UTF-16 units; pairs of surrogates are joined, lone ones stay.
+std::wstring fromUnits(BitReader& reader, std::size_t count) {
+  std::wstring text;
+  while (count-- != 0 && !reader.hasFailed()) {
+    std::uint32_t unit = reader.rawShort();
+    if (unit >= 0xD800 && unit < 0xDC00 && count != 0) {
+      BitReader ahead = reader;
+      const std::uint32_t second = ahead.rawShort();
+      if (second >= 0xDC00 && second < 0xE000) {
+        reader = ahead;
+        --count;
+        unit = 0x10000 + ((unit - 0xD800) << 10) + (second - 0xDC00);
+      }
+    }
+    text += static_cast<wchar_t>(unit);
+  }
+  return text;
+}
+
+std::u16string toUnits(const std::wstring& text) {
+  std::u16string units;
+  for (const wchar_t character : text) {
+    const auto code = static_cast<std::uint32_t>(character);
+    if (code < 0x10000) {
+      units += static_cast<char16_t>(code);
+    } else {
+      units += static_cast<char16_t>(0xD800 + ((code - 0x10000) >> 10));
+      units += static_cast<char16_t>(0xDC00 + ((code - 0x10000) & 0x3FF));
+    }
+  }
+  return units;
+}
+
+/// Bytes of the code page; what that lacks as \U+XXXX.
+std::string toCodePage(const std::wstring& text, const os::CodePage& codePage) {
+  std::string bytes;
+  for (const wchar_t character : text) {
+    if (!codePage.encode(static_cast<char32_t>(character), bytes)) {
+      char escape[16];
+      std::snprintf(escape, sizeof escape, "\\U+%04X", static_cast<unsigned>(character));
+      bytes += escape;
+    }
+  }
+  return bytes;
+}
+
+}  // namespace
+
+HandleReference absoluteReference(std::uint64_t handle, std::uint8_t code) {
+  HandleReference reference;
+  reference.code = code;
+  reference.offset = handle;
+  reference.bytes = static_cast<std::uint8_t>((std::bit_width(handle) + 7) / 8);
+  return reference;
+}
+
+RecordCoder::RecordCoder(Version version, const os::CodePage& codePage, std::uint64_t own,
+                         std::string_view data, std::uint64_t handleBits, RecordValues& values)
+    : m_version(version),
+      m_codePage(&codePage),
+      m_own(own),
+      m_isReading(true),
+      m_record(data),
+      m_handleBits(handleBits),
+      m_data(data, 0, data.size() * 8),
+      m_values(&values),
+      m_cursor(values) {
+  values.clear();
+}
+
+RecordCoder::RecordCoder(Version version, const os::CodePage& codePage, std::uint64_t own,
+                         const RecordValues& values)
+    : m_version(version),
+      m_codePage(&codePage),
+      m_own(own),
+      m_isReading(false),
+      m_wanted(&values),
+      m_cursor(values) {}
+
+bool RecordCoder::hasFailed() const {
+  return m_hasFailed || m_data.hasFailed() || m_texts.hasFailed() || m_handles.hasFailed();
+}
+
+bool RecordCoder::hasHandlesLeft() const {
+  // Behind the last handle there are bits to fill the byte.
+  constexpr std::size_t kShortestHandle = 8;
+  return m_handles.position() + kShortestHandle <= m_handles.end();
+}
+
+const Value* RecordCoder::take(int key) {
+  return m_cursor.take(key);
+}
+
+// --- streams --------------------------------------------------------------------------------
+
+std::uint16_t RecordCoder::objectType(std::uint16_t type) {
+  if (m_isReading) {
+    type = since(Version::R2010) ? m_data.objectType() : m_data.bitShort().value;
+    if (since(Version::R2010)) {
+      const std::size_t bits = m_record.size() * 8;
+      if (m_handleBits > bits) {
+        m_hasFailed = true;
+        return type;
+      }
+      openStreams(bits - m_handleBits);
+    }
+  } else if (since(Version::R2010)) {
+    m_dataOut.objectType(type);
+  } else {
+    m_dataOut.bitShort(type);
+  }
+  if (since(Version::R2000)) {
+    sizeInBits();
+  }
+  return type;
+}
+
+void RecordCoder::sizeInBits() {
+  if (since(Version::R2010)) {
+    return;
+  }
+  if (m_isReading) {
+    openStreams(m_data.rawLong());
+  } else {
+    m_sizeAt = m_dataOut.size();
+    m_dataOut.rawLong(0);
+  }
+}
+
+void RecordCoder::openStreams(std::size_t endOfData) {
+  const std::size_t bits = m_record.size() * 8;
+  const std::size_t begin = m_data.position();
+  if (endOfData > bits || endOfData <= begin) {
+    m_hasFailed = true;
+    return;
+  }
+  m_handles = BitReader(m_record, endOfData, bits);
+  if (!since(Version::R2007)) {
+    m_data = BitReader(m_record, begin, endOfData);
+    return;
+  }
+  std::size_t end = endOfData - 1;
+  if (BitReader(m_record, end, endOfData).bit()) {
+    constexpr std::size_t kShort = 16;
+    const auto shortBefore = [&]() -> std::size_t {
+      if (end < begin + kShort) {
+        m_hasFailed = true;
+        return 0;
+      }
+      end -= kShort;
+      return BitReader(m_record, end, end + kShort).rawShort();
+    };
+    std::size_t size = shortBefore();
+    if ((size & kLongSize) != 0) {
+      size = (size & (kLongSize - 1)) | shortBefore() << 15;
+    }
+    if (m_hasFailed || size > end - begin) {
+      m_hasFailed = true;
+      return;
+    }
+    m_texts = BitReader(m_record, end - size, end);
+    end -= size;
+  }
+  m_data = BitReader(m_record, begin, end);
+}
+
+namespace {
+constexpr int kPadding = -903;
+}
+
+void RecordCoder::padding() {
+  const std::size_t left = m_handles.end() - m_handles.position();
+  if (left < 8) {
+    m_values->addInteger(kPadding, m_handles.bits(static_cast<unsigned>(left)),
+                         static_cast<int>(left));
+  }
+}
+
+bool RecordCoder::finish(RecordBytes& record) {
+  if (m_hasFailed) {
+    return false;
+  }
+  if (since(Version::R2007)) {
+    if (m_hasTexts) {
+      const std::size_t size = m_textsOut.size();
+      if (size > kLargestSize) {
+        return false;
+      }
+      m_dataOut.append(m_textsOut);
+      if (size >= kLongSize) {
+        m_dataOut.rawShort(static_cast<std::uint16_t>(size >> 15));
+        m_dataOut.rawShort(static_cast<std::uint16_t>((size & (kLongSize - 1)) | kLongSize));
+      } else {
+        m_dataOut.rawShort(static_cast<std::uint16_t>(size));
+      }
+    }
+    m_dataOut.bit(m_hasTexts);
+  }
+  const std::size_t dataBits = m_dataOut.size();
+  if (m_sizeAt != 0) {
+    m_dataOut.replaceLong(m_sizeAt, static_cast<std::uint32_t>(dataBits));
+  }
+  m_dataOut.append(m_handlesOut);
+  const Value* const padding = m_wanted->first(kPadding);
+  if (padding != nullptr && (m_dataOut.size() + static_cast<unsigned>(padding->form)) % 8 == 0) {
+    m_dataOut.bits(static_cast<std::uint32_t>(padding->integer),
+                   static_cast<unsigned>(padding->form));
+  }
+  record.data = m_dataOut.bytes();
+  record.handleBits = since(Version::R2010) ? record.data.size() * 8 - dataBits : 0;
+  return true;
+}
+
+// --- fields ---------------------------------------------------------------------------------
+
+namespace {
+
+/// What a writer takes for a whole number: the field, or what it is when it is missing.
+std::int64_t integerOf(const Value* value, std::int64_t missing) {
+  return value == nullptr                        ? missing
+         : value->type == Value::Type::Double ? static_cast<std::int64_t>(value->number)
+                                                 : value->integer;
+}
+
+double doubleOf(const Value* value, double missing) {
+  return value == nullptr                         ? missing
+         : value->type == Value::Type::Integer ? static_cast<double>(value->integer)
+                                                  : value->number;
+}
+
+int formOf(const Value* value) {
+  return value == nullptr ? BitWriter::kShortest : value->form;
+}
+
+}  // namespace
+
+std::int64_t RecordCoder::B(int key, std::int64_t missing) {
+  if (m_isReading) {
+    const std::int64_t value = m_data.bit() ? 1 : 0;
+    m_values->addInteger(key, value);
+    return value;
+  }
+  const std::int64_t value = integerOf(take(key), missing);
+  m_dataOut.bit(value != 0);
+  return value;
+}
+
+std::int64_t RecordCoder::BB(int key, std::int64_t missing) {
+  if (m_isReading) {
+    const std::int64_t value = m_data.bits(2);
+    m_values->addInteger(key, value);
+    return value;
+  }
+  const std::int64_t value = integerOf(take(key), missing);
+  m_dataOut.bits(static_cast<std::uint32_t>(value) & 3, 2);
+  return value;
+}
+
+std::int64_t RecordCoder::RC(int key, std::int64_t missing) {
+  if (m_isReading) {
+    const std::int64_t value = m_data.rawChar();
+    m_values->addInteger(key, value);
+    return value;
+  }
+  const std::int64_t value = integerOf(take(key), missing);
+  m_dataOut.rawChar(static_cast<std::uint8_t>(value));
+  return value;
+}
+
+std::int64_t RecordCoder::RS(int key, std::int64_t missing) {
+  if (m_isReading) {
+    const std::int64_t value = static_cast<std::int16_t>(m_data.rawShort());
+    m_values->addInteger(key, value);
+    return value;
+  }
+  const std::int64_t value = integerOf(take(key), missing);
+  m_dataOut.rawShort(static_cast<std::uint16_t>(value));
+  return value;
+}
+
+std::int64_t RecordCoder::RL(int key, std::int64_t missing) {
+  if (m_isReading) {
+    const std::int64_t value = static_cast<std::int32_t>(m_data.rawLong());
+    m_values->addInteger(key, value);
+    return value;
+  }
+  const std::int64_t value = integerOf(take(key), missing);
+  m_dataOut.rawLong(static_cast<std::uint32_t>(value));
+  return value;
+}
+
+std::int64_t RecordCoder::BS(int key, std::int64_t missing) {
+  if (m_isReading) {
+    const Coded<std::uint16_t> read = m_data.bitShort();
+    const std::int64_t value = static_cast<std::int16_t>(read.value);
+    m_values->addInteger(key, value, read.form);
+    return value;
+  }
+  const Value* const wanted = take(key);
+  const std::int64_t value = integerOf(wanted, missing);
+  m_dataOut.bitShort(static_cast<std::uint16_t>(value), formOf(wanted));
+  return value;
+}
+
+std::int64_t RecordCoder::BL(int key, std::int64_t missing) {
+  if (m_isReading) {
+    const Coded<std::uint32_t> read = m_data.bitLong();
+    const std::int64_t value = static_cast<std::int32_t>(read.value);
+    m_values->addInteger(key, value, read.form);
+    return value;
+  }
+  const Value* const wanted = take(key);
+  const std::int64_t value = integerOf(wanted, missing);
+  m_dataOut.bitLong(static_cast<std::uint32_t>(value), formOf(wanted));
+  return value;
+}
+
+double RecordCoder::BD(int key, double missing) {
+  if (m_isReading) {
+    const Coded<double> read = m_data.bitDouble();
+    m_values->addDouble(key, read.value, read.form);
+    return read.value;
+  }
+  const Value* const wanted = take(key);
+  const double value = doubleOf(wanted, missing);
+  m_dataOut.bitDouble(value, formOf(wanted));
+  return value;
+}
+
+double RecordCoder::RD(int key, double missing) {
+  if (m_isReading) {
+    const double value = m_data.rawDouble();
+    m_values->addDouble(key, value);
+    return value;
+  }
+  const double value = doubleOf(take(key), missing);
+  m_dataOut.rawDouble(value);
+  return value;
+}
+
+double RecordCoder::DD(int key, double base) {
+  if (m_isReading) {
+    const Coded<double> read = m_data.defaultDouble(base);
+    m_values->addDouble(key, read.value, read.form);
+    return read.value;
+  }
+  const Value* const wanted = take(key);
+  const double value = doubleOf(wanted, base);
+  m_dataOut.defaultDouble(value, base, formOf(wanted));
+  return value;
+}
+
+void RecordCoder::TV(int key) {
+  const bool isUnicode = since(Version::R2007);
+  if (m_isReading) {
+    BitReader& from = isUnicode ? m_texts : m_data;
+    const Coded<std::uint16_t> length = from.bitShort();
+    if (isUnicode) {
+      m_values->addText(key, fromUnits(from, length.value), length.form);
+      return;
+    }
+    std::string raw;
+    for (unsigned i = 0; i < length.value && !from.hasFailed(); ++i) {
+      raw += static_cast<char>(from.rawChar());
+    }
+    // Most writers count a zero behind the text.
+    int form = length.form;
+    if (!raw.empty() && raw.back() == '\0') {
+      raw.pop_back();
+      form += kTerminated;
+    }
+    m_values->addText(key, m_codePage->decode(raw), form);
+    return;
+  }
+  const Value* const wanted = take(key);
+  static const std::wstring kNone;
+  const std::wstring& text =
+      wanted == nullptr || wanted->type != Value::Type::Text ? kNone : m_wanted->textOf(*wanted);
+  constexpr std::size_t kLongestText = 0xFFFF;
+  if (isUnicode) {
+    const std::u16string units = toUnits(text);
+    m_hasTexts = true;
+    m_hasFailed = m_hasFailed || units.size() > kLongestText;
+    m_textsOut.bitShort(static_cast<std::uint16_t>(units.size()), formOf(wanted));
+    for (const char16_t unit : units) {
+      m_textsOut.rawShort(unit);
+    }
+    return;
+  }
+  std::string raw = toCodePage(text, *m_codePage);
+  const int form = formOf(wanted);
+  if (form == BitWriter::kShortest ? !raw.empty() : form >= kTerminated) {
+    raw += '\0';
+  }
+  m_hasFailed = m_hasFailed || raw.size() > kLongestText;
+  m_dataOut.bitShort(static_cast<std::uint16_t>(raw.size()),
+                     form >= kTerminated ? form - kTerminated : form);
+  for (const char byte : raw) {
+    m_dataOut.rawChar(static_cast<std::uint8_t>(byte));
+  }
+}
+
+std::uint64_t RecordCoder::H(int key, std::uint8_t code) {
+  if (m_isReading) {
+    const HandleReference reference = m_handles.handle();
+    const std::uint64_t handle = reference.resolved(m_own);
+    m_values->addHandle(key, handle, reference);
+    return handle;
+  }
+  const Value* const wanted = take(key);
+  const auto handle = static_cast<std::uint64_t>(integerOf(wanted, 0));
+  const bool keepsReference =
+      wanted != nullptr && wanted->type == Value::Type::Handle &&
+      (wanted->reference.code != 0 || wanted->reference.bytes != 0) &&
+      wanted->reference.resolved(m_own) == handle;
+  m_handlesOut.handle(keepsReference ? wanted->reference : absoluteReference(handle, code));
+  return handle;
+}
+
+void RecordCoder::bytes(int key, std::size_t count) {
+  if (m_isReading) {
+    if (count > (m_data.end() - m_data.position()) / 8) {
+      m_hasFailed = true;
+      return;
+    }
+    std::string read(count, '\0');
+    for (char& byte : read) {
+      byte = static_cast<char>(m_data.rawChar());
+    }
+    m_values->addBytes(key, std::move(read));
+    return;
+  }
+  const Value* const wanted = take(key);
+  std::string given = wanted == nullptr || wanted->type != Value::Type::Bytes
+                          ? std::string()
+                          : m_wanted->bytesOf(*wanted);
+  given.resize(count, '\0');
+  for (const char byte : given) {
+    m_dataOut.rawChar(static_cast<std::uint8_t>(byte));
+  }
+}
+
+// --- several fields -------------------------------------------------------------------------
+
+void RecordCoder::point3BD(int key) {
+  BD(key);
+  BD(key + 10);
+  BD(key + 20);
+}
+
+void RecordCoder::point2RD(int key) {
+  RD(key);
+  RD(key + 10);
+}
+
+void RecordCoder::point2BD(int key) {
+  BD(key);
+  BD(key + 10);
+}
+
+void RecordCoder::point3DD(int key, const double (&base)[3], double (&point)[3]) {
+  for (int i = 0; i < 3; ++i) {
+    point[i] = DD(key + 10 * i, base[i]);
+  }
+}
+
+namespace {
+constexpr int kThicknessOmitted = -901;
+constexpr int kExtrusionOmitted = -902;
+}  // namespace
+
+void RecordCoder::BT(int key) {
+  if (!since(Version::R2000)) {
+    BD(key);
+  } else if (omits(kThicknessOmitted, nextDouble(key) == 0.0)) {
+    implied(key, 0.0);
+  } else {
+    BD(key);
+  }
+}
+
+void RecordCoder::BE(int key) {
+  const auto isZAxis = [&] {
+    return nextDouble(key) == 0.0 && nextDouble(key + 10) == 0.0 &&
+           nextDouble(key + 20, 1.0) == 1.0;
+  };
+  if (since(Version::R2000) && omits(kExtrusionOmitted, isZAxis())) {
+    implied(key, 0.0);
+    implied(key + 10, 0.0);
+    implied(key + 20, 1.0);
+    return;
+  }
+  BD(key);
+  BD(key + 10);
+  BD(key + 20, 1.0);
+}
+
+// --- what decides what follows --------------------------------------------------------------
+
+bool RecordCoder::omits(int hiddenKey, bool canOmit) {
+  if (m_isReading) {
+    return B(hiddenKey) != 0;
+  }
+  const bool omitted = canOmit && integerOf(take(hiddenKey), 1) != 0;
+  m_dataOut.bit(omitted);
+  return omitted;
+}
+
+std::size_t RecordCoder::checkedCount(std::uint64_t count) {
+  // Every part takes a bit at least, here or in a stream beside.
+  if (count > m_record.size() * 8) {
+    m_hasFailed = true;
+    return 0;
+  }
+  return count;
+}
+
+std::size_t RecordCoder::countBL(int key, int partKey) {
+  if (m_isReading) {
+    return checkedCount(static_cast<std::uint32_t>(BL(key)));
+  }
+  const std::size_t count = amount(partKey);
+  m_dataOut.bitLong(static_cast<std::uint32_t>(count), formOf(take(key)));
+  return count;
+}
+
+std::size_t RecordCoder::countBS(int key, int partKey) {
+  if (m_isReading) {
+    return checkedCount(static_cast<std::uint16_t>(BS(key)));
+  }
+  const std::size_t count = amount(partKey);
+  m_hasFailed = m_hasFailed || count > 0xFFFF;
+  m_dataOut.bitShort(static_cast<std::uint16_t>(count), formOf(take(key)));
+  return count;
+}
+
+std::size_t RecordCoder::countRC(int key, int partKey) {
+  if (m_isReading) {
+    return checkedCount(static_cast<std::uint8_t>(RC(key)));
+  }
+  const std::size_t count = amount(partKey);
+  m_hasFailed = m_hasFailed || count > 0xFF;
+  take(key);
+  m_dataOut.rawChar(static_cast<std::uint8_t>(count));
+  return count;
+}
+
+bool RecordCoder::hasOtherThanZero(int key) const {
+  for (std::size_t i = 0; m_wanted != nullptr && i < m_wanted->size(); ++i) {
+    const Value& value = (*m_wanted)[i];
+    if (value.key == key && doubleOf(&value, 0.0) != 0.0) {
+      return true;
+    }
+  }
+  return false;
+}
+
+double RecordCoder::nextDouble(int key, double missing) {
+  return m_isReading ? missing : doubleOf(m_cursor.peek(key), missing);
+}
+
+std::int64_t RecordCoder::nextInteger(int key, std::int64_t missing) {
+  return m_isReading ? missing : integerOf(m_cursor.peek(key), missing);
+}
+
+std::uint64_t RecordCoder::nextHandle(int key) {
+  return static_cast<std::uint64_t>(nextInteger(key));
+}
+
+const Value* RecordCoder::next(int key) {
+  return m_isReading ? nullptr : m_cursor.peek(key);
+}
+
+std::string RecordCoder::nextBytes(int key) {
+  const Value* const value = next(key);
+  return value == nullptr || value->type != Value::Type::Bytes ? std::string()
+                                                               : m_wanted->bytesOf(*value);
+}
+
+void RecordCoder::implied(int key, double number) {
+  if (m_isReading) {
+    m_values->addDouble(key, number);
+  } else {
+    take(key);
+  }
+}
+
+void RecordCoder::impliedInteger(int key, std::int64_t integer) {
+  if (m_isReading) {
+    m_values->addInteger(key, integer);
+  } else {
+    take(key);
+  }
+}
+
+void RecordCoder::impliedText(int key, std::wstring text) {
+  if (m_isReading) {
+    m_values->addText(key, std::move(text));
+  } else {
+    take(key);
+  }
+}
+
+void RecordCoder::impliedHandle(int key, std::uint64_t handle) {
+  if (m_isReading) {
+    m_values->addHandle(key, handle);
+  } else {
+    take(key);
+  }
+}
+
+}  // namespace quoin::dwg

@@ -1,0 +1,272 @@
+// Texts, attributes and multiline texts.
+//
+// Source: Open Design Specification for .dwg files, chapters of these entities.
+#include "embedded/dwg/records/CommonData.h"
+#include "embedded/dwg/records/Kinds.h"
+
+namespace quoin::dwg {
+namespace {
+
+using dxf::Version;
+
+/// Which fields of a text are left out, a bit each.
+constexpr std::int64_t kElevation = 0x01;
+constexpr std::int64_t kAlignmentPoint = 0x02;
+constexpr std::int64_t kOblique = 0x04;
+constexpr std::int64_t kRotation = 0x08;
+constexpr std::int64_t kWidthFactor = 0x10;
+constexpr std::int64_t kGeneration = 0x20;
+constexpr std::int64_t kHorizontal = 0x40;
+constexpr std::int64_t kVertical = 0x80;
+/// Where the alignment point is kept of a text that is aligned at its insertion point: DXF does
+/// not show it then.
+constexpr int kUnusedAlignment = -511;
+
+void codeOldText(RecordCoder& coder, int verticalKey) {
+  coder.BD(30);
+  coder.point2RD(10);
+  coder.point2RD(11);
+  coder.point3BD(210);
+  coder.BD(39);
+  coder.BD(51);
+  coder.BD(50);
+  coder.BD(40);
+  coder.BD(41, 1.0);
+  coder.TV(1);
+  coder.BS(71);
+  coder.BS(72);
+  coder.BS(verticalKey);
+  if (coder.isReading()) {
+    coder.implied(31, coder.values().first(30)->number);
+  }
+}
+
+std::int64_t omittedOf(RecordCoder& coder, int verticalKey, bool isAligned) {
+  const auto bit = [](bool canOmit, std::int64_t flag) -> std::int64_t { return canOmit ? flag : 0; };
+  const int alignment = isAligned ? 11 : kUnusedAlignment;
+  return coder.nextInteger(kHiddenFlags, 0xFF) &
+         (bit(coder.nextDouble(30) == 0.0, kElevation) |
+          bit(!isAligned && coder.next(alignment) == nullptr, kAlignmentPoint) |
+          bit(coder.nextDouble(51) == 0.0, kOblique) | bit(coder.nextDouble(50) == 0.0, kRotation) |
+          bit(coder.nextDouble(41, 1.0) == 1.0, kWidthFactor) |
+          bit(coder.nextInteger(71) == 0, kGeneration) |
+          bit(coder.nextInteger(72) == 0, kHorizontal) |
+          bit(coder.nextInteger(verticalKey) == 0, kVertical));
+}
+
+void codeTextFields(RecordCoder& coder, int verticalKey) {
+  const bool isAligned = coder.nextInteger(72) != 0 || coder.nextInteger(verticalKey) != 0;
+  std::int64_t omitted = 0;
+  if (coder.isReading()) {
+    omitted = coder.RC(kHiddenFlags);
+  } else {
+    omitted = omittedOf(coder, verticalKey, isAligned);
+    coder.dataOut().rawChar(static_cast<std::uint8_t>(omitted));
+  }
+  const auto has = [omitted](std::int64_t flag) { return (omitted & flag) == 0; };
+  const double elevation = has(kElevation) ? coder.RD(30) : 0.0;
+  if (!has(kElevation)) {
+    coder.implied(30, 0.0);
+  }
+  const double x = coder.RD(10);
+  const double y = coder.RD(20);
+  const int alignment = coder.isReading() || isAligned ? 11 : kUnusedAlignment;
+  if (has(kAlignmentPoint)) {
+    coder.DD(alignment, x);
+    coder.DD(alignment == 11 ? 21 : alignment - 10, y);
+    coder.implied(31, elevation);
+  }
+  coder.BE(210);
+  coder.BT(39);
+  const auto raw = [&](std::int64_t flag, int key, double missing) {
+    if (has(flag)) {
+      coder.RD(key);
+    } else {
+      coder.implied(key, missing);
+    }
+  };
+  raw(kOblique, 51, 0.0);
+  raw(kRotation, 50, 0.0);
+  coder.RD(40);
+  raw(kWidthFactor, 41, 1.0);
+  coder.TV(1);
+  const auto number = [&](std::int64_t flag, int key) {
+    if (has(flag)) {
+      coder.BS(key);
+    } else {
+      coder.impliedInteger(key, 0);
+    }
+  };
+  number(kGeneration, 71);
+  number(kHorizontal, 72);
+  number(kVertical, verticalKey);
+}
+
+void codeTextLike(RecordCoder& coder, int verticalKey) {
+  if (coder.since(Version::R2000)) {
+    codeTextFields(coder, verticalKey);
+  } else {
+    codeOldText(coder, verticalKey);
+  }
+  coder.H(7, kHardPointer);
+  if (coder.isReading() && !coder.hasFailed()) {
+    RecordValues& values = coder.values();
+    if (values.first(72)->integer == 0 && values.first(verticalKey)->integer == 0) {
+      values.rename(11, kUnusedAlignment);
+      values.rename(21, kUnusedAlignment - 10);
+      values.rename(31, kUnusedAlignment - 20);
+    }
+  }
+}
+
+void codeText(RecordCoder& coder, const DrawingFacts&) {
+  codeTextLike(coder, 73 + kKeyStep);
+}
+
+void codeAttributeFields(RecordCoder& coder) {
+  constexpr int kAttributeType = -161;
+  constexpr std::int64_t kSingleLine = 1;
+  if (coder.since(Version::R2010)) {
+    coder.RC(280);
+  }
+  if (coder.since(Version::R2018) && coder.RC(kAttributeType, kSingleLine) != kSingleLine) {
+    coder.fail();  // one of several lines holds a whole multiline text
+    return;
+  }
+  coder.TV(2);
+  coder.BS(73);
+  coder.RC(70);
+  if (coder.since(Version::R2007)) {
+    coder.B(280 + 2 * kKeyStep);
+  }
+}
+
+void codeAttribute(RecordCoder& coder, const DrawingFacts&) {
+  codeTextLike(coder, 74);
+  codeAttributeFields(coder);
+}
+
+void codeAttributeDefinition(RecordCoder& coder, const DrawingFacts&) {
+  constexpr int kSecondVersion = -162;
+  codeTextLike(coder, 74);
+  codeAttributeFields(coder);
+  if (coder.since(Version::R2010)) {
+    coder.RC(kSecondVersion);
+  }
+  coder.TV(3);
+}
+
+// --- multiline text -------------------------------------------------------------------------
+
+enum MTextKey : int {
+  kExtentsHeight = -171,
+  kExtentsWidth = -172,
+  kUnknownBit = -173,
+  kIsNotAnnotative = -174,
+  kClassVersion = -175,
+  kDefaultFlag = -176,
+  kApplication = -177,
+  kSecondAttachment = -178,
+  kSecondDirection = -600,   // and -590, -580
+  kSecondInsertion = -601,   // and -591, -581
+  kSecondWidth = -181,
+  kSecondHeight = -182,
+  kSecondExtentsWidth = -183,
+  kSecondExtentsHeight = -184,
+  kColumnType = -185,
+  kColumnCount = -186,
+  kColumnWidth = -187,
+  kColumnGutter = -188,
+  kColumnAutoHeight = -189,
+  kColumnReversed = -190,
+  kColumnHeight = -191,
+  kBackgroundNames = -192,
+};
+
+/// What R2018 adds: most fields once more, and columns.
+void codeColumns(RecordCoder& coder) {
+  constexpr std::int64_t kDynamic = 2;
+  if (coder.B(kIsNotAnnotative, 1) == 0) {
+    return;
+  }
+  coder.BS(kClassVersion);
+  coder.B(kDefaultFlag, 1);
+  coder.H(kApplication, kHardPointer);
+  coder.BL(kSecondAttachment, 1);
+  coder.point3BD(kSecondDirection);
+  coder.point3BD(kSecondInsertion);
+  coder.BD(kSecondWidth);
+  coder.BD(kSecondHeight);
+  coder.BD(kSecondExtentsWidth);
+  coder.BD(kSecondExtentsHeight);
+  const std::int64_t type = coder.BS(kColumnType);
+  if (type == 0) {
+    return;
+  }
+  const std::size_t count = coder.countBL(kColumnCount, kColumnHeight);
+  coder.BD(kColumnWidth);
+  coder.BD(kColumnGutter);
+  const bool isAutomatic = coder.B(kColumnAutoHeight) != 0;
+  coder.B(kColumnReversed);
+  for (std::size_t i = 0; !isAutomatic && type == kDynamic && i < count && !coder.hasFailed(); ++i) {
+    coder.BD(kColumnHeight);
+  }
+}
+
+void codeMText(RecordCoder& coder, const DrawingFacts&) {
+  constexpr std::int64_t kHasColor = 1;
+  constexpr std::int64_t kHasFrame = 0x10;
+  coder.point3BD(10);
+  coder.point3BD(210);
+  coder.point3BD(11);
+  coder.BD(41);
+  if (coder.since(Version::R2007)) {
+    coder.BD(46);
+  }
+  coder.BD(40);
+  coder.BS(71);
+  coder.BS(72);
+  coder.BD(kExtentsHeight);
+  coder.BD(kExtentsWidth);
+  coder.TV(1);
+  coder.H(7, kHardPointer);
+  if (coder.since(Version::R2000)) {
+    coder.BS(73);
+    coder.BD(44);
+    coder.B(kUnknownBit);
+  }
+  if (coder.since(Version::R2004)) {
+    const std::int64_t background = coder.BL(90);
+    const bool hasColor = (background & kHasColor) != 0 ||
+                          (coder.since(Version::R2018) && (background & kHasFrame) != 0);
+    if (hasColor) {
+      coder.BD(45, 1.5);
+      codeColor(coder, 63, 421, kBackgroundNames);
+      coder.BL(441);
+    }
+  }
+  if (coder.since(Version::R2018)) {
+    codeColumns(coder);
+  }
+}
+
+#define TEXT_LAYOUT \
+  "@AcDbText 39?0 10p 40 1 50a?0 41?1 51a?0 7:STYLE?Standard 71?0 72?0 11p 210p?0,0,1 "
+
+constexpr Kind kKinds[] = {
+    {1, "TEXT", Family::Entity, codeText, TEXT_LAYOUT "@AcDbText 73#1?0"},
+    {2, "ATTRIB", Family::Entity, codeAttribute,
+     TEXT_LAYOUT "@AcDbAttribute 280 2 70 73?0 74?0 280#2"},
+    {3, "ATTDEF", Family::Entity, codeAttributeDefinition,
+     TEXT_LAYOUT "@AcDbAttributeDefinition 280 3 2 70 73?0 74?0 280#2"},
+    {44, "MTEXT", Family::Entity, codeMText,
+     "@AcDbMText 10p 40 41 46 71 72 1t3 7:STYLE?Standard 210p?0,0,1 11p 73 44 90?0 63 421 45 441"},
+};
+
+}  // namespace
+
+std::span<const Kind> textKinds() {
+  return kKinds;
+}
+
+}  // namespace quoin::dwg
