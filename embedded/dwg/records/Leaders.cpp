@@ -338,8 +338,8 @@ void codeMultileaderStyle(RecordCoder& coder, const DrawingFacts&) {
   coder.B(294);
   coder.BS(177);
   coder.BD(142);
-  coder.B(295);
   coder.B(296);
+  coder.B(295);
   coder.BD(143);
   if (coder.since(Version::R2010)) {
     coder.BS(271);

@@ -110,7 +110,9 @@ class HOST_API RecordCoder {
   std::size_t partsBS(int key);
   std::size_t partsRC(int key);
   /// Writing: how many fields have the key, and what the next one is.
-  std::size_t amount(int key) const { return m_wanted == nullptr ? 0 : m_wanted->count(key); }
+  std::size_t amount(int key) const {
+    return m_wanted == nullptr ? 0 : m_wanted->count(shifted(key));
+  }
   bool hasOtherThanZero(int key) const;
   double nextDouble(int key, double missing = 0.0);
   std::int64_t nextInteger(int key, std::int64_t missing = 0);
@@ -122,6 +124,10 @@ class HOST_API RecordCoder {
   void impliedInteger(int key, std::int64_t integer);
   void impliedHandle(int key, std::uint64_t handle);
   void impliedText(int key, std::wstring text);
+  /// Reading: gives the fields with one key another.
+  void rename(int key, int newKey) { m_values->rename(shifted(key), shifted(newKey)); }
+  /// From now on keys are meant that are this much higher: for an object within a record.
+  void shiftKeys(int by) { m_keyShift = by; }
 
   /// Reading: keeps the bits that fill the last byte; nobody knows what they say.
   void padding();
@@ -142,6 +148,7 @@ class HOST_API RecordCoder {
   std::size_t checkedParts(std::uint64_t count);
   void restOf(BitReader& from, BitWriter& to, int bytesKey, int countKey);
   const Value* take(int key);
+  int shifted(int key) const { return key + m_keyShift; }
 
   dxf::Version m_version;
   const os::CodePage* m_codePage;
@@ -163,6 +170,7 @@ class HOST_API RecordCoder {
   BitWriter m_handlesOut;
   std::size_t m_sizeAt = 0;  // where the size in bits stands; 0: nowhere
   bool m_hasTexts = false;
+  int m_keyShift = 0;
 };
 
 /// The shortest absolute reference to a handle.
