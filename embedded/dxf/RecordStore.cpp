@@ -90,12 +90,17 @@ void RecordStore::clear() {
   m_warnings.clear();
   m_format = Format{};
   m_impl = std::make_unique<Impl>(m_stubs);
+  m_source.reset();
 }
 
 void RecordStore::warn(std::size_t offset, const std::string& record, const std::string& text) {
+  addWarning({offset, record, text});
+}
+
+void RecordStore::addWarning(Warning warning) {
   constexpr std::size_t kWarningsKept = 100;
   if (m_warnings.size() < kWarningsKept) {
-    m_warnings.push_back({offset, record, text});
+    m_warnings.push_back(std::move(warning));
   }
 }
 
@@ -164,7 +169,7 @@ void RecordStore::save(const std::function<void(std::string_view)>& write,
 }
 
 std::size_t RecordStore::fileSize() const {
-  return m_impl->buffer.size();
+  return m_source != nullptr ? m_source->fileSize() : m_impl->buffer.size();
 }
 
 bool RecordStore::isChanged() const {

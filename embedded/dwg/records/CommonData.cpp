@@ -106,21 +106,30 @@ void codeEntityColor(RecordCoder& coder) {
     // What the file says stays as long as it still says the same.
     const std::int64_t index = coder.nextInteger(common(62), kByLayer);
     coder.impliedInteger(common(62), 0);
-    const std::int64_t flags = (coder.amount(common(420)) != 0 ? kTrueColor : 0) |
-                               (coder.amount(kColorHandle) != 0 ? kNamedColor : 0) |
-                               (coder.amount(common(440)) != 0 ? kTransparency : 0);
+    const auto former = static_cast<std::uint16_t>(coder.nextInteger(kColorCode, 0));
+    const bool keepsName =
+        coder.amount(kColorHandle) != 0 && (former & kIndexMask) == (index & kIndexMask);
+    const std::int64_t flags = (keepsName ? (former & kTrueColor) | kNamedColor
+                                : coder.nextInteger(common(420)) != 0 ? kTrueColor
+                                                                      : 0) |
+                               (coder.nextInteger(common(440)) != 0 ? kTransparency : 0);
     code = (index & kIndexMask) | flags;
-    const auto former = static_cast<std::uint16_t>(coder.nextInteger(kColorCode, -1));
     const Value* const kept = coder.next(kColorCode);
     coder.dataOut().bitShort(static_cast<std::uint16_t>(code),
                              kept != nullptr && former == code ? kept->form : -1);
     coder.impliedInteger(kColorCode, 0);
   }
-  if ((code & kTrueColor) != 0) {
+  if ((code & kNamedColor) != 0) {
+    coder.H(kColorHandle, kHardPointer);
+  } else if ((code & kTrueColor) != 0) {
     coder.BL(common(420));
+  } else {
+    coder.impliedInteger(common(420), 0);
   }
   if ((code & kTransparency) != 0) {
     coder.BL(common(440));
+  } else {
+    coder.impliedInteger(common(440), 0);
   }
 }
 
@@ -195,12 +204,19 @@ void codeOwner(RecordCoder& coder, const DrawingFacts& facts) {
   if (mode == Named) {
     coder.H(kOwner, kSoftPointer);
   }
+  // DXF says of entities in a layout but the model's that they are.
+  if (coder.isReading()) {
+    const Value* const owner = coder.values().first(kOwner);
+    const auto block = facts.blocks.find(static_cast<std::uint64_t>(owner->integer));
+    coder.impliedInteger(common(67),
+                         block != facts.blocks.end() && block->second.isPaperSpace ? 1 : 0);
+  }
 }
 
 }  // namespace
 
 const char* const kEntityLayout =
-    "8#9:LAYER 6#9:LTYPE?ByLayer 347#9?0 62#9?256 420#9? 440#9? 48#9?1 60#9?0 370#9w?29 390#9?0 "
+    "@AcDbEntity 67#9?0 8#9:LAYER 6#9:LTYPE?ByLayer 347#9?0 62#9?256 420#9? 440#9? 48#9?1 60#9?0 370#9w?29 390#9?0 "
     "284#9?0";
 
 std::uint16_t codeHead(RecordCoder& coder, std::uint16_t type) {
@@ -241,15 +257,6 @@ void codeEntity(RecordCoder& coder, const DrawingFacts& facts) {
     }
   }
   codeEntityColor(coder);
-  if (coder.since(Version::R2004)) {
-    const bool isNamed =
-        coder.isReading()
-            ? (coder.values().first(kColorCode)->integer & kNamedColor) != 0
-            : coder.amount(kColorHandle) != 0;
-    if (isNamed) {
-      coder.H(kColorHandle, kHardPointer);
-    }
-  }
   coder.BD(common(48), 1.0);
   if (!coder.since(Version::R2000)) {
     coder.BS(common(60));

@@ -62,12 +62,8 @@ void codeBlockHeader(RecordCoder& coder, const DrawingFacts& facts) {
   constexpr int kIsOverlay = -214;
   constexpr int kIsLoaded = -215;
   constexpr int kOwnedCount = -216;
-  constexpr int kBase = -540;  // and -530, -520
-  constexpr int kPath = -217;
   constexpr int kInsertMark = -218;
-  constexpr int kDescription = -219;
   constexpr int kPreviewSize = -220;
-  constexpr int kInsert = -221;
   constexpr int kNull = -222;
   coder.TV(kName);
   const std::int64_t shared = codeDependence(coder);
@@ -83,8 +79,8 @@ void codeBlockHeader(RecordCoder& coder, const DrawingFacts& facts) {
   const bool ownsEntities = !isReference && !isOverlay;
   const std::size_t owned =
       coder.since(Version::R2004) && ownsEntities ? coder.countBL(kOwnedCount, kOwned) : 0;
-  coder.point3BD(kBase);
-  coder.TV(kPath);
+  coder.point3BD(kBlockBase);
+  coder.TV(kBlockPath);
   std::size_t inserts = 0;
   if (coder.since(Version::R2000)) {
     if (coder.isReading()) {
@@ -92,13 +88,13 @@ void codeBlockHeader(RecordCoder& coder, const DrawingFacts& facts) {
         ++inserts;
       }
     } else {
-      inserts = coder.amount(kInsert);
+      inserts = coder.amount(kBlockInsert);
       for (std::size_t i = 0; i < inserts; ++i) {
         coder.RC(kInsertMark, 1);
       }
       coder.dataOut().rawChar(0);
     }
-    coder.TV(kDescription);
+    coder.TV(kBlockDescription);
     const std::int64_t size = coder.isReading()
                                   ? coder.BL(kPreviewSize)
                                   : static_cast<std::int64_t>(coder.nextBytes(310).size());
@@ -119,7 +115,7 @@ void codeBlockHeader(RecordCoder& coder, const DrawingFacts& facts) {
     coder.RC(281);
   }
   coder.H(kNull, kHardPointer);
-  coder.H(kFirstOwned - 100, kHardOwner);  // BLOCK
+  coder.H(kBlockBegin, kHardOwner);
   if (!coder.since(Version::R2004) && ownsEntities) {
     coder.H(kFirstOwned, kSoftPointer);
     coder.H(kLastOwned, kSoftPointer);
@@ -127,10 +123,10 @@ void codeBlockHeader(RecordCoder& coder, const DrawingFacts& facts) {
   for (std::size_t i = 0; i < owned && !coder.hasFailed(); ++i) {
     coder.H(kOwned, kHardOwner);
   }
-  coder.H(kLastOwned - 100, kHardOwner);  // ENDBLK
+  coder.H(kBlockEnd, kHardOwner);
   if (coder.since(Version::R2000)) {
     for (std::size_t i = 0; i < inserts && !coder.hasFailed(); ++i) {
-      coder.H(kInsert, kSoftPointer);
+      coder.H(kBlockInsert, kSoftPointer);
     }
     coder.H(340, kHardPointer);
   }
@@ -209,7 +205,7 @@ void codeStyle(RecordCoder& coder, const DrawingFacts&) {
 
 void codeLinetype(RecordCoder& coder, const DrawingFacts&) {
   constexpr std::size_t kTextArea = 256;
-  constexpr std::int64_t kHasText = 4;
+  constexpr std::int64_t kHasText = 2;
   coder.TV(2);
   coder.impliedInteger(70, codeDependence(coder));
   coder.TV(3);
