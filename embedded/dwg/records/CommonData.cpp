@@ -13,6 +13,7 @@ constexpr std::int64_t kNamedColor = 0x4000;
 constexpr std::int64_t kTransparency = 0x2000;
 constexpr std::int64_t kIndexMask = 0x1FFF;
 constexpr std::int64_t kByLayer = 256;
+constexpr std::int64_t kNoTrueColor = -1;
 
 constexpr int kMostExtendedData = 0x7FFF;
 
@@ -92,6 +93,20 @@ void codeGraphics(RecordCoder& coder) {
   coder.bytes(kGraphics, size);
 }
 
+/// Red, green and blue below a byte that says that they are that.
+void codeTrueColor(RecordCoder& coder) {
+  constexpr std::int64_t kIsTrue = 0xC2000000;
+  constexpr std::int64_t kRedGreenBlue = 0xFFFFFF;
+  if (coder.isReading()) {
+    coder.impliedInteger(common(420), coder.BL(kTrueColorCode) & kRedGreenBlue);
+    return;
+  }
+  const std::int64_t former = coder.nextInteger(kTrueColorCode, kIsTrue);
+  const std::int64_t shown = coder.nextInteger(common(420));
+  coder.impliedInteger(common(420), 0);
+  coder.dataOut().bitLong(static_cast<std::uint32_t>((former & ~kRedGreenBlue) | shown));
+}
+
 /// The colour of an entity: its index with flags above it, and what these flags ask for.
 void codeEntityColor(RecordCoder& coder) {
   if (!coder.since(Version::R2004)) {
@@ -110,7 +125,7 @@ void codeEntityColor(RecordCoder& coder) {
     const bool keepsName =
         coder.amount(kColorHandle) != 0 && (former & kIndexMask) == (index & kIndexMask);
     const std::int64_t flags = (keepsName ? (former & kTrueColor) | kNamedColor
-                                : coder.nextInteger(common(420)) != 0 ? kTrueColor
+                                : coder.nextInteger(common(420), kNoTrueColor) != kNoTrueColor ? kTrueColor
                                                                       : 0) |
                                (coder.nextInteger(common(440)) != 0 ? kTransparency : 0);
     code = (index & kIndexMask) | flags;
@@ -121,10 +136,11 @@ void codeEntityColor(RecordCoder& coder) {
   }
   if ((code & kNamedColor) != 0) {
     coder.H(kColorHandle, kHardPointer);
-  } else if ((code & kTrueColor) != 0) {
-    coder.BL(common(420));
+  }
+  if ((code & (kTrueColor | kNamedColor)) == kTrueColor) {
+    codeTrueColor(coder);
   } else {
-    coder.impliedInteger(common(420), 0);
+    coder.impliedInteger(common(420), kNoTrueColor);
   }
   if ((code & kTransparency) != 0) {
     coder.BL(common(440));
@@ -216,7 +232,7 @@ void codeOwner(RecordCoder& coder, const DrawingFacts& facts) {
 }  // namespace
 
 const char* const kEntityLayout =
-    "@AcDbEntity 67#9?0 8#9:LAYER 6#9:LTYPE?ByLayer 347#9?0 62#9?256 420#9? 440#9? 48#9?1 60#9?0 370#9w?29 390#9?0 "
+    "@AcDbEntity 67#9?0 8#9:LAYER 6#9:LTYPE?ByLayer 347#9?0 62#9?256 420#9?-1 440#9? 48#9?1 60#9?0 370#9w?29 390#9?0 "
     "284#9?0";
 
 std::uint16_t codeHead(RecordCoder& coder, std::uint16_t type) {
