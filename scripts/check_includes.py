@@ -16,7 +16,7 @@ import tempfile
 MODULE_FOLDERS = ("module", "host", "geometry", "Algorithm", "tools")
 HOST_FOLDERS = ("ge", "rx", "dxf", "ed", "product", "os", "text")
 DATABASE_ROOMS = ("records", "core", "geometry", "tables", "entities", "regions")
-DWG_ROOMS = ("container",)
+DWG_ROOMS = ("container", "records", "drawing")
 # Folders whose headers are included by bare name, because they are include directories.
 INCLUDE_DIRECTORIES = ("embedded/include",) + MODULE_FOLDERS + ("tests",)
 SUFFIXES = (".h", ".hpp", ".cpp")
@@ -75,6 +75,9 @@ ALLOWED = {
     "embedded/text": {"embedded/os"},
     "embedded/dxf": {"embedded/os"},
     "embedded/dwg/container": {"embedded/os", "embedded/dxf"},
+    "embedded/dwg/records": {"embedded/os", "embedded/dxf"},
+    "embedded/dwg/drawing": {"embedded/os", "embedded/dxf", "embedded/dwg/container",
+                             "embedded/dwg/records"},
     "embedded/rx": {"embedded/os"},
     "embedded/ed": {"embedded/os", "embedded/rx"},
     "embedded/db/records": {"embedded/os", "embedded/dxf"},
