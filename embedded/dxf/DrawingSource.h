@@ -28,6 +28,8 @@ class HOST_API DrawingSource {
   virtual std::string savedBy() const = 0;
   /// Why the file must not be written; "" where it may be.
   virtual std::string whyReadOnly() const = 0;
+  /// Whether more is known of the record with this handle than what all records share.
+  virtual bool isRead(std::uint64_t handle) const = 0;
   /// Whether the record with this handle may be edited: all of it is known.
   virtual bool canEdit(std::uint64_t handle) const = 0;
   /// What is kept unread, by kind.

@@ -171,6 +171,11 @@ bool DwgDrawing::decode(std::uint64_t handle, DecodedRecord& record) const {
   return true;
 }
 
+bool DwgDrawing::isRead(std::uint64_t handle) const {
+  DecodedRecord record;
+  return decode(handle, record) && record.kind != nullptr && record.isWhole;
+}
+
 bool DwgDrawing::isExact(std::uint64_t handle) const {
   DecodedRecord record;
   const RecordView* const view = m_file.find(handle);

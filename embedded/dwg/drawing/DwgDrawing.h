@@ -37,6 +37,8 @@ class HOST_API DwgDrawing {
 
   /// A record's fields. Fails: false for a handle that the file does not have.
   bool decode(std::uint64_t handle, DecodedRecord& record) const;
+  /// Whether all of a record is known.
+  bool isRead(std::uint64_t handle) const;
   /// Whether a record may be edited: writing what was read gives its own bits.
   bool isExact(std::uint64_t handle) const;
 

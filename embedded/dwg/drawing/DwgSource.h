@@ -1,6 +1,11 @@
 // The DWG file behind a record store: kept beside it, since saving writes the changes into it.
 #pragma once
 
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "embedded/dwg/drawing/DwgDrawing.h"
 #include "embedded/dxf/DrawingSource.h"
 
@@ -14,6 +19,7 @@ class DwgSource : public dxf::DrawingSource {
   std::size_t fileSize() const override { return m_drawing->file().bytes().size(); }
   std::string savedBy() const override { return m_drawing->file().savedBy(); }
   std::string whyReadOnly() const override { return m_drawing->file().whyReadOnly(); }
+  bool isRead(std::uint64_t handle) const override { return m_drawing->isRead(handle); }
   bool canEdit(std::uint64_t handle) const override { return m_drawing->isExact(handle); }
   std::vector<dxf::UnreadKind> unread() const override { return m_drawing->unread(); }
 
