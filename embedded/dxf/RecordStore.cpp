@@ -442,6 +442,14 @@ std::string_view RecordStore::Impl::headerInFile(std::string_view name) const {
   return {};
 }
 
+std::vector<std::string> RecordStore::changedHeaderVariables() const {
+  std::vector<std::string> names;
+  for (const HeaderChange& change : m_impl->headerChanges) {
+    names.push_back(change.name);
+  }
+  return names;
+}
+
 std::string_view RecordStore::headerVariable(std::string_view name) const {
   for (const HeaderChange& change : m_impl->headerChanges) {
     if (change.name == name) {

@@ -211,6 +211,8 @@ class HOST_API RecordStore {
   // --- header variables ---------------------------------------------------------------
   /// The tags behind "$INSUNITS"; empty when the file does not set it.
   std::string_view headerVariable(std::string_view name) const;
+  /// The names of those that were set since the drawing was read, in their order.
+  std::vector<std::string> changedHeaderVariables() const;
   /// Replaces the value tags of a variable, or adds it at the end of the HEADER section.
   void setHeaderVariable(std::string_view name, std::string valueTags);
 

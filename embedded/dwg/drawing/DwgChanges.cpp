@@ -1,5 +1,7 @@
 #include "embedded/dwg/drawing/DwgChanges.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <utility>
 
 #include "embedded/dwg/records/CommonData.h"
@@ -278,6 +280,23 @@ void DwgChanges::encode(FileChanges& changes) {
   }
 }
 
-void DwgChanges::takeHeader(FileChanges&) {}
+void DwgChanges::takeHeader(FileChanges& changes) {
+  HeaderSection header = m_drawing->header();
+  for (const std::string& name : m_store->changedHeaderVariables()) {
+    if (!header.set(name, m_store->headerVariable(name), m_drawing->facts())) {
+      refuse(name, "this header variable cannot be written into the DWG drawing");
+    }
+  }
+  const bool hasNew = std::any_of(m_store->stubs().begin(), m_store->stubs().end(),
+                                  [](const AcDbStub& stub) { return stub.isNew; });
+  if (hasNew && header.handles().seed < m_store->nextHandle() &&
+      !header.setSeed(m_store->nextHandle())) {
+    refuse("$HANDSEED", "the drawing's header cannot be written, so it takes no new records");
+  }
+  const std::string contents = header.write();
+  if (!contents.empty() && contents != m_drawing->file().headerVariables()) {
+    changes.headerVariables = contents;
+  }
+}
 
 }  // namespace quoin::dwg

@@ -73,13 +73,29 @@ DwgDrawing::DwgDrawing(DwgFile file, const std::string& codePage)
   format.codePage = codePage.empty() ? m_file.codePage() : codePage;
   format.isCodePageGiven = !codePage.empty() && format.version < Version::R2007;
   m_facts.codePage = &os::CodePage::named(format.codePage);
-  readClasses();
+  readSections();
   findTables();
   readNames();
   nameBlocks();
 }
 
 // --- what records must know of each other ---------------------------------------------------
+
+void DwgDrawing::readSections() {
+  if (!m_header.read(m_file.headerVariables(), m_file.version(), *m_facts.codePage)) {
+    m_problems.push_back("the header variables cannot be read");
+  }
+  if (!m_classSection.read(m_file.classes(), m_file.version(), *m_facts.codePage)) {
+    m_problems.push_back("the classes cannot be read");
+  }
+  m_classes = m_classSection.byType();
+  // The template of R2004 and later: a description, then whether drawings are metric.
+  const std::string_view made = m_file.section(SectionName::Template);
+  constexpr std::size_t kMeasurementSize = 2;
+  if (m_file.version() >= Version::R2004 && made.size() >= 2 * kMeasurementSize) {
+    m_measurement = static_cast<std::uint8_t>(made[made.size() - kMeasurementSize]);
+  }
+}
 
 void DwgDrawing::findTables() {
   for (const RecordView& view : m_file.records()) {
@@ -229,13 +245,15 @@ std::string DwgDrawing::tags(const dxf::Progress& progress) {
   m_progress = &progress;
   m_steps = 0;
   m_unread.clear();
-  m_problems.clear();
   m_written.assign(m_file.records().size(), false);
   const dxf::Format& format = m_facts.format;
   std::string bytes = "AutoCAD Binary DXF\r\n\x1A";
   bytes += '\0';
   beginSection(bytes, "HEADER", format);
   writeHeader(bytes);
+  endSection(bytes, format);
+  beginSection(bytes, "CLASSES", format);
+  m_classSection.writeTags(format, bytes);
   endSection(bytes, format);
   beginSection(bytes, "TABLES", format);
   writeTables(bytes);
@@ -396,14 +414,10 @@ void DwgDrawing::writeObjects(std::string& bytes) {
 }
 
 void DwgDrawing::writeHeader(std::string& bytes) const {
-  const dxf::Format& format = m_facts.format;
-  const auto variable = [&](std::string_view name) { dxf::putAscii(bytes, 9, name, format); };
-  variable("$ACADVER");
-  dxf::putAscii(bytes, 1, dxf::acadVerText(format.version), format);
-  variable("$DWGCODEPAGE");
-  dxf::putAscii(bytes, 3, format.codePage, format);
+  OutsideVariables outside;
+  outside.maintenance = static_cast<int>(m_file.maintenance());
+  outside.measurement = m_measurement;
+  m_header.writeTags(m_facts, outside, bytes);
 }
-
-void DwgDrawing::readClasses() {}
 
 }  // namespace quoin::dwg

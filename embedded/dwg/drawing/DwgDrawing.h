@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "embedded/dwg/container/DwgFile.h"
+#include "embedded/dwg/records/ClassSection.h"
+#include "embedded/dwg/records/HeaderSection.h"
 #include "embedded/dwg/records/RecordCodec.h"
 #include "embedded/dxf/DrawingSource.h"
 #include "embedded/dxf/RecordStore.h"
@@ -26,6 +28,7 @@ class HOST_API DwgDrawing {
   const DwgFile& file() const { return m_file; }
   const DrawingFacts& facts() const { return m_facts; }
   const RecordCodec& codec() const { return m_codec; }
+  const HeaderSection& header() const { return m_header; }
 
   /// The whole drawing as a DXF file in facts().format.
   /// Fails: throws FileError with eUserBreak when `progress` returns false.
@@ -45,7 +48,7 @@ class HOST_API DwgDrawing {
  private:
   using Visitor = std::function<void(const DecodedRecord&)>;
 
-  void readClasses();
+  void readSections();
   void findTables();
   void readNames();
   void nameBlocks();
@@ -69,9 +72,12 @@ class HOST_API DwgDrawing {
 
   DwgFile m_file;
   DrawingFacts m_facts;
+  HeaderSection m_header;
+  ClassSection m_classSection;
   Classes m_classes;
   RecordCodec m_codec;
   std::uint64_t m_controls[10] = {};  // tables, in the order of kTables
+  std::int64_t m_measurement = 0;
   std::vector<std::uint64_t> m_blockHeaders;
   std::vector<bool> m_written;  // by the index of the record
   std::vector<dxf::UnreadKind> m_unread;
