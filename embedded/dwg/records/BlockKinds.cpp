@@ -113,6 +113,15 @@ void codeArrayReference(RecordCoder& coder, const DrawingFacts&) {
   codeReferenceEnd(coder, hasAttributes, attributes);
 }
 
+/// A table shows a block that was made of it; what it is made from is kept as it stands.
+void codeTable(RecordCoder& coder, const DrawingFacts&) {
+  constexpr int kRest = -161;  // to -165
+  std::size_t attributes = 0;
+  const bool hasAttributes = codeReferenceBegin(coder, attributes);
+  codeReferenceEnd(coder, hasAttributes, attributes);
+  coder.rest(kRest);
+}
+
 constexpr Kind kKinds[] = {
     {4, "BLOCK", Family::Entity, codeBlockBegin, "@AcDbBlockBegin 2 70 10p 3 1 4?"},
     {5, "ENDBLK", Family::Entity, codeNothing, "@AcDbBlockEnd"},
@@ -122,6 +131,8 @@ constexpr Kind kKinds[] = {
     {8, "INSERT", Family::Entity, codeArrayReference,
      "@AcDbMInsertBlock 66?0 2:BLOCK_RECORD 10p 41?1 42?1 43?1 50a?0 70?1 71?1 44?0 45?0 "
      "210p?0,0,1"},
+    {0, "ACAD_TABLE", Family::Entity, codeTable,
+     "@AcDbBlockReference 2:BLOCK_RECORD 10p 41?1 42?1 43?1 50a?0 210p?0,0,1 @AcDbTable"},
 };
 
 }  // namespace

@@ -322,4 +322,118 @@ void codeColor(RecordCoder& coder, int key, int trueKey, int hiddenKey) {
   }
 }
 
+namespace {
+
+enum ColorMethod : std::int64_t { ByLayer = 0xC0, ByBlock = 0xC1, TrueColor = 0xC2, Indexed = 0xC3 };
+constexpr int kMethodShift = 24;
+constexpr std::int64_t kColorValue = 0xFFFFFF;
+
+std::int64_t methodOf(std::int64_t raw) {
+  return raw >> kMethodShift & 0xFF;
+}
+
+std::int64_t rawOfIndex(std::int64_t index) {
+  return index == kByLayer ? ByLayer << kMethodShift
+         : index == 0      ? ByBlock << kMethodShift
+                           : Indexed << kMethodShift | (index & 0xFF);
+}
+
+std::int64_t indexOfRaw(std::int64_t raw, std::int64_t stored) {
+  constexpr std::int64_t kWhite = 7;
+  switch (methodOf(raw)) {
+    case ByLayer:
+      return kByLayer;
+    case ByBlock:
+      return 0;
+    case Indexed:
+      return raw & 0xFF;
+    default:
+      return stored != 0 ? stored : kWhite;
+  }
+}
+
+/// Names of the colour and of its book, where the byte in front says so.
+void codeColorNames(RecordCoder& coder, int hiddenKey) {
+  const std::int64_t names = coder.RC(hiddenKey);
+  if ((names & 1) != 0) {
+    coder.TV(hiddenKey - 1);
+  }
+  if ((names & 2) != 0) {
+    coder.TV(hiddenKey - 2);
+  }
+}
+
+std::int64_t asSigned(std::int64_t raw) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(raw));
+}
+
+}  // namespace
+
+void codeShownColor(RecordCoder& coder, int indexKey, int trueKey, int hiddenKey) {
+  const int rawKey = hiddenKey - 1;
+  if (!coder.since(Version::R2004)) {
+    coder.BS(indexKey);
+    return;
+  }
+  if (coder.isReading()) {
+    const std::int64_t stored = coder.BS(hiddenKey);
+    const std::int64_t raw = coder.BL(rawKey);
+    coder.impliedInteger(indexKey, indexOfRaw(raw, stored));
+    if (methodOf(raw) == TrueColor && trueKey != 0) {
+      coder.impliedInteger(trueKey, raw & kColorValue);
+    }
+    codeColorNames(coder, hiddenKey - 2);
+    return;
+  }
+  const std::int64_t index = coder.nextInteger(indexKey, kByLayer);
+  const Value* const trueColor = trueKey == 0 ? nullptr : coder.next(trueKey);
+  const std::int64_t formerRaw = coder.nextInteger(rawKey, ByLayer << kMethodShift);
+  const bool wasTrue = methodOf(formerRaw) == TrueColor;
+  const bool staysIndex = indexOfRaw(formerRaw, coder.nextInteger(hiddenKey)) == index;
+  const bool staysTrue = trueKey == 0 || (trueColor != nullptr) == wasTrue;
+  if (coder.next(rawKey) != nullptr && staysIndex && staysTrue) {
+    coder.BS(hiddenKey);
+    if (wasTrue && trueColor != nullptr && (formerRaw & kColorValue) != trueColor->integer) {
+      coder.dataOut().bitLong(static_cast<std::uint32_t>(TrueColor << kMethodShift |
+                                                         (trueColor->integer & kColorValue)));
+      coder.impliedInteger(rawKey, 0);
+    } else {
+      coder.BL(rawKey);
+    }
+  } else {
+    coder.impliedInteger(hiddenKey, 0);
+    coder.impliedInteger(rawKey, 0);
+    coder.dataOut().bitShort(0);
+    coder.dataOut().bitLong(static_cast<std::uint32_t>(
+        trueColor != nullptr ? TrueColor << kMethodShift | (trueColor->integer & kColorValue)
+                             : rawOfIndex(index)));
+  }
+  coder.impliedInteger(indexKey, 0);
+  if (trueColor != nullptr) {
+    coder.impliedInteger(trueKey, 0);
+  }
+  codeColorNames(coder, hiddenKey - 2);
+}
+
+void codeRawColor(RecordCoder& coder, int key, int hiddenKey) {
+  if (coder.since(Version::R2004)) {
+    coder.BS(hiddenKey);
+    coder.BL(key, asSigned(rawOfIndex(0)));
+    codeColorNames(coder, hiddenKey - 1);
+    return;
+  }
+  if (coder.isReading()) {
+    coder.impliedInteger(key, asSigned(rawOfIndex(coder.BS(hiddenKey))));
+    return;
+  }
+  const std::int64_t raw = coder.nextInteger(key);
+  coder.impliedInteger(key, 0);
+  if (coder.next(hiddenKey) != nullptr && asSigned(rawOfIndex(coder.nextInteger(hiddenKey))) == raw) {
+    coder.BS(hiddenKey);
+    return;
+  }
+  coder.impliedInteger(hiddenKey, 0);
+  coder.dataOut().bitShort(static_cast<std::uint16_t>(indexOfRaw(raw, 0)));
+}
+
 }  // namespace quoin::dwg

@@ -56,4 +56,11 @@ void codeObject(RecordCoder& coder);
 /// place of its last digits' 60 and 430 for true colour and name where `trueKey`, `nameKey` say.
 void codeColor(RecordCoder& coder, int key, int trueKey, int hiddenKey);
 
+/// The same as DXF shows it: `indexKey` has 256 by layer, 0 by block or the index, `trueKey` (0:
+/// not shown) red, green and blue where the colour is one; what the file says under five hidden
+/// keys from `hiddenKey` downwards.
+void codeShownColor(RecordCoder& coder, int indexKey, int trueKey, int hiddenKey);
+/// The same as one number: its method in the highest byte, below index or red, green and blue.
+void codeRawColor(RecordCoder& coder, int key, int hiddenKey);
+
 }  // namespace quoin::dwg

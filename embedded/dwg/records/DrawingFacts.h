@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "embedded/dxf/Format.h"
 #include "hostapi.h"
@@ -35,6 +36,10 @@ class HOST_API DrawingFacts {
   std::uint64_t byLayerLinetype = 0;
   std::uint64_t byBlockLinetype = 0;
   std::uint64_t continuousLinetype = 0;
+
+  std::vector<std::uint64_t> linetypes;  // in the order of their table, without those two
+  /// Of each viewport its number in its layout, from 1 on: DXF has it, DWG the order alone.
+  std::unordered_map<std::uint64_t, std::int64_t> viewportNumbers;
 
   std::unordered_map<std::uint64_t, BlockFacts> blocks;  // by the handle of the header
 

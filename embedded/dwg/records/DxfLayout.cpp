@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <numbers>
 #include <optional>
+#include <span>
 
 #include "embedded/os/CaseFold.h"
 
@@ -59,6 +60,8 @@ int numberAt(std::string_view word, std::size_t& at) {
 
 void readMissing(std::string_view text, LayoutItem& item) {
   item.isOptional = true;
+  item.isAlwaysWritten = text.starts_with('!');
+  text.remove_prefix(item.isAlwaysWritten ? 1 : 0);
   item.missingName = std::wstring(text.begin(), text.end());
   std::size_t index = 0;
   while (!text.empty() && index < 3) {
@@ -74,13 +77,22 @@ LayoutItem itemOf(std::string_view word) {
     item.shape = word == "(" ? Shape::GroupBegin : Shape::GroupEnd;
     return item;
   }
+  if (word == "[" || word == "]") {
+    item.shape = word == "[" ? Shape::SequenceBegin : Shape::SequenceEnd;
+    return item;
+  }
   if (word.front() == '@') {
     item.shape = Shape::Marker;
     item.text = word.substr(1);
     return item;
   }
   std::size_t at = 0;
-  item.code = numberAt(word, at);
+  if (word.front() == '*') {
+    item.shape = Shape::Any;
+    at = 1;
+  } else {
+    item.code = numberAt(word, at);
+  }
   item.key = item.code;
   while (at < word.size()) {
     switch (word[at++]) {
@@ -131,6 +143,26 @@ LayoutItem itemOf(std::string_view word) {
 /// How many tags of which codes a point has.
 std::size_t sizeOf(Shape shape) {
   return shape == Shape::Point3 ? 3 : shape == Shape::Point2 ? 2 : 1;
+}
+
+/// The part of an item that a key belongs to, and its code; a negative part for none.
+struct ItemPart {
+  int part = -1;
+  int code = 0;
+};
+
+ItemPart partOfKey(const LayoutItem& item, int key) {
+  const int above = key - item.key;
+  if (item.shape == Shape::Any) {
+    return above >= 0 && above < kKeyStep ? ItemPart{0, above} : ItemPart{};
+  }
+  const bool isPart = above >= 0 && above % 10 == 0 &&
+                      above / 10 < static_cast<int>(sizeOf(item.shape));
+  return isPart ? ItemPart{above / 10, item.code + above} : ItemPart{};
+}
+
+ItemPart partOfCode(const LayoutItem& item, int code) {
+  return item.shape == Shape::Any ? ItemPart{0, code} : partOfKey(item, item.key + code - item.code);
 }
 
 // --- one field as tags ----------------------------------------------------------------------
@@ -217,6 +249,33 @@ DxfLayout::DxfLayout(std::string_view text) {
   }
 }
 
+std::size_t DxfLayout::endOfSequence(std::size_t begin) const {
+  std::size_t end = begin;
+  while (m_items[end].shape != Shape::SequenceEnd) {
+    ++end;
+  }
+  return end;
+}
+
+void DxfLayout::writeSequence(std::size_t begin, const RecordValues& values,
+                              const DrawingFacts& facts, std::string& bytes) const {
+  const std::size_t end = endOfSequence(begin);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    for (std::size_t j = begin; j < end; ++j) {
+      const ItemPart found = partOfKey(m_items[j], values[i].key);
+      if (found.part < 0) {
+        continue;
+      }
+      const auto part = static_cast<std::size_t>(found.part);
+      if (!m_items[j].isOptional ||
+          !isMissingValue(m_items[j], part, values[i], values, facts)) {
+        putValue(m_items[j], found.code, values[i], values, facts, bytes);
+      }
+      break;
+    }
+  }
+}
+
 void DxfLayout::write(const RecordValues& values, const DrawingFacts& facts,
                       std::string& bytes) const {
   ValueCursor cursor(values);
@@ -234,6 +293,10 @@ void DxfLayout::write(const RecordValues& values, const DrawingFacts& facts,
           dxf::putInteger(bytes, item.code, std::atoi(item.text.c_str()), facts.format);
         }
         break;
+      case Shape::SequenceBegin:
+        writeSequence(i + 1, values, facts, bytes);
+        i = endOfSequence(i);
+        break;
       case Shape::GroupBegin:
         groupBegin = i;
         if (cursor.peek(m_items[i + 1].key) == nullptr) {
@@ -250,7 +313,7 @@ void DxfLayout::write(const RecordValues& values, const DrawingFacts& facts,
       default: {
         const std::size_t size = sizeOf(item.shape);
         std::array<const Value*, 3> parts{};
-        bool isMissing = item.isOptional;
+        bool isMissing = item.isOptional && !item.isAlwaysWritten;
         bool isThere = true;
         for (std::size_t part = 0; part < size; ++part) {
           parts[part] = cursor.take(item.key + 10 * static_cast<int>(part));
@@ -317,6 +380,25 @@ class TagWalk {
     return &(*m_tags)[index];
   }
   bool has(int code) const { return find(code) != m_tags->size(); }
+  /// The first tag that is not used yet.
+  std::size_t firstUnused() const {
+    std::size_t index = m_begin;
+    while (index < m_end && (*m_used)[index]) {
+      ++index;
+    }
+    return index;
+  }
+  /// The tag at `index`, which is used now; null where there is none that is not used.
+  const dxf::TagView* takeAt(std::size_t index) {
+    if (index >= m_end || (*m_used)[index]) {
+      return nullptr;
+    }
+    (*m_used)[index] = true;
+    return &(*m_tags)[index];
+  }
+  const dxf::TagView* at(std::size_t index) const {
+    return index < m_end && !(*m_used)[index] ? &(*m_tags)[index] : nullptr;
+  }
   /// Whether `code` comes before the next `stop`.
   bool hasBefore(int code, int stop) const {
     for (std::size_t i = m_begin; i < m_end; ++i) {
@@ -345,8 +427,9 @@ class FieldReader {
       : m_original(&original), m_originals(original), m_facts(&facts), m_values(&values) {}
 
   bool read(const LayoutItem& item, std::size_t part, const dxf::TagView& tag) {
-    const int code = item.code + 10 * static_cast<int>(part);
-    const int key = item.key + 10 * static_cast<int>(part);
+    const int above = item.shape == Shape::Any ? tag.code : 10 * static_cast<int>(part);
+    const int code = item.code + above;
+    const int key = item.key + above;
     const Value* const former = m_originals.take(key);
     if (former != nullptr && spelling(item, code, *former) == valueBytes(item, code, tag)) {
       m_values->addFrom(*m_original, *former);
@@ -424,6 +507,9 @@ class FieldReader {
       case dxf::TagType::Handle:
         m_values->addHandle(key, dxf::handleOf(tag, format));
         return true;
+      case dxf::TagType::Binary:
+        m_values->addBytes(key, dxf::binaryOf(tag, format));
+        return true;
       default: {
         std::optional<std::int64_t> integer = dxf::integerOf(tag, format);
         if (item.unit == Unit::LineWeight) {
@@ -440,6 +526,33 @@ class FieldReader {
   const DrawingFacts* m_facts;
   RecordValues* m_values;
 };
+
+/// Takes the tags of a sequence, from the first one with its first item's code on.
+/// Fails: the tag that DWG cannot have; null for none.
+const dxf::TagView* readSequence(std::span<const LayoutItem> items, TagWalk& walk,
+                                 FieldReader& reader) {
+  const bool isAny = items.front().shape == Shape::Any;
+  std::size_t index = isAny ? walk.firstUnused() : walk.find(items.front().code);
+  for (const dxf::TagView* tag = walk.at(index); tag != nullptr; tag = walk.at(++index)) {
+    const LayoutItem* found = nullptr;
+    ItemPart part;
+    for (const LayoutItem& item : items) {
+      part = partOfCode(item, tag->code);
+      if (part.part >= 0) {
+        found = &item;
+        break;
+      }
+    }
+    if (found == nullptr) {
+      break;
+    }
+    walk.takeAt(index);
+    if (!reader.read(*found, static_cast<std::size_t>(part.part), *tag)) {
+      return tag;
+    }
+  }
+  return nullptr;
+}
 
 }  // namespace
 
@@ -460,6 +573,16 @@ bool DxfLayout::read(const std::vector<dxf::TagView>& tags, const RecordValues& 
       case Shape::Constant:
         walk.take(item.code);
         break;
+      case Shape::SequenceBegin: {
+        const std::size_t end = endOfSequence(i);
+        const std::span sequence(m_items.data() + i + 1, end - i - 1);
+        if (const dxf::TagView* const wrong = readSequence(sequence, walk, reader)) {
+          problem = "group code " + std::to_string(wrong->code) + " has a value that DWG cannot have";
+          return false;
+        }
+        i = end;
+        break;
+      }
       case Shape::GroupBegin:
         groupBegin = i;
         isInGroup = true;

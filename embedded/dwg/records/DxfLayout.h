@@ -15,7 +15,10 @@
 //   1t3            a text in pieces: as many 3 as it takes, then 1
 //   310b           bytes, in as many tags as it takes
 //   66=1           this tag always
+//   40?!0          written always, but may be missing in what is read
 //   ( 10q 42?0 )   these again and again, as long as there is another of the first
+//   [ 92 10q 40 ]  these in the order in which the record has them, from the first of them on
+//   [ *#3 ]        any codes in the order of the record, their keys 3 * kKeyStep above
 #pragma once
 
 #include <cstdint>
@@ -30,7 +33,8 @@
 namespace quoin::dwg {
 
 struct LayoutItem {
-  enum class Shape : std::uint8_t { Marker, Tag, Point2, Point3, Constant, GroupBegin, GroupEnd };
+  enum class Shape : std::uint8_t { Marker, Tag, Point2, Point3, Constant, GroupBegin, GroupEnd,
+                                   SequenceBegin, SequenceEnd, Any };
   enum class Unit : std::uint8_t { Plain, Angle, LineWeight, Pieces, Bytes };
 
   Shape shape = Shape::Tag;
@@ -39,6 +43,7 @@ struct LayoutItem {
   int key = 0;
   int pieceCode = 0;  // Pieces
   bool isOptional = false;
+  bool isAlwaysWritten = false;
   std::string text;             // Marker: its name; a table's name; Constant: its value
   std::wstring missingName;     // what is left out, of names and texts
   double missing[3] = {0, 0, 0};  // of numbers and points
@@ -62,6 +67,10 @@ class HOST_API DxfLayout {
   const std::vector<LayoutItem>& items() const { return m_items; }
 
  private:
+  std::size_t endOfSequence(std::size_t begin) const;
+  void writeSequence(std::size_t begin, const RecordValues& values, const DrawingFacts& facts,
+                     std::string& bytes) const;
+
   std::vector<LayoutItem> m_items;
 };
 

@@ -33,7 +33,15 @@ std::span<const Kind> blockKinds();
 std::span<const Kind> fillKinds();
 std::span<const Kind> dimensionKinds();
 std::span<const Kind> leaderKinds();
+std::span<const Kind> hatchKinds();
+std::span<const Kind> multilineKinds();
+std::span<const Kind> viewportKinds();
+std::span<const Kind> imageKinds();
 std::span<const Kind> tableKinds();
+std::span<const Kind> dimensionStyleKinds();
+std::span<const Kind> layoutKinds();
+std::span<const Kind> freeRecordKinds();
+std::span<const Kind> blockDataKinds();
 std::span<const Kind> objectKinds();
 
 /// The kind with this object type, or of a class with this DXF name; null for one that is kept
@@ -66,6 +74,8 @@ enum OwnedKey : int {
 
 /// First and last of what an entity owns, or all of it, and what ends them.
 void codeOwned(RecordCoder& coder, std::size_t count);
+/// A bit of its own for one flag of a group that `shown` has as a whole.
+std::int64_t codeFlagBit(RecordCoder& coder, int key, std::int64_t mask, std::int64_t shown);
 /// The bits of a table record that say how it depends on an external reference; its group 70 shows bit 16.
 std::int64_t codeDependence(RecordCoder& coder);
 /// The colour of a layer: 62, negative where the layer is off, and 420.

@@ -1,5 +1,6 @@
 #include "embedded/dwg/records/RecordCoder.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstdio>
 #include <utility>
@@ -457,6 +458,61 @@ void RecordCoder::bytes(int key, std::size_t count) {
   }
 }
 
+std::uint64_t RecordCoder::handleInData(int key) {
+  if (m_isReading) {
+    const HandleReference reference = m_data.handle();
+    m_values->addHandle(key, reference.offset, reference);
+    return reference.offset;
+  }
+  const Value* const wanted = take(key);
+  const auto handle = static_cast<std::uint64_t>(integerOf(wanted, 0));
+  const bool keepsReference = wanted != nullptr && wanted->type == Value::Type::Handle &&
+                              wanted->reference.bytes != 0 && wanted->reference.offset == handle;
+  m_dataOut.handle(keepsReference ? wanted->reference : absoluteReference(handle, 0));
+  return handle;
+}
+
+void RecordCoder::restOf(BitReader& from, BitWriter& to, int bytesKey, int countKey) {
+  constexpr std::size_t kByte = 8;
+  if (m_isReading) {
+    const std::size_t count = from.end() - from.position();
+    m_values->addInteger(countKey, static_cast<std::int64_t>(count));
+    std::string read;
+    for (std::size_t left = count; left != 0; left -= std::min(left, kByte)) {
+      const auto bits = static_cast<unsigned>(std::min(left, kByte));
+      read += static_cast<char>(from.bits(bits) << (kByte - bits));
+    }
+    m_values->addBytes(bytesKey, std::move(read));
+    return;
+  }
+  const std::string given = nextBytes(bytesKey);
+  take(bytesKey);
+  auto left = static_cast<std::size_t>(std::max<std::int64_t>(integerOf(take(countKey), 0), 0));
+  left = std::min(left, given.size() * kByte);
+  for (std::size_t i = 0; left != 0; ++i) {
+    const auto bits = static_cast<unsigned>(std::min(left, kByte));
+    to.bits(static_cast<std::uint8_t>(given[i]) >> (kByte - bits), bits);
+    left -= bits;
+  }
+}
+
+void RecordCoder::rest(int key) {
+  restOf(m_data, m_dataOut, key, key - 1);
+  if (since(Version::R2007)) {
+    restOf(m_texts, m_textsOut, key - 2, key - 3);
+    m_hasTexts = m_hasTexts || m_textsOut.size() != 0;
+  }
+  if (m_isReading) {
+    while (hasHandlesLeft() && !hasFailed()) {
+      H(key - 4, kHardPointer);
+    }
+  } else {
+    for (std::size_t left = amount(key - 4); left != 0; --left) {
+      H(key - 4, kHardPointer);
+    }
+  }
+}
+
 // --- several fields -------------------------------------------------------------------------
 
 void RecordCoder::point3BD(int key) {
@@ -560,6 +616,29 @@ std::size_t RecordCoder::countRC(int key, int partKey) {
   take(key);
   m_dataOut.rawChar(static_cast<std::uint8_t>(count));
   return count;
+}
+
+std::size_t RecordCoder::checkedParts(std::uint64_t count) {
+  if (m_isReading) {
+    return checkedCount(count);
+  }
+  if (count > m_wanted->size()) {
+    m_hasFailed = true;
+    return 0;
+  }
+  return count;
+}
+
+std::size_t RecordCoder::partsBL(int key) {
+  return checkedParts(static_cast<std::uint32_t>(BL(key)));
+}
+
+std::size_t RecordCoder::partsBS(int key) {
+  return checkedParts(static_cast<std::uint16_t>(BS(key)));
+}
+
+std::size_t RecordCoder::partsRC(int key) {
+  return checkedParts(static_cast<std::uint8_t>(RC(key)));
 }
 
 bool RecordCoder::hasOtherThanZero(int key) const {

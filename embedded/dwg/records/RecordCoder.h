@@ -79,8 +79,12 @@ class HOST_API RecordCoder {
   /// Text in the code page or, from R2007 on, in the stream of texts.
   void TV(int key);
   std::uint64_t H(int key, std::uint8_t code);
+  /// A handle among the data; a bare one without meaning for what is deleted with what.
+  std::uint64_t handleInData(int key);
   /// Bytes as they stand.
   void bytes(int key, std::size_t count);
+  /// All that is left of the data, the texts and the handles, as it stands: five keys downwards.
+  void rest(int key);
 
   // --- several fields -------------------------------------------------------------------
   /// The keys are key, key + 10 and key + 20.
@@ -101,6 +105,10 @@ class HOST_API RecordCoder {
   std::size_t countBL(int key, int partKey);
   std::size_t countBS(int key, int partKey);
   std::size_t countRC(int key, int partKey);
+  /// A number of parts that DXF tells as well: the field itself, which the parts must bear out.
+  std::size_t partsBL(int key);
+  std::size_t partsBS(int key);
+  std::size_t partsRC(int key);
   /// Writing: how many fields have the key, and what the next one is.
   std::size_t amount(int key) const { return m_wanted == nullptr ? 0 : m_wanted->count(key); }
   bool hasOtherThanZero(int key) const;
@@ -125,10 +133,14 @@ class HOST_API RecordCoder {
   BitWriter& dataOut() { return m_dataOut; }
   const os::CodePage& codePage() const { return *m_codePage; }
   RecordValues& values() { return *m_values; }
+  /// Writing: the fields.
+  const RecordValues& wanted() const { return *m_wanted; }
 
  private:
   void openStreams(std::size_t endOfData);
   std::size_t checkedCount(std::uint64_t count);
+  std::size_t checkedParts(std::uint64_t count);
+  void restOf(BitReader& from, BitWriter& to, int bytesKey, int countKey);
   const Value* take(int key);
 
   dxf::Version m_version;

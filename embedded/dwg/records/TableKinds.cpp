@@ -45,15 +45,6 @@ void codeDimStyleTable(RecordCoder& coder, const DrawingFacts& facts) {
 
 // --- records --------------------------------------------------------------------------------
 
-/// A bit of its own for each flag of group 70.
-std::int64_t codeFlagBit(RecordCoder& coder, int key, std::int64_t mask, std::int64_t shown) {
-  if (coder.isReading()) {
-    return coder.B(key) != 0 ? mask : 0;
-  }
-  coder.dataOut().bit((shown & mask) != 0);
-  return shown & mask;
-}
-
 void codeBlockHeader(RecordCoder& coder, const DrawingFacts& facts) {
   constexpr int kName = -210;
   constexpr int kIsAnonymous = -211;
@@ -287,6 +278,14 @@ constexpr Kind kKinds[] = {
 
 std::span<const Kind> tableKinds() {
   return kKinds;
+}
+
+std::int64_t codeFlagBit(RecordCoder& coder, int key, std::int64_t mask, std::int64_t shown) {
+  if (coder.isReading()) {
+    return coder.B(key) != 0 ? mask : 0;
+  }
+  coder.dataOut().bit((shown & mask) != 0);
+  return shown & mask;
 }
 
 std::int64_t codeDependence(RecordCoder& coder) {
