@@ -22,6 +22,7 @@ class Command {
 
 std::unique_ptr<Command> makeBreakCommand();
 std::unique_ptr<Command> makeInfoCommand();
+std::unique_ptr<Command> makeConvertCommand();
 std::unique_ptr<Command> makeDrawCommand();
 std::unique_ptr<Command> makeMergeCommand();
 std::unique_ptr<Command> makeTrimAxesCommand();

@@ -45,8 +45,8 @@ Commands declareCommands(CLI::App& app) {
        {&makeBreakCommand, &makeDrawCommand, &makeMergeCommand, &makeTrimAxesCommand,
         &makeOutlineCommand, &makeSolidCommand, &makeStyleCommand, &makePaintCommand,
         &makeMatchPropertiesCommand, &makeExtentsCommand, &makeToOriginCommand, &makeRescaleCommand,
-        &makeRestoreCommand, &makeRunCommand, &makeInfoCommand, &makeHelpCommand,
-        &makeCompletionCommand}) {
+        &makeConvertCommand, &makeRestoreCommand, &makeRunCommand, &makeInfoCommand,
+        &makeHelpCommand, &makeCompletionCommand}) {
     std::unique_ptr<Command> command = make();
     CLI::App* const declared = command->declare(app);
     commands.emplace_back(declared, std::move(command));

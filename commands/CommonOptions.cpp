@@ -34,17 +34,27 @@ std::string fileKey(const std::string& file) {
   return whole.empty() ? file : whole.string();
 }
 
-/// A drawing under the name of another format would deceive whoever opens it.
-void checkDrawingName(const std::string& file) {
+/// A drawing under the name of another format would deceive whoever opens it: drawings are written
+/// in the format that they were read in.
+void checkDrawingName(const std::string& plan, const std::string& file) {
   const std::string ending = lowerCaseExtension(file);
-  for (const std::string_view other :
-       {".dwg", ".png", ".svg", ".pdf", ".jpg", ".jpeg", ".obj", ".json"}) {
+  const auto refuse = [&](const std::string& hint) {
+    throw CommandError(ExitCode::Usage,
+                       fmt::format("{}: drawings are written in the format that they were read in, "
+                                   "not as {}{}",
+                                   file, ending.substr(1), hint));
+  };
+  for (const std::string_view other : {".png", ".svg", ".pdf", ".jpg", ".jpeg", ".obj", ".json"}) {
     if (ending == other) {
-      throw CommandError(
-          ExitCode::Usage,
-          fmt::format("{}: drawings are written as DXF, not as {}{}", file, ending.substr(1),
-                      isPictureFile(file) ? "; --picture makes pictures" : ""));
+      refuse(isPictureFile(file) ? "; --picture makes pictures" : "");
     }
+  }
+  const bool isDwg = lowerCaseExtension(plan) == ".dwg";
+  if (ending == ".dwg" && !isDwg) {
+    refuse("");
+  }
+  if (ending == ".dxf" && isDwg) {
+    refuse("; 'quoin convert' makes a DXF file of a DWG drawing");
   }
 }
 
@@ -221,7 +231,7 @@ std::vector<DrawingJob> CommonOptions::drawingJobs() const {
     DrawingJob job{plan, isInPlace ? plan : placeFor(plan, output, resultEnding),
                    placeFor(plan, picture, ".png"), isInPlace, isDryRun};
     if (m_writesDrawing && resultEnding.empty() && !isInPlace) {
-      checkDrawingName(job.output);
+      checkDrawingName(plan, job.output);
     }
     for (const std::string& file : {isInPlace ? std::string() : job.output, job.picture}) {
       if (file.empty() || isStandardStream(file)) {

@@ -4,9 +4,11 @@
 #include "commands/DrawingCommand.h"
 #include "commands/ReportFields.h"
 #include "commands/RoughExtents.h"
+#include "commands/UnreadRecords.h"
 #include "commands/WallWords.h"
 #include "commands/Words.h"
 #include "dbobjptr.h"
+#include "embedded/db/core/DrawingStream.h"
 #include "embedded/os/Utf8.h"
 
 namespace quoin::commands {
@@ -77,9 +79,15 @@ class InfoCommand : public DrawingCommand {
   static void tell(Drawing& drawing, const DrawingInfo& info, Report& report) {
     const hostx::FileInfo& file = drawing.info();
     report.line("{}", drawing.file().string());
-    report.line("  format     {} {} ({}), {}, {} bytes", os::toUtf8(file.format),
+    report.line("  format     {} {} ({}){}, {} bytes", os::toUtf8(file.format),
                 os::toUtf8(file.release), os::toUtf8(file.acadVersion),
-                file.isBinary ? "binary" : "ASCII", file.fileBytes);
+                isDxf(file) ? (file.isBinary ? ", binary" : ", ASCII") : "", file.fileBytes);
+    if (const std::string application = savedBy(drawing.database()); !application.empty()) {
+      report.line("  saved by   {}", application);
+    }
+    if (const std::string why = whyReadOnly(drawing.database()); !why.empty()) {
+      report.line("  read only  {}", why);
+    }
     report.line("  code page  {}", file.isTextUtf8 ? "UTF-8" : os::toUtf8(file.codePage));
     report.line("  units      {}", os::toUtf8(hostx::unitsName(file.units)));
     report.line("  records    {}, {} in model space", file.recordCount,
@@ -107,11 +115,20 @@ class InfoCommand : public DrawingCommand {
     if (!info.fixed.empty()) {
       report.line("  kept as they are, not to be moved or scaled: {}", kindsText(info.fixed));
     }
+    if (const auto unread = unreadKinds(drawing.database()); !unread.empty()) {
+      report.line("  closed, kept and neither shown nor edited: {}", unreadText(unread));
+    }
   }
 
-  static void addJson(const Drawing& drawing, const DrawingInfo& info, nlohmann::json& report) {
+  static bool isDxf(const hostx::FileInfo& file) { return file.format == L"DXF"; }
+
+  static void addJson(Drawing& drawing, const DrawingInfo& info, nlohmann::json& report) {
     const hostx::FileInfo& file = drawing.info();
-    report.update({{"acadVersion", os::toUtf8(file.acadVersion)},
+    report.update({{"format", os::toUtf8(file.format)},
+                   {"savedBy", savedBy(drawing.database())},
+                   {"readOnly", whyReadOnly(drawing.database())},
+                   {"closed", unreadJson(unreadKinds(drawing.database()))},
+                   {"acadVersion", os::toUtf8(file.acadVersion)},
                    {"codePage", os::toUtf8(file.codePage)},
                    {"bytes", file.fileBytes},
                    {"records", file.recordCount},

@@ -16,6 +16,7 @@ import tempfile
 MODULE_FOLDERS = ("module", "host", "geometry", "Algorithm", "tools")
 HOST_FOLDERS = ("ge", "rx", "dxf", "ed", "product", "os", "text")
 DATABASE_ROOMS = ("records", "core", "geometry", "tables", "entities", "regions")
+DWG_ROOMS = ("container", "records", "drawing")
 # Folders whose headers are included by bare name, because they are include directories.
 INCLUDE_DIRECTORIES = ("embedded/include",) + MODULE_FOLDERS + ("tests",)
 SUFFIXES = (".h", ".hpp", ".cpp")
@@ -57,6 +58,12 @@ COMPILER = {
     "emmintrin.h": {"geometry/DoublePair.h", "bench/Measure.h"},
 }
 
+# Zones that may include some headers of another zone and no others.
+HEADERS_ALLOWED = {
+    ("embedded/dwg/container", "embedded/dxf"): {"embedded/dxf/FileError.h",
+                                                 "embedded/dxf/Format.h"},
+}
+
 # Which zones a zone may include, beside itself and the standard library and the host API. "api" is
 # the host API, "platform" the part of the operating system that is not the standard library,
 # "embedded" all of the embedded host.
@@ -67,6 +74,10 @@ ALLOWED = {
     "embedded/ge": set(),
     "embedded/text": {"embedded/os"},
     "embedded/dxf": {"embedded/os"},
+    "embedded/dwg/container": {"embedded/os", "embedded/dxf"},
+    "embedded/dwg/records": {"embedded/os", "embedded/dxf"},
+    "embedded/dwg/drawing": {"embedded/os", "embedded/dxf", "embedded/dwg/container",
+                             "embedded/dwg/records"},
     "embedded/rx": {"embedded/os"},
     "embedded/ed": {"embedded/os", "embedded/rx"},
     "embedded/db/records": {"embedded/os", "embedded/dxf"},
@@ -100,6 +111,8 @@ def zone_of(path):
             return "api"
         if len(parts) > 3 and parts[1] == "db" and parts[2] in DATABASE_ROOMS:
             return "embedded/db/" + parts[2]
+        if len(parts) > 3 and parts[1] == "dwg" and parts[2] in DWG_ROOMS:
+            return "embedded/dwg/" + parts[2]
         # The frame is linked into every module, so it sees what a module sees.
         if parts[1:3] == ["rx", "frame"]:
             return "module"
@@ -145,6 +158,9 @@ def complaint(root, path, name):
         library = target.removeprefix("library ")
         return None if zone in LIBRARIES[library] else f"{zone} must not use the library {library}"
     allowed = ALLOWED[zone] | {zone, "standard", "api"}
+    headers = HEADERS_ALLOWED.get((zone, target))
+    if headers is not None and file not in headers:
+        return f"{zone} must not include {file}, only {', '.join(sorted(headers))}"
     if target in allowed:
         # The inside of the module is its own; clients see the exported headers.
         if zone == "commands" and target == "module" and name.endswith("Internal.h"):
@@ -199,6 +215,11 @@ SELF_TEST = [
     ("embedded/dxf/Writer.cpp", '#include "embedded/db/records/Tags.h"\n', True),
     ("embedded/db/core/Object.cpp", '#include "embedded/db/geometry/Box.h"\n', True),
     ("embedded/db/tables/Layers.cpp", '#include "embedded/db/geometry/Box.h"\n', True),
+    ("embedded/dxf/Format.h", "#include <string>\n", False),
+    ("embedded/dwg/container/Pages.h", '#include "embedded/dxf/Format.h"\n', False),
+    ("embedded/dwg/container/Map.h", '#include "embedded/dxf/Reader.h"\n', True),
+    ("embedded/dwg/container/Head.h", '#include "embedded/db/records/Tags.h"\n', True),
+    ("embedded/dwg/Stray.cpp", "#include <string>\n", True),
     ("embedded/db/Stray.cpp", "#include <string>\n", True),
     ("embedded/ed/Editor.cpp", '#include "embedded/db/core/Object.h"\n', True),
     ("geometry/Polygon.cpp", "#include <geos_c.h>\n", True),

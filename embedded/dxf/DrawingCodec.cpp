@@ -1,18 +1,11 @@
 #include "embedded/dxf/DrawingCodec.h"
 
-#include "embedded/dxf/DwgRefusal.h"
-#include "embedded/dxf/DxfCodec.h"
+#include "embedded/dxf/DrawingSource.h"
 
 namespace quoin::dxf {
 
 DrawingCodec::~DrawingCodec() = default;
-
-const std::vector<const DrawingCodec*>& codecs() {
-  static const DxfCodec dxf;
-  static const DwgRefusal dwg;
-  static const std::vector<const DrawingCodec*> all = {&dxf, &dwg};
-  return all;
-}
+DrawingSource::~DrawingSource() = default;
 
 const DrawingCodec* codecFor(std::string_view head) {
   for (const DrawingCodec* codec : codecs()) {

@@ -53,15 +53,14 @@ std::string causeOfNoCodec(std::string_view head) {
   return "this is no drawing: it begins neither as an ASCII nor as a binary DXF file";
 }
 
-bool hasDwgName(const std::string& path) {
-  constexpr std::string_view kExtension = ".dwg";
-  return path.size() >= kExtension.size() &&
-         os::sameName(std::string_view(path).substr(path.size() - kExtension.size()), kExtension);
+bool hasExtension(const std::string& path, std::string_view extension) {
+  return path.size() >= extension.size() &&
+         os::sameName(std::string_view(path).substr(path.size() - extension.size()), extension);
 }
 
 /// Whether the name says DWG and no DXF file has it already.
 bool claimsDwg(const std::string& path, os::FileSystem& files) {
-  if (!hasDwgName(path)) {
+  if (!hasExtension(path, ".dwg")) {
     return false;
   }
   try {
@@ -75,6 +74,26 @@ const DrawingCodec& codecNamed(std::string_view name) {
   const auto& all = codecs();
   return **std::find_if(all.begin(), all.end(),
                         [&](const DrawingCodec* codec) { return codec->name() == name; });
+}
+
+/// A drawing is written in the format that it was read in.
+const DrawingCodec& codecOf(const RecordStore& store) {
+  return codecNamed(store.source() == nullptr ? "DXF" : store.source()->formatName());
+}
+
+/// Fails: throws FileError where the name asks for another format than the drawing's.
+void checkName(const RecordStore& store, const std::string& path, os::FileSystem& files) {
+  if (store.source() == nullptr) {
+    if (claimsDwg(path, files)) {
+      codecNamed("DWG").write(store, {}, {});
+    }
+    return;
+  }
+  if (hasExtension(path, ".dxf")) {
+    throw FileError(Acad::eUnsupportedFileFormat,
+                    "this drawing was read from a " + std::string(store.source()->formatName()) +
+                        " file and is written as one; 'quoin convert' makes a DXF file of it");
+  }
 }
 
 }  // namespace
@@ -123,10 +142,7 @@ SaveResult writeDrawing(const RecordStore& store, const std::string& path,
                         os::FileSystem& files) {
   SaveResult result;
   translated(path, [&] {
-    if (claimsDwg(path, files)) {
-      codecNamed("DWG").write(store, {}, {});
-      return;
-    }
+    checkName(store, path, files);
     if (isThere(store, path, options, files, result.version)) {
       result.isUnchanged = true;
       os::trace(os::Traced::Saver, [&] { return path + ": holds these bytes already"; });
@@ -137,7 +153,7 @@ SaveResult writeDrawing(const RecordStore& store, const std::string& path,
     fileOptions.backupFolder = options.backupFolder;
     fileOptions.expected = options.expected;
     os::AtomicFile file(path, fileOptions, files);
-    codecNamed("DXF").write(
+    codecOf(store).write(
         store, [&](std::string_view piece) { file.write(piece); },
         partOf(progress, 0.0, kWriteShare));
     // The last moment at which a stop leaves everything as it was.
@@ -159,7 +175,7 @@ SaveResult writeDrawing(const RecordStore& store, const std::string& path,
 
 void writePieces(const RecordStore& store, const std::function<void(std::string_view)>& sink,
                  const Progress& progress) {
-  codecNamed("DXF").write(store, sink, progress);
+  codecOf(store).write(store, sink, progress);
 }
 
 }  // namespace quoin::dxf

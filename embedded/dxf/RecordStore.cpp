@@ -90,12 +90,17 @@ void RecordStore::clear() {
   m_warnings.clear();
   m_format = Format{};
   m_impl = std::make_unique<Impl>(m_stubs);
+  m_source.reset();
 }
 
 void RecordStore::warn(std::size_t offset, const std::string& record, const std::string& text) {
+  addWarning({offset, record, text});
+}
+
+void RecordStore::addWarning(Warning warning) {
   constexpr std::size_t kWarningsKept = 100;
   if (m_warnings.size() < kWarningsKept) {
-    m_warnings.push_back({offset, record, text});
+    m_warnings.push_back(std::move(warning));
   }
 }
 
@@ -164,7 +169,7 @@ void RecordStore::save(const std::function<void(std::string_view)>& write,
 }
 
 std::size_t RecordStore::fileSize() const {
-  return m_impl->buffer.size();
+  return m_source != nullptr ? m_source->fileSize() : m_impl->buffer.size();
 }
 
 bool RecordStore::isChanged() const {
@@ -435,6 +440,14 @@ std::string_view RecordStore::Impl::headerInFile(std::string_view name) const {
     }
   }
   return {};
+}
+
+std::vector<std::string> RecordStore::changedHeaderVariables() const {
+  std::vector<std::string> names;
+  for (const HeaderChange& change : m_impl->headerChanges) {
+    names.push_back(change.name);
+  }
+  return names;
 }
 
 std::string_view RecordStore::headerVariable(std::string_view name) const {

@@ -17,6 +17,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "embedded/dxf/DrawingSource.h"
 #include "embedded/dxf/Format.h"
 #include "embedded/dxf/Tag.h"
 
@@ -115,6 +116,10 @@ class HOST_API RecordStore {
   /// The code page of all text of the drawings that are loaded from now on, whatever they say
   /// themselves; empty for what they say. A name that os::CodePage knows.
   void setCodePage(std::string name) { m_givenCodePage = std::move(name); }
+  const std::string& givenCodePage() const { return m_givenCodePage; }
+  /// The file of another format that the tags were made from; null for a DXF file.
+  const DrawingSource* source() const { return m_source.get(); }
+  void setSource(std::unique_ptr<DrawingSource> source) { m_source = std::move(source); }
   /// Hands the file's bytes, in order, to `write`: unchanged stretches as whole blocks.
   /// An untouched store gives exactly the bytes it was loaded from.
   /// Fails: throws FileError with eUserBreak when `progress` returns false; what `write`
@@ -129,6 +134,8 @@ class HOST_API RecordStore {
   std::size_t fileSize() const;
   /// What was odd in the file, in file order; only the first hundred are kept.
   const std::vector<Warning>& warnings() const { return m_warnings; }
+  /// Adds what a codec found; only the first hundred are kept.
+  void addWarning(Warning warning);
   bool isEmpty() const { return m_stubs.empty(); }
   bool isChanged() const;
 
@@ -204,6 +211,8 @@ class HOST_API RecordStore {
   // --- header variables ---------------------------------------------------------------
   /// The tags behind "$INSUNITS"; empty when the file does not set it.
   std::string_view headerVariable(std::string_view name) const;
+  /// The names of those that were set since the drawing was read, in their order.
+  std::vector<std::string> changedHeaderVariables() const;
   /// Replaces the value tags of a variable, or adds it at the end of the HEADER section.
   void setHeaderVariable(std::string_view name, std::string valueTags);
 
@@ -219,6 +228,7 @@ class HOST_API RecordStore {
   AcDbStub* appendStub(Section section, Role role, std::string bytes, std::uint64_t handle);
   void makeTableHead(Table& table);
   std::unique_ptr<Impl> m_impl;
+  std::unique_ptr<DrawingSource> m_source;
   Format m_format;
   std::deque<AcDbStub> m_stubs;
   std::deque<Table> m_tables;

@@ -217,39 +217,27 @@ TEST(Codecs, EachFormatIsRecognisedByItsFirstBytes) {
   EXPECT_EQ(nameOf("%PDF-1.4"), "none");
 }
 
-TEST(Codecs, ADwgDrawingIsRefusedWithItsVersionAndAWayOut) {
-  struct Case {
-    const char* mark;
-    const char* release;
-  };
-  for (const Case& entry : {Case{"AC1012", "R13"},
-                            {"AC1014", "R14"},
-                            {"AC1015", "R2000"},
-                            {"AC1018", "R2004"},
-                            {"AC1021", "R2007"},
-                            {"AC1024", "R2010"},
-                            {"AC1027", "R2013"},
-                            {"AC1032", "R2018"}}) {
-    std::string bytes(entry.mark);
+TEST(Codecs, ADamagedDwgDrawingIsRefusedWithItsName) {
+  for (const char* mark :
+       {"AC1012", "AC1014", "AC1015", "AC1018", "AC1021", "AC1024", "AC1027", "AC1032"}) {
+    std::string bytes(mark);
     bytes.append(100, '\0');
     RecordStore store;
     try {
       codecFor(bytes)->read(bytes, "plan.dwg", store, {});
-      FAIL();
+      FAIL() << mark;
     } catch (const FileError& error) {
-      EXPECT_EQ(error.status, Acad::eUnsupportedFileFormat);
-      const std::string start = std::string("plan.dwg: this is a DWG drawing (") + entry.release;
-      EXPECT_EQ(error.message().substr(0, start.size()), start);
-      EXPECT_NE(error.message().find("save it as DXF"), std::string::npos);
+      EXPECT_EQ(error.message().substr(0, 8), "plan.dwg") << error.message();
     }
     EXPECT_TRUE(store.isEmpty());
   }
 }
 
-TEST(Codecs, TheDwgCodecNeverWrites) {
+TEST(Codecs, TheDwgCodecMakesNoDwgFileOfADxfFile) {
   RecordStore store;
   bool wrote = false;
-  EXPECT_THROW(codecFor("AC1015")->write(store, [&](std::string_view) { wrote = true; }, {}),
+  EXPECT_THROW(codecFor(std::string("AC1015\0", 7))
+                   ->write(store, [&](std::string_view) { wrote = true; }, {}),
                FileError);
   EXPECT_FALSE(wrote);
 }

@@ -64,7 +64,8 @@ FileInfo fileInfo(const AcDbDatabase* database) {
   const DatabaseImpl& impl = Access::of(*database);
   const dxf::Format& format = impl.format();
   info.path = impl.path;
-  info.format = L"DXF";
+  const dxf::DrawingSource* const source = impl.store.source();
+  info.format = source == nullptr ? L"DXF" : os::fromUtf8(source->formatName());
   info.release = os::fromUtf8(dxf::releaseName(format.version));
   info.acadVersion = os::fromUtf8(dxf::acadVerText(format.version));
   info.codePage = os::fromUtf8(format.codePage);

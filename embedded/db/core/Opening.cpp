@@ -44,6 +44,12 @@ Acad::ErrorStatus openStub(AcDbObject*& object, AcDbStub* stub, AcDb::OpenMode m
       object = status == Acad::eOk ? stub->object : nullptr;
       return status;
     }
+    // What the drawing says of the record beyond its tags would be lost with an edit.
+    const dxf::DrawingSource* const source = database.store.source();
+    if (mode == AcDb::kForWrite && source != nullptr && !stub->isNew && !stub->changed &&
+        !source->canEdit(stub->handle)) {
+      return Acad::eDwgObjectImproperlyRead;
+    }
     std::unique_ptr<AcDbObject> view = makeView(*stub);
     ObjectImpl& impl = Access::of(*view);
     impl.stub = stub;

@@ -15,6 +15,7 @@ constexpr std::int64_t kNamedColor = 0x4000;
 constexpr std::int64_t kTransparency = 0x2000;
 constexpr std::int64_t kIndexMask = 0x1FFF;
 constexpr std::int64_t kByLayer = 256;
+constexpr std::int64_t kNoTrueColor = -1;
 
 enum ColorMethod : std::int64_t { ByLayer = 0xC0, ByBlock = 0xC1, TrueColor = 0xC2, Indexed = 0xC3 };
 constexpr int kMethodShift = 24;
@@ -80,7 +81,7 @@ void codeExtensionDictionary(RecordCoder& coder) {
 
 void codeGraphics(RecordCoder& coder) {
   const bool hasGraphics =
-      coder.isReading() ? coder.data().bit() : coder.amount(kGraphics) != 0;
+      coder.isReading() ? coder.data().bit() : !coder.nextBytes(kGraphics).empty();
   if (!coder.isReading()) {
     coder.dataOut().bit(hasGraphics);
   }
@@ -107,16 +108,16 @@ void codeGraphics(RecordCoder& coder) {
 /// The value of a true colour; DXF shows red, green and blue of it.
 void codeTrueColor(RecordCoder& coder) {
   if (coder.isReading()) {
-    coder.impliedInteger(common(420), coder.BL(kTrueColorValue) & kColorValue);
+    coder.impliedInteger(common(420), coder.BL(kTrueColorCode) & kColorValue);
     return;
   }
   const std::int64_t shown = coder.nextInteger(common(420)) & kColorValue;
   coder.impliedInteger(common(420), 0);
-  if (coder.next(kTrueColorValue) != nullptr &&
-      (coder.nextInteger(kTrueColorValue) & kColorValue) == shown) {
-    coder.BL(kTrueColorValue);
+  if (coder.next(kTrueColorCode) != nullptr &&
+      (coder.nextInteger(kTrueColorCode) & kColorValue) == shown) {
+    coder.BL(kTrueColorCode);
   } else {
-    coder.impliedInteger(kTrueColorValue, 0);
+    coder.impliedInteger(kTrueColorCode, 0);
     coder.dataOut().bitLong(static_cast<std::uint32_t>(rawOfColor(shown)));
   }
 }
@@ -126,7 +127,7 @@ bool isBookColor(RecordCoder& coder, const DrawingFacts& facts) {
   const std::uint64_t handle = coder.nextHandle(kColorHandle);
   const auto found = facts.bookColors.find(handle);
   return handle != 0 && (found == facts.bookColors.end() ||
-                         coder.nextInteger(common(420), found->second.rgb) == found->second.rgb);
+                         coder.nextInteger(common(420), kNoTrueColor) == found->second.rgb);
 }
 
 /// The colour of an entity: its index with flags above it, and what these flags ask for. Returns
@@ -147,9 +148,9 @@ bool codeEntityColor(RecordCoder& coder, const DrawingFacts& facts) {
     const auto former = static_cast<std::uint16_t>(coder.nextInteger(kColorCode, -1));
     const bool isBook = isBookColor(coder, facts);
     const bool isTrue = isBook ? coder.next(kColorCode) != nullptr && (former & kTrueColor) != 0
-                               : coder.next(common(420)) != nullptr;
+                               : coder.nextInteger(common(420), kNoTrueColor) != kNoTrueColor;
     code = (index & kIndexMask) | (isTrue ? kTrueColor : 0) | (isBook ? kNamedColor : 0) |
-           (coder.next(common(440)) != nullptr ? kTransparency : 0);
+           (coder.nextInteger(common(440)) != 0 ? kTransparency : 0);
     const Value* const kept = coder.next(kColorCode);
     coder.dataOut().bitShort(static_cast<std::uint16_t>(code),
                              kept != nullptr && former == code ? kept->form : -1);
@@ -158,9 +159,13 @@ bool codeEntityColor(RecordCoder& coder, const DrawingFacts& facts) {
   const bool isNamed = (code & kNamedColor) != 0;
   if ((code & kTrueColor) != 0 && !isNamed) {
     codeTrueColor(coder);
+  } else if (!isNamed) {
+    coder.impliedInteger(common(420), kNoTrueColor);
   }
   if ((code & kTransparency) != 0) {
     coder.BL(common(440));
+  } else {
+    coder.impliedInteger(common(440), 0);
   }
   return isNamed;
 }
@@ -245,13 +250,20 @@ void codeOwner(RecordCoder& coder, const DrawingFacts& facts) {
   if (mode == Named) {
     coder.H(kOwner, kSoftPointer);
   }
+  // DXF says of entities in a layout but the model's that they are.
+  if (coder.isReading()) {
+    const Value* const owner = coder.values().first(kOwner);
+    const auto block = facts.blocks.find(static_cast<std::uint64_t>(owner->integer));
+    coder.impliedInteger(common(67),
+                         block != facts.blocks.end() && block->second.isPaperSpace ? 1 : 0);
+  }
 }
 
 }  // namespace
 
 const char* const kEntityLayout =
-    "8#9:LAYER 6#9:LTYPE?ByLayer 347#9?0 62#9?256 420#9? 430#9? 440#9? 48#9?1 60#9?0 370#9w?29 390#9?0 "
-    "284#9?0 92#9 160#9 310#9b";
+    "@AcDbEntity 67#9?0 8#9:LAYER 6#9:LTYPE?ByLayer 347#9?0 62#9?256 420#9?-1 430#9? 440#9? 48#9?1 "
+    "60#9?0 370#9w?29 390#9?0 284#9?0 92#9 160#9 310#9b";
 
 std::uint16_t codeHead(RecordCoder& coder, std::uint16_t type) {
   type = coder.objectType(type);
@@ -274,7 +286,9 @@ namespace {
 void codeBookColor(RecordCoder& coder, const DrawingFacts& facts) {
   const std::uint64_t handle = coder.H(kColorHandle, kHardPointer);
   const auto found = facts.bookColors.find(handle);
-  if (found != facts.bookColors.end()) {
+  if (found == facts.bookColors.end()) {
+    coder.impliedInteger(common(420), kNoTrueColor);
+  } else {
     coder.impliedInteger(common(420), found->second.rgb);
     coder.impliedText(common(430), found->second.name);
   }

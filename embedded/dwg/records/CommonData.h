@@ -33,9 +33,7 @@ enum CommonKey : int {
   kVisualStyle = -20,
   kType = -21,
   kOwnHandle = -22,
-  kLayerOfOldEntity = -23,
-  kHasGraphics = -24,
-  kTrueColorValue = -25,
+  kTrueColorCode = -24,  // what the colour is (0xC2) and its red, green, blue
 };
 
 /// Keys of the tags that all entities share: their group code + kCommon.

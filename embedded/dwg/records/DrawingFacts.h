@@ -36,6 +36,7 @@ class HOST_API DrawingFacts {
  public:
   dxf::Format format;  // of the tags
   const os::CodePage* codePage = nullptr;
+  std::uint16_t codePageNumber = 30;  // as DWG counts them; 30 is ANSI_1252
   std::uint64_t modelSpace = 0;  // BLOCK_RECORDs
   std::uint64_t paperSpace = 0;
   std::uint64_t byLayerLinetype = 0;

@@ -462,8 +462,7 @@ class FieldReader {
     } else if (former != nullptr && former->type == Value::Type::Text) {
       m_values->addText(key, item.missingName);
     } else if (dxf::tagType(item.code) == dxf::TagType::Double) {
-      m_values->addDouble(key, item.unit == Unit::Angle ? toRadians(item.missing[part])
-                                                        : item.missing[part]);
+      m_values->addDouble(key, item.missing[part]);
     } else if (dxf::tagType(item.code) == dxf::TagType::Text) {
       m_values->addText(key, item.missingName);
     } else if (dxf::tagType(item.code) == dxf::TagType::Handle) {

@@ -146,7 +146,135 @@ class ExtendedTags {
   std::size_t m_at = 0;
 };
 
+// --- from tags ------------------------------------------------------------------------------
+
+/// Puts the tags of one application into its bytes.
+class ExtendedBytes {
+ public:
+  explicit ExtendedBytes(const DrawingFacts& facts) : m_facts(&facts) {}
+
+  const std::string& bytes() const { return m_bytes; }
+
+  bool add(const dxf::TagView& tag) {
+    const dxf::Format& format = m_facts->format;
+    const int code = tag.code;
+    // The three coordinates of a point are one item.
+    const bool continuesPoint = code >= 1020 && code < 1040;
+    if (!continuesPoint) {
+      m_bytes += static_cast<char>(code - 1000);
+    }
+    switch (code) {
+      case 1000:
+        return text(dxf::textOf(tag, format));
+      case 1002:
+        m_bytes += dxf::trimmedValue(tag) == "}" ? '\1' : '\0';
+        return true;
+      case 1003: {
+        const std::uint64_t layer = m_facts->handleOf("LAYER", dxf::textOf(tag, format));
+        bigEndian(layer);
+        return layer != 0;
+      }
+      case 1004: {
+        const std::string chunk = dxf::binaryOf(tag, format);
+        m_bytes += static_cast<char>(chunk.size());
+        m_bytes += chunk;
+        return chunk.size() < 256;
+      }
+      case 1005:
+        bigEndian(dxf::handleOf(tag, format));
+        return true;
+      case 1070:
+        number(static_cast<std::uint64_t>(dxf::integerOf(tag, format)), 2);
+        return true;
+      case 1071:
+        number(static_cast<std::uint64_t>(dxf::integerOf(tag, format)), 4);
+        return true;
+      default:
+        if (code < 1010 || code > 1042) {
+          return false;
+        }
+        number(std::bit_cast<std::uint64_t>(dxf::doubleOf(tag, format)), 8);
+        return true;
+    }
+  }
+
+ private:
+  void number(std::uint64_t value, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+      m_bytes += static_cast<char>(value >> (8 * i));
+    }
+  }
+  void bigEndian(std::uint64_t value) {
+    for (int shift = 56; shift >= 0; shift -= 8) {
+      m_bytes += static_cast<char>(value >> shift);
+    }
+  }
+  bool text(const std::wstring& text) {
+    if (m_facts->format.version >= Version::R2007) {
+      number(text.size(), 2);
+      for (const wchar_t character : text) {
+        number(static_cast<std::uint64_t>(character), 2);
+      }
+      return text.size() <= 0xFFFF;
+    }
+    std::string raw;
+    for (const wchar_t character : text) {
+      if (!m_facts->codePage->encode(static_cast<char32_t>(character), raw)) {
+        return false;
+      }
+    }
+    m_bytes += static_cast<char>(raw.size());
+    number(m_facts->codePageNumber, 2);
+    m_bytes += raw;
+    return raw.size() <= 0xFF;
+  }
+
+  const DrawingFacts* m_facts;
+  std::string m_bytes;
+};
+
 }  // namespace
+
+bool readExtendedTags(std::string_view tags, const RecordValues& original,
+                      const DrawingFacts& facts, RecordValues& values, std::string& problem) {
+  std::string former;
+  writeExtendedTags(original, facts, former);
+  if (former == tags) {
+    for (std::size_t i = 0; i < original.size(); ++i) {
+      if (original[i].key == kExtendedDataApp || original[i].key == kExtendedDataBytes) {
+        values.addFrom(original, original[i]);
+      }
+    }
+    return true;
+  }
+  dxf::TagCursor cursor(tags, facts.format);
+  dxf::TagView tag;
+  std::uint64_t application = 0;
+  ExtendedBytes bytes(facts);
+  const auto finish = [&] {
+    if (application != 0) {
+      values.addHandle(kExtendedDataApp, application);
+      values.addBytes(kExtendedDataBytes, bytes.bytes());
+    }
+    bytes = ExtendedBytes(facts);
+  };
+  while (cursor.next(tag)) {
+    if (tag.code == 1001) {
+      finish();
+      application = facts.handleOf("APPID", dxf::textOf(tag, facts.format));
+      if (application == 0) {
+        problem = "its extended data names an application that the drawing does not have";
+        return false;
+      }
+    } else if (application == 0 || !bytes.add(tag)) {
+      problem = "its extended data (group code " + std::to_string(tag.code) +
+                ") has no place in a DWG record";
+      return false;
+    }
+  }
+  finish();
+  return true;
+}
 
 void writeExtendedTags(const RecordValues& values, const DrawingFacts& facts, std::string& bytes) {
   for (std::size_t i = 0; i < values.size(); ++i) {

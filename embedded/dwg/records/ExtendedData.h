@@ -5,6 +5,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "embedded/dwg/records/DrawingFacts.h"
 #include "embedded/dwg/records/RecordValues.h"
@@ -13,5 +14,10 @@ namespace quoin::dwg {
 
 /// Appends the tags of all applications' data.
 void writeExtendedTags(const RecordValues& values, const DrawingFacts& facts, std::string& bytes);
+
+/// The fields that hold these tags; of an application whose data did not change, its bytes.
+/// Fails: false with the cause.
+bool readExtendedTags(std::string_view tags, const RecordValues& original,
+                      const DrawingFacts& facts, RecordValues& values, std::string& problem);
 
 }  // namespace quoin::dwg

@@ -72,7 +72,7 @@ constexpr Kind kKinds[] = {
     {31, "SOLID", Family::Entity, codeSolid, CORNERS},
     {32, "TRACE", Family::Entity, codeSolid, CORNERS},
     {33, "SHAPE", Family::Entity, codeShape,
-     "@AcDbShape 39?0 10p 40 50a?0 41?1 51a?0 210p?0,0,1"},
+     "@AcDbShape 39?0 10p 40 50a?0 41?1 51a?0 210p?0,0,1", true},
 };
 
 }  // namespace

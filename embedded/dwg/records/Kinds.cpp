@@ -12,7 +12,7 @@ constexpr std::size_t kFixedTypes = 500;
 
 struct Tables {
   std::array<const Kind*, kFixedTypes> byType{};
-  std::unordered_map<std::string_view, const Kind*> byClass;
+  std::unordered_map<std::string_view, std::vector<const Kind*>> byName;
 
   Tables() {
     for (const auto kinds :
@@ -24,7 +24,7 @@ struct Tables {
         if (kind.type != 0) {
           byType.at(kind.type) = &kind;
         }
-        byClass.emplace(kind.name, &kind);
+        byName[kind.name].push_back(&kind);
       }
     }
   }
@@ -42,8 +42,13 @@ const Kind* kindOfType(std::uint16_t type) {
 }
 
 const Kind* kindOfClass(std::string_view dxfName) {
-  const auto found = tables().byClass.find(dxfName);
-  return found == tables().byClass.end() ? nullptr : found->second;
+  const auto found = tables().byName.find(dxfName);
+  return found == tables().byName.end() ? nullptr : found->second.front();
+}
+
+std::vector<const Kind*> kindsNamed(std::string_view dxfName) {
+  const auto found = tables().byName.find(dxfName);
+  return found == tables().byName.end() ? std::vector<const Kind*>() : found->second;
 }
 
 std::string_view nameOfType(std::uint16_t type) {

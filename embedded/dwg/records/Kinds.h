@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "embedded/dwg/records/DrawingFacts.h"
 #include "embedded/dwg/records/RecordCoder.h"
@@ -23,6 +24,8 @@ struct Kind {
   void (*code)(RecordCoder& coder, const DrawingFacts& facts) = nullptr;
   /// The tags behind those that all records share (DxfLayout.h).
   const char* layout = "";
+  /// Whether the tags say less than the record does.
+  bool isPartial = false;
 };
 
 std::span<const Kind> curveKinds();
@@ -48,6 +51,8 @@ std::span<const Kind> objectKinds();
 HOST_API const Kind* kindOfType(std::uint16_t type);
 HOST_API const Kind* kindOfClass(std::string_view dxfName);
 
+/// All kinds with this DXF name: there are seven of DIMENSION.
+std::vector<const Kind*> kindsNamed(std::string_view dxfName);
 /// What DXF calls an object type up to 499 that has no row; empty for none.
 HOST_API std::string_view nameOfType(std::uint16_t type);
 
@@ -59,7 +64,14 @@ enum OwnedKey : int {
   kSequenceEnd = -43,
   kExternalBlock = -44,
   kHiddenFlags = -45,
-  kBlockFlags = -46,  // of a block header: group 70 of its BLOCK
+  // Of a block header:
+  kBlockFlags = -46,        // group 70 of its BLOCK
+  kBlockBegin = -47,        // BLOCK
+  kBlockEnd = -48,          // ENDBLK
+  kBlockPath = -49,
+  kBlockDescription = -50,
+  kBlockInsert = -51,       // references to it
+  kBlockBase = -540,        // and -530, -520
 };
 
 /// First and last of what an entity owns, or all of it, and what ends them.

@@ -1,6 +1,8 @@
 #include "embedded/dwg/records/RecordCodec.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 #include "embedded/dwg/records/CommonData.h"
 #include "embedded/dwg/records/DxfLayout.h"
@@ -113,11 +115,6 @@ void RecordCodec::writeHead(const DecodedRecord& record, std::string& bytes) con
     dxf::putHandle(bytes, 330, record.handleAt(kOwner), format);
   }
   if (record.isEntity) {
-    dxf::putAscii(bytes, 100, "AcDbEntity", format);
-    const auto block = m_facts->blocks.find(record.handleAt(kOwner));
-    if (block != m_facts->blocks.end() && block->second.isPaperSpace) {
-      dxf::putInteger(bytes, 67, 1, format);
-    }
     layoutOf(kEntityLayout).write(record.values, *m_facts, bytes);
   }
 }
@@ -128,6 +125,169 @@ void RecordCodec::writeTags(const DecodedRecord& record, std::string& bytes) con
     layoutOf(record.kind->layout).write(record.values, *m_facts, bytes);
   }
   writeExtendedTags(record.values, *m_facts, bytes);
+}
+
+// --- from tags ------------------------------------------------------------------------------
+
+namespace {
+
+constexpr int kMarkerCode = 100;
+constexpr int kGroupCode = 102;
+constexpr int kFirstExtendedCode = 1000;
+
+/// A record's tags, taken apart: what stands in front of the first marker, the fields, and
+/// extended data.
+struct TagParts {
+  std::vector<dxf::TagView> fields;
+  std::uint64_t owner = 0;
+  std::uint64_t extensionDictionary = 0;
+  std::vector<std::uint64_t> reactors;
+  std::string_view extendedData;
+};
+
+TagParts partsOf(std::string_view tags, const dxf::Format& format) {
+  TagParts parts;
+  dxf::TagCursor cursor(tags, format);
+  dxf::TagView tag;
+  bool isInFront = true;
+  std::string_view group;
+  while (cursor.next(tag)) {
+    if (tag.code >= kFirstExtendedCode) {
+      parts.extendedData = tags.substr(tag.begin);
+      break;
+    }
+    if (tag.code == kGroupCode) {
+      const std::string_view name = dxf::trimmedValue(tag);
+      group = name.starts_with('{') ? name : std::string_view();
+    } else if (!group.empty()) {
+      const std::uint64_t handle = dxf::handleOf(tag, format);
+      if (group == "{ACAD_REACTORS") {
+        parts.reactors.push_back(handle);
+      } else if (group == "{ACAD_XDICTIONARY") {
+        parts.extensionDictionary = handle;
+      }
+    } else if (tag.code == kMarkerCode || !isInFront) {
+      isInFront = false;
+      parts.fields.push_back(tag);
+    } else if (tag.code == 330) {
+      parts.owner = dxf::handleOf(tag, format);
+    }
+  }
+  return parts;
+}
+
+/// Puts a handle in the place of another, with the file's own reference where it is the same.
+void addHandle(RecordValues& values, const RecordValues& original, int key, std::uint64_t handle) {
+  const Value* const former = original.first(key);
+  if (former != nullptr && static_cast<std::uint64_t>(former->integer) == handle) {
+    values.addFrom(original, *former);
+  } else {
+    values.addHandle(key, handle);
+  }
+}
+
+/// Fields that DXF does not show stay what they were; those that it shows in a way of its own are
+/// put in by the caller.
+void keepHidden(RecordValues& values, const RecordValues& original) {
+  for (std::size_t i = 0; i < original.size(); ++i) {
+    const Value& value = original[i];
+    const bool isShown = value.key == kOwner || value.key == kReactor ||
+                         value.key == kExtensionDictionary || value.key == kExtendedDataApp ||
+                         value.key == kExtendedDataBytes;
+    if (value.key < 0 && !isShown) {
+      values.addFrom(original, value);
+    }
+  }
+}
+
+void putReactors(RecordValues& values, const RecordValues& original,
+                 const std::vector<std::uint64_t>& reactors) {
+  ValueCursor former(original);
+  for (const std::uint64_t handle : reactors) {
+    const Value* const value = former.take(kReactor);
+    if (value != nullptr && static_cast<std::uint64_t>(value->integer) == handle) {
+      values.addFrom(original, *value);
+    } else {
+      values.addHandle(kReactor, handle);
+    }
+  }
+}
+
+/// Whether every marker of the layout stands among the tags.
+bool hasMarkers(const char* layout, const std::vector<dxf::TagView>& tags) {
+  const auto& items = layoutOf(layout).items();
+  return std::all_of(items.begin(), items.end(), [&](const LayoutItem& item) {
+    return item.shape != LayoutItem::Shape::Marker ||
+           std::any_of(tags.begin(), tags.end(), [&](const dxf::TagView& tag) {
+             return tag.code == kMarkerCode && dxf::trimmedValue(tag) == item.text;
+           });
+  });
+}
+
+}  // namespace
+
+bool RecordCodec::readTags(std::string_view tags, DecodedRecord& record,
+                           std::string& problem) const {
+  const TagParts parts = partsOf(tags, m_facts->format);
+  const RecordValues original = std::move(record.values);
+  record.values = RecordValues();
+  RecordValues& values = record.values;
+  keepHidden(values, original);
+  addHandle(values, original, kOwner, parts.owner);
+  if (parts.extensionDictionary != 0 || original.first(kExtensionDictionary) != nullptr) {
+    addHandle(values, original, kExtensionDictionary, parts.extensionDictionary);
+  }
+  putReactors(values, original, parts.reactors);
+  std::vector<bool> used(parts.fields.size(), false);
+  if (record.isEntity && !layoutOf(kEntityLayout)
+                              .read(parts.fields, original, *m_facts, values, used, problem)) {
+    return false;
+  }
+  if (!layoutOf(record.kind->layout)
+           .read(parts.fields, original, *m_facts, values, used, problem)) {
+    return false;
+  }
+  const auto left = std::find(used.begin(), used.end(), false);
+  if (left != used.end()) {
+    const dxf::TagView& tag = parts.fields[static_cast<std::size_t>(left - used.begin())];
+    problem = "group code " + std::to_string(tag.code) + " has no place in a DWG record";
+    return false;
+  }
+  return readExtendedTags(parts.extendedData, original, *m_facts, values, problem);
+}
+
+bool RecordCodec::makeRecord(std::string_view name, std::uint64_t handle, std::string_view tags,
+                             DecodedRecord& record, std::string& problem) const {
+  record = DecodedRecord();
+  record.name = name;
+  record.isWhole = true;
+  const TagParts parts = partsOf(tags, m_facts->format);
+  for (const Kind* kind : kindsNamed(name)) {
+    if (record.kind == nullptr && hasMarkers(kind->layout, parts.fields)) {
+      record.kind = kind;
+    }
+  }
+  if (record.kind == nullptr) {
+    problem = "this program cannot make one in a DWG drawing";
+    return false;
+  }
+  record.type = record.kind->type;
+  record.isEntity = record.kind->family == Family::Entity;
+  if (record.type == 0) {
+    const auto found =
+        std::find_if(m_classes->begin(), m_classes->end(),
+                     [&](const auto& entry) { return entry.second.dxfName == name; });
+    if (found == m_classes->end()) {
+      problem = "the drawing has no class of this name, and this program does not add one";
+      return false;
+    }
+    record.type = found->first;
+  }
+  if (!readTags(tags, record, problem)) {
+    return false;
+  }
+  record.values.addHandle(kOwnHandle, handle, absoluteReference(handle, 0));
+  return true;
 }
 
 }  // namespace quoin::dwg

@@ -56,6 +56,10 @@ class HOST_API RecordCodec {
   /// Puts what the tags say in the place of the record's fields.
   /// Fails: false with the cause.
   bool readTags(std::string_view tags, DecodedRecord& record, std::string& problem) const;
+  /// A new record with this DXF name and handle from its tags.
+  /// Fails: false with the cause.
+  bool makeRecord(std::string_view name, std::uint64_t handle, std::string_view tags,
+                  DecodedRecord& record, std::string& problem) const;
 
  private:
   void writeHead(const DecodedRecord& record, std::string& bytes) const;

@@ -61,6 +61,10 @@ void RecordValues::addFrom(const RecordValues& other, const Value& value) {
   }
 }
 
+void RecordValues::remove(std::size_t index) {
+  m_values.erase(m_values.begin() + static_cast<std::ptrdiff_t>(index));
+}
+
 void RecordValues::rename(int key, int newKey) {
   for (Value& value : m_values) {
     if (value.key == key) {

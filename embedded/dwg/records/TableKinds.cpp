@@ -58,12 +58,8 @@ void codeBlockHeader(RecordCoder& coder, const DrawingFacts& facts) {
   constexpr int kIsOverlay = -214;
   constexpr int kIsLoaded = -215;
   constexpr int kOwnedCount = -216;
-  constexpr int kBase = -540;  // and -530, -520
-  constexpr int kPath = -217;
   constexpr int kInsertMark = -218;
-  constexpr int kDescription = -219;
   constexpr int kPreviewSize = -220;
-  constexpr int kInsert = -221;
   constexpr int kNull = -222;
   coder.TV(kName);
   const std::int64_t shared = codeDependence(coder);
@@ -79,8 +75,8 @@ void codeBlockHeader(RecordCoder& coder, const DrawingFacts& facts) {
   const bool ownsEntities = !isReference && !isOverlay;
   const std::size_t owned =
       coder.since(Version::R2004) && ownsEntities ? coder.countBL(kOwnedCount, kOwned) : 0;
-  coder.point3BD(kBase);
-  coder.TV(kPath);
+  coder.point3BD(kBlockBase);
+  coder.TV(kBlockPath);
   std::size_t inserts = 0;
   if (coder.since(Version::R2000)) {
     if (coder.isReading()) {
@@ -88,13 +84,13 @@ void codeBlockHeader(RecordCoder& coder, const DrawingFacts& facts) {
         ++inserts;
       }
     } else {
-      inserts = coder.amount(kInsert);
+      inserts = coder.amount(kBlockInsert);
       for (std::size_t i = 0; i < inserts; ++i) {
         coder.RC(kInsertMark, 1);
       }
       coder.dataOut().rawChar(0);
     }
-    coder.TV(kDescription);
+    coder.TV(kBlockDescription);
     const std::int64_t size = coder.isReading()
                                   ? coder.BL(kPreviewSize)
                                   : static_cast<std::int64_t>(coder.nextBytes(310).size());
@@ -115,7 +111,7 @@ void codeBlockHeader(RecordCoder& coder, const DrawingFacts& facts) {
     coder.RC(281);
   }
   coder.H(kNull, kHardPointer);
-  coder.H(kFirstOwned - 100, kHardOwner);  // BLOCK
+  coder.H(kBlockBegin, kHardOwner);
   if (!coder.since(Version::R2004) && ownsEntities) {
     coder.H(kFirstOwned, kSoftPointer);
     coder.H(kLastOwned, kSoftPointer);
@@ -123,10 +119,10 @@ void codeBlockHeader(RecordCoder& coder, const DrawingFacts& facts) {
   for (std::size_t i = 0; i < owned && !coder.hasFailed(); ++i) {
     coder.H(kOwned, kHardOwner);
   }
-  coder.H(kLastOwned - 100, kHardOwner);  // ENDBLK
+  coder.H(kBlockEnd, kHardOwner);
   if (coder.since(Version::R2000)) {
     for (std::size_t i = 0; i < inserts && !coder.hasFailed(); ++i) {
-      coder.impliedHandle(331, coder.H(kInsert, kSoftPointer));
+      coder.impliedHandle(331, coder.H(kBlockInsert, kSoftPointer));
     }
     if (inserts != 0) {
       coder.impliedText(102, L"{BLKREFS");
@@ -269,7 +265,7 @@ void showDashTexts(RecordCoder& coder, const std::vector<std::int64_t>& shapes, 
     std::size_t at = static_cast<std::size_t>(cursor.take(kPlaceOfText)->integer) * unit;
     std::string raw;
     std::wstring text;
-    for (; at + unit <= area.size(); at += unit) {
+    for (; at < area.size() && area.size() - at >= unit; at += unit) {
       const auto low = static_cast<std::uint8_t>(area[at]);
       const auto high = unit == 2 ? static_cast<std::uint8_t>(area[at + 1]) : std::uint8_t{0};
       if (low == 0 && high == 0) {

@@ -253,7 +253,7 @@ void codeMText(RecordCoder& coder, const DrawingFacts&) {
 
 /// An attribute of several lines has a whole multiline text.
 void codeLines(RecordCoder& coder, const DrawingFacts& facts, std::int64_t type) {
-  constexpr int kWithin = 40 * kKeyStep;
+  constexpr int kWithin = -40 * kKeyStep;  // hidden, so that all of it survives an edit
   constexpr int kDataSize = -163;
   constexpr int kData = -164;
   constexpr int kApp = -165;
@@ -317,7 +317,7 @@ void codeAttributeDefinition(RecordCoder& coder, const DrawingFacts& facts) {
   "@AcDbText 39?0 10p 40 1 50a?0 41?1 51a?0 7:STYLE?Standard 71?0 72?0 11p 210p?0,0,1 "
 
 #define LINES_LAYOUT                                                                            \
-  "71#7 72#7 11p#7 101#7 10p#40 40#40 41#40 46#40 71#40 72#40 1t3#40 73#40 44#40"
+  "71#7 72#7 11p#7 101#7 10p#-40 40#-40 41#-40 46#-40 71#-40 72#-40 1t3#-40 73#-40 44#-40"
 
 constexpr Kind kKinds[] = {
     {1, "TEXT", Family::Entity, codeText, TEXT_LAYOUT "@AcDbText 73#1?0"},

@@ -1,0 +1,181 @@
+#include "embedded/dwg/container/DwgFile.h"
+
+#include <algorithm>
+
+#include "embedded/dwg/container/Bytes.h"
+#include "embedded/dwg/container/FileHead.h"
+#include "embedded/dwg/container/ObjectMap.h"
+#include "embedded/dwg/container/ProductText.h"
+#include "embedded/dwg/container/RecordFrame.h"
+#include "embedded/dwg/container/SectionFrame.h"
+
+namespace quoin::dwg {
+
+using namespace container;
+using dxf::FileError;
+using dxf::Version;
+
+namespace {
+
+std::string handleText(std::uint64_t handle) {
+  std::string text;
+  for (; handle != 0; handle >>= 4) {
+    text.insert(text.begin(), "0123456789ABCDEF"[handle & 0xF]);
+  }
+  return text.empty() ? "0" : text;
+}
+
+void refuseVersion(std::string_view file, const FileHead& head) {
+  if (head.version == Version::Unknown) {
+    throw FileError(Acad::eUnsupportedFileFormat,
+                    "DWG drawings of this version (" + std::string(file.substr(0, kMarkSize)) +
+                        ") are not read; those from R13 to R2018 are");
+  }
+  if ((head.securityFlags & kIsEncrypted) != 0) {
+    throw FileError(Acad::eUnsupportedFileFormat,
+                    "the drawing is encrypted; save it without a password");
+  }
+}
+
+void noteVersion(const FileHead& head, Warnings& warnings) {
+  if (head.version < Version::R2000 || head.version == Version::R2007) {
+    warnings.refuseWriting("DWG drawings of " + std::string(dxf::releaseName(head.version)) +
+                           " are read, and not written");
+  }
+  if ((head.securityFlags & kIsSigned) != 0) {
+    warnings.add("file header", 0, "the drawing is signed; a signature ends with the first change");
+  }
+}
+
+std::unique_ptr<Container> openContainer(std::string bytes, const FileHead& head,
+                                         Warnings& warnings) {
+  if (head.version <= Version::R2000) {
+    return openFlatFile(std::move(bytes), head, warnings);
+  }
+  return head.version == Version::R2007 ? openCodedFile(std::move(bytes), head, warnings)
+                                        : openPagedFile(std::move(bytes), head, warnings);
+}
+
+/// Records that share bytes: a change of one would be a change of the other.
+void checkApart(std::vector<std::pair<std::uint64_t, std::uint64_t>> extents, Warnings& warnings) {
+  std::sort(extents.begin(), extents.end());
+  for (std::size_t i = 1; i < extents.size(); ++i) {
+    if (extents[i].first < extents[i - 1].second) {
+      warnings.addDamage(std::string(sectionText(SectionName::Objects)), extents[i].first,
+                         "two records lie one on the other");
+    }
+  }
+}
+
+}  // namespace
+
+bool DwgFile::recognises(std::string_view head) {
+  return isDwg(head);
+}
+
+DwgFile::DwgFile(std::string bytes, const std::string& fileName) : m_fileName(fileName) {
+  try {
+    open(std::move(bytes));
+  } catch (const Damage& damage) {
+    FileError error(Acad::eDwgNeedsRecovery, damage.what());
+    error.offset = damage.place;
+    error.fileName = m_fileName;
+    throw error;
+  } catch (FileError& error) {
+    error.fileName = m_fileName;
+    throw;
+  }
+}
+
+DwgFile::~DwgFile() = default;
+DwgFile::DwgFile(DwgFile&&) noexcept = default;
+DwgFile& DwgFile::operator=(DwgFile&&) noexcept = default;
+
+void DwgFile::open(std::string bytes) {
+  const FileHead head = readFileHead(bytes);
+  refuseVersion(bytes, head);
+  m_version = head.version;
+  m_maintenance = head.maintenance;
+  m_codePage = codePageText(head.codePage);
+  Warnings warnings;
+  noteVersion(head, warnings);
+  m_container = openContainer(std::move(bytes), head, warnings);
+  readFrames(warnings);
+  readRecords(warnings);
+  warnings.close();
+  m_warnings = warnings.list();
+  m_whyReadOnly = warnings.whyReadOnly();
+}
+
+void DwgFile::readFrames(Warnings& warnings) {
+  const auto read = [&](SectionName name, FramedSection which) {
+    try {
+      const SectionFrame frame = readSectionFrame(section(name), which, m_version, m_maintenance);
+      if (!frame.isSumRight) {
+        warnings.addDamage(std::string(sectionText(name)), m_container->offsetOf(name),
+                           "the checksum is wrong");
+      }
+      return frame.contents;
+    } catch (const Damage& damage) {
+      warnings.addDamage(std::string(sectionText(name)), m_container->offsetOf(name) + damage.place,
+                         damage.what());
+      return std::string_view();
+    }
+  };
+  m_headerVariables = read(SectionName::Header, FramedSection::Header);
+  m_classes = read(SectionName::Classes, FramedSection::Classes);
+}
+
+void DwgFile::readRecords(Warnings& warnings) {
+  const std::string_view objects = m_container->objects();
+  const std::vector<MapEntry> entries = readObjectMap(
+      section(SectionName::Handles), m_container->offsetOf(SectionName::Handles), warnings);
+  std::vector<std::pair<std::uint64_t, std::uint64_t>> extents;
+  extents.reserve(entries.size());
+  m_records.reserve(entries.size());
+  for (const MapEntry& entry : entries) {
+    const auto complain = [&](const char* cause) {
+      warnings.addDamage("record " + handleText(entry.handle), entry.place, cause);
+    };
+    try {
+      const RecordFrame frame = readRecordFrame(objects, entry.place, hasHandleBits());
+      if (!frame.isSumRight) {
+        complain("the checksum is wrong");
+      }
+      m_records.push_back({entry.handle, frame.data, frame.handleBits});
+      extents.emplace_back(entry.place, entry.place + frame.size);
+    } catch (const Damage& damage) {
+      complain(damage.what());
+    }
+  }
+  checkApart(std::move(extents), warnings);
+}
+
+std::string DwgFile::savedBy() const {
+  return productIn(section(SectionName::AppInfo));
+}
+
+std::string_view DwgFile::section(SectionName name) const {
+  return name == SectionName::Objects ? m_container->objects() : m_container->section(name);
+}
+
+std::string_view DwgFile::sectionNamed(std::string_view name) const {
+  return m_container->sectionNamed(name);
+}
+
+std::vector<std::string> DwgFile::sectionNames() const {
+  return m_container->sectionNames();
+}
+
+const RecordView* DwgFile::find(std::uint64_t handle) const {
+  const auto found = std::lower_bound(
+      m_records.begin(), m_records.end(), handle,
+      [](const RecordView& record, std::uint64_t wanted) { return record.handle < wanted; });
+  return found == m_records.end() || found->handle != handle ? nullptr : &*found;
+}
+
+const std::string& DwgFile::bytes() const {
+  return m_container->bytes();
+}
+
+}  // namespace quoin::dwg
