@@ -64,7 +64,7 @@ void codeBookColor(RecordCoder& coder, const DrawingFacts&) {
 constexpr Kind kKinds[] = {
     {0, "SORTENTSTABLE", Family::Object, codeDrawOrder, "@AcDbSortentsTable 330 ( 331 5#1 )"},
     {0, "SPATIAL_FILTER", Family::Object, codeSpatialFilter,
-     "@AcDbFilter @AcDbSpatialFilter 70 ( 10q ) 210p 11p 71 72 40 73 41 ( 40#1 )"},
+     "@AcDbFilter @AcDbSpatialFilter 70 ( 10q ) 210p 11p 71 72 40&72 73 41&73 ( 40#1 )"},
     {0, "DBCOLOR", Family::Object, codeBookColor, "@AcDbColor 62 420 430?"},
 };
 

@@ -19,6 +19,7 @@ using Shape = LayoutItem::Shape;
 using Unit = LayoutItem::Unit;
 
 constexpr int kMarkerCode = 100;
+constexpr int kEmbeddedCode = 101;
 constexpr std::size_t kPieceLength = 250;  // of a text in pieces, in characters
 constexpr std::size_t kChunk = 127;        // of bytes in a tag
 
@@ -82,6 +83,10 @@ LayoutItem itemOf(std::string_view word) {
     item.shape = word == "[" ? Shape::SequenceBegin : Shape::SequenceEnd;
     return item;
   }
+  if (word == "~") {
+    item.shape = Shape::Embedded;
+    return item;
+  }
   if (word.front() == '@') {
     item.shape = Shape::Marker;
     item.text = word.substr(1);
@@ -129,6 +134,9 @@ LayoutItem itemOf(std::string_view word) {
         item.shape = Shape::Constant;
         item.text = word.substr(at);
         at = word.size();
+        break;
+      case '+':
+        item.since = numberAt(word, at) == 2000 ? dxf::Version::R2000 : dxf::Version::R2010;
         break;
       case '&':
         item.conditionKey = numberAt(word, at);
@@ -303,6 +311,8 @@ void DxfLayout::write(const RecordValues& values, const DrawingFacts& facts,
           dxf::putInteger(bytes, item.code, std::atoi(item.text.c_str()), facts.format);
         }
         break;
+      case Shape::Embedded:
+        break;
       case Shape::SequenceBegin:
         writeSequence(i + 1, values, facts, bytes);
         i = endOfSequence(i);
@@ -361,14 +371,22 @@ class TagWalk {
         (*m_used)[i] = true;
         m_begin = i + 1;
         m_end = m_begin;
-        while (m_end < m_tags->size() && (*m_tags)[m_end].code != kMarkerCode) {
-          ++m_end;
-        }
+        endAtMarker();
         return true;
       }
     }
     m_begin = m_end = m_tags->size();
     return false;
+  }
+  /// From now on the tags of the embedded object count, where there is one.
+  void enterEmbedded() {
+    m_begin = m_end;
+    if (m_end < m_tags->size() && (*m_tags)[m_end].code == kEmbeddedCode) {
+      ++m_end;
+      endAtMarker();
+    } else {
+      m_end = m_begin;
+    }
   }
 
   /// The next tag with this code that is not used yet; m_tags->size() for none.
@@ -427,6 +445,13 @@ class TagWalk {
   }
 
  private:
+  void endAtMarker() {
+    while (m_end < m_tags->size() && (*m_tags)[m_end].code != kMarkerCode &&
+           (*m_tags)[m_end].code != kEmbeddedCode) {
+      ++m_end;
+    }
+  }
+
   const std::vector<dxf::TagView>* m_tags;
   std::vector<bool>* m_used;
   std::size_t m_begin = 0;
@@ -491,9 +516,15 @@ class FieldReader {
     return false;
   }
 
-  void addPieces(const LayoutItem& item, const std::wstring& text) {
+  void addPieces(const LayoutItem& item, const std::vector<dxf::TagView>& pieces) {
     const Value* const former = m_originals.take(item.key);
-    if (former != nullptr && m_original->textOf(*former) == text) {
+    std::string given;
+    std::wstring text;
+    for (const dxf::TagView& piece : pieces) {
+      given += valueBytes(item, piece.code, piece);
+      text += dxf::textOf(piece, m_facts->format);
+    }
+    if (former != nullptr && spelling(item, item.code, *former) == given) {
       m_values->addFrom(*m_original, *former);
     } else {
       m_values->addText(item.key, text);
@@ -604,6 +635,9 @@ bool DxfLayout::read(const std::vector<dxf::TagView>& tags, const RecordValues& 
       case Shape::Constant:
         walk.take(item.code);
         break;
+      case Shape::Embedded:
+        walk.enterEmbedded();
+        break;
       case Shape::SequenceBegin: {
         const std::size_t end = endOfSequence(i);
         const std::span sequence(m_items.data() + i + 1, end - i - 1);
@@ -633,14 +667,14 @@ bool DxfLayout::read(const std::vector<dxf::TagView>& tags, const RecordValues& 
         break;
       default: {
         if (item.unit == Unit::Pieces) {
-          std::wstring text;
+          std::vector<dxf::TagView> pieces;
           while (const dxf::TagView* piece = walk.take(item.pieceCode)) {
-            text += dxf::textOf(*piece, facts.format);
+            pieces.push_back(*piece);
           }
           if (const dxf::TagView* last = walk.take(item.code)) {
-            text += dxf::textOf(*last, facts.format);
+            pieces.push_back(*last);
           }
-          reader.addPieces(item, text);
+          reader.addPieces(item, pieces);
           break;
         }
         if (item.unit == Unit::Bytes) {
@@ -651,7 +685,8 @@ bool DxfLayout::read(const std::vector<dxf::TagView>& tags, const RecordValues& 
           reader.addBytes(item, std::move(bytes));
           break;
         }
-        if (item.conditionKey != 0 && !reader.hasOtherThanZero(item.conditionKey)) {
+        const bool isTooNew = facts.format.version < item.since;
+        if (isTooNew || (item.conditionKey != 0 && !reader.hasOtherThanZero(item.conditionKey))) {
           reader.keep(item);
           break;
         }

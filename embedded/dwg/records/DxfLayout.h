@@ -15,6 +15,8 @@
 //   1t3            a text in pieces: as many 3 as it takes, then 1
 //   310b           bytes, in as many tags as it takes
 //   66=1           this tag always
+//   280+2010       since that release (2000 or 2010): before, the code has its second meaning alone
+//   ~              from here on the tags of the embedded object (group 101)
 //   75&74          only where the last field 74 is not 0
 //   40?!0          written always, but may be missing in what is read
 //   ( 10q 42?0 )   these again and again, as long as there is another of the first
@@ -35,7 +37,7 @@ namespace quoin::dwg {
 
 struct LayoutItem {
   enum class Shape : std::uint8_t { Marker, Tag, Point2, Point3, Constant, GroupBegin, GroupEnd,
-                                   SequenceBegin, SequenceEnd, Any };
+                                   SequenceBegin, SequenceEnd, Any, Embedded };
   enum class Unit : std::uint8_t { Plain, Angle, LineWeight, Pieces, Bytes };
 
   Shape shape = Shape::Tag;
@@ -47,6 +49,7 @@ struct LayoutItem {
   bool isAlwaysWritten = false;
   int conditionKey = 0;      // 0: none
   bool isCondition = false;  // of another item
+  dxf::Version since = dxf::Version::Unknown;
   std::string text;             // Marker: its name; a table's name; Constant: its value
   std::wstring missingName;     // what is left out, of names and texts
   double missing[3] = {0, 0, 0};  // of numbers and points

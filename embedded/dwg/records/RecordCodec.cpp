@@ -150,8 +150,13 @@ TagParts partsOf(std::string_view tags, const dxf::Format& format) {
   dxf::TagCursor cursor(tags, format);
   dxf::TagView tag;
   bool isInFront = true;
+  bool isFree = false;  // the tags of an XRECORD may be any
   std::string_view group;
   while (cursor.next(tag)) {
+    if (isFree && tag.code != kFirstExtendedCode + 1) {
+      parts.fields.push_back(tag);
+      continue;
+    }
     if (tag.code >= kFirstExtendedCode) {
       parts.extendedData = tags.substr(tag.begin);
       break;
@@ -168,6 +173,7 @@ TagParts partsOf(std::string_view tags, const dxf::Format& format) {
       }
     } else if (tag.code == kMarkerCode || !isInFront) {
       isInFront = false;
+      isFree = tag.code == kMarkerCode && dxf::trimmedValue(tag) == "AcDbXrecord";
       parts.fields.push_back(tag);
     } else if (tag.code == 330) {
       parts.owner = dxf::handleOf(tag, format);

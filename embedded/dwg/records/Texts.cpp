@@ -317,17 +317,17 @@ void codeAttributeDefinition(RecordCoder& coder, const DrawingFacts& facts) {
   "@AcDbText 39?0 10p 40 1 50a?0 41?1 51a?0 7:STYLE?Standard 71?0 72?0 11p 210p?0,0,1 "
 
 #define LINES_LAYOUT                                                                            \
-  "71#7 72#7 11p#7 101#7 10p#-40 40#-40 41#-40 46#-40 71#-40 72#-40 1t3#-40 73#-40 44#-40"
+  "71#7 72#7 11p#7 ~ 101#7 10p#-40 40#-40 41#-40 46#-40 71#-40 72#-40 1t3#-40 73#-40 44#-40"
 
 constexpr Kind kKinds[] = {
     {1, "TEXT", Family::Entity, codeText, TEXT_LAYOUT "@AcDbText 73#1?0"},
     {2, "ATTRIB", Family::Entity, codeAttribute,
-     TEXT_LAYOUT "@AcDbAttribute 280 2 70 73?0 74?0 280#2 " LINES_LAYOUT},
+     TEXT_LAYOUT "@AcDbAttribute 280+2010 2 70 73?0 74?0 280#2 " LINES_LAYOUT},
     {3, "ATTDEF", Family::Entity, codeAttributeDefinition,
-     TEXT_LAYOUT "@AcDbAttributeDefinition 280 3 2 70 73?0 74?0 280#2 " LINES_LAYOUT},
+     TEXT_LAYOUT "@AcDbAttributeDefinition 280+2010 3 2 70 73?0 74?0 280#2 " LINES_LAYOUT},
     {44, "MTEXT", Family::Entity, codeMText,
      "@AcDbMText 10p 40 41 46 71 72 1t3 7:STYLE?Standard 210p?0,0,1 11p?1,0,0 73 44 90?0 "
-     "63 421 45 441 101#2 70#2 10p#2 11p#2 40#2 41#2 42#2 43#2 71#2 72#2 44#2 45#2 73#2 74#2 "
+     "63 421 45 441 ~ 101#2 70#2 10p#2 11p#2 40#2 41#2 42#2 43#2 71#2 72#2 44#2 45#2 73#2 74#2 "
      "( 46#2 )"},
 };
 

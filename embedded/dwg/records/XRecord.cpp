@@ -256,7 +256,7 @@ void codeXRecord(RecordCoder& coder, const DrawingFacts&) {
 }
 
 constexpr Kind kKinds[] = {
-    {79, "XRECORD", Family::Object, codeXRecord, "@AcDbXrecord 280 [ *#3 ]"},
+    {79, "XRECORD", Family::Object, codeXRecord, "@AcDbXrecord 280+2000 [ *#3 ]"},
 };
 
 }  // namespace
