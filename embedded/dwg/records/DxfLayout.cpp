@@ -334,11 +334,16 @@ void DxfLayout::write(const RecordValues& values, const DrawingFacts& facts,
 
 namespace {
 
-/// Goes through the tags of a record by marker and code.
+/// Goes through the tags of a record by marker and code; those in front of the first marker count
+/// from the beginning.
 class TagWalk {
  public:
   TagWalk(const std::vector<dxf::TagView>& tags, std::vector<bool>& used)
-      : m_tags(&tags), m_used(&used) {}
+      : m_tags(&tags), m_used(&used) {
+    while (m_end < tags.size() && tags[m_end].code != kMarkerCode) {
+      ++m_end;
+    }
+  }
 
   /// From now on the tags behind the next marker of this name count. Fails: false for none.
   bool enter(std::string_view marker) {
