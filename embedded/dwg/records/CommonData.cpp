@@ -40,10 +40,10 @@ void codeExtendedData(RecordCoder& coder) {
       return;
     }
     out.bitShort(static_cast<std::uint16_t>(bytes.size()));
-    out.handle(application->reference.code != 0
-                   ? application->reference
-                   : absoluteReference(static_cast<std::uint64_t>(application->integer),
-                                       kHardPointer));
+    out.handle(
+        application->reference.code != 0
+            ? application->reference
+            : absoluteReference(static_cast<std::uint64_t>(application->integer), kHardPointer));
     coder.impliedHandle(kExtendedDataApp, 0);
     coder.bytes(kExtendedDataBytes, bytes.size());
   }
@@ -70,8 +70,7 @@ void codeExtensionDictionary(RecordCoder& coder) {
 }
 
 void codeGraphics(RecordCoder& coder) {
-  const bool hasGraphics =
-      coder.isReading() ? coder.data().bit() : coder.amount(kGraphics) != 0;
+  const bool hasGraphics = coder.isReading() ? coder.data().bit() : coder.amount(kGraphics) != 0;
   if (!coder.isReading()) {
     coder.dataOut().bit(hasGraphics);
   }
@@ -124,10 +123,11 @@ void codeEntityColor(RecordCoder& coder) {
     const auto former = static_cast<std::uint16_t>(coder.nextInteger(kColorCode, 0));
     const bool keepsName =
         coder.amount(kColorHandle) != 0 && (former & kIndexMask) == (index & kIndexMask);
-    const std::int64_t flags = (keepsName ? (former & kTrueColor) | kNamedColor
-                                : coder.nextInteger(common(420), kNoTrueColor) != kNoTrueColor ? kTrueColor
-                                                                      : 0) |
-                               (coder.nextInteger(common(440)) != 0 ? kTransparency : 0);
+    const std::int64_t flags =
+        (keepsName ? (former & kTrueColor) | kNamedColor
+         : coder.nextInteger(common(420), kNoTrueColor) != kNoTrueColor ? kTrueColor
+                                                                        : 0) |
+        (coder.nextInteger(common(440)) != 0 ? kTransparency : 0);
     code = (index & kIndexMask) | flags;
     const Value* const kept = coder.next(kColorCode);
     coder.dataOut().bitShort(static_cast<std::uint16_t>(code),
@@ -182,8 +182,8 @@ void codeLinetype(RecordCoder& coder, const DrawingFacts& facts) {
     const std::uint64_t linetype = coder.nextHandle(key);
     const bool wasNamed = coder.nextInteger(kLinetypeForm, 0) == Named;
     coder.impliedInteger(kLinetypeForm, 0);
-    form = linetype == 0 || linetype == facts.byLayerLinetype ? ByLayer
-           : linetype == facts.byBlockLinetype                ? ByBlock
+    form = linetype == 0 || linetype == facts.byLayerLinetype  ? ByLayer
+           : linetype == facts.byBlockLinetype                 ? ByBlock
            : linetype == facts.continuousLinetype && !wasNamed ? Continuous
                                                                : Named;
     coder.dataOut().bits(static_cast<std::uint32_t>(form), 2);
@@ -208,7 +208,7 @@ void codeOwner(RecordCoder& coder, const DrawingFacts& facts) {
     const std::uint64_t owner = coder.nextHandle(kOwner);
     const bool wasNamed = coder.nextInteger(kEntityMode, PaperSpace) == Named;
     coder.impliedInteger(kEntityMode, 0);
-    mode = wasNamed                   ? Named
+    mode = wasNamed                    ? Named
            : owner == facts.modelSpace ? ModelSpace
            : owner == facts.paperSpace ? PaperSpace
                                        : Named;
@@ -232,7 +232,8 @@ void codeOwner(RecordCoder& coder, const DrawingFacts& facts) {
 }  // namespace
 
 const char* const kEntityLayout =
-    "@AcDbEntity 67#9?0 8#9:LAYER 6#9:LTYPE?ByLayer 347#9?0 62#9?256 420#9?-1 440#9? 48#9?1 60#9?0 370#9w?29 390#9?0 "
+    "@AcDbEntity 67#9?0 8#9:LAYER 6#9:LTYPE?ByLayer 347#9?0 62#9?256 420#9?-1 440#9? 48#9?1 60#9?0 "
+    "370#9w?29 390#9?0 "
     "284#9?0";
 
 std::uint16_t codeHead(RecordCoder& coder, std::uint16_t type) {
@@ -324,7 +325,12 @@ void codeColor(RecordCoder& coder, int key, int trueKey, int hiddenKey) {
 
 namespace {
 
-enum ColorMethod : std::int64_t { ByLayer = 0xC0, ByBlock = 0xC1, TrueColor = 0xC2, Indexed = 0xC3 };
+enum ColorMethod : std::int64_t {
+  ByLayer = 0xC0,
+  ByBlock = 0xC1,
+  TrueColor = 0xC2,
+  Indexed = 0xC3
+};
 constexpr int kMethodShift = 24;
 constexpr std::int64_t kColorValue = 0xFFFFFF;
 
@@ -428,7 +434,8 @@ void codeRawColor(RecordCoder& coder, int key, int hiddenKey) {
   }
   const std::int64_t raw = coder.nextInteger(key);
   coder.impliedInteger(key, 0);
-  if (coder.next(hiddenKey) != nullptr && asSigned(rawOfIndex(coder.nextInteger(hiddenKey))) == raw) {
+  if (coder.next(hiddenKey) != nullptr &&
+      asSigned(rawOfIndex(coder.nextInteger(hiddenKey))) == raw) {
     coder.BS(hiddenKey);
     return;
   }

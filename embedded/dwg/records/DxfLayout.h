@@ -33,8 +33,18 @@
 namespace quoin::dwg {
 
 struct LayoutItem {
-  enum class Shape : std::uint8_t { Marker, Tag, Point2, Point3, Constant, GroupBegin, GroupEnd,
-                                   SequenceBegin, SequenceEnd, Any };
+  enum class Shape : std::uint8_t {
+    Marker,
+    Tag,
+    Point2,
+    Point3,
+    Constant,
+    GroupBegin,
+    GroupEnd,
+    SequenceBegin,
+    SequenceEnd,
+    Any
+  };
   enum class Unit : std::uint8_t { Plain, Angle, LineWeight, Pieces, Bytes };
 
   Shape shape = Shape::Tag;
@@ -44,8 +54,8 @@ struct LayoutItem {
   int pieceCode = 0;  // Pieces
   bool isOptional = false;
   bool isAlwaysWritten = false;
-  std::string text;             // Marker: its name; a table's name; Constant: its value
-  std::wstring missingName;     // what is left out, of names and texts
+  std::string text;               // Marker: its name; a table's name; Constant: its value
+  std::wstring missingName;       // what is left out, of names and texts
   double missing[3] = {0, 0, 0};  // of numbers and points
 };
 

@@ -15,11 +15,10 @@ struct Tables {
   std::unordered_map<std::string_view, std::vector<const Kind*>> byName;
 
   Tables() {
-    for (const auto kinds :
-         {curveKinds(), polylineKinds(), textKinds(), blockKinds(), fillKinds(), hatchKinds(),
-          dimensionKinds(), leaderKinds(), multilineKinds(), viewportKinds(), imageKinds(),
-          tableKinds(), dimensionStyleKinds(), layoutKinds(), freeRecordKinds(),
-          blockDataKinds(), objectKinds()}) {
+    for (const auto kinds : {curveKinds(), polylineKinds(), textKinds(), blockKinds(), fillKinds(),
+                             hatchKinds(), dimensionKinds(), leaderKinds(), multilineKinds(),
+                             viewportKinds(), imageKinds(), tableKinds(), dimensionStyleKinds(),
+                             layoutKinds(), freeRecordKinds(), blockDataKinds(), objectKinds()}) {
       for (const Kind& kind : kinds) {
         if (kind.type != 0) {
           byType.at(kind.type) = &kind;

@@ -63,20 +63,21 @@ enum OwnedKey : int {
   kExternalBlock = -44,
   kHiddenFlags = -45,
   // Of a block header:
-  kBlockFlags = -46,        // group 70 of its BLOCK
-  kBlockBegin = -47,        // BLOCK
-  kBlockEnd = -48,          // ENDBLK
+  kBlockFlags = -46,  // group 70 of its BLOCK
+  kBlockBegin = -47,  // BLOCK
+  kBlockEnd = -48,    // ENDBLK
   kBlockPath = -49,
   kBlockDescription = -50,
-  kBlockInsert = -51,       // references to it
-  kBlockBase = -540,        // and -530, -520
+  kBlockInsert = -51,  // references to it
+  kBlockBase = -540,   // and -530, -520
 };
 
 /// First and last of what an entity owns, or all of it, and what ends them.
 void codeOwned(RecordCoder& coder, std::size_t count);
 /// A bit of its own for one flag of a group that `shown` has as a whole.
 std::int64_t codeFlagBit(RecordCoder& coder, int key, std::int64_t mask, std::int64_t shown);
-/// The bits of a table record that say how it depends on an external reference; its group 70 shows bit 16.
+/// The bits of a table record that say how it depends on an external reference; its group 70 shows
+/// bit 16.
 std::int64_t codeDependence(RecordCoder& coder);
 /// The colour of a layer: 62, negative where the layer is off, and 420.
 void codeLayerColor(RecordCoder& coder, bool isOff, int indexKey, int trueKey, int namesKey);

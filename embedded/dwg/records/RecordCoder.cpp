@@ -13,7 +13,7 @@ namespace {
 using dxf::Version;
 
 constexpr std::uint16_t kLongSize = 0x8000;  // the stream of texts has a size of two shorts
-constexpr int kTerminated = 4;           // added to a text's form: a zero behind it counts
+constexpr int kTerminated = 4;               // added to a text's form: a zero behind it counts
 constexpr std::size_t kLargestSize = std::size_t{1} << 30;
 
 /// Text of these UTF-16 units; pairs of surrogates are joined, lone ones stay.
@@ -288,15 +288,15 @@ namespace {
 
 /// What a writer takes for a whole number: the field, or what it is when it is missing.
 std::int64_t integerOf(const Value* value, std::int64_t missing) {
-  return value == nullptr                        ? missing
+  return value == nullptr                     ? missing
          : value->type == Value::Type::Double ? static_cast<std::int64_t>(value->number)
-                                                 : value->integer;
+                                              : value->integer;
 }
 
 double doubleOf(const Value* value, double missing) {
-  return value == nullptr                         ? missing
+  return value == nullptr                      ? missing
          : value->type == Value::Type::Integer ? static_cast<double>(value->integer)
-                                                  : value->number;
+                                               : value->number;
 }
 
 int formOf(const Value* value) {

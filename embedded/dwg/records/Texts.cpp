@@ -42,7 +42,9 @@ void codeOldText(RecordCoder& coder, int verticalKey) {
 }
 
 std::int64_t omittedOf(RecordCoder& coder, int verticalKey, bool isAligned) {
-  const auto bit = [](bool canOmit, std::int64_t flag) -> std::int64_t { return canOmit ? flag : 0; };
+  const auto bit = [](bool canOmit, std::int64_t flag) -> std::int64_t {
+    return canOmit ? flag : 0;
+  };
   const int alignment = isAligned ? 11 : kUnusedAlignment;
   return coder.nextInteger(kHiddenFlags, 0xFF) &
          (bit(coder.nextDouble(30) == 0.0, kElevation) |
@@ -167,8 +169,8 @@ enum MTextKey : int {
   kDefaultFlag = -176,
   kApplication = -177,
   kSecondAttachment = -178,
-  kSecondDirection = -600,   // and -590, -580
-  kSecondInsertion = -601,   // and -591, -581
+  kSecondDirection = -600,  // and -590, -580
+  kSecondInsertion = -601,  // and -591, -581
   kSecondWidth = -181,
   kSecondHeight = -182,
   kSecondExtentsWidth = -183,
@@ -208,7 +210,8 @@ void codeColumns(RecordCoder& coder) {
   coder.BD(kColumnGutter);
   const bool isAutomatic = coder.B(kColumnAutoHeight) != 0;
   coder.B(kColumnReversed);
-  for (std::size_t i = 0; !isAutomatic && type == kDynamic && i < count && !coder.hasFailed(); ++i) {
+  for (std::size_t i = 0; !isAutomatic && type == kDynamic && i < count && !coder.hasFailed();
+       ++i) {
     coder.BD(kColumnHeight);
   }
 }
