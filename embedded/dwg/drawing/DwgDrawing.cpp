@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <unordered_map>
 #include <utility>
 
 #include "embedded/dwg/records/CommonData.h"
@@ -37,6 +38,18 @@ constexpr std::uint16_t kBlockHeader = 49;
 std::uint16_t typeOf(const RecordView& view, Version version) {
   BitReader reader(view.data, 0, view.data.size() * 8);
   return version >= Version::R2010 ? reader.objectType() : reader.bitShort().value;
+}
+
+/// The material of this name in the dictionary of materials; 0 in any other dictionary.
+std::uint64_t byBlockMaterialIn(const DecodedRecord& dictionary) {
+  const RecordValues& values = dictionary.values;
+  for (std::size_t i = 0; i + 1 < values.size(); ++i) {
+    const bool isEntry = values[i].key == 3 && values[i + 1].type == Value::Type::Handle;
+    if (isEntry && values.textOf(values[i]) == L"ByBlock") {
+      return static_cast<std::uint64_t>(values[i + 1].integer);
+    }
+  }
+  return 0;
 }
 
 RecordSource sourceOf(const RecordView& view) {
@@ -148,6 +161,36 @@ void DwgDrawing::readNames() {
   if (decode(m_controls[kBlocks], record)) {
     m_facts.modelSpace = record.handleAt(kFirstOwned);
     m_facts.paperSpace = record.handleAt(kLastOwned);
+  }
+  for (const std::uint64_t handle : entriesOf(m_controls[kLinetypes])) {
+    if (handle != m_facts.byLayerLinetype && handle != m_facts.byBlockLinetype) {
+      m_facts.linetypes.push_back(handle);
+    }
+  }
+  readObjectFacts();
+}
+
+/// What entities need of objects beside the tables.
+void DwgDrawing::readObjectFacts() {
+  constexpr std::uint16_t kViewport = 34;
+  constexpr std::uint16_t kMultilineStyle = 73;
+  constexpr std::uint16_t kDictionary = 42;
+  std::unordered_map<std::uint64_t, std::int64_t> viewports;  // counted by their owner
+  DecodedRecord record;
+  for (const RecordView& view : m_file.records()) {
+    const std::uint16_t type = typeOf(view, m_file.version());
+    const auto found = m_classes.find(type);
+    const std::string_view name =
+        found == m_classes.end() ? std::string_view() : std::string_view(found->second.dxfName);
+    if (type == kViewport && decode(view.handle, record)) {
+      m_facts.viewportNumbers[view.handle] = ++viewports[record.handleAt(kOwner)];
+    } else if (type == kMultilineStyle && decode(view.handle, record)) {
+      m_facts.name("MLINESTYLE", view.handle, textAt(record, 2));
+    } else if (name == "DBCOLOR" && decode(view.handle, record) && record.isWhole) {
+      m_facts.bookColors[view.handle] = {integerAt(record, 420), textAt(record, 430)};
+    } else if (type == kDictionary && m_facts.byBlockMaterial == 0 && decode(view.handle, record)) {
+      m_facts.byBlockMaterial = byBlockMaterialIn(record);
+    }
   }
 }
 

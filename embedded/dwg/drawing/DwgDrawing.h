@@ -51,6 +51,7 @@ class HOST_API DwgDrawing {
   void readSections();
   void findTables();
   void readNames();
+  void readObjectFacts();
   void nameBlocks();
 
   void writeHeader(std::string& bytes) const;

@@ -1,6 +1,9 @@
 // What belongs to blocks and colours beside them: draw order, clipping, colours of a book.
 //
 // Source: Open Design Specification for .dwg files, chapters of these objects.
+#include <string>
+#include <utility>
+
 #include "embedded/dwg/records/CommonData.h"
 #include "embedded/dwg/records/Kinds.h"
 
@@ -41,14 +44,28 @@ void codeSpatialFilter(RecordCoder& coder, const DrawingFacts&) {
 
 void codeBookColor(RecordCoder& coder, const DrawingFacts&) {
   constexpr int kColor = -111;  // to -115
+  constexpr int kOldColor = -121;
+  // DXF shows it from R2004 on.
+  if (!coder.since(dxf::Version::R2004)) {
+    coder.BS(kOldColor);
+    return;
+  }
   codeShownColor(coder, 62, 420, kColor);
+  if (coder.isReading() && !coder.hasFailed()) {
+    const RecordValues& values = coder.values();
+    const Value* const name = values.first(kColor - 3);
+    const Value* const book = values.first(kColor - 4);
+    std::wstring shown = book == nullptr ? std::wstring() : values.textOf(*book) + L'$';
+    shown += name == nullptr ? std::wstring() : values.textOf(*name);
+    coder.impliedText(430, std::move(shown));
+  }
 }
 
 constexpr Kind kKinds[] = {
     {0, "SORTENTSTABLE", Family::Object, codeDrawOrder, "@AcDbSortentsTable 330 ( 331 5#1 )"},
     {0, "SPATIAL_FILTER", Family::Object, codeSpatialFilter,
      "@AcDbFilter @AcDbSpatialFilter 70 ( 10q ) 210p 11p 71 72 40 73 41 ( 40#1 )"},
-    {0, "DBCOLOR", Family::Object, codeBookColor, "@AcDbColor 62 420"},
+    {0, "DBCOLOR", Family::Object, codeBookColor, "@AcDbColor 62 420 430?"},
 };
 
 }  // namespace

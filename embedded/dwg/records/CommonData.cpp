@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "dbcolor.h"
+
 namespace quoin::dwg {
 namespace {
 
@@ -14,6 +16,14 @@ constexpr std::int64_t kTransparency = 0x2000;
 constexpr std::int64_t kIndexMask = 0x1FFF;
 constexpr std::int64_t kByLayer = 256;
 constexpr std::int64_t kNoTrueColor = -1;
+
+enum ColorMethod : std::int64_t { ByLayer = 0xC0, ByBlock = 0xC1, TrueColor = 0xC2, Indexed = 0xC3 };
+constexpr int kMethodShift = 24;
+constexpr std::int64_t kColorValue = 0xFFFFFF;
+
+std::int64_t rawOfColor(std::int64_t rgb) {
+  return TrueColor << kMethodShift | (rgb & kColorValue);
+}
 
 constexpr int kMostExtendedData = 0x7FFF;
 
@@ -70,7 +80,12 @@ void codeExtensionDictionary(RecordCoder& coder) {
 }
 
 void codeGraphics(RecordCoder& coder) {
+<<<<<<< HEAD
   const bool hasGraphics = coder.isReading() ? coder.data().bit() : coder.amount(kGraphics) != 0;
+=======
+  const bool hasGraphics =
+      coder.isReading() ? coder.data().bit() : !coder.nextBytes(kGraphics).empty();
+>>>>>>> dwgkinds
   if (!coder.isReading()) {
     coder.dataOut().bit(hasGraphics);
   }
@@ -89,28 +104,42 @@ void codeGraphics(RecordCoder& coder) {
   } else {
     coder.dataOut().rawLong(static_cast<std::uint32_t>(size));
   }
+  coder.impliedInteger(common(coder.since(Version::R2010) ? 160 : 92),
+                       static_cast<std::int64_t>(size));
   coder.bytes(kGraphics, size);
 }
 
-/// Red, green and blue below a byte that says that they are that.
+/// The value of a true colour; DXF shows red, green and blue of it.
 void codeTrueColor(RecordCoder& coder) {
-  constexpr std::int64_t kIsTrue = 0xC2000000;
-  constexpr std::int64_t kRedGreenBlue = 0xFFFFFF;
   if (coder.isReading()) {
-    coder.impliedInteger(common(420), coder.BL(kTrueColorCode) & kRedGreenBlue);
+    coder.impliedInteger(common(420), coder.BL(kTrueColorCode) & kColorValue);
     return;
   }
-  const std::int64_t former = coder.nextInteger(kTrueColorCode, kIsTrue);
-  const std::int64_t shown = coder.nextInteger(common(420));
+  const std::int64_t shown = coder.nextInteger(common(420)) & kColorValue;
   coder.impliedInteger(common(420), 0);
-  coder.dataOut().bitLong(static_cast<std::uint32_t>((former & ~kRedGreenBlue) | shown));
+  if (coder.next(kTrueColorCode) != nullptr &&
+      (coder.nextInteger(kTrueColorCode) & kColorValue) == shown) {
+    coder.BL(kTrueColorCode);
+  } else {
+    coder.impliedInteger(kTrueColorCode, 0);
+    coder.dataOut().bitLong(static_cast<std::uint32_t>(rawOfColor(shown)));
+  }
 }
 
-/// The colour of an entity: its index with flags above it, and what these flags ask for.
-void codeEntityColor(RecordCoder& coder) {
+/// Whether the colour is still that of the record of a colour book.
+bool isBookColor(RecordCoder& coder, const DrawingFacts& facts) {
+  const std::uint64_t handle = coder.nextHandle(kColorHandle);
+  const auto found = facts.bookColors.find(handle);
+  return handle != 0 && (found == facts.bookColors.end() ||
+                         coder.nextInteger(common(420), kNoTrueColor) == found->second.rgb);
+}
+
+/// The colour of an entity: its index with flags above it, and what these flags ask for. Returns
+/// whether it is in a colour book, whose record the handle names.
+bool codeEntityColor(RecordCoder& coder, const DrawingFacts& facts) {
   if (!coder.since(Version::R2004)) {
     coder.BS(common(62), kByLayer);
-    return;
+    return false;
   }
   std::int64_t code = 0;
   if (coder.isReading()) {
@@ -120,6 +149,7 @@ void codeEntityColor(RecordCoder& coder) {
     // What the file says stays as long as it still says the same.
     const std::int64_t index = coder.nextInteger(common(62), kByLayer);
     coder.impliedInteger(common(62), 0);
+<<<<<<< HEAD
     const auto former = static_cast<std::uint16_t>(coder.nextInteger(kColorCode, 0));
     const bool keepsName =
         coder.amount(kColorHandle) != 0 && (former & kIndexMask) == (index & kIndexMask);
@@ -129,17 +159,23 @@ void codeEntityColor(RecordCoder& coder) {
                                                                         : 0) |
         (coder.nextInteger(common(440)) != 0 ? kTransparency : 0);
     code = (index & kIndexMask) | flags;
+=======
+    const auto former = static_cast<std::uint16_t>(coder.nextInteger(kColorCode, -1));
+    const bool isBook = isBookColor(coder, facts);
+    const bool isTrue = isBook ? coder.next(kColorCode) != nullptr && (former & kTrueColor) != 0
+                               : coder.nextInteger(common(420), kNoTrueColor) != kNoTrueColor;
+    code = (index & kIndexMask) | (isTrue ? kTrueColor : 0) | (isBook ? kNamedColor : 0) |
+           (coder.nextInteger(common(440)) != 0 ? kTransparency : 0);
+>>>>>>> dwgkinds
     const Value* const kept = coder.next(kColorCode);
     coder.dataOut().bitShort(static_cast<std::uint16_t>(code),
                              kept != nullptr && former == code ? kept->form : -1);
     coder.impliedInteger(kColorCode, 0);
   }
-  if ((code & kNamedColor) != 0) {
-    coder.H(kColorHandle, kHardPointer);
-  }
-  if ((code & (kTrueColor | kNamedColor)) == kTrueColor) {
+  const bool isNamed = (code & kNamedColor) != 0;
+  if ((code & kTrueColor) != 0 && !isNamed) {
     codeTrueColor(coder);
-  } else {
+  } else if (!isNamed) {
     coder.impliedInteger(common(420), kNoTrueColor);
   }
   if ((code & kTransparency) != 0) {
@@ -147,23 +183,29 @@ void codeEntityColor(RecordCoder& coder) {
   } else {
     coder.impliedInteger(common(440), 0);
   }
+  return isNamed;
 }
 
 /// A reference that two bits may stand for: 0 by layer, 1 by block, 3 a handle.
-void codeFormOrHandle(RecordCoder& coder, int formKey, int key) {
+void codeFormOrHandle(RecordCoder& coder, int formKey, int key, std::uint64_t byBlock) {
+  constexpr std::int64_t kByBlock = 1;
   constexpr std::int64_t kNamed = 3;
   std::int64_t form = 0;
   if (coder.isReading()) {
     form = coder.BB(formKey);
   } else {
-    const bool isNamed = coder.nextHandle(key) != 0;
+    const bool isByBlock = byBlock != 0 && coder.nextHandle(key) == byBlock &&
+                           coder.nextInteger(formKey, kNamed) != kNamed;
+    const bool isNamed = coder.nextHandle(key) != 0 && !isByBlock;
     form = isNamed ? kNamed : coder.nextInteger(formKey);
-    form = !isNamed && form == kNamed ? 0 : form;
+    form = isByBlock ? kByBlock : !isNamed && form == kNamed ? 0 : form;
     coder.impliedInteger(formKey, 0);
     coder.dataOut().bits(static_cast<std::uint32_t>(form), 2);
   }
   if (form == kNamed) {
     coder.H(key, kHardPointer);
+  } else if (form == kByBlock && byBlock != 0) {
+    coder.impliedHandle(key, byBlock);
   }
 }
 
@@ -182,8 +224,17 @@ void codeLinetype(RecordCoder& coder, const DrawingFacts& facts) {
     const std::uint64_t linetype = coder.nextHandle(key);
     const bool wasNamed = coder.nextInteger(kLinetypeForm, 0) == Named;
     coder.impliedInteger(kLinetypeForm, 0);
+<<<<<<< HEAD
     form = linetype == 0 || linetype == facts.byLayerLinetype  ? ByLayer
            : linetype == facts.byBlockLinetype                 ? ByBlock
+=======
+    // A file may name the linetype that two bits could stand for.
+    const Value* const kept = coder.next(key);
+    const bool isNamed = wasNamed && kept != nullptr && kept->reference.code != 0;
+    form = isNamed                                              ? Named
+           : linetype == 0 || linetype == facts.byLayerLinetype ? ByLayer
+           : linetype == facts.byBlockLinetype                ? ByBlock
+>>>>>>> dwgkinds
            : linetype == facts.continuousLinetype && !wasNamed ? Continuous
                                                                : Named;
     coder.dataOut().bits(static_cast<std::uint32_t>(form), 2);
@@ -232,9 +283,14 @@ void codeOwner(RecordCoder& coder, const DrawingFacts& facts) {
 }  // namespace
 
 const char* const kEntityLayout =
+<<<<<<< HEAD
     "@AcDbEntity 67#9?0 8#9:LAYER 6#9:LTYPE?ByLayer 347#9?0 62#9?256 420#9?-1 440#9? 48#9?1 60#9?0 "
     "370#9w?29 390#9?0 "
     "284#9?0";
+=======
+    "@AcDbEntity 67#9?0 8#9:LAYER 6#9:LTYPE?ByLayer 347#9?0 62#9?256 420#9?-1 430#9? 440#9? 48#9?1 "
+    "60#9?0 370#9w?29 390#9?0 284#9?0 92#9 160#9 310#9b";
+>>>>>>> dwgkinds
 
 std::uint16_t codeHead(RecordCoder& coder, std::uint16_t type) {
   type = coder.objectType(type);
@@ -251,8 +307,28 @@ std::uint16_t codeHead(RecordCoder& coder, std::uint16_t type) {
   return type;
 }
 
+namespace {
+
+/// DXF shows red, green, blue and name of a colour that DWG refers to.
+void codeBookColor(RecordCoder& coder, const DrawingFacts& facts) {
+  const std::uint64_t handle = coder.H(kColorHandle, kHardPointer);
+  const auto found = facts.bookColors.find(handle);
+  if (found == facts.bookColors.end()) {
+    coder.impliedInteger(common(420), kNoTrueColor);
+  } else {
+    coder.impliedInteger(common(420), found->second.rgb);
+    coder.impliedText(common(430), found->second.name);
+  }
+}
+
+}  // namespace
+
 void codeEntity(RecordCoder& coder, const DrawingFacts& facts) {
   codeGraphics(coder);
+  codeEmbeddedEntity(coder, facts);
+}
+
+void codeEmbeddedEntity(RecordCoder& coder, const DrawingFacts& facts) {
   if (!coder.since(Version::R2000)) {
     coder.sizeInBits();
   }
@@ -273,7 +349,9 @@ void codeEntity(RecordCoder& coder, const DrawingFacts& facts) {
       coder.H(kNext, kSoftPointer);
     }
   }
-  codeEntityColor(coder);
+  if (codeEntityColor(coder, facts)) {
+    codeBookColor(coder, facts);
+  }
   coder.BD(common(48), 1.0);
   if (!coder.since(Version::R2000)) {
     coder.BS(common(60));
@@ -282,10 +360,10 @@ void codeEntity(RecordCoder& coder, const DrawingFacts& facts) {
   coder.H(common(8), kHardPointer);
   codeLinetype(coder, facts);
   if (coder.since(Version::R2007)) {
-    codeFormOrHandle(coder, kMaterialForm, common(347));
+    codeFormOrHandle(coder, kMaterialForm, common(347), facts.byBlockMaterial);
     coder.RC(common(284));
   }
-  codeFormOrHandle(coder, kPlotStyleForm, common(390));
+  codeFormOrHandle(coder, kPlotStyleForm, common(390), 0);
   if (coder.since(Version::R2010)) {
     for (int i = 0; i < 3; ++i) {
       if (coder.B(kHasVisualStyles) != 0) {
@@ -325,6 +403,7 @@ void codeColor(RecordCoder& coder, int key, int trueKey, int hiddenKey) {
 
 namespace {
 
+<<<<<<< HEAD
 enum ColorMethod : std::int64_t {
   ByLayer = 0xC0,
   ByBlock = 0xC1,
@@ -334,6 +413,8 @@ enum ColorMethod : std::int64_t {
 constexpr int kMethodShift = 24;
 constexpr std::int64_t kColorValue = 0xFFFFFF;
 
+=======
+>>>>>>> dwgkinds
 std::int64_t methodOf(std::int64_t raw) {
   return raw >> kMethodShift & 0xFF;
 }
@@ -345,7 +426,6 @@ std::int64_t rawOfIndex(std::int64_t index) {
 }
 
 std::int64_t indexOfRaw(std::int64_t raw, std::int64_t stored) {
-  constexpr std::int64_t kWhite = 7;
   switch (methodOf(raw)) {
     case ByLayer:
       return kByLayer;
@@ -354,7 +434,7 @@ std::int64_t indexOfRaw(std::int64_t raw, std::int64_t stored) {
     case Indexed:
       return raw & 0xFF;
     default:
-      return stored != 0 ? stored : kWhite;
+      return stored != 0 ? stored : nearestIndex(raw);
   }
 }
 
@@ -374,6 +454,12 @@ std::int64_t asSigned(std::int64_t raw) {
 }
 
 }  // namespace
+
+std::int64_t nearestIndex(std::int64_t rgb) {
+  return AcCmEntityColor::lookUpACI(static_cast<Adesk::UInt8>(rgb >> 16),
+                                    static_cast<Adesk::UInt8>(rgb >> 8),
+                                    static_cast<Adesk::UInt8>(rgb));
+}
 
 void codeShownColor(RecordCoder& coder, int indexKey, int trueKey, int hiddenKey) {
   const int rawKey = hiddenKey - 1;
@@ -400,8 +486,7 @@ void codeShownColor(RecordCoder& coder, int indexKey, int trueKey, int hiddenKey
   if (coder.next(rawKey) != nullptr && staysIndex && staysTrue) {
     coder.BS(hiddenKey);
     if (wasTrue && trueColor != nullptr && (formerRaw & kColorValue) != trueColor->integer) {
-      coder.dataOut().bitLong(static_cast<std::uint32_t>(TrueColor << kMethodShift |
-                                                         (trueColor->integer & kColorValue)));
+      coder.dataOut().bitLong(static_cast<std::uint32_t>(rawOfColor(trueColor->integer)));
       coder.impliedInteger(rawKey, 0);
     } else {
       coder.BL(rawKey);
@@ -411,7 +496,7 @@ void codeShownColor(RecordCoder& coder, int indexKey, int trueKey, int hiddenKey
     coder.impliedInteger(rawKey, 0);
     coder.dataOut().bitShort(0);
     coder.dataOut().bitLong(static_cast<std::uint32_t>(
-        trueColor != nullptr ? TrueColor << kMethodShift | (trueColor->integer & kColorValue)
+        trueColor != nullptr ? rawOfColor(trueColor->integer)
                              : rawOfIndex(index)));
   }
   coder.impliedInteger(indexKey, 0);

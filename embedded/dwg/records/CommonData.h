@@ -14,8 +14,12 @@ namespace quoin::dwg {
 enum CommonKey : int {
   kExtendedDataApp = -1,  // once for each application, with its bytes
   kExtendedDataBytes = -2,
+<<<<<<< HEAD
   kGraphics = -3,    // the picture of a proxy
   kEntityMode = -4,  // 0: owner named, 1: paper space, 2: model space
+=======
+  kEntityMode = -4,          // 0: owner named, 1: paper space, 2: model space
+>>>>>>> dwgkinds
   kOwner = -5,
   kReactorCount = -6,
   kReactor = -7,
@@ -41,6 +45,7 @@ enum CommonKey : int {
 inline constexpr int common(int code) {
   return code + kCommon;
 }
+inline constexpr int kGraphics = common(310);  // the picture of a proxy
 
 /// How DXF spells the tags behind the marker AcDbEntity.
 extern const char* const kEntityLayout;
@@ -56,6 +61,10 @@ void codeObject(RecordCoder& coder);
 /// place of its last digits' 60 and 430 for true colour and name where `trueKey`, `nameKey` say.
 void codeColor(RecordCoder& coder, int key, int trueKey, int hiddenKey);
 
+/// The same without the picture of a proxy: what a text within an attribute has.
+void codeEmbeddedEntity(RecordCoder& coder, const DrawingFacts& facts);
+/// The palette's nearest index to red, green, blue.
+std::int64_t nearestIndex(std::int64_t rgb);
 /// The same as DXF shows it: `indexKey` has 256 by layer, 0 by block or the index, `trueKey` (0:
 /// not shown) red, green and blue where the colour is one; what the file says under five hidden
 /// keys from `hiddenKey` downwards.

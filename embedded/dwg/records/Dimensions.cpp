@@ -144,8 +144,9 @@ void codeAngular2Line(RecordCoder& coder, const DrawingFacts&) {
 void codeCircular(RecordCoder& coder, std::int64_t type) {
   std::int64_t flags = 0;
   codeBegin(coder, flags);
-  coder.point3BD(10);
-  coder.point3BD(15);
+  // A diameter has its points the other way round.
+  coder.point3BD(type == Diametric ? 15 : 10);
+  coder.point3BD(type == Diametric ? 10 : 15);
   coder.BD(40);
   codeEnd(coder, flags | type);
 }

@@ -26,6 +26,12 @@ struct BlockFacts {
   std::wstring description;
 };
 
+/// A colour of a colour book.
+struct BookColor {
+  std::int64_t rgb = 0;
+  std::wstring name;  // book, dollar sign, name in it
+};
+
 class HOST_API DrawingFacts {
  public:
   dxf::Format format;  // of the tags
@@ -37,10 +43,12 @@ class HOST_API DrawingFacts {
   std::uint64_t byBlockLinetype = 0;
   std::uint64_t continuousLinetype = 0;
 
+  std::uint64_t byBlockMaterial = 0;     // the MATERIAL of this name, from R2007 on
   std::vector<std::uint64_t> linetypes;  // in the order of their table, without those two
   /// Of each viewport its number in its layout, from 1 on: DXF has it, DWG the order alone.
   std::unordered_map<std::uint64_t, std::int64_t> viewportNumbers;
 
+  std::unordered_map<std::uint64_t, BookColor> bookColors;  // by the handle of the DBCOLOR
   std::unordered_map<std::uint64_t, BlockFacts> blocks;  // by the handle of the header
 
   /// Enters a record of a table ("LAYER", "LTYPE", "STYLE", "BLOCK_RECORD", ...) or a named

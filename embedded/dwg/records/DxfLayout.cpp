@@ -8,6 +8,7 @@
 #include <numbers>
 #include <optional>
 #include <span>
+#include <unordered_map>
 
 #include "embedded/os/CaseFold.h"
 
@@ -129,6 +130,9 @@ LayoutItem itemOf(std::string_view word) {
         item.text = word.substr(at);
         at = word.size();
         break;
+      case '&':
+        item.conditionKey = numberAt(word, at);
+        break;
       case '?':
         readMissing(word.substr(at), item);
         at = word.size();
@@ -248,6 +252,11 @@ DxfLayout::DxfLayout(std::string_view text) {
     }
     text.remove_prefix(end);
   }
+  for (LayoutItem& item : m_items) {
+    item.isCondition = std::any_of(m_items.begin(), m_items.end(), [&](const LayoutItem& other) {
+      return other.conditionKey == item.key && item.key != 0;
+    });
+  }
 }
 
 std::size_t DxfLayout::endOfSequence(std::size_t begin) const {
@@ -279,6 +288,7 @@ void DxfLayout::writeSequence(std::size_t begin, const RecordValues& values,
 void DxfLayout::write(const RecordValues& values, const DrawingFacts& facts,
                       std::string& bytes) const {
   ValueCursor cursor(values);
+  std::unordered_map<int, std::int64_t> lastOf;
   std::size_t groupBegin = 0;
   for (std::size_t i = 0; i < m_items.size(); ++i) {
     const LayoutItem& item = m_items[i];
@@ -314,12 +324,20 @@ void DxfLayout::write(const RecordValues& values, const DrawingFacts& facts,
         const std::size_t size = sizeOf(item.shape);
         std::array<const Value*, 3> parts{};
         bool isMissing = item.isOptional && !item.isAlwaysWritten;
-        bool isThere = true;
+        bool isThere = item.conditionKey == 0 || lastOf[item.conditionKey] != 0;
         for (std::size_t part = 0; part < size; ++part) {
           parts[part] = cursor.take(item.key + 10 * static_cast<int>(part));
           isThere = isThere && parts[part] != nullptr;
+<<<<<<< HEAD
           isMissing =
               isMissing && isThere && isMissingValue(item, part, *parts[part], values, facts);
+=======
+          if (item.isCondition && parts[part] != nullptr) {
+            lastOf[item.key] = parts[part]->integer;
+          }
+          isMissing = isMissing && isThere &&
+                      isMissingValue(item, part, *parts[part], values, facts);
+>>>>>>> dwgkinds
         }
         for (std::size_t part = 0; isThere && !isMissing && part < size; ++part) {
           putValue(item, item.code + 10 * static_cast<int>(part), *parts[part], values, facts,
@@ -454,8 +472,12 @@ class FieldReader {
     } else if (former != nullptr && former->type == Value::Type::Text) {
       m_values->addText(key, item.missingName);
     } else if (dxf::tagType(item.code) == dxf::TagType::Double) {
+<<<<<<< HEAD
       m_values->addDouble(
           key, item.unit == Unit::Angle ? toRadians(item.missing[part]) : item.missing[part]);
+=======
+      m_values->addDouble(key, item.missing[part]);
+>>>>>>> dwgkinds
     } else if (dxf::tagType(item.code) == dxf::TagType::Text) {
       m_values->addText(key, item.missingName);
     } else if (dxf::tagType(item.code) == dxf::TagType::Handle) {
@@ -463,6 +485,25 @@ class FieldReader {
     } else if (item.unit != Unit::Bytes) {
       m_values->addInteger(key, static_cast<std::int64_t>(item.missing[part]));
     }
+  }
+
+  /// A tag that is not there because of another one.
+  void keep(const LayoutItem& item) {
+    for (std::size_t part = 0; part < sizeOf(item.shape); ++part) {
+      const Value* const former = m_originals.take(item.key + 10 * static_cast<int>(part));
+      if (former != nullptr) {
+        m_values->addFrom(*m_original, *former);
+      }
+    }
+  }
+  /// Whether the last field with this key is not 0.
+  bool hasOtherThanZero(int key) const {
+    for (std::size_t i = m_values->size(); i-- != 0;) {
+      if ((*m_values)[i].key == key) {
+        return (*m_values)[i].integer != 0;
+      }
+    }
+    return false;
   }
 
   void addPieces(const LayoutItem& item, const std::wstring& text) {
@@ -624,6 +665,10 @@ bool DxfLayout::read(const std::vector<dxf::TagView>& tags, const RecordValues& 
             bytes += dxf::binaryOf(*chunk, facts.format);
           }
           reader.addBytes(item, std::move(bytes));
+          break;
+        }
+        if (item.conditionKey != 0 && !reader.hasOtherThanZero(item.conditionKey)) {
+          reader.keep(item);
           break;
         }
         const bool isFirstOfGroup = isInGroup && i == groupBegin + 1;

@@ -15,6 +15,7 @@
 //   1t3            a text in pieces: as many 3 as it takes, then 1
 //   310b           bytes, in as many tags as it takes
 //   66=1           this tag always
+//   75&74          only where the last field 74 is not 0
 //   40?!0          written always, but may be missing in what is read
 //   ( 10q 42?0 )   these again and again, as long as there is another of the first
 //   [ 92 10q 40 ]  these in the order in which the record has them, from the first of them on
@@ -54,8 +55,15 @@ struct LayoutItem {
   int pieceCode = 0;  // Pieces
   bool isOptional = false;
   bool isAlwaysWritten = false;
+<<<<<<< HEAD
   std::string text;               // Marker: its name; a table's name; Constant: its value
   std::wstring missingName;       // what is left out, of names and texts
+=======
+  int conditionKey = 0;      // 0: none
+  bool isCondition = false;  // of another item
+  std::string text;             // Marker: its name; a table's name; Constant: its value
+  std::wstring missingName;     // what is left out, of names and texts
+>>>>>>> dwgkinds
   double missing[3] = {0, 0, 0};  // of numbers and points
 };
 

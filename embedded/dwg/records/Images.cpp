@@ -9,21 +9,66 @@ namespace {
 
 using dxf::Version;
 
+constexpr int kCorner = 14;
+
+/// Whether the points end where they begin.
+bool isClosed(const RecordValues& values) {
+  const Value* firsts[2] = {};
+  const Value* lasts[2] = {};
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const int axis = (values[i].key - kCorner) / 10;
+    if (values[i].key == kCorner || values[i].key == kCorner + 10) {
+      firsts[axis] = firsts[axis] == nullptr ? &values[i] : firsts[axis];
+      lasts[axis] = &values[i];
+    }
+  }
+  return firsts[1] != nullptr && firsts[0] != lasts[0] && firsts[0]->number == lasts[0]->number &&
+         firsts[1]->number == lasts[1]->number;
+}
+
+/// DXF closes a polygon by its first point once more.
+void showClosed(RecordCoder& coder, std::size_t points) {
+  const bool isOpen = points != 0 && !isClosed(coder.values());
+  coder.impliedInteger(91, static_cast<std::int64_t>(points) + (isOpen ? 1 : 0));
+  if (isOpen) {
+    const double x = coder.values().first(kCorner)->number;
+    const double y = coder.values().first(kCorner + 10)->number;
+    coder.implied(kCorner, x);
+    coder.implied(kCorner + 10, y);
+  }
+}
+
+std::size_t codePolygonCount(RecordCoder& coder, int key) {
+  if (coder.isReading()) {
+    return coder.partsBL(key);
+  }
+  const Value* const former = coder.next(key);
+  const std::size_t shown = coder.amount(kCorner);
+  const bool keepsLast = former != nullptr && static_cast<std::size_t>(former->integer) == shown;
+  const std::size_t points = isClosed(coder.wanted()) && !keepsLast ? shown - 1 : shown;
+  coder.dataOut().bitLong(static_cast<std::uint32_t>(points), former == nullptr ? -1 : former->form);
+  return points;
+}
+
 /// The outline of what is shown, in pixels: a rectangle by two corners or a polygon.
 void codeOutline(RecordCoder& coder) {
   constexpr std::int64_t kRectangle = 1;
   constexpr std::int64_t kPolygon = 2;
   constexpr std::int64_t kCorners = 2;
+  constexpr int kPoints = -101;
   const std::int64_t type = coder.BS(71, kRectangle);
   std::size_t points = 0;
   if (type == kRectangle) {
     points = kCorners;
     coder.impliedInteger(91, kCorners);
   } else if (type == kPolygon) {
-    points = coder.countBL(91, 14);
+    points = codePolygonCount(coder, kPoints);
   }
   for (std::size_t i = 0; i < points && !coder.hasFailed(); ++i) {
     coder.point2RD(14);
+  }
+  if (coder.isReading() && type == kPolygon) {
+    showClosed(coder, points);
   }
 }
 

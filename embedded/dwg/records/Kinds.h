@@ -24,6 +24,8 @@ struct Kind {
   void (*code)(RecordCoder& coder, const DrawingFacts& facts) = nullptr;
   /// The tags behind those that all records share (DxfLayout.h).
   const char* layout = "";
+  /// Whether the tags say less than the record does.
+  bool isPartial = false;
 };
 
 std::span<const Kind> curveKinds();
@@ -49,6 +51,8 @@ std::span<const Kind> objectKinds();
 HOST_API const Kind* kindOfType(std::uint16_t type);
 HOST_API const Kind* kindOfClass(std::string_view dxfName);
 
+/// All rows.
+HOST_API const std::vector<const Kind*>& allKinds();
 /// All kinds with this DXF name: there are seven of DIMENSION.
 std::vector<const Kind*> kindsNamed(std::string_view dxfName);
 /// What DXF calls an object type up to 499 that has no row; empty for none.

@@ -8,15 +8,16 @@ namespace {
 
 using dxf::Version;
 
-void codeEntries(RecordCoder& coder) {
+/// `hasFlags`: R14 writes them for the class only that is newer.
+void codeEntries(RecordCoder& coder, bool hasFlags) {
   constexpr int kCount = -301;
   constexpr int kUnknown = -302;
   const std::size_t entries = coder.countBL(kCount, 3);
-  if (coder.version() == Version::R14) {
+  if (coder.version() == Version::R14 && !hasFlags) {
     coder.RC(kUnknown);
   }
   bool ownsHard = false;
-  if (coder.since(Version::R2000)) {
+  if (hasFlags) {
     coder.BS(281, 1);
     ownsHard = coder.RC(280) != 0;
   }
@@ -27,11 +28,11 @@ void codeEntries(RecordCoder& coder) {
 }
 
 void codeDictionary(RecordCoder& coder, const DrawingFacts&) {
-  codeEntries(coder);
+  codeEntries(coder, coder.since(Version::R2000));
 }
 
 void codeDictionaryWithDefault(RecordCoder& coder, const DrawingFacts&) {
-  codeEntries(coder);
+  codeEntries(coder, true);
   coder.H(340, kHardPointer);
 }
 

@@ -222,7 +222,7 @@ void codeFace(RecordCoder& coder, const DrawingFacts&) {
 
 constexpr Kind kKinds[] = {
     {77, "LWPOLYLINE", Family::Entity, codeLightPolyline,
-     "@AcDbPolyline 90 70 43 38?0 39?0 ( 10q 40?0 41?0 42?0 91?0 ) 210p?0,0,1"},
+     "@AcDbPolyline 90 70 43 38?0 39?0 ( 10q 40?!0 41?!0 42?0 91?0 ) 210p?0,0,1"},
     {15, "POLYLINE", Family::Entity, codePolyline2d,
      "@AcDb2dPolyline 66=1 10p 39?0 70?0 40?0 41?0 75?0 210p?0,0,1"},
     {16, "POLYLINE", Family::Entity, codePolyline3d, "@AcDb3dPolyline 66=1 10p 70?0 75?0"},

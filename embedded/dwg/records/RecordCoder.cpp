@@ -106,7 +106,7 @@ bool RecordCoder::hasHandlesLeft() const {
 }
 
 const Value* RecordCoder::take(int key) {
-  return m_cursor.take(key);
+  return m_cursor.take(shifted(key));
 }
 
 // --- streams --------------------------------------------------------------------------------
@@ -308,7 +308,7 @@ int formOf(const Value* value) {
 std::int64_t RecordCoder::B(int key, std::int64_t missing) {
   if (m_isReading) {
     const std::int64_t value = m_data.bit() ? 1 : 0;
-    m_values->addInteger(key, value);
+    m_values->addInteger(shifted(key), value);
     return value;
   }
   const std::int64_t value = integerOf(take(key), missing);
@@ -319,7 +319,7 @@ std::int64_t RecordCoder::B(int key, std::int64_t missing) {
 std::int64_t RecordCoder::BB(int key, std::int64_t missing) {
   if (m_isReading) {
     const std::int64_t value = m_data.bits(2);
-    m_values->addInteger(key, value);
+    m_values->addInteger(shifted(key), value);
     return value;
   }
   const std::int64_t value = integerOf(take(key), missing);
@@ -330,7 +330,7 @@ std::int64_t RecordCoder::BB(int key, std::int64_t missing) {
 std::int64_t RecordCoder::RC(int key, std::int64_t missing) {
   if (m_isReading) {
     const std::int64_t value = m_data.rawChar();
-    m_values->addInteger(key, value);
+    m_values->addInteger(shifted(key), value);
     return value;
   }
   const std::int64_t value = integerOf(take(key), missing);
@@ -341,7 +341,7 @@ std::int64_t RecordCoder::RC(int key, std::int64_t missing) {
 std::int64_t RecordCoder::RS(int key, std::int64_t missing) {
   if (m_isReading) {
     const std::int64_t value = static_cast<std::int16_t>(m_data.rawShort());
-    m_values->addInteger(key, value);
+    m_values->addInteger(shifted(key), value);
     return value;
   }
   const std::int64_t value = integerOf(take(key), missing);
@@ -352,7 +352,7 @@ std::int64_t RecordCoder::RS(int key, std::int64_t missing) {
 std::int64_t RecordCoder::RL(int key, std::int64_t missing) {
   if (m_isReading) {
     const std::int64_t value = static_cast<std::int32_t>(m_data.rawLong());
-    m_values->addInteger(key, value);
+    m_values->addInteger(shifted(key), value);
     return value;
   }
   const std::int64_t value = integerOf(take(key), missing);
@@ -364,7 +364,7 @@ std::int64_t RecordCoder::BS(int key, std::int64_t missing) {
   if (m_isReading) {
     const Coded<std::uint16_t> read = m_data.bitShort();
     const std::int64_t value = static_cast<std::int16_t>(read.value);
-    m_values->addInteger(key, value, read.form);
+    m_values->addInteger(shifted(key), value, read.form);
     return value;
   }
   const Value* const wanted = take(key);
@@ -377,7 +377,7 @@ std::int64_t RecordCoder::BL(int key, std::int64_t missing) {
   if (m_isReading) {
     const Coded<std::uint32_t> read = m_data.bitLong();
     const std::int64_t value = static_cast<std::int32_t>(read.value);
-    m_values->addInteger(key, value, read.form);
+    m_values->addInteger(shifted(key), value, read.form);
     return value;
   }
   const Value* const wanted = take(key);
@@ -400,7 +400,7 @@ std::int64_t RecordCoder::BLL(int key, std::int64_t missing) {
 double RecordCoder::BD(int key, double missing) {
   if (m_isReading) {
     const Coded<double> read = m_data.bitDouble();
-    m_values->addDouble(key, read.value, read.form);
+    m_values->addDouble(shifted(key), read.value, read.form);
     return read.value;
   }
   const Value* const wanted = take(key);
@@ -412,7 +412,7 @@ double RecordCoder::BD(int key, double missing) {
 double RecordCoder::RD(int key, double missing) {
   if (m_isReading) {
     const double value = m_data.rawDouble();
-    m_values->addDouble(key, value);
+    m_values->addDouble(shifted(key), value);
     return value;
   }
   const double value = doubleOf(take(key), missing);
@@ -423,7 +423,7 @@ double RecordCoder::RD(int key, double missing) {
 double RecordCoder::DD(int key, double base) {
   if (m_isReading) {
     const Coded<double> read = m_data.defaultDouble(base);
-    m_values->addDouble(key, read.value, read.form);
+    m_values->addDouble(shifted(key), read.value, read.form);
     return read.value;
   }
   const Value* const wanted = take(key);
@@ -438,7 +438,7 @@ void RecordCoder::TV(int key) {
     BitReader& from = isUnicode ? m_texts : m_data;
     const Coded<std::uint16_t> length = from.bitShort();
     if (isUnicode) {
-      m_values->addText(key, fromUnits(from, length.value), length.form);
+      m_values->addText(shifted(key), fromUnits(from, length.value), length.form);
       return;
     }
     std::string raw;
@@ -451,7 +451,7 @@ void RecordCoder::TV(int key) {
       raw.pop_back();
       form += kTerminated;
     }
-    m_values->addText(key, m_codePage->decode(raw), form);
+    m_values->addText(shifted(key), m_codePage->decode(raw), form);
     return;
   }
   const Value* const wanted = take(key);
@@ -495,7 +495,7 @@ std::uint64_t RecordCoder::codeHandle(int key, std::uint8_t code, BitReader& fro
   if (m_isReading) {
     const HandleReference reference = from.handle();
     const std::uint64_t handle = reference.resolved(m_own);
-    m_values->addHandle(key, handle, reference);
+    m_values->addHandle(shifted(key), handle, reference);
     return handle;
   }
   const Value* const wanted = take(key);
@@ -517,7 +517,7 @@ void RecordCoder::bytes(int key, std::size_t count) {
     for (char& byte : read) {
       byte = static_cast<char>(m_data.rawChar());
     }
-    m_values->addBytes(key, std::move(read));
+    m_values->addBytes(shifted(key), std::move(read));
     return;
   }
   const Value* const wanted = take(key);
@@ -530,17 +530,34 @@ void RecordCoder::bytes(int key, std::size_t count) {
   }
 }
 
+<<<<<<< HEAD
+=======
+std::uint64_t RecordCoder::handleInData(int key) {
+  if (m_isReading) {
+    const HandleReference reference = m_data.handle();
+    m_values->addHandle(shifted(key), reference.offset, reference);
+    return reference.offset;
+  }
+  const Value* const wanted = take(key);
+  const auto handle = static_cast<std::uint64_t>(integerOf(wanted, 0));
+  const bool keepsReference = wanted != nullptr && wanted->type == Value::Type::Handle &&
+                              wanted->reference.bytes != 0 && wanted->reference.offset == handle;
+  m_dataOut.handle(keepsReference ? wanted->reference : absoluteReference(handle, 0));
+  return handle;
+}
+
+>>>>>>> dwgkinds
 void RecordCoder::restOf(BitReader& from, BitWriter& to, int bytesKey, int countKey) {
   constexpr std::size_t kByte = 8;
   if (m_isReading) {
     const std::size_t count = from.end() - from.position();
-    m_values->addInteger(countKey, static_cast<std::int64_t>(count));
+    m_values->addInteger(shifted(countKey), static_cast<std::int64_t>(count));
     std::string read;
     for (std::size_t left = count; left != 0; left -= std::min(left, kByte)) {
       const auto bits = static_cast<unsigned>(std::min(left, kByte));
       read += static_cast<char>(from.bits(bits) << (kByte - bits));
     }
-    m_values->addBytes(bytesKey, std::move(read));
+    m_values->addBytes(shifted(bytesKey), std::move(read));
     return;
   }
   const std::string given = nextBytes(bytesKey);
@@ -702,7 +719,7 @@ std::size_t RecordCoder::partsRC(int key) {
 bool RecordCoder::hasOtherThanZero(int key) const {
   for (std::size_t i = 0; m_wanted != nullptr && i < m_wanted->size(); ++i) {
     const Value& value = (*m_wanted)[i];
-    if (value.key == key && doubleOf(&value, 0.0) != 0.0) {
+    if (value.key == shifted(key) && doubleOf(&value, 0.0) != 0.0) {
       return true;
     }
   }
@@ -710,11 +727,11 @@ bool RecordCoder::hasOtherThanZero(int key) const {
 }
 
 double RecordCoder::nextDouble(int key, double missing) {
-  return m_isReading ? missing : doubleOf(m_cursor.peek(key), missing);
+  return m_isReading ? missing : doubleOf(m_cursor.peek(shifted(key)), missing);
 }
 
 std::int64_t RecordCoder::nextInteger(int key, std::int64_t missing) {
-  return m_isReading ? missing : integerOf(m_cursor.peek(key), missing);
+  return m_isReading ? missing : integerOf(m_cursor.peek(shifted(key)), missing);
 }
 
 std::uint64_t RecordCoder::nextHandle(int key) {
@@ -722,7 +739,7 @@ std::uint64_t RecordCoder::nextHandle(int key) {
 }
 
 const Value* RecordCoder::next(int key) {
-  return m_isReading ? nullptr : m_cursor.peek(key);
+  return m_isReading ? nullptr : m_cursor.peek(shifted(key));
 }
 
 std::string RecordCoder::nextBytes(int key) {
@@ -733,7 +750,7 @@ std::string RecordCoder::nextBytes(int key) {
 
 void RecordCoder::implied(int key, double number) {
   if (m_isReading) {
-    m_values->addDouble(key, number);
+    m_values->addDouble(shifted(key), number);
   } else {
     take(key);
   }
@@ -741,7 +758,7 @@ void RecordCoder::implied(int key, double number) {
 
 void RecordCoder::impliedInteger(int key, std::int64_t integer) {
   if (m_isReading) {
-    m_values->addInteger(key, integer);
+    m_values->addInteger(shifted(key), integer);
   } else {
     take(key);
   }
@@ -749,7 +766,7 @@ void RecordCoder::impliedInteger(int key, std::int64_t integer) {
 
 void RecordCoder::impliedText(int key, std::wstring text) {
   if (m_isReading) {
-    m_values->addText(key, std::move(text));
+    m_values->addText(shifted(key), std::move(text));
   } else {
     take(key);
   }
@@ -757,7 +774,7 @@ void RecordCoder::impliedText(int key, std::wstring text) {
 
 void RecordCoder::impliedHandle(int key, std::uint64_t handle) {
   if (m_isReading) {
-    m_values->addHandle(key, handle);
+    m_values->addHandle(shifted(key), handle);
   } else {
     take(key);
   }

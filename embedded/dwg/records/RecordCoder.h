@@ -114,7 +114,9 @@ class HOST_API RecordCoder {
   std::size_t partsBS(int key);
   std::size_t partsRC(int key);
   /// Writing: how many fields have the key, and what the next one is.
-  std::size_t amount(int key) const { return m_wanted == nullptr ? 0 : m_wanted->count(key); }
+  std::size_t amount(int key) const {
+    return m_wanted == nullptr ? 0 : m_wanted->count(shifted(key));
+  }
   bool hasOtherThanZero(int key) const;
   double nextDouble(int key, double missing = 0.0);
   std::int64_t nextInteger(int key, std::int64_t missing = 0);
@@ -126,6 +128,10 @@ class HOST_API RecordCoder {
   void impliedInteger(int key, std::int64_t integer);
   void impliedHandle(int key, std::uint64_t handle);
   void impliedText(int key, std::wstring text);
+  /// Reading: gives the fields with one key another.
+  void rename(int key, int newKey) { m_values->rename(shifted(key), shifted(newKey)); }
+  /// From now on keys are meant that are this much higher: for an object within a record.
+  void shiftKeys(int by) { m_keyShift = by; }
 
   /// Reading: keeps the bits that fill the last byte; nobody knows what they say.
   void padding();
@@ -154,6 +160,7 @@ class HOST_API RecordCoder {
   void restOf(BitReader& from, BitWriter& to, int bytesKey, int countKey);
   std::uint64_t codeHandle(int key, std::uint8_t code, BitReader& from, BitWriter& to);
   const Value* take(int key);
+  int shifted(int key) const { return key + m_keyShift; }
 
   dxf::Version m_version;
   const os::CodePage* m_codePage;
@@ -176,7 +183,11 @@ class HOST_API RecordCoder {
   static constexpr std::size_t kNowhere = ~std::size_t{0};
   std::size_t m_sizeAt = kNowhere;  // of the size in bits
   bool m_hasTexts = false;
+<<<<<<< HEAD
   bool m_isOneStream = false;  // handles stand among the data
+=======
+  int m_keyShift = 0;
+>>>>>>> dwgkinds
 };
 
 /// The shortest absolute reference to a handle.

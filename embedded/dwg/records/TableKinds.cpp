@@ -1,8 +1,13 @@
 // Symbol tables and their records.
 //
 // Source: Open Design Specification for .dwg files, chapters of these objects.
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "embedded/dwg/records/CommonData.h"
 #include "embedded/dwg/records/Kinds.h"
+#include "embedded/os/CodePage.h"
 
 namespace quoin::dwg {
 namespace {
@@ -117,7 +122,11 @@ void codeBlockHeader(RecordCoder& coder, const DrawingFacts& facts) {
   coder.H(kBlockEnd, kHardOwner);
   if (coder.since(Version::R2000)) {
     for (std::size_t i = 0; i < inserts && !coder.hasFailed(); ++i) {
-      coder.H(kBlockInsert, kSoftPointer);
+      coder.impliedHandle(331, coder.H(kBlockInsert, kSoftPointer));
+    }
+    if (inserts != 0) {
+      coder.impliedText(102, L"{BLKREFS");
+      coder.impliedText(102 + kKeyStep, L"}");
     }
     coder.H(340, kHardPointer);
   }
@@ -194,29 +203,107 @@ void codeStyle(RecordCoder& coder, const DrawingFacts&) {
   coder.H(kExternalBlock, kHardPointer);
 }
 
+constexpr std::int64_t kIsText = 2;
+constexpr int kPlaceOfText = -253;
+constexpr int kShapeFlags = -254;
+
+/// The flags that a dash ends with say what it shows: they are looked at first.
+std::int64_t nextShapeFlags(RecordCoder& coder) {
+  if (!coder.isReading()) {
+    return coder.nextInteger(74);
+  }
+  BitReader ahead = coder.data();
+  ahead.bitShort();
+  ahead.rawDouble();
+  ahead.rawDouble();
+  ahead.bitDouble();
+  ahead.bitDouble();
+  return ahead.bitShort().value;
+}
+
+/// The text or shape on a dash. Returns its flags.
+std::int64_t codeDashShape(RecordCoder& coder) {
+  // Up to R2007 DXF does not know the flag that a text stands upright.
+  const std::int64_t known = coder.since(Version::R2010) ? 0xF : 0x7;
+  const std::int64_t flags = nextShapeFlags(coder);
+  if ((flags & kIsText) != 0) {
+    coder.BS(kPlaceOfText);  // of the text among those of the linetype
+    coder.impliedInteger(75, 0);
+  } else {
+    coder.BS(75);
+  }
+  coder.RD(44);
+  coder.RD(45);
+  coder.BD(46, 1.0);
+  coder.BD(50);
+  if (coder.isReading()) {
+    coder.impliedInteger(74, coder.BS(kShapeFlags) & known);
+    return flags;
+  }
+  coder.impliedInteger(74, 0);
+  if (coder.next(kShapeFlags) != nullptr && (coder.nextInteger(kShapeFlags) & known) == flags) {
+    coder.BS(kShapeFlags);
+  } else {
+    coder.impliedInteger(kShapeFlags, 0);
+    coder.dataOut().bitShort(static_cast<std::uint16_t>(flags));
+  }
+  return flags;
+}
+
+/// The texts on dashes, which stand one behind the other, a zero behind each.
+void showDashTexts(RecordCoder& coder, const std::vector<std::int64_t>& shapes, int areaKey) {
+  RecordValues& values = coder.values();
+  const std::string area = values.bytesOf(*values.first(areaKey));
+  const std::size_t unit = coder.since(Version::R2007) ? 2 : 1;
+  ValueCursor cursor(values);
+  std::vector<std::wstring> texts;
+  for (const std::int64_t flags : shapes) {
+    if ((flags & kIsText) == 0) {
+      texts.emplace_back();
+      continue;
+    }
+    std::size_t at = static_cast<std::size_t>(cursor.take(kPlaceOfText)->integer) * unit;
+    std::string raw;
+    std::wstring text;
+    for (; at < area.size() && area.size() - at >= unit; at += unit) {
+      const auto low = static_cast<std::uint8_t>(area[at]);
+      const auto high = unit == 2 ? static_cast<std::uint8_t>(area[at + 1]) : std::uint8_t{0};
+      if (low == 0 && high == 0) {
+        break;
+      }
+      raw += area[at];
+      text += static_cast<wchar_t>(low | high << 8);
+    }
+    texts.push_back(unit == 2 ? text : coder.codePage().decode(raw));
+  }
+  for (std::wstring& text : texts) {
+    coder.impliedText(9, std::move(text));
+  }
+}
+
 void codeLinetype(RecordCoder& coder, const DrawingFacts&) {
   constexpr std::size_t kTextArea = 256;
-  constexpr std::int64_t kHasText = 2;
+  constexpr int kArea = -251;
   coder.TV(2);
   coder.impliedInteger(70, codeDependence(coder));
   coder.TV(3);
   coder.BD(40);
   coder.RC(72, 'A');
   const std::size_t dashes = coder.countRC(73, 49);
+  std::vector<std::int64_t> shapes(dashes);
   bool hasText = false;
   for (std::size_t i = 0; i < dashes && !coder.hasFailed(); ++i) {
     coder.BD(49);
-    coder.BS(75);
-    coder.RD(44);
-    coder.RD(45);
-    coder.BD(46, 1.0);
-    coder.BD(50);
-    hasText = (coder.BS(74) & kHasText) != 0 || hasText;
+    shapes[i] = codeDashShape(coder);
+    hasText = hasText || (shapes[i] & kIsText) != 0;
   }
   if (!coder.since(Version::R2007)) {
-    coder.bytes(-251, kTextArea);
+    coder.bytes(kArea, kTextArea);
   } else if (hasText) {
-    coder.bytes(-251, 2 * kTextArea);
+    coder.bytes(kArea, 2 * kTextArea);
+  }
+  if (hasText && coder.isReading() && !coder.hasFailed()) {
+    showDashTexts(coder, shapes, kArea);
   }
   coder.H(kExternalBlock, kHardPointer);
   for (std::size_t i = 0; i < dashes && !coder.hasFailed(); ++i) {
@@ -262,13 +349,13 @@ constexpr Kind kKinds[] = {
     {66, "APPID_CONTROL", Family::Table, codeTable, ""},
     {68, "DIMSTYLE_CONTROL", Family::Table, codeDimStyleTable, ""},
     {49, "BLOCK_RECORD", Family::TableRecord, codeBlockHeader,
-     RECORD("AcDbBlockTableRecord") "2 340 70 280 281 310b"},
+     RECORD("AcDbBlockTableRecord") "2 340 310b 102? ( 331 ) 102#1? 70 280 281"},
     {51, "LAYER", Family::TableRecord, codeLayer,
-     RECORD("AcDbLayerTableRecord") "2 70 62 420? 6:LTYPE 290?1 370w 390 347 348"},
+     RECORD("AcDbLayerTableRecord") "2 70 62 420? 430? 6:LTYPE 290?1 370w 390 347 348"},
     {53, "STYLE", Family::TableRecord, codeStyle,
      RECORD("AcDbTextStyleTableRecord") "2 70 40 41 50a 71 42 3 4"},
     {57, "LTYPE", Family::TableRecord, codeLinetype,
-     RECORD("AcDbLinetypeTableRecord") "2 70 3 72 73 40 ( 49 74 75?0 340?0 46?1 50a?0 44?0 45?0 )"},
+     RECORD("AcDbLinetypeTableRecord") "2 70 3 72 73 40 ( 49 74 75&74 340&74 46&74 50a&74 44&74 45&74 9&74? )"},
     {63, "UCS", Family::TableRecord, codeUcs,
      RECORD("AcDbUCSTableRecord") "2 70 10p 11p 12p 79 146 346?0"},
     {67, "APPID", Family::TableRecord, codeAppId, RECORD("AcDbRegAppTableRecord") "2 70 71?0"},
@@ -326,7 +413,7 @@ void codeLayerColor(RecordCoder& coder, bool isOff, int indexKey, int trueKey, i
     const std::int64_t value = coder.BL(trueKey);
     method = value >> 24 & 0xFF;
     const bool isTrue = method == kTrue;
-    const std::int64_t index = isTrue ? 7 : value & 0xFF;
+    const std::int64_t index = isTrue ? nearestIndex(value) : value & 0xFF;
     coder.impliedInteger(62, isOff ? -index : index);
     if (isTrue) {
       coder.impliedInteger(420, value & kValue);
@@ -337,6 +424,11 @@ void codeLayerColor(RecordCoder& coder, bool isOff, int indexKey, int trueKey, i
                                    ? kTrue << 24 | (trueColor->integer & kValue)
                                    : kIndexed << 24 | (shownIndex() & 0xFF);
     coder.dataOut().bitLong(static_cast<std::uint32_t>(value));
+    // Names are those of the former colour.
+    if (value != (coder.nextInteger(trueKey, value) & 0xFFFFFFFF)) {
+      coder.dataOut().rawChar(0);
+      return;
+    }
   }
   const std::int64_t names = coder.RC(namesKey);
   if ((names & 1) != 0) {
@@ -344,6 +436,13 @@ void codeLayerColor(RecordCoder& coder, bool isOff, int indexKey, int trueKey, i
   }
   if ((names & 2) != 0) {
     coder.TV(namesKey - 21);
+  }
+  if (coder.isReading() && (names & 3) != 0) {
+    const RecordValues& values = coder.values();
+    const Value* const book = values.first(namesKey - 21);
+    const Value* const name = values.first(namesKey - 20);
+    coder.impliedText(430, (book == nullptr ? std::wstring() : values.textOf(*book) + L'$') +
+                               (name == nullptr ? std::wstring() : values.textOf(*name)));
   }
 }
 

@@ -1,6 +1,8 @@
 // Texts, attributes and multiline texts.
 //
 // Source: Open Design Specification for .dwg files, chapters of these entities.
+#include <algorithm>
+
 #include "embedded/dwg/records/CommonData.h"
 #include "embedded/dwg/records/Kinds.h"
 
@@ -125,39 +127,6 @@ void codeText(RecordCoder& coder, const DrawingFacts&) {
   codeTextLike(coder, 73 + kKeyStep);
 }
 
-void codeAttributeFields(RecordCoder& coder) {
-  constexpr int kAttributeType = -161;
-  constexpr std::int64_t kSingleLine = 1;
-  if (coder.since(Version::R2010)) {
-    coder.RC(280);
-  }
-  if (coder.since(Version::R2018) && coder.RC(kAttributeType, kSingleLine) != kSingleLine) {
-    coder.fail();  // one of several lines holds a whole multiline text
-    return;
-  }
-  coder.TV(2);
-  coder.BS(73);
-  coder.RC(70);
-  if (coder.since(Version::R2007)) {
-    coder.B(280 + 2 * kKeyStep);
-  }
-}
-
-void codeAttribute(RecordCoder& coder, const DrawingFacts&) {
-  codeTextLike(coder, 74);
-  codeAttributeFields(coder);
-}
-
-void codeAttributeDefinition(RecordCoder& coder, const DrawingFacts&) {
-  constexpr int kSecondVersion = -162;
-  codeTextLike(coder, 74);
-  codeAttributeFields(coder);
-  if (coder.since(Version::R2010)) {
-    coder.RC(kSecondVersion);
-  }
-  coder.TV(3);
-}
-
 // --- multiline text -------------------------------------------------------------------------
 
 enum MTextKey : int {
@@ -168,6 +137,7 @@ enum MTextKey : int {
   kClassVersion = -175,
   kDefaultFlag = -176,
   kApplication = -177,
+<<<<<<< HEAD
   kSecondAttachment = -178,
   kSecondDirection = -600,  // and -590, -580
   kSecondInsertion = -601,  // and -591, -581
@@ -183,28 +153,76 @@ enum MTextKey : int {
   kColumnReversed = -190,
   kColumnHeight = -191,
   kBackgroundNames = -192,
+=======
+  kBackgroundColor = -192,  // to -196
+>>>>>>> dwgkinds
 };
+
+/// Keys of what R2018 adds.
+constexpr int again(int key) {
+  return key + 2 * kKeyStep;
+}
+
+constexpr int hidden(int code) {
+  return -again(code);
+}
+
+void hideColumns(RecordCoder& coder) {
+  for (const int code : {101, 70, 10, 11, 40, 41, 42, 43, 71}) {
+    coder.rename(again(code), hidden(code));
+  }
+  for (const int code : {10, 11}) {
+    coder.rename(again(code) + 10, hidden(code) + 10);
+    coder.rename(again(code) + 20, hidden(code) + 20);
+  }
+}
+
+/// The height of a column; DXF has 0 for a negative one.
+void codeColumnHeight(RecordCoder& coder) {
+  constexpr int kHeight = -191;
+  if (coder.isReading()) {
+    coder.implied(again(46), std::max(coder.BD(kHeight), 0.0));
+    return;
+  }
+  const Value* const former = coder.next(kHeight);
+  const double shown = coder.nextDouble(again(46));
+  coder.implied(again(46), 0.0);
+  if (former != nullptr && std::max(former->number, 0.0) == shown) {
+    coder.BD(kHeight);
+  } else {
+    coder.implied(kHeight, 0.0);
+    coder.dataOut().bitDouble(shown);
+  }
+}
 
 /// What R2018 adds: most fields once more, and columns.
 void codeColumns(RecordCoder& coder) {
   constexpr std::int64_t kDynamic = 2;
+  // DXF shows all of this only where there are columns.
+  const bool isShown = coder.isReading() || coder.next(again(70)) != nullptr;
+  const auto key = [isShown](int code) { return isShown ? again(code) : hidden(code); };
   if (coder.B(kIsNotAnnotative, 1) == 0) {
     return;
   }
   coder.BS(kClassVersion);
   coder.B(kDefaultFlag, 1);
   coder.H(kApplication, kHardPointer);
-  coder.BL(kSecondAttachment, 1);
-  coder.point3BD(kSecondDirection);
-  coder.point3BD(kSecondInsertion);
-  coder.BD(kSecondWidth);
-  coder.BD(kSecondHeight);
-  coder.BD(kSecondExtentsWidth);
-  coder.BD(kSecondExtentsHeight);
-  const std::int64_t type = coder.BS(kColumnType);
+  coder.impliedText(key(101), L"Embedded Object");
+  coder.BL(key(70), 1);
+  coder.point3BD(key(10));
+  coder.point3BD(key(11));
+  coder.BD(key(40));
+  coder.BD(key(41));
+  coder.BD(key(42));
+  coder.BD(key(43));
+  const std::int64_t type = coder.BS(key(71));
   if (type == 0) {
+    if (coder.isReading()) {
+      hideColumns(coder);
+    }
     return;
   }
+<<<<<<< HEAD
   const std::size_t count = coder.countBL(kColumnCount, kColumnHeight);
   coder.BD(kColumnWidth);
   coder.BD(kColumnGutter);
@@ -213,6 +231,15 @@ void codeColumns(RecordCoder& coder) {
   for (std::size_t i = 0; !isAutomatic && type == kDynamic && i < count && !coder.hasFailed();
        ++i) {
     coder.BD(kColumnHeight);
+=======
+  const std::size_t count = coder.partsBL(key(72));
+  coder.BD(key(44));
+  coder.BD(key(45));
+  const bool isAutomatic = coder.B(key(73)) != 0;
+  coder.B(key(74));
+  for (std::size_t i = 0; !isAutomatic && type == kDynamic && i < count && !coder.hasFailed(); ++i) {
+    codeColumnHeight(coder);
+>>>>>>> dwgkinds
   }
 }
 
@@ -244,7 +271,7 @@ void codeMText(RecordCoder& coder, const DrawingFacts&) {
                           (coder.since(Version::R2018) && (background & kHasFrame) != 0);
     if (hasColor) {
       coder.BD(45, 1.5);
-      codeColor(coder, 63, 421, kBackgroundNames);
+      codeShownColor(coder, 63, 421, kBackgroundColor);
       coder.BL(441);
     }
   }
@@ -253,17 +280,86 @@ void codeMText(RecordCoder& coder, const DrawingFacts&) {
   }
 }
 
+// --- attributes ------------------------------------------------------------------------------
+
+/// An attribute of several lines has a whole multiline text.
+void codeLines(RecordCoder& coder, const DrawingFacts& facts, std::int64_t type) {
+  constexpr int kWithin = -40 * kKeyStep;  // hidden, so that all of it survives an edit
+  constexpr int kDataSize = -163;
+  constexpr int kData = -164;
+  constexpr int kApp = -165;
+  constexpr int kLast = -166;
+  constexpr auto shown = [](int code) { return code + 7 * kKeyStep; };
+  coder.shiftKeys(kWithin);
+  codeEmbeddedEntity(coder, facts);
+  codeMText(coder, facts);
+  coder.shiftKeys(0);
+  const std::int64_t size = coder.BS(kDataSize);
+  if (size > 0) {
+    coder.bytes(kData, static_cast<std::size_t>(size));
+    coder.H(kApp, kHardPointer);
+    coder.BS(kLast);
+  }
+  coder.impliedInteger(shown(71), type);
+  coder.impliedInteger(shown(72), 0);
+  coder.impliedText(shown(101), L"Embedded Object");
+  for (int key = 11; key <= 31 && coder.isReading(); key += 10) {
+    const Value* const value = coder.values().first(key);
+    coder.implied(shown(key), value == nullptr ? 0.0 : value->number);
+  }
+}
+
+void codeAttributeFields(RecordCoder& coder, const DrawingFacts& facts) {
+  constexpr int kAttributeType = -161;
+  constexpr std::int64_t kSingleLine = 1;
+  if (coder.since(Version::R2010)) {
+    coder.RC(280);
+  }
+  if (coder.since(Version::R2018)) {
+    const std::int64_t type = coder.RC(kAttributeType, kSingleLine);
+    if (type != kSingleLine) {
+      codeLines(coder, facts, type);
+    }
+  }
+  coder.TV(2);
+  coder.BS(73);
+  coder.RC(70);
+  if (coder.since(Version::R2007)) {
+    coder.B(280 + 2 * kKeyStep);
+  }
+}
+
+void codeAttribute(RecordCoder& coder, const DrawingFacts& facts) {
+  codeTextLike(coder, 74);
+  codeAttributeFields(coder, facts);
+}
+
+void codeAttributeDefinition(RecordCoder& coder, const DrawingFacts& facts) {
+  constexpr int kSecondVersion = -162;
+  codeTextLike(coder, 74);
+  codeAttributeFields(coder, facts);
+  if (coder.since(Version::R2010)) {
+    coder.RC(kSecondVersion);
+  }
+  coder.TV(3);
+}
+
 #define TEXT_LAYOUT \
   "@AcDbText 39?0 10p 40 1 50a?0 41?1 51a?0 7:STYLE?Standard 71?0 72?0 11p 210p?0,0,1 "
+
+#define LINES_LAYOUT                                                                            \
+  "71#7 72#7 11p#7 101#7 10p#-40 40#-40 41#-40 46#-40 71#-40 72#-40 1t3#-40 73#-40 44#-40"
 
 constexpr Kind kKinds[] = {
     {1, "TEXT", Family::Entity, codeText, TEXT_LAYOUT "@AcDbText 73#1?0"},
     {2, "ATTRIB", Family::Entity, codeAttribute,
-     TEXT_LAYOUT "@AcDbAttribute 280 2 70 73?0 74?0 280#2"},
+     TEXT_LAYOUT "@AcDbAttribute 280 2 70 73?0 74?0 280#2 " LINES_LAYOUT},
     {3, "ATTDEF", Family::Entity, codeAttributeDefinition,
-     TEXT_LAYOUT "@AcDbAttributeDefinition 280 3 2 70 73?0 74?0 280#2"},
+     TEXT_LAYOUT "@AcDbAttributeDefinition 280 3 2 70 73?0 74?0 280#2 " LINES_LAYOUT},
     {44, "MTEXT", Family::Entity, codeMText,
-     "@AcDbMText 10p 40 41 46 71 72 1t3 7:STYLE?Standard 210p?0,0,1 11p 73 44 90?0 63 421 45 441"},
+     "@AcDbMText 10p 40 41 46 71 72 1t3 7:STYLE?Standard 210p?0,0,1 11p?1,0,0 73 44 90?0 "
+     "63 421 45 441 101#2 70#2 10p#2 11p#2 40#2 41#2 42#2 43#2 71#2 72#2 44#2 45#2 73#2 74#2 "
+     "( 46#2 )"},
 };
 
 }  // namespace
