@@ -24,7 +24,8 @@ class ConvertCommand : public DrawingCommand {
                       "read");
     m_options.resultEnding = ".dxf";
     command->footer(
-        "The file is ASCII DXF. Records that this program does not read (bodies of solids, objects\n"
+        "The file is ASCII DXF. Records that this program does not read (bodies of solids, "
+        "objects\n"
         "of other programs) are left out, and named; the DWG file is not touched.\n\n"
         "Example:\n  quoin convert plan.dwg -o plan.dxf");
     return command;
@@ -36,9 +37,10 @@ class ConvertCommand : public DrawingCommand {
     if (!unread.empty() && !m_isLeavingBehind) {
       throw CommandError(
           ExitCode::EntityFailed,
-          fmt::format("{}: DXF would lose what this program does not read: {}; nothing was written. "
-                      "--leave-behind writes the rest",
-                      drawing.file().string(), unreadText(unread)));
+          fmt::format(
+              "{}: DXF would lose what this program does not read: {}; nothing was written. "
+              "--leave-behind writes the rest",
+              drawing.file().string(), unreadText(unread)));
     }
     write(drawing, job);
     report.line("{}: {} made of it", drawing.file().string(),
@@ -56,12 +58,11 @@ class ConvertCommand : public DrawingCommand {
       throw CommandError(ExitCode::Usage, job.output + ": DXF files end in .dxf");
     }
     std::string bytes;
-    const Acad::ErrorStatus status = writeDxfCopy(
-        drawing.database(), [&](std::string_view piece) { bytes += piece; });
+    const Acad::ErrorStatus status =
+        writeDxfCopy(drawing.database(), [&](std::string_view piece) { bytes += piece; });
     if (status != Acad::eOk) {
-      throw CommandError(
-          ExitCode::OutputUnwritable,
-          fileMessage(&drawing.database(), status, job.output, "make the DXF file"));
+      throw CommandError(ExitCode::OutputUnwritable,
+                         fileMessage(&drawing.database(), status, job.output, "make the DXF file"));
     }
     if (job.writesToStandardOutput()) {
       std::fwrite(bytes.data(), 1, bytes.size(), stdout);

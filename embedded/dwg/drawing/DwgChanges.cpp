@@ -269,8 +269,7 @@ void DwgChanges::encode(FileChanges& changes) {
       refuse(describe(record, handle), "written and read again it says something else");
     }
     const RecordView* const former = m_drawing->file().find(handle);
-    if (former != nullptr && former->data == bytes.data &&
-        former->handleBits == bytes.handleBits) {
+    if (former != nullptr && former->data == bytes.data && former->handleBits == bytes.handleBits) {
       continue;
     }
     RecordChange& change = changes.records.emplace_back();

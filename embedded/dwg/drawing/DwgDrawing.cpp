@@ -130,8 +130,8 @@ std::vector<std::uint64_t> DwgDrawing::entriesOf(std::uint64_t control) const {
   if (!decode(control, record)) {
     return entries;
   }
-  for (const int key : {static_cast<int>(kFirstOwned), static_cast<int>(kLastOwned),
-                        static_cast<int>(kOwned)}) {
+  for (const int key :
+       {static_cast<int>(kFirstOwned), static_cast<int>(kLastOwned), static_cast<int>(kOwned)}) {
     for (std::size_t i = 0; i < record.values.size(); ++i) {
       const auto handle = static_cast<std::uint64_t>(record.values[i].integer);
       if (record.values[i].key == key && handle != 0) {
@@ -344,9 +344,9 @@ void DwgDrawing::countUnread(const DecodedRecord& record) {
   if (record.kind != nullptr && record.isWhole) {
     return;
   }
-  const auto found = std::find_if(m_unread.begin(), m_unread.end(), [&](const dxf::UnreadKind& kind) {
-    return kind.name == record.name;
-  });
+  const auto found =
+      std::find_if(m_unread.begin(), m_unread.end(),
+                   [&](const dxf::UnreadKind& kind) { return kind.name == record.name; });
   dxf::UnreadKind& kind = found == m_unread.end() ? m_unread.emplace_back() : *found;
   kind.name = record.name;
   kind.isEntity = record.isEntity;

@@ -16,7 +16,7 @@ void codeDrawOrder(RecordCoder& coder, const DrawingFacts&) {
   coder.H(330, kSoftPointer);
   const std::size_t entries = coder.countBL(kCount, 331);
   for (std::size_t i = 0; i < entries && !coder.hasFailed(); ++i) {
-    coder.handleInData(kPlace);
+    coder.dataHandle(kPlace, 0);
     coder.H(331, kSoftPointer);
   }
 }

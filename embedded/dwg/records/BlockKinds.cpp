@@ -52,12 +52,12 @@ void codeScales(RecordCoder& coder) {
   } else {
     const double x = coder.nextDouble(41, 1.0);
     const bool isUniform = coder.nextDouble(42, 1.0) == x && coder.nextDouble(43, 1.0) == x;
-    const std::int64_t shortest = isUniform ? (x == 1.0 ? kAllOne : kAllEqual)
+    const std::int64_t shortest = isUniform  ? (x == 1.0 ? kAllOne : kAllEqual)
                                   : x == 1.0 ? kXIsOne
                                              : kAll;
     const std::int64_t former = coder.nextInteger(kHiddenFlags, shortest);
-    const bool fits = former == kAll || (former == kXIsOne && x == 1.0) ||
-                      (former == kAllEqual && isUniform);
+    const bool fits =
+        former == kAll || (former == kXIsOne && x == 1.0) || (former == kAllEqual && isUniform);
     scales = fits ? former : shortest;
     coder.dataOut().bits(static_cast<std::uint32_t>(scales), 2);
   }
@@ -91,9 +91,8 @@ bool codeReferenceBegin(RecordCoder& coder, std::size_t& attributes) {
   coder.BD(50);
   coder.point3BD(210);
   const bool hasAttributes = coder.B(66) != 0;
-  attributes = hasAttributes && coder.since(Version::R2004)
-                   ? coder.countBL(kAttributeCount, kOwned)
-                   : 0;
+  attributes =
+      hasAttributes && coder.since(Version::R2004) ? coder.countBL(kAttributeCount, kOwned) : 0;
   return hasAttributes;
 }
 

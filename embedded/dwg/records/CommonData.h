@@ -12,9 +12,14 @@ namespace quoin::dwg {
 
 /// Keys of what stands in front of a record's own fields.
 enum CommonKey : int {
-  kExtendedDataApp = -1,     // once for each application, with its bytes
+  kExtendedDataApp = -1,  // once for each application, with its bytes
   kExtendedDataBytes = -2,
+<<<<<<< HEAD
+  kGraphics = -3,    // the picture of a proxy
+  kEntityMode = -4,  // 0: owner named, 1: paper space, 2: model space
+=======
   kEntityMode = -4,          // 0: owner named, 1: paper space, 2: model space
+>>>>>>> dwgkinds
   kOwner = -5,
   kReactorCount = -6,
   kReactor = -7,
@@ -29,7 +34,7 @@ enum CommonKey : int {
   kLinetypeForm = -16,
   kMaterialForm = -17,
   kPlotStyleForm = -18,
-  kHasVisualStyles = -19,    // three times
+  kHasVisualStyles = -19,  // three times
   kVisualStyle = -20,
   kType = -21,
   kOwnHandle = -22,

@@ -87,8 +87,7 @@ void codeControlPoints(RecordCoder& coder) {
   coder.BD(43);
   const std::size_t knots = coder.countBL(72, 40);
   const std::size_t points = coder.countBL(73, 10);
-  const bool hasWeights =
-      coder.isReading() ? coder.B(kHasWeights) != 0 : coder.amount(41) != 0;
+  const bool hasWeights = coder.isReading() ? coder.B(kHasWeights) != 0 : coder.amount(41) != 0;
   if (!coder.isReading()) {
     coder.dataOut().bit(hasWeights);
   }
@@ -136,8 +135,7 @@ void codeSpline(RecordCoder& coder, const DrawingFacts&) {
 }
 
 constexpr Kind kKinds[] = {
-    {17, "ARC", Family::Entity, codeArc,
-     "@AcDbCircle 39?0 10p 40 210p?0,0,1 @AcDbArc 50a 51a"},
+    {17, "ARC", Family::Entity, codeArc, "@AcDbCircle 39?0 10p 40 210p?0,0,1 @AcDbArc 50a 51a"},
     {18, "CIRCLE", Family::Entity, codeCircle, "@AcDbCircle 39?0 10p 40 210p?0,0,1"},
     {19, "LINE", Family::Entity, codeLine, "@AcDbLine 39?0 10p 11p 210p?0,0,1"},
     {27, "POINT", Family::Entity, codePoint, "@AcDbPoint 10p 39?0 210p?0,0,1 50a?0"},

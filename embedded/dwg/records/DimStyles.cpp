@@ -11,9 +11,9 @@ namespace {
 using dxf::Version;
 
 constexpr int kStyleFlag = -101;
-constexpr int kFillColor = -111;     // to -115
-constexpr int kColors = -121;        // of lines, to -125; of extensions and texts 5 and 10 lower
-constexpr int kArrowNames = -141;    // to -143
+constexpr int kFillColor = -111;   // to -115
+constexpr int kColors = -121;      // of lines, to -125; of extensions and texts 5 and 10 lower
+constexpr int kArrowNames = -141;  // to -143
 
 /// R13 and R14 keep most numbers in bytes.
 void codeOldStyle(RecordCoder& coder) {
@@ -34,7 +34,8 @@ void codeOldStyle(RecordCoder& coder) {
   for (const int key : {270, 275, 271, 272, 273, 274}) {
     coder.BS(key);
   }
-  for (const int key : {40, 41, 42, 43, 44, 45, 46, 47, 48, 140, 141, 142, 143, 144, 145, 146, 147}) {
+  for (const int key :
+       {40, 41, 42, 43, 44, 45, 46, 47, 48, 140, 141, 142, 143, 144, 145, 146, 147}) {
     coder.BD(key);
   }
   coder.TV(3);

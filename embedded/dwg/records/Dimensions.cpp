@@ -159,24 +159,21 @@ void codeDiametric(RecordCoder& coder, const DrawingFacts&) {
   codeCircular(coder, Diametric);
 }
 
-#define DIMENSION                                                                                \
-  "@AcDbDimension 280 2:BLOCK_RECORD 10p 11p 12p?0,0,0 70 1? 71 72?1 41?1 42 73 74 75 53a?0 "  \
+#define DIMENSION                                                                             \
+  "@AcDbDimension 280 2:BLOCK_RECORD 10p 11p 12p?0,0,0 70 1? 71 72?1 41?1 42 73 74 75 53a?0 " \
   "54a?0 51a?0 210p?0,0,1 3:DIMSTYLE "
 
 constexpr Kind kKinds[] = {
-    {20, "DIMENSION", Family::Entity, codeOrdinate,
-     DIMENSION "@AcDbOrdinateDimension 13p 14p"},
+    {20, "DIMENSION", Family::Entity, codeOrdinate, DIMENSION "@AcDbOrdinateDimension 13p 14p"},
     {21, "DIMENSION", Family::Entity, codeRotated,
      DIMENSION "@AcDbAlignedDimension 13p 14p 50a?0 52a?0 @AcDbRotatedDimension"},
-    {22, "DIMENSION", Family::Entity, codeAligned,
-     DIMENSION "@AcDbAlignedDimension 13p 14p 52a?0"},
+    {22, "DIMENSION", Family::Entity, codeAligned, DIMENSION "@AcDbAlignedDimension 13p 14p 52a?0"},
     {23, "DIMENSION", Family::Entity, codeAngular3Point,
      DIMENSION "@AcDb3PointAngularDimension 13p 14p 15p"},
     {24, "DIMENSION", Family::Entity, codeAngular2Line,
      DIMENSION "@AcDb2LineAngularDimension 13p 14p 15p 16p"},
     {25, "DIMENSION", Family::Entity, codeRadial, DIMENSION "@AcDbRadialDimension 15p 40"},
-    {26, "DIMENSION", Family::Entity, codeDiametric,
-     DIMENSION "@AcDbDiametricDimension 15p 40"},
+    {26, "DIMENSION", Family::Entity, codeDiametric, DIMENSION "@AcDbDiametricDimension 15p 40"},
 };
 
 }  // namespace

@@ -22,7 +22,7 @@ struct BlockFacts {
   bool isPaperSpace = false;  // any layout but the model's
   std::int64_t flags = 0;
   double base[3] = {0, 0, 0};
-  std::wstring path;         // of an external reference
+  std::wstring path;  // of an external reference
   std::wstring description;
 };
 
@@ -37,7 +37,7 @@ class HOST_API DrawingFacts {
   dxf::Format format;  // of the tags
   const os::CodePage* codePage = nullptr;
   std::uint16_t codePageNumber = 30;  // as DWG counts them; 30 is ANSI_1252
-  std::uint64_t modelSpace = 0;  // BLOCK_RECORDs
+  std::uint64_t modelSpace = 0;       // BLOCK_RECORDs
   std::uint64_t paperSpace = 0;
   std::uint64_t byLayerLinetype = 0;
   std::uint64_t byBlockLinetype = 0;

@@ -24,8 +24,9 @@ constexpr std::size_t kPieceLength = 250;  // of a text in pieces, in characters
 constexpr std::size_t kChunk = 127;        // of bytes in a tag
 
 /// Line weights by their index in a record; the rest are special values.
-constexpr std::array<int, 24> kLineWeights = {0,  5,  9,  13, 15,  18,  20,  25,  30,  35,  40,  50,
-                                              53, 60, 70, 80, 90, 100, 106, 120, 140, 158, 200, 211};
+constexpr std::array<int, 24> kLineWeights = {0,  5,   9,   13,  15,  18,  20,  25,
+                                              30, 35,  40,  50,  53,  60,  70,  80,
+                                              90, 100, 106, 120, 140, 158, 200, 211};
 constexpr std::int64_t kByLayerWeight = 29;
 
 std::int64_t lineWeightOf(std::int64_t index) {
@@ -38,9 +39,8 @@ std::optional<std::int64_t> indexOfLineWeight(std::int64_t weight) {
     return weight >= -3 ? std::optional(kByLayerWeight - 1 - weight) : std::nullopt;
   }
   const auto found = std::find(kLineWeights.begin(), kLineWeights.end(), weight);
-  return found == kLineWeights.end()
-             ? std::nullopt
-             : std::optional<std::int64_t>(found - kLineWeights.begin());
+  return found == kLineWeights.end() ? std::nullopt
+                                     : std::optional<std::int64_t>(found - kLineWeights.begin());
 }
 
 double toDegrees(double radians) {
@@ -168,13 +168,14 @@ ItemPart partOfKey(const LayoutItem& item, int key) {
   if (item.shape == Shape::Any) {
     return above >= 0 && above < kKeyStep ? ItemPart{0, above} : ItemPart{};
   }
-  const bool isPart = above >= 0 && above % 10 == 0 &&
-                      above / 10 < static_cast<int>(sizeOf(item.shape));
+  const bool isPart =
+      above >= 0 && above % 10 == 0 && above / 10 < static_cast<int>(sizeOf(item.shape));
   return isPart ? ItemPart{above / 10, item.code + above} : ItemPart{};
 }
 
 ItemPart partOfCode(const LayoutItem& item, int code) {
-  return item.shape == Shape::Any ? ItemPart{0, code} : partOfKey(item, item.key + code - item.code);
+  return item.shape == Shape::Any ? ItemPart{0, code}
+                                  : partOfKey(item, item.key + code - item.code);
 }
 
 // --- one field as tags ----------------------------------------------------------------------
@@ -284,8 +285,7 @@ void DxfLayout::writeSequence(std::size_t begin, const RecordValues& values,
         continue;
       }
       const auto part = static_cast<std::size_t>(found.part);
-      if (!m_items[j].isOptional ||
-          !isMissingValue(m_items[j], part, values[i], values, facts)) {
+      if (!m_items[j].isOptional || !isMissingValue(m_items[j], part, values[i], values, facts)) {
         putValue(m_items[j], found.code, values[i], values, facts, bytes);
       }
       break;
@@ -338,11 +338,16 @@ void DxfLayout::write(const RecordValues& values, const DrawingFacts& facts,
         for (std::size_t part = 0; part < size; ++part) {
           parts[part] = cursor.take(item.key + 10 * static_cast<int>(part));
           isThere = isThere && parts[part] != nullptr;
+<<<<<<< HEAD
+          isMissing =
+              isMissing && isThere && isMissingValue(item, part, *parts[part], values, facts);
+=======
           if (item.isCondition && parts[part] != nullptr) {
             lastOf[item.key] = parts[part]->integer;
           }
           isMissing = isMissing && isThere &&
                       isMissingValue(item, part, *parts[part], values, facts);
+>>>>>>> dwgkinds
         }
         for (std::size_t part = 0; isThere && !isMissing && part < size; ++part) {
           putValue(item, item.code + 10 * static_cast<int>(part), *parts[part], values, facts,
@@ -357,11 +362,16 @@ void DxfLayout::write(const RecordValues& values, const DrawingFacts& facts,
 
 namespace {
 
-/// Goes through the tags of a record by marker and code.
+/// Goes through the tags of a record by marker and code; those in front of the first marker count
+/// from the beginning.
 class TagWalk {
  public:
   TagWalk(const std::vector<dxf::TagView>& tags, std::vector<bool>& used)
-      : m_tags(&tags), m_used(&used) {}
+      : m_tags(&tags), m_used(&used) {
+    while (m_end < tags.size() && tags[m_end].code != kMarkerCode) {
+      ++m_end;
+    }
+  }
 
   /// From now on the tags behind the next marker of this name count. Fails: false for none.
   bool enter(std::string_view marker) {
@@ -487,7 +497,12 @@ class FieldReader {
     } else if (former != nullptr && former->type == Value::Type::Text) {
       m_values->addText(key, item.missingName);
     } else if (dxf::tagType(item.code) == dxf::TagType::Double) {
+<<<<<<< HEAD
+      m_values->addDouble(
+          key, item.unit == Unit::Angle ? toRadians(item.missing[part]) : item.missing[part]);
+=======
       m_values->addDouble(key, item.missing[part]);
+>>>>>>> dwgkinds
     } else if (dxf::tagType(item.code) == dxf::TagType::Text) {
       m_values->addText(key, item.missingName);
     } else if (dxf::tagType(item.code) == dxf::TagType::Handle) {
@@ -642,7 +657,8 @@ bool DxfLayout::read(const std::vector<dxf::TagView>& tags, const RecordValues& 
         const std::size_t end = endOfSequence(i);
         const std::span sequence(m_items.data() + i + 1, end - i - 1);
         if (const dxf::TagView* const wrong = readSequence(sequence, walk, reader)) {
-          problem = "group code " + std::to_string(wrong->code) + " has a value that DWG cannot have";
+          problem =
+              "group code " + std::to_string(wrong->code) + " has a value that DWG cannot have";
           return false;
         }
         i = end;

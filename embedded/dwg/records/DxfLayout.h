@@ -36,8 +36,19 @@
 namespace quoin::dwg {
 
 struct LayoutItem {
-  enum class Shape : std::uint8_t { Marker, Tag, Point2, Point3, Constant, GroupBegin, GroupEnd,
-                                   SequenceBegin, SequenceEnd, Any, Embedded };
+  enum class Shape : std::uint8_t {
+    Marker,
+    Tag,
+    Point2,
+    Point3,
+    Constant,
+    GroupBegin,
+    GroupEnd,
+    SequenceBegin,
+    SequenceEnd,
+    Any,
+    Embedded
+  };
   enum class Unit : std::uint8_t { Plain, Angle, LineWeight, Pieces, Bytes };
 
   Shape shape = Shape::Tag;
@@ -50,8 +61,8 @@ struct LayoutItem {
   int conditionKey = 0;      // 0: none
   bool isCondition = false;  // of another item
   dxf::Version since = dxf::Version::Unknown;
-  std::string text;             // Marker: its name; a table's name; Constant: its value
-  std::wstring missingName;     // what is left out, of names and texts
+  std::string text;               // Marker: its name; a table's name; Constant: its value
+  std::wstring missingName;       // what is left out, of names and texts
   double missing[3] = {0, 0, 0};  // of numbers and points
 };
 

@@ -125,10 +125,8 @@ constexpr Kind kKinds[] = {
     {0, "WIPEOUT", Family::Entity, codeImage, "@AcDbWipeout " IMAGE},
     {0, "IMAGEDEF", Family::Object, codeImageDefinition,
      "@AcDbRasterImageDef 90 1 10q 11q 280 281"},
-    {0, "IMAGEDEF_REACTOR", Family::Object, codeImageReactor,
-     "@AcDbRasterImageDefReactor 90 330"},
-    {0, "RASTERVARIABLES", Family::Object, codeRasterVariables,
-     "@AcDbRasterVariables 90 70 71 72"},
+    {0, "IMAGEDEF_REACTOR", Family::Object, codeImageReactor, "@AcDbRasterImageDefReactor 90 330"},
+    {0, "RASTERVARIABLES", Family::Object, codeRasterVariables, "@AcDbRasterVariables 90 70 71 72"},
     {0, "WIPEOUTVARIABLES", Family::Object, codeWipeoutVariables, "@AcDbWipeoutVariables 70"},
 };
 

@@ -13,18 +13,19 @@ constexpr std::size_t kFixedTypes = 500;
 struct Tables {
   std::array<const Kind*, kFixedTypes> byType{};
   std::unordered_map<std::string_view, std::vector<const Kind*>> byName;
+  std::vector<const Kind*> all;
 
   Tables() {
-    for (const auto kinds :
-         {curveKinds(), polylineKinds(), textKinds(), blockKinds(), fillKinds(), hatchKinds(),
-          dimensionKinds(), leaderKinds(), multilineKinds(), viewportKinds(), imageKinds(),
-          tableKinds(), dimensionStyleKinds(), layoutKinds(), freeRecordKinds(),
-          blockDataKinds(), objectKinds()}) {
+    for (const auto kinds : {curveKinds(), polylineKinds(), textKinds(), blockKinds(), fillKinds(),
+                             hatchKinds(), dimensionKinds(), leaderKinds(), multilineKinds(),
+                             viewportKinds(), imageKinds(), tableKinds(), dimensionStyleKinds(),
+                             layoutKinds(), freeRecordKinds(), blockDataKinds(), objectKinds()}) {
       for (const Kind& kind : kinds) {
         if (kind.type != 0) {
           byType.at(kind.type) = &kind;
         }
         byName[kind.name].push_back(&kind);
+        all.push_back(&kind);
       }
     }
   }
@@ -36,6 +37,10 @@ const Tables& tables() {
 }
 
 }  // namespace
+
+const std::vector<const Kind*>& allKinds() {
+  return tables().all;
+}
 
 const Kind* kindOfType(std::uint16_t type) {
   return type < kFixedTypes ? tables().byType[type] : nullptr;

@@ -51,6 +51,8 @@ std::span<const Kind> objectKinds();
 HOST_API const Kind* kindOfType(std::uint16_t type);
 HOST_API const Kind* kindOfClass(std::string_view dxfName);
 
+/// All rows.
+HOST_API const std::vector<const Kind*>& allKinds();
 /// All kinds with this DXF name: there are seven of DIMENSION.
 std::vector<const Kind*> kindsNamed(std::string_view dxfName);
 /// What DXF calls an object type up to 499 that has no row; empty for none.
@@ -65,20 +67,21 @@ enum OwnedKey : int {
   kExternalBlock = -44,
   kHiddenFlags = -45,
   // Of a block header:
-  kBlockFlags = -46,        // group 70 of its BLOCK
-  kBlockBegin = -47,        // BLOCK
-  kBlockEnd = -48,          // ENDBLK
+  kBlockFlags = -46,  // group 70 of its BLOCK
+  kBlockBegin = -47,  // BLOCK
+  kBlockEnd = -48,    // ENDBLK
   kBlockPath = -49,
   kBlockDescription = -50,
-  kBlockInsert = -51,       // references to it
-  kBlockBase = -540,        // and -530, -520
+  kBlockInsert = -51,  // references to it
+  kBlockBase = -540,   // and -530, -520
 };
 
 /// First and last of what an entity owns, or all of it, and what ends them.
 void codeOwned(RecordCoder& coder, std::size_t count);
 /// A bit of its own for one flag of a group that `shown` has as a whole.
 std::int64_t codeFlagBit(RecordCoder& coder, int key, std::int64_t mask, std::int64_t shown);
-/// The bits of a table record that say how it depends on an external reference; its group 70 shows bit 16.
+/// The bits of a table record that say how it depends on an external reference; its group 70 shows
+/// bit 16.
 std::int64_t codeDependence(RecordCoder& coder);
 /// The colour of a layer: 62, negative where the layer is off, and 420.
 void codeLayerColor(RecordCoder& coder, bool isOff, int indexKey, int trueKey, int namesKey);

@@ -78,7 +78,7 @@ void codeLayout(RecordCoder& coder, const DrawingFacts& facts) {
   }
 }
 
-#define PLOT_SETTINGS                                                                           \
+#define PLOT_SETTINGS                                                                         \
   "@AcDbPlotSettings 1 2 4 6 40 41 42 43 44 45 46 47 48 49 140 141 142 143 70 72 73 74 7 75 " \
   "147 76 77 78 148 149 333?0 "
 

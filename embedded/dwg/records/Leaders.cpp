@@ -93,20 +93,20 @@ enum MultileaderKey : int {
   kSegment = -106,
   kLineBreakCount = -107,
   kLinePath = -108,
-  kLineColor = -109,       // to -112
+  kLineColor = -109,  // to -112
   kLineLinetype = -113,
   kLineWeight = -114,
   kArrowSize = -115,
   kArrow = -116,
   kOverrides = -117,
-  kTextColor = -118,       // to -121
-  kBackgroundColor = -122, // to -125
+  kTextColor = -118,        // to -121
+  kBackgroundColor = -122,  // to -125
   kColumnCount = -126,
   kUnknownBit = -127,
-  kBlockColor = -128,      // to -131
-  kOwnColor = -132,        // to -135
-  kOwnTextColor = -136,    // to -139
-  kOwnBlockColor = -140,   // to -143
+  kBlockColor = -128,     // to -131
+  kOwnColor = -132,       // to -135
+  kOwnTextColor = -136,   // to -139
+  kOwnBlockColor = -140,  // to -143
   kArrowCount = -144,
   kLabelCount = -145,
   kColorValue = -146,
@@ -368,7 +368,8 @@ constexpr Kind kKinds[] = {
      "( 94#1 345#1 ) ( 330#1 177#1 44#1 302#1 ) 294#1 178#1 179#1 45#1 271#1 272#1 273#1 295#1",
      true},
     {0, "MLEADERSTYLE", Family::Object, codeMultileaderStyle,
-     "@AcDbMLeaderStyle 179 170 171 172 90 40 41 173 91 340?0 92 290 42 291 43 3 341?0 44 300 342?0 "
+     "@AcDbMLeaderStyle 179 170 171 172 90 40 41 173 91 340?0 92 290 42 291 43 3 341?0 44 300 "
+     "342?0 "
      "174 178 175 176 93 45 292 297 46 343?0 94 47 49 140 293 141 294 177 142 295 296 143 271 272 "
      "273 298"},
 };

@@ -85,10 +85,9 @@ void codeLinetypeIndex(RecordCoder& coder, const DrawingFacts& facts) {
     return;
   }
   const auto found = std::find(facts.linetypes.begin(), facts.linetypes.end(), handle);
-  const std::int64_t index = handle == facts.byBlockLinetype ? kByBlock
-                             : found == facts.linetypes.end()
-                                 ? kByLayer
-                                 : found - facts.linetypes.begin();
+  const std::int64_t index = handle == facts.byBlockLinetype  ? kByBlock
+                             : found == facts.linetypes.end() ? kByLayer
+                                                              : found - facts.linetypes.begin();
   coder.impliedInteger(kIndex, 0);
   coder.dataOut().bitShort(static_cast<std::uint16_t>(index));
 }

@@ -63,8 +63,7 @@ void codeScale(RecordCoder& coder, const DrawingFacts&) {
 }
 
 constexpr Kind kKinds[] = {
-    {42, "DICTIONARY", Family::Object, codeDictionary,
-     "@AcDbDictionary 280?0 281 ( 3 350 360 )"},
+    {42, "DICTIONARY", Family::Object, codeDictionary, "@AcDbDictionary 280?0 281 ( 3 350 360 )"},
     {0, "ACDBDICTIONARYWDFLT", Family::Object, codeDictionaryWithDefault,
      "@AcDbDictionary 280?0 281 ( 3 350 360 ) @AcDbDictionaryWithDefault 340"},
     {0, "DICTIONARYVAR", Family::Object, codeDictionaryVariable, "@DictionaryVariables 280 1"},

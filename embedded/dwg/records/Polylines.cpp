@@ -24,7 +24,6 @@ constexpr std::int64_t kHasIds = 0x400;
 constexpr std::int64_t kDxfClosed = 1;
 constexpr std::int64_t kDxfGeneratesLinetype = 128;
 
-
 std::int64_t lightFlags(RecordCoder& coder) {
   if (coder.isReading()) {
     const std::int64_t flags = coder.BS(kHiddenFlags);
@@ -46,11 +45,12 @@ std::int64_t lightFlags(RecordCoder& coder) {
                        (coder.hasOtherThanZero(40) || coder.hasOtherThanZero(41) ? kHasWidths : 0) |
                        (coder.hasOtherThanZero(91) ? kHasIds : 0);
   // What the file says although it need not stays said.
-  constexpr std::int64_t kPresence = kHasExtrusion | kHasThickness | kHasWidth | kHasElevation |
-                                     kHasBulges | kHasWidths | kHasIds;
+  constexpr std::int64_t kPresence =
+      kHasExtrusion | kHasThickness | kHasWidth | kHasElevation | kHasBulges | kHasWidths | kHasIds;
   flags |= coder.nextInteger(kHiddenFlags) & kPresence;
   const Value* const former = coder.next(kHiddenFlags);
-  coder.dataOut().bitShort(static_cast<std::uint16_t>(flags), former == nullptr ? -1 : former->form);
+  coder.dataOut().bitShort(static_cast<std::uint16_t>(flags),
+                           former == nullptr ? -1 : former->form);
   return flags;
 }
 
@@ -139,8 +139,8 @@ void codePolyline3d(RecordCoder& coder, const DrawingFacts&) {
     const std::int64_t flags = coder.nextInteger(70);
     const std::int64_t curve = coder.nextInteger(75);
     coder.dataOut().rawChar(static_cast<std::uint8_t>(curve == 5 ? 1 : curve == 6 ? 2 : 0));
-    coder.dataOut().rawChar(static_cast<std::uint8_t>(
-        (coder.nextInteger(kClosedByte) & ~kClosed) | (flags & kClosed)));
+    coder.dataOut().rawChar(
+        static_cast<std::uint8_t>((coder.nextInteger(kClosedByte) & ~kClosed) | (flags & kClosed)));
   }
   coder.implied(10, 0.0);
   coder.implied(20, 0.0);
@@ -235,8 +235,7 @@ constexpr Kind kKinds[] = {
     {11, "VERTEX", Family::Entity, codeVertex3d, "@AcDbVertex @AcDb3dPolylineVertex 10p 70?0"},
     {12, "VERTEX", Family::Entity, codeVertex3d, "@AcDbVertex @AcDbPolygonMeshVertex 10p 70?0"},
     {13, "VERTEX", Family::Entity, codeVertex3d, "@AcDbVertex @AcDbPolyFaceMeshVertex 10p 70?0"},
-    {14, "VERTEX", Family::Entity, codeFace,
-     "@AcDbFaceRecord 10p 70?0 71?0 72?0 73?0 74?0"},
+    {14, "VERTEX", Family::Entity, codeFace, "@AcDbFaceRecord 10p 70?0 71?0 72?0 73?0 74?0"},
 };
 
 }  // namespace

@@ -245,8 +245,8 @@ bool RecordCodec::readTags(std::string_view tags, DecodedRecord& record,
   }
   putReactors(values, original, parts.reactors);
   std::vector<bool> used(parts.fields.size(), false);
-  if (record.isEntity && !layoutOf(kEntityLayout)
-                              .read(parts.fields, original, *m_facts, values, used, problem)) {
+  if (record.isEntity &&
+      !layoutOf(kEntityLayout).read(parts.fields, original, *m_facts, values, used, problem)) {
     return false;
   }
   if (!layoutOf(record.kind->layout)
@@ -280,9 +280,9 @@ bool RecordCodec::makeRecord(std::string_view name, std::uint64_t handle, std::s
   record.type = record.kind->type;
   record.isEntity = record.kind->family == Family::Entity;
   if (record.type == 0) {
-    const auto found =
-        std::find_if(m_classes->begin(), m_classes->end(),
-                     [&](const auto& entry) { return entry.second.dxfName == name; });
+    const auto found = std::find_if(m_classes->begin(), m_classes->end(), [&](const auto& entry) {
+      return entry.second.dxfName == name;
+    });
     if (found == m_classes->end()) {
       problem = "the drawing has no class of this name, and this program does not add one";
       return false;

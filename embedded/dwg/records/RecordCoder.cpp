@@ -13,7 +13,7 @@ namespace {
 using dxf::Version;
 
 constexpr std::uint16_t kLongSize = 0x8000;  // the stream of texts has a size of two shorts
-constexpr int kTerminated = 4;           // added to a text's form: a zero behind it counts
+constexpr int kTerminated = 4;               // added to a text's form: a zero behind it counts
 constexpr std::size_t kLargestSize = std::size_t{1} << 30;
 
 /// Text of these UTF-16 units; pairs of surrogates are joined, lone ones stay.
@@ -145,6 +145,19 @@ void RecordCoder::sizeInBits() {
   }
 }
 
+void RecordCoder::openSection() {
+  m_isOneStream = !since(Version::R2007);
+  if (m_isOneStream) {
+    return;
+  }
+  if (m_isReading) {
+    openStreams(m_data.rawLong());
+  } else {
+    m_sizeAt = m_dataOut.size();
+    m_dataOut.rawLong(0);
+  }
+}
+
 void RecordCoder::openStreams(std::size_t endOfData) {
   const std::size_t bits = m_record.size() * 8;
   const std::size_t begin = m_data.position();
@@ -194,6 +207,46 @@ void RecordCoder::padding() {
   }
 }
 
+namespace {
+
+constexpr int kRestOfData = -904;
+constexpr int kRestOfTexts = -905;
+constexpr int kRestOfHandles = -906;
+
+void keepBits(BitReader& from, int key, RecordValues& values) {
+  constexpr std::size_t kMost = 32;
+  while (!from.isAtEnd()) {
+    const std::size_t count = std::min(kMost, from.end() - from.position());
+    values.addInteger(key, from.bits(static_cast<unsigned>(count)), static_cast<int>(count));
+  }
+}
+
+}  // namespace
+
+RecordCoder::Rest RecordCoder::rest() {
+  const auto putBits = [this](int key, BitWriter& to) {
+    while (const Value* const kept = take(key)) {
+      to.bits(static_cast<std::uint32_t>(kept->integer), static_cast<unsigned>(kept->form));
+    }
+  };
+  if (!m_isReading) {
+    putBits(kRestOfData, m_dataOut);
+    putBits(kRestOfTexts, m_textsOut);
+    putBits(kRestOfHandles, m_handlesOut);
+    return {};
+  }
+  Rest rest;
+  rest.data = m_data.end() - m_data.position() + m_texts.end() - m_texts.position();
+  rest.end = m_handles.end() - m_handles.position();
+  if (m_isOneStream) {
+    std::swap(rest.data, rest.end);
+  }
+  keepBits(m_data, kRestOfData, *m_values);
+  keepBits(m_texts, kRestOfTexts, *m_values);
+  keepBits(m_handles, kRestOfHandles, *m_values);
+  return rest;
+}
+
 bool RecordCoder::finish(RecordBytes& record) {
   if (m_hasFailed) {
     return false;
@@ -215,7 +268,7 @@ bool RecordCoder::finish(RecordBytes& record) {
     m_dataOut.bit(m_hasTexts);
   }
   const std::size_t dataBits = m_dataOut.size();
-  if (m_sizeAt != 0) {
+  if (m_sizeAt != kNowhere) {
     m_dataOut.replaceLong(m_sizeAt, static_cast<std::uint32_t>(dataBits));
   }
   m_dataOut.append(m_handlesOut);
@@ -235,15 +288,15 @@ namespace {
 
 /// What a writer takes for a whole number: the field, or what it is when it is missing.
 std::int64_t integerOf(const Value* value, std::int64_t missing) {
-  return value == nullptr                        ? missing
+  return value == nullptr                     ? missing
          : value->type == Value::Type::Double ? static_cast<std::int64_t>(value->number)
-                                                 : value->integer;
+                                              : value->integer;
 }
 
 double doubleOf(const Value* value, double missing) {
-  return value == nullptr                         ? missing
+  return value == nullptr                      ? missing
          : value->type == Value::Type::Integer ? static_cast<double>(value->integer)
-                                                  : value->number;
+                                               : value->number;
 }
 
 int formOf(const Value* value) {
@@ -333,6 +386,17 @@ std::int64_t RecordCoder::BL(int key, std::int64_t missing) {
   return value;
 }
 
+std::int64_t RecordCoder::BLL(int key, std::int64_t missing) {
+  if (m_isReading) {
+    const auto value = static_cast<std::int64_t>(m_data.bitLongLong());
+    m_values->addInteger(key, value);
+    return value;
+  }
+  const std::int64_t value = integerOf(take(key), missing);
+  m_dataOut.bitLongLong(static_cast<std::uint64_t>(value));
+  return value;
+}
+
 double RecordCoder::BD(int key, double missing) {
   if (m_isReading) {
     const Coded<double> read = m_data.bitDouble();
@@ -419,19 +483,27 @@ void RecordCoder::TV(int key) {
 }
 
 std::uint64_t RecordCoder::H(int key, std::uint8_t code) {
+  return m_isOneStream ? codeHandle(key, code, m_data, m_dataOut)
+                       : codeHandle(key, code, m_handles, m_handlesOut);
+}
+
+std::uint64_t RecordCoder::dataHandle(int key, std::uint8_t code) {
+  return codeHandle(key, code, m_data, m_dataOut);
+}
+
+std::uint64_t RecordCoder::codeHandle(int key, std::uint8_t code, BitReader& from, BitWriter& to) {
   if (m_isReading) {
-    const HandleReference reference = m_handles.handle();
+    const HandleReference reference = from.handle();
     const std::uint64_t handle = reference.resolved(m_own);
     m_values->addHandle(shifted(key), handle, reference);
     return handle;
   }
   const Value* const wanted = take(key);
   const auto handle = static_cast<std::uint64_t>(integerOf(wanted, 0));
-  const bool keepsReference =
-      wanted != nullptr && wanted->type == Value::Type::Handle &&
-      (wanted->reference.code != 0 || wanted->reference.bytes != 0) &&
-      wanted->reference.resolved(m_own) == handle;
-  m_handlesOut.handle(keepsReference ? wanted->reference : absoluteReference(handle, code));
+  const bool keepsReference = wanted != nullptr && wanted->type == Value::Type::Handle &&
+                              (wanted->reference.code != 0 || wanted->reference.bytes != 0) &&
+                              wanted->reference.resolved(m_own) == handle;
+  to.handle(keepsReference ? wanted->reference : absoluteReference(handle, code));
   return handle;
 }
 
@@ -458,6 +530,8 @@ void RecordCoder::bytes(int key, std::size_t count) {
   }
 }
 
+<<<<<<< HEAD
+=======
 std::uint64_t RecordCoder::handleInData(int key) {
   if (m_isReading) {
     const HandleReference reference = m_data.handle();
@@ -472,6 +546,7 @@ std::uint64_t RecordCoder::handleInData(int key) {
   return handle;
 }
 
+>>>>>>> dwgkinds
 void RecordCoder::restOf(BitReader& from, BitWriter& to, int bytesKey, int countKey) {
   constexpr std::size_t kByte = 8;
   if (m_isReading) {

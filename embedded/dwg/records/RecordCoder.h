@@ -63,6 +63,9 @@ class HOST_API RecordCoder {
   std::uint16_t objectType(std::uint16_t type);
   /// R13 and R14 have that size later.
   void sizeInBits();
+  /// In the place of objectType(), for the sections that are fields as records are: from R2007 on
+  /// their size in bits stands in front of the streams, before all fields stand in one stream.
+  void openSection();
 
   // --- fields -----------------------------------------------------------------------------
   std::int64_t B(int key, std::int64_t missing = 0);
@@ -72,6 +75,7 @@ class HOST_API RecordCoder {
   std::int64_t RL(int key, std::int64_t missing = 0);
   std::int64_t BS(int key, std::int64_t missing = 0);
   std::int64_t BL(int key, std::int64_t missing = 0);
+  std::int64_t BLL(int key, std::int64_t missing = 0);
   double BD(int key, double missing = 0.0);
   double RD(int key, double missing = 0.0);
   /// A double as its difference to `base`.
@@ -79,8 +83,8 @@ class HOST_API RecordCoder {
   /// Text in the code page or, from R2007 on, in the stream of texts.
   void TV(int key);
   std::uint64_t H(int key, std::uint8_t code);
-  /// A handle among the data; a bare one without meaning for what is deleted with what.
-  std::uint64_t handleInData(int key);
+  /// A handle that stands among the data in every version.
+  std::uint64_t dataHandle(int key, std::uint8_t code);
   /// Bytes as they stand.
   void bytes(int key, std::size_t count);
   /// All that is left of the data, the texts and the handles, as it stands: five keys downwards.
@@ -131,6 +135,13 @@ class HOST_API RecordCoder {
 
   /// Reading: keeps the bits that fill the last byte; nobody knows what they say.
   void padding();
+  /// Keeps what no call has read, so that it is written where it stood. Returns, when reading, how
+  /// many bits that is: of the data and texts, and of what stands behind them.
+  struct Rest {
+    std::size_t data = 0;
+    std::size_t end = 0;
+  };
+  Rest rest();
   /// Writing: the whole record. Fails: false when a field does not fit.
   bool finish(RecordBytes& record);
 
@@ -147,6 +158,7 @@ class HOST_API RecordCoder {
   std::size_t checkedCount(std::uint64_t count);
   std::size_t checkedParts(std::uint64_t count);
   void restOf(BitReader& from, BitWriter& to, int bytesKey, int countKey);
+  std::uint64_t codeHandle(int key, std::uint8_t code, BitReader& from, BitWriter& to);
   const Value* take(int key);
   int shifted(int key) const { return key + m_keyShift; }
 
@@ -168,9 +180,14 @@ class HOST_API RecordCoder {
   BitWriter m_dataOut;
   BitWriter m_textsOut;
   BitWriter m_handlesOut;
-  std::size_t m_sizeAt = 0;  // where the size in bits stands; 0: nowhere
+  static constexpr std::size_t kNowhere = ~std::size_t{0};
+  std::size_t m_sizeAt = kNowhere;  // of the size in bits
   bool m_hasTexts = false;
+<<<<<<< HEAD
+  bool m_isOneStream = false;  // handles stand among the data
+=======
   int m_keyShift = 0;
+>>>>>>> dwgkinds
 };
 
 /// The shortest absolute reference to a handle.

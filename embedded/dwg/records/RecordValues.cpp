@@ -107,8 +107,9 @@ const Value* ValueCursor::take(int key) {
   if (index >= m_values->size()) {
     return nullptr;
   }
-  std::find_if(m_next.begin(), m_next.end(), [key](const auto& pair) { return pair.first == key; })
-      ->second = index + 1;
+  std::find_if(m_next.begin(), m_next.end(), [key](const auto& pair) {
+    return pair.first == key;
+  })->second = index + 1;
   return &(*m_values)[index];
 }
 

@@ -25,10 +25,10 @@ struct Value {
   Type type = Type::Integer;
   /// How the file stores it (the two bits in front, ...); kAnyForm: however it is shortest.
   std::int8_t form = kAnyForm;
-  HandleReference reference;   // Handle: as the file has it; code 0: to be made
-  std::int64_t integer = 0;    // Integer; Handle: the handle
-  double number = 0.0;         // Double
-  std::uint32_t text = 0;      // Text, Bytes: index in RecordValues
+  HandleReference reference;  // Handle: as the file has it; code 0: to be made
+  std::int64_t integer = 0;   // Integer; Handle: the handle
+  double number = 0.0;        // Double
+  std::uint32_t text = 0;     // Text, Bytes: index in RecordValues
 
   static constexpr std::int8_t kAnyForm = -1;
 };

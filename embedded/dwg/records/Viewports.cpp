@@ -95,7 +95,8 @@ void codeViewport(RecordCoder& coder, const DrawingFacts& facts) {
 
 void codeViewportHeader(RecordCoder& coder, const DrawingFacts&) {
   coder.TV(2);
-  coder.impliedInteger(70, codeDependence(coder) | codeFlagBit(coder, -111, 1, coder.nextInteger(70)));
+  coder.impliedInteger(70,
+                       codeDependence(coder) | codeFlagBit(coder, -111, 1, coder.nextInteger(70)));
   coder.H(kExternalBlock, kHardPointer);
   coder.H(340, kSoftPointer);
   coder.H(-112, kHardPointer);  // the header of the next viewport
@@ -260,8 +261,7 @@ constexpr Kind kKinds[] = {
      "@AcDbSymbolTableRecord @AcDbViewportEntityHeader 2 70 340"},
     {65, "VPORT", Family::TableRecord, codeModelViewport,
      "@AcDbSymbolTableRecord @AcDbViewportTableRecord 2 70 10q 11q 12q 13q 14q 15q 16p 17p 40 41 "
-     "42 43 44 50a 51a 71 72 73 74 75 76 77 78 281 65 " SYSTEM
-     "332?0 348?0 361?0 60 61 " LIGHTS},
+     "42 43 44 50a 51a 71 72 73 74 75 76 77 78 281 65 " SYSTEM "332?0 348?0 361?0 60 61 " LIGHTS},
     {61, "VIEW", Family::TableRecord, codeView,
      "@AcDbSymbolTableRecord @AcDbViewTableRecord 2 70 40 10q 41 11p 12p 42 43 44 50a 71 281 72 "
      "110p 111p 112p 79 146 345?0 346?0 73 332?0 334?0 348?0 361?0"},

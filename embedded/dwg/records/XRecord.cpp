@@ -25,8 +25,7 @@ bool isPointCode(int code) {
 
 /// Handles with one value a number, not a text of hexadecimal digits.
 bool isReference(int code) {
-  return (code >= 320 && code <= 369) || (code >= 390 && code <= 399) || code == 480 ||
-         code == 481;
+  return (code >= 320 && code <= 369) || (code >= 390 && code <= 399) || code == 480 || code == 481;
 }
 
 // --- reading --------------------------------------------------------------------------------
@@ -78,8 +77,9 @@ void readTag(RecordCoder& coder) {
       values.addDouble(key, data.rawDouble());
       return;
     case TagType::Int16:
-      values.addInteger(key, code >= 280 && code < 290 ? data.rawChar()
-                                                       : static_cast<std::int16_t>(data.rawShort()));
+      values.addInteger(key, code >= 280 && code < 290
+                                 ? data.rawChar()
+                                 : static_cast<std::int16_t>(data.rawShort()));
       return;
     case TagType::Int32:
       values.addInteger(key, static_cast<std::int32_t>(data.rawLong()));
@@ -144,8 +144,8 @@ class TagsWriter {
     if (isPointCode(code)) {
       m_out.rawDouble(numberOf(value));
       for (int part = 1; part < 3; ++part) {
-        const bool isThere = index + 1 < m_values->size() &&
-                             (*m_values)[index + 1].key == value.key + 10 * part;
+        const bool isThere =
+            index + 1 < m_values->size() && (*m_values)[index + 1].key == value.key + 10 * part;
         m_out.rawDouble(isThere ? numberOf((*m_values)[++index]) : 0.0);
       }
       return true;

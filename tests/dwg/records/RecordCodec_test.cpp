@@ -110,10 +110,12 @@ class RecordCodecTest : public testing::TestWithParam<Version> {
 };
 
 TEST_P(RecordCodecTest, ALineComesBack) {
-  comesBack("LINE", entity("LINE", "100 AcDbLine\n10 1.5\n20 2.25\n30 0.0\n11 1.5\n21 -7.0\n"
-                                   "31 0.0\n"));
-  comesBack("LINE", entity("LINE", "100 AcDbLine\n39 2.0\n10 1.5\n20 2.25\n30 1.0\n11 1.5\n"
-                                   "21 -7.0\n31 0.0\n210 0.0\n220 1.0\n230 0.0\n"));
+  comesBack("LINE", entity("LINE",
+                           "100 AcDbLine\n10 1.5\n20 2.25\n30 0.0\n11 1.5\n21 -7.0\n"
+                           "31 0.0\n"));
+  comesBack("LINE", entity("LINE",
+                           "100 AcDbLine\n39 2.0\n10 1.5\n20 2.25\n30 1.0\n11 1.5\n"
+                           "21 -7.0\n31 0.0\n210 0.0\n220 1.0\n230 0.0\n"));
 }
 
 TEST_P(RecordCodecTest, WhatEntitiesShareComesBack) {
@@ -124,26 +126,31 @@ TEST_P(RecordCodecTest, WhatEntitiesShareComesBack) {
 }
 
 TEST_P(RecordCodecTest, ALightweightPolylineKeepsBulgesAndWidths) {
-  comesBack("LWPOLYLINE",
-            entity("LWPOLYLINE", "100 AcDbPolyline\n90 3\n70 1\n43 0.0\n10 0.0\n20 0.0\n42 0.5\n"
+  comesBack("LWPOLYLINE", entity("LWPOLYLINE",
+                                 "100 AcDbPolyline\n90 3\n70 1\n43 0.0\n10 0.0\n20 0.0\n42 0.5\n"
                                  "10 5.0\n20 0.0\n10 5.0\n20 1.0e-09\n"));
-  comesBack("LWPOLYLINE", entity("LWPOLYLINE", "100 AcDbPolyline\n90 2\n70 128\n43 0.25\n38 7.5\n"
-                                               "10 0.0\n20 0.0\n10 5.0\n20 0.1\n"));
+  comesBack("LWPOLYLINE", entity("LWPOLYLINE",
+                                 "100 AcDbPolyline\n90 2\n70 128\n43 0.25\n38 7.5\n"
+                                 "10 0.0\n20 0.0\n10 5.0\n20 0.1\n"));
 }
 
 TEST_P(RecordCodecTest, TextsComeBackInChinese) {
-  comesBack("TEXT", entity("TEXT", "100 AcDbText\n10 1.0\n20 2.0\n30 0.0\n40 250.0\n1 墙体\n"
-                                   "100 AcDbText\n"));
-  comesBack("TEXT", entity("TEXT", "100 AcDbText\n10 1.0\n20 2.0\n30 0.0\n40 250.0\n1 a\n"
-                                   "50 90.0\n41 0.8\n72 1\n11 5.0\n21 2.0\n31 0.0\n"
-                                   "100 AcDbText\n73 2\n"));
+  comesBack("TEXT", entity("TEXT",
+                           "100 AcDbText\n10 1.0\n20 2.0\n30 0.0\n40 250.0\n1 墙体\n"
+                           "100 AcDbText\n"));
+  comesBack("TEXT", entity("TEXT",
+                           "100 AcDbText\n10 1.0\n20 2.0\n30 0.0\n40 250.0\n1 a\n"
+                           "50 90.0\n41 0.8\n72 1\n11 5.0\n21 2.0\n31 0.0\n"
+                           "100 AcDbText\n73 2\n"));
 }
 
 TEST_P(RecordCodecTest, AnEditChangesOneFieldAndNoOther) {
-  const std::string before = entity("LINE", "100 AcDbLine\n10 1.5\n20 2.25\n30 0.0\n11 1.5\n"
-                                            "21 -7.0\n31 0.0\n");
-  const std::string after = entity("LINE", "100 AcDbLine\n10 1.5\n20 2.25\n30 0.0\n11 9.0\n"
-                                           "21 -7.0\n31 0.0\n");
+  const std::string before = entity("LINE",
+                                    "100 AcDbLine\n10 1.5\n20 2.25\n30 0.0\n11 1.5\n"
+                                    "21 -7.0\n31 0.0\n");
+  const std::string after = entity("LINE",
+                                   "100 AcDbLine\n10 1.5\n20 2.25\n30 0.0\n11 9.0\n"
+                                   "21 -7.0\n31 0.0\n");
   RecordBytes bytes = encoded("LINE", before);
   decoded(bytes);
   std::string problem;
@@ -153,8 +160,9 @@ TEST_P(RecordCodecTest, AnEditChangesOneFieldAndNoOther) {
 }
 
 TEST_P(RecordCodecTest, ExtendedDataComesBack) {
-  const std::string line = entity("LINE", "100 AcDbLine\n10 1.5\n20 2.25\n30 0.0\n11 1.5\n"
-                                          "21 -7.0\n31 0.0\n");
+  const std::string line = entity("LINE",
+                                  "100 AcDbLine\n10 1.5\n20 2.25\n30 0.0\n11 1.5\n"
+                                  "21 -7.0\n31 0.0\n");
   comesBack("LINE", line + tags("1001 ACAD\n1000 wall\n1002 {\n1070 -5\n1040 0.5\n1010 1.0\n"
                                 "1020 2.0\n1030 3.0\n1005 2F\n1002 }\n1071 70000\n1004 00FF\n"));
 }
@@ -162,8 +170,9 @@ TEST_P(RecordCodecTest, ExtendedDataComesBack) {
 TEST_P(RecordCodecTest, ATagWithoutAPlaceIsRefusedByName) {
   std::string problem;
   EXPECT_FALSE(m_codec.makeRecord("LINE", kHandle,
-                                  entity("LINE", "100 AcDbLine\n10 1.5\n20 2.25\n30 0.0\n11 1.5\n"
-                                                 "21 -7.0\n31 0.0\n77 5\n"),
+                                  entity("LINE",
+                                         "100 AcDbLine\n10 1.5\n20 2.25\n30 0.0\n11 1.5\n"
+                                         "21 -7.0\n31 0.0\n77 5\n"),
                                   m_record, problem));
   EXPECT_EQ(problem, "group code 77 has no place in a DWG record");
   EXPECT_FALSE(m_codec.makeRecord("MESH", kHandle, entity("MESH", ""), m_record, problem));
