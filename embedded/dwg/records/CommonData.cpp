@@ -80,12 +80,8 @@ void codeExtensionDictionary(RecordCoder& coder) {
 }
 
 void codeGraphics(RecordCoder& coder) {
-<<<<<<< HEAD
-  const bool hasGraphics = coder.isReading() ? coder.data().bit() : coder.amount(kGraphics) != 0;
-=======
   const bool hasGraphics =
       coder.isReading() ? coder.data().bit() : !coder.nextBytes(kGraphics).empty();
->>>>>>> dwgkinds
   if (!coder.isReading()) {
     coder.dataOut().bit(hasGraphics);
   }
@@ -149,24 +145,12 @@ bool codeEntityColor(RecordCoder& coder, const DrawingFacts& facts) {
     // What the file says stays as long as it still says the same.
     const std::int64_t index = coder.nextInteger(common(62), kByLayer);
     coder.impliedInteger(common(62), 0);
-<<<<<<< HEAD
-    const auto former = static_cast<std::uint16_t>(coder.nextInteger(kColorCode, 0));
-    const bool keepsName =
-        coder.amount(kColorHandle) != 0 && (former & kIndexMask) == (index & kIndexMask);
-    const std::int64_t flags =
-        (keepsName ? (former & kTrueColor) | kNamedColor
-         : coder.nextInteger(common(420), kNoTrueColor) != kNoTrueColor ? kTrueColor
-                                                                        : 0) |
-        (coder.nextInteger(common(440)) != 0 ? kTransparency : 0);
-    code = (index & kIndexMask) | flags;
-=======
     const auto former = static_cast<std::uint16_t>(coder.nextInteger(kColorCode, -1));
     const bool isBook = isBookColor(coder, facts);
     const bool isTrue = isBook ? coder.next(kColorCode) != nullptr && (former & kTrueColor) != 0
                                : coder.nextInteger(common(420), kNoTrueColor) != kNoTrueColor;
     code = (index & kIndexMask) | (isTrue ? kTrueColor : 0) | (isBook ? kNamedColor : 0) |
            (coder.nextInteger(common(440)) != 0 ? kTransparency : 0);
->>>>>>> dwgkinds
     const Value* const kept = coder.next(kColorCode);
     coder.dataOut().bitShort(static_cast<std::uint16_t>(code),
                              kept != nullptr && former == code ? kept->form : -1);
@@ -224,17 +208,12 @@ void codeLinetype(RecordCoder& coder, const DrawingFacts& facts) {
     const std::uint64_t linetype = coder.nextHandle(key);
     const bool wasNamed = coder.nextInteger(kLinetypeForm, 0) == Named;
     coder.impliedInteger(kLinetypeForm, 0);
-<<<<<<< HEAD
-    form = linetype == 0 || linetype == facts.byLayerLinetype  ? ByLayer
-           : linetype == facts.byBlockLinetype                 ? ByBlock
-=======
     // A file may name the linetype that two bits could stand for.
     const Value* const kept = coder.next(key);
     const bool isNamed = wasNamed && kept != nullptr && kept->reference.code != 0;
     form = isNamed                                              ? Named
            : linetype == 0 || linetype == facts.byLayerLinetype ? ByLayer
            : linetype == facts.byBlockLinetype                ? ByBlock
->>>>>>> dwgkinds
            : linetype == facts.continuousLinetype && !wasNamed ? Continuous
                                                                : Named;
     coder.dataOut().bits(static_cast<std::uint32_t>(form), 2);
@@ -283,14 +262,8 @@ void codeOwner(RecordCoder& coder, const DrawingFacts& facts) {
 }  // namespace
 
 const char* const kEntityLayout =
-<<<<<<< HEAD
-    "@AcDbEntity 67#9?0 8#9:LAYER 6#9:LTYPE?ByLayer 347#9?0 62#9?256 420#9?-1 440#9? 48#9?1 60#9?0 "
-    "370#9w?29 390#9?0 "
-    "284#9?0";
-=======
     "@AcDbEntity 67#9?0 8#9:LAYER 6#9:LTYPE?ByLayer 347#9?0 62#9?256 420#9?-1 430#9? 440#9? 48#9?1 "
     "60#9?0 370#9w?29 390#9?0 284#9?0 92#9 160#9 310#9b";
->>>>>>> dwgkinds
 
 std::uint16_t codeHead(RecordCoder& coder, std::uint16_t type) {
   type = coder.objectType(type);
@@ -403,18 +376,6 @@ void codeColor(RecordCoder& coder, int key, int trueKey, int hiddenKey) {
 
 namespace {
 
-<<<<<<< HEAD
-enum ColorMethod : std::int64_t {
-  ByLayer = 0xC0,
-  ByBlock = 0xC1,
-  TrueColor = 0xC2,
-  Indexed = 0xC3
-};
-constexpr int kMethodShift = 24;
-constexpr std::int64_t kColorValue = 0xFFFFFF;
-
-=======
->>>>>>> dwgkinds
 std::int64_t methodOf(std::int64_t raw) {
   return raw >> kMethodShift & 0xFF;
 }

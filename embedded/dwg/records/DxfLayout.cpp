@@ -338,16 +338,11 @@ void DxfLayout::write(const RecordValues& values, const DrawingFacts& facts,
         for (std::size_t part = 0; part < size; ++part) {
           parts[part] = cursor.take(item.key + 10 * static_cast<int>(part));
           isThere = isThere && parts[part] != nullptr;
-<<<<<<< HEAD
-          isMissing =
-              isMissing && isThere && isMissingValue(item, part, *parts[part], values, facts);
-=======
           if (item.isCondition && parts[part] != nullptr) {
             lastOf[item.key] = parts[part]->integer;
           }
           isMissing = isMissing && isThere &&
                       isMissingValue(item, part, *parts[part], values, facts);
->>>>>>> dwgkinds
         }
         for (std::size_t part = 0; isThere && !isMissing && part < size; ++part) {
           putValue(item, item.code + 10 * static_cast<int>(part), *parts[part], values, facts,
@@ -497,12 +492,7 @@ class FieldReader {
     } else if (former != nullptr && former->type == Value::Type::Text) {
       m_values->addText(key, item.missingName);
     } else if (dxf::tagType(item.code) == dxf::TagType::Double) {
-<<<<<<< HEAD
-      m_values->addDouble(
-          key, item.unit == Unit::Angle ? toRadians(item.missing[part]) : item.missing[part]);
-=======
       m_values->addDouble(key, item.missing[part]);
->>>>>>> dwgkinds
     } else if (dxf::tagType(item.code) == dxf::TagType::Text) {
       m_values->addText(key, item.missingName);
     } else if (dxf::tagType(item.code) == dxf::TagType::Handle) {

@@ -530,23 +530,6 @@ void RecordCoder::bytes(int key, std::size_t count) {
   }
 }
 
-<<<<<<< HEAD
-=======
-std::uint64_t RecordCoder::handleInData(int key) {
-  if (m_isReading) {
-    const HandleReference reference = m_data.handle();
-    m_values->addHandle(shifted(key), reference.offset, reference);
-    return reference.offset;
-  }
-  const Value* const wanted = take(key);
-  const auto handle = static_cast<std::uint64_t>(integerOf(wanted, 0));
-  const bool keepsReference = wanted != nullptr && wanted->type == Value::Type::Handle &&
-                              wanted->reference.bytes != 0 && wanted->reference.offset == handle;
-  m_dataOut.handle(keepsReference ? wanted->reference : absoluteReference(handle, 0));
-  return handle;
-}
-
->>>>>>> dwgkinds
 void RecordCoder::restOf(BitReader& from, BitWriter& to, int bytesKey, int countKey) {
   constexpr std::size_t kByte = 8;
   if (m_isReading) {

@@ -183,11 +183,8 @@ class HOST_API RecordCoder {
   static constexpr std::size_t kNowhere = ~std::size_t{0};
   std::size_t m_sizeAt = kNowhere;  // of the size in bits
   bool m_hasTexts = false;
-<<<<<<< HEAD
   bool m_isOneStream = false;  // handles stand among the data
-=======
   int m_keyShift = 0;
->>>>>>> dwgkinds
 };
 
 /// The shortest absolute reference to a handle.

@@ -137,25 +137,7 @@ enum MTextKey : int {
   kClassVersion = -175,
   kDefaultFlag = -176,
   kApplication = -177,
-<<<<<<< HEAD
-  kSecondAttachment = -178,
-  kSecondDirection = -600,  // and -590, -580
-  kSecondInsertion = -601,  // and -591, -581
-  kSecondWidth = -181,
-  kSecondHeight = -182,
-  kSecondExtentsWidth = -183,
-  kSecondExtentsHeight = -184,
-  kColumnType = -185,
-  kColumnCount = -186,
-  kColumnWidth = -187,
-  kColumnGutter = -188,
-  kColumnAutoHeight = -189,
-  kColumnReversed = -190,
-  kColumnHeight = -191,
-  kBackgroundNames = -192,
-=======
   kBackgroundColor = -192,  // to -196
->>>>>>> dwgkinds
 };
 
 /// Keys of what R2018 adds.
@@ -222,16 +204,6 @@ void codeColumns(RecordCoder& coder) {
     }
     return;
   }
-<<<<<<< HEAD
-  const std::size_t count = coder.countBL(kColumnCount, kColumnHeight);
-  coder.BD(kColumnWidth);
-  coder.BD(kColumnGutter);
-  const bool isAutomatic = coder.B(kColumnAutoHeight) != 0;
-  coder.B(kColumnReversed);
-  for (std::size_t i = 0; !isAutomatic && type == kDynamic && i < count && !coder.hasFailed();
-       ++i) {
-    coder.BD(kColumnHeight);
-=======
   const std::size_t count = coder.partsBL(key(72));
   coder.BD(key(44));
   coder.BD(key(45));
@@ -239,7 +211,6 @@ void codeColumns(RecordCoder& coder) {
   coder.B(key(74));
   for (std::size_t i = 0; !isAutomatic && type == kDynamic && i < count && !coder.hasFailed(); ++i) {
     codeColumnHeight(coder);
->>>>>>> dwgkinds
   }
 }
 
