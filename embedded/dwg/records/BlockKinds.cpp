@@ -131,8 +131,7 @@ constexpr Kind kKinds[] = {
      "@AcDbMInsertBlock 66?0 2:BLOCK_RECORD 10p 41?1 42?1 43?1 50a?0 70?1 71?1 44?0 45?0 "
      "210p?0,0,1"},
     {0, "ACAD_TABLE", Family::Entity, codeTable,
-     "@AcDbBlockReference 2:BLOCK_RECORD 10p 41?1 42?1 43?1 50a?0 210p?0,0,1 @AcDbTable",
-     true},
+     "@AcDbBlockReference 2:BLOCK_RECORD 10p 41?1 42?1 43?1 50a?0 210p?0,0,1 @AcDbTable", true},
 };
 
 }  // namespace

@@ -17,7 +17,12 @@ constexpr std::int64_t kIndexMask = 0x1FFF;
 constexpr std::int64_t kByLayer = 256;
 constexpr std::int64_t kNoTrueColor = -1;
 
-enum ColorMethod : std::int64_t { ByLayer = 0xC0, ByBlock = 0xC1, TrueColor = 0xC2, Indexed = 0xC3 };
+enum ColorMethod : std::int64_t {
+  ByLayer = 0xC0,
+  ByBlock = 0xC1,
+  TrueColor = 0xC2,
+  Indexed = 0xC3
+};
 constexpr int kMethodShift = 24;
 constexpr std::int64_t kColorValue = 0xFFFFFF;
 
@@ -213,9 +218,9 @@ void codeLinetype(RecordCoder& coder, const DrawingFacts& facts) {
     const bool isNamed = wasNamed && kept != nullptr && kept->reference.code != 0;
     form = isNamed                                              ? Named
            : linetype == 0 || linetype == facts.byLayerLinetype ? ByLayer
-           : linetype == facts.byBlockLinetype                ? ByBlock
-           : linetype == facts.continuousLinetype && !wasNamed ? Continuous
-                                                               : Named;
+           : linetype == facts.byBlockLinetype                  ? ByBlock
+           : linetype == facts.continuousLinetype && !wasNamed  ? Continuous
+                                                                : Named;
     coder.dataOut().bits(static_cast<std::uint32_t>(form), 2);
     if (form != Named) {
       coder.impliedHandle(key, 0);
@@ -457,8 +462,7 @@ void codeShownColor(RecordCoder& coder, int indexKey, int trueKey, int hiddenKey
     coder.impliedInteger(rawKey, 0);
     coder.dataOut().bitShort(0);
     coder.dataOut().bitLong(static_cast<std::uint32_t>(
-        trueColor != nullptr ? rawOfColor(trueColor->integer)
-                             : rawOfIndex(index)));
+        trueColor != nullptr ? rawOfColor(trueColor->integer) : rawOfIndex(index)));
   }
   coder.impliedInteger(indexKey, 0);
   if (trueColor != nullptr) {

@@ -14,7 +14,7 @@ namespace quoin::dwg {
 enum CommonKey : int {
   kExtendedDataApp = -1,  // once for each application, with its bytes
   kExtendedDataBytes = -2,
-  kEntityMode = -4,          // 0: owner named, 1: paper space, 2: model space
+  kEntityMode = -4,  // 0: owner named, 1: paper space, 2: model space
   kOwner = -5,
   kReactorCount = -6,
   kReactor = -7,

@@ -49,7 +49,7 @@ class HOST_API DrawingFacts {
   std::unordered_map<std::uint64_t, std::int64_t> viewportNumbers;
 
   std::unordered_map<std::uint64_t, BookColor> bookColors;  // by the handle of the DBCOLOR
-  std::unordered_map<std::uint64_t, BlockFacts> blocks;  // by the handle of the header
+  std::unordered_map<std::uint64_t, BlockFacts> blocks;     // by the handle of the header
 
   /// Enters a record of a table ("LAYER", "LTYPE", "STYLE", "BLOCK_RECORD", ...) or a named
   /// object; of two with one name the first is found by it.

@@ -341,8 +341,8 @@ void DxfLayout::write(const RecordValues& values, const DrawingFacts& facts,
           if (item.isCondition && parts[part] != nullptr) {
             lastOf[item.key] = parts[part]->integer;
           }
-          isMissing = isMissing && isThere &&
-                      isMissingValue(item, part, *parts[part], values, facts);
+          isMissing =
+              isMissing && isThere && isMissingValue(item, part, *parts[part], values, facts);
         }
         for (std::size_t part = 0; isThere && !isMissing && part < size; ++part) {
           putValue(item, item.code + 10 * static_cast<int>(part), *parts[part], values, facts,

@@ -71,8 +71,8 @@ constexpr Kind kKinds[] = {
     {28, "3DFACE", Family::Entity, codeFace, "@AcDbFace 10p 11p 12p 13p 70?0"},
     {31, "SOLID", Family::Entity, codeSolid, CORNERS},
     {32, "TRACE", Family::Entity, codeSolid, CORNERS},
-    {33, "SHAPE", Family::Entity, codeShape,
-     "@AcDbShape 39?0 10p 40 50a?0 41?1 51a?0 210p?0,0,1", true},
+    {33, "SHAPE", Family::Entity, codeShape, "@AcDbShape 39?0 10p 40 50a?0 41?1 51a?0 210p?0,0,1",
+     true},
 };
 
 }  // namespace

@@ -46,7 +46,8 @@ std::size_t codePolygonCount(RecordCoder& coder, int key) {
   const std::size_t shown = coder.amount(kCorner);
   const bool keepsLast = former != nullptr && static_cast<std::size_t>(former->integer) == shown;
   const std::size_t points = isClosed(coder.wanted()) && !keepsLast ? shown - 1 : shown;
-  coder.dataOut().bitLong(static_cast<std::uint32_t>(points), former == nullptr ? -1 : former->form);
+  coder.dataOut().bitLong(static_cast<std::uint32_t>(points),
+                          former == nullptr ? -1 : former->form);
   return points;
 }
 
@@ -67,7 +68,7 @@ void codeOutline(RecordCoder& coder) {
   for (std::size_t i = 0; i < points && !coder.hasFailed(); ++i) {
     coder.point2RD(14);
   }
-  if (coder.isReading() && type == kPolygon) {
+  if (coder.isReading() && type == kPolygon && !coder.hasFailed()) {
     showClosed(coder, points);
   }
 }

@@ -355,7 +355,8 @@ constexpr Kind kKinds[] = {
     {53, "STYLE", Family::TableRecord, codeStyle,
      RECORD("AcDbTextStyleTableRecord") "2 70 40 41 50a 71 42 3 4"},
     {57, "LTYPE", Family::TableRecord, codeLinetype,
-     RECORD("AcDbLinetypeTableRecord") "2 70 3 72 73 40 ( 49 74 75&74 340&74 46&74 50a&74 44&74 45&74 9&74? )"},
+     RECORD("AcDbLinetypeTableRecord") "2 70 3 72 73 40 ( 49 74 75&74 340&74 46&74 50a&74 44&74 "
+                                       "45&74 9&74? )"},
     {63, "UCS", Family::TableRecord, codeUcs,
      RECORD("AcDbUCSTableRecord") "2 70 10p 11p 12p 79 146 346?0"},
     {67, "APPID", Family::TableRecord, codeAppId, RECORD("AcDbRegAppTableRecord") "2 70 71?0"},

@@ -209,7 +209,8 @@ void codeColumns(RecordCoder& coder) {
   coder.BD(key(45));
   const bool isAutomatic = coder.B(key(73)) != 0;
   coder.B(key(74));
-  for (std::size_t i = 0; !isAutomatic && type == kDynamic && i < count && !coder.hasFailed(); ++i) {
+  for (std::size_t i = 0; !isAutomatic && type == kDynamic && i < count && !coder.hasFailed();
+       ++i) {
     codeColumnHeight(coder);
   }
 }
@@ -318,7 +319,7 @@ void codeAttributeDefinition(RecordCoder& coder, const DrawingFacts& facts) {
 #define TEXT_LAYOUT \
   "@AcDbText 39?0 10p 40 1 50a?0 41?1 51a?0 7:STYLE?Standard 71?0 72?0 11p 210p?0,0,1 "
 
-#define LINES_LAYOUT                                                                            \
+#define LINES_LAYOUT \
   "71#7 72#7 11p#7 ~ 101#7 10p#-40 40#-40 41#-40 46#-40 71#-40 72#-40 1t3#-40 73#-40 44#-40"
 
 constexpr Kind kKinds[] = {
