@@ -43,12 +43,9 @@ class ConvertCommand : public DrawingCommand {
               drawing.file().string(), unreadText(unread)));
     }
     write(drawing, job);
-    report.line("{}: {} made of it", drawing.file().string(),
-                job.writesToStandardOutput() ? "a DXF file" : job.output);
     if (!unread.empty()) {
-      report.line("  left out, not read: {}", unreadText(unread));
+      report.line("left out, not read: {}", unreadText(unread));
     }
-    report.json["output"] = job.output;
     report.json["leftOut"] = unreadJson(unread);
   }
 

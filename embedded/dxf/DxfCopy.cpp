@@ -65,6 +65,31 @@ class Copy {
         m_leftOut.insert(stub.handle);
       }
     }
+    // What belongs to a record that is left out goes with it.
+    std::size_t before = 0;
+    while (before != m_leftOut.size()) {
+      before = m_leftOut.size();
+      for (const AcDbStub* object : m_store->objects()) {
+        if (m_leftOut.contains(ownerOf(*object))) {
+          m_leftOut.insert(object->handle);
+        }
+      }
+    }
+  }
+
+  /// The owner that stands in front of the first marker; 0 for none.
+  std::uint64_t ownerOf(const AcDbStub& object) const {
+    TagCursor cursor(object.bytes(), m_store->format());
+    TagView tag;
+    bool isInGroup = false;
+    while (cursor.next(tag) && tag.code != 100) {
+      if (tag.code == kGroupCode) {
+        isInGroup = trimmedValue(tag).starts_with('{');
+      } else if (tag.code == 330 && !isInGroup) {
+        return handleOf(tag, m_store->format());
+      }
+    }
+    return 0;
   }
 
   void flush(std::size_t done, std::size_t all) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <utility>
+#include <vector>
 
 #include "embedded/dwg/records/CommonData.h"
 #include "embedded/dxf/FileError.h"
@@ -61,6 +62,24 @@ void setPrevious(RecordValues& values, std::uint64_t own, std::uint64_t next,
   static_cast<void>(own);
 }
 
+/// Whether all of these tags are among the others, which may say more: what a new record has by
+/// default.
+bool saysAll(const std::string& tags, const std::string& wanted, const dxf::Format& format) {
+  const auto sorted = [&](const std::string& bytes) {
+    std::vector<std::string> spelled;
+    dxf::TagCursor cursor(bytes, format);
+    dxf::TagView tag;
+    while (cursor.next(tag)) {
+      spelled.push_back(bytes.substr(tag.begin, tag.end - tag.begin));
+    }
+    std::sort(spelled.begin(), spelled.end());
+    return spelled;
+  };
+  const std::vector<std::string> all = sorted(tags);
+  const std::vector<std::string> some = sorted(wanted);
+  return std::includes(all.begin(), all.end(), some.begin(), some.end());
+}
+
 /// What an entity is in a block: all but BLOCK and ENDBLK.
 bool isListed(const AcDbStub& stub) {
   return stub.role == Role::Entity || stub.role == Role::SubEntity;
@@ -69,7 +88,10 @@ bool isListed(const AcDbStub& stub) {
 }  // namespace
 
 DwgChanges::DwgChanges(const DwgDrawing& drawing, const dxf::RecordStore& store)
-    : m_drawing(&drawing), m_store(&store) {}
+    : m_drawing(&drawing),
+      m_store(&store),
+      m_facts(drawing.facts()),
+      m_codec(m_facts, drawing.classes()) {}
 
 void DwgChanges::refuse(const std::string& record, const std::string& cause) const {
   dxf::FileError error(Acad::eNotApplicable, cause);
@@ -109,7 +131,26 @@ DecodedRecord& DwgChanges::edited(std::uint64_t handle, const std::string& what)
   return m_edited.emplace(handle, std::move(record)).first->second;
 }
 
+/// Other records name new ones of tables, wherever these stand.
+void DwgChanges::nameNewRecords() {
+  constexpr int kNameCode = 2;
+  for (const AcDbStub& stub : m_store->stubs()) {
+    if (!stub.isNew || stub.role != Role::TableRecord || m_store->isErased(stub)) {
+      continue;
+    }
+    dxf::TagCursor cursor(stub.bytes(), m_store->format());
+    dxf::TagView tag;
+    while (cursor.next(tag)) {
+      if (tag.code == kNameCode) {
+        m_facts.name(m_store->kindName(stub), stub.handle, dxf::textOf(tag, m_store->format()));
+        break;
+      }
+    }
+  }
+}
+
 void DwgChanges::takeRecords() {
+  nameNewRecords();
   for (const AcDbStub& stub : m_store->stubs()) {
     const bool isErased = m_store->isErased(stub);
     if (stub.isNew && isErased) {
@@ -132,7 +173,7 @@ void DwgChanges::takeChanged(const AcDbStub& stub) {
   }
   DecodedRecord& record = edited(stub.handle, what);
   std::string problem;
-  if (!m_drawing->codec().readTags(stub.bytes(), record, problem)) {
+  if (!m_codec.readTags(stub.bytes(), record, problem)) {
     refuse(what, problem);
   }
 }
@@ -144,7 +185,7 @@ void DwgChanges::takeNew(const AcDbStub& stub) {
   }
   DecodedRecord record;
   std::string problem;
-  if (!m_drawing->codec().makeRecord(m_store->kindName(stub), stub.handle, stub.bytes(), record,
+  if (!m_codec.makeRecord(m_store->kindName(stub), stub.handle, stub.bytes(), record,
                                      problem)) {
     refuse(what, problem);
   }
@@ -255,17 +296,18 @@ void DwgChanges::encode(FileChanges& changes) {
       continue;
     }
     RecordBytes bytes;
-    if (!m_drawing->codec().encode(handle, record, bytes)) {
+    if (!m_codec.encode(handle, record, bytes)) {
       refuse(describe(record, handle), "a value does not fit into a DWG record");
     }
     // What was written must say what was meant.
     DecodedRecord again;
-    m_drawing->codec().decode({handle, bytes.data, bytes.handleBits}, again);
+    m_codec.decode({handle, bytes.data, bytes.handleBits}, again);
     std::string meant;
     std::string written;
-    m_drawing->codec().writeTags(record, meant);
-    m_drawing->codec().writeTags(again, written);
-    if (!again.isWhole || meant != written) {
+    m_codec.writeTags(record, meant);
+    m_codec.writeTags(again, written);
+    const bool isNew = m_drawing->file().find(handle) == nullptr;
+    if (!again.isWhole || !(isNew ? saysAll(written, meant, m_facts.format) : meant == written)) {
       refuse(describe(record, handle), "written and read again it says something else");
     }
     const RecordView* const former = m_drawing->file().find(handle);

@@ -15,11 +15,15 @@ class DwgChanges {
  public:
   DwgChanges(const DwgDrawing& drawing, const dxf::RecordStore& store);
 
+  DwgChanges(const DwgChanges&) = delete;  // the codec refers to the facts beside it
+  DwgChanges& operator=(const DwgChanges&) = delete;
+
   /// All changes of the store.
   /// Fails: throws FileError that names the record and why it cannot be written.
   FileChanges collect();
 
  private:
+  void nameNewRecords();
   void takeRecords();
   void takeChanged(const AcDbStub& stub);
   void takeNew(const AcDbStub& stub);
@@ -36,6 +40,8 @@ class DwgChanges {
 
   const DwgDrawing* m_drawing;
   const dxf::RecordStore* m_store;
+  DrawingFacts m_facts;  // with the names of new layers, styles, ...
+  RecordCodec m_codec;
   std::map<std::uint64_t, DecodedRecord> m_edited;
   std::map<std::uint64_t, bool> m_erased;
 };

@@ -28,6 +28,7 @@ class HOST_API DwgDrawing {
   const DwgFile& file() const { return m_file; }
   const DrawingFacts& facts() const { return m_facts; }
   const RecordCodec& codec() const { return m_codec; }
+  const ClassMap& classes() const { return m_classes; }
   const HeaderSection& header() const { return m_header; }
 
   /// The whole drawing as a DXF file in facts().format.

@@ -153,7 +153,7 @@ void codeLayer(RecordCoder& coder, const DrawingFacts&) {
   std::int64_t flags = 0;  // 1 frozen, 2 off, 4 frozen in new viewports, 8 locked
   if (!coder.since(Version::R2000)) {
     flags |= codeFlagBit(coder, -233, 1, coder.nextInteger(70));
-    flags |= coder.B(kIsOff) != 0 ? 0 : kOff;
+    flags |= coder.B(kIsOff) != 0 ? kOff : 0;
     flags |= codeFlagBit(coder, -234, 2, coder.nextInteger(70)) << 1;
     flags |= codeFlagBit(coder, -235, 4, coder.nextInteger(70)) << 1;
   } else if (coder.isReading()) {
