@@ -10,16 +10,18 @@ namespace {
 
 using dxf::Version;
 
-enum DxfFlag : std::int64_t { OwnBlock = 32, XType = 64, UserPosition = 128 };
-enum DxfType : std::int64_t {
-  Rotated = 0,
-  Aligned = 1,
-  Angular2Line = 2,
-  Diametric = 3,
-  Radial = 4,
-  Angular3Point = 5,
-  Ordinate = 6
-};
+// Flags of group 70.
+constexpr std::int64_t kOwnBlock = 32;
+constexpr std::int64_t kXType = 64;
+constexpr std::int64_t kUserPosition = 128;
+// Types in its lower bits.
+constexpr std::int64_t kRotated = 0;
+constexpr std::int64_t kAligned = 1;
+constexpr std::int64_t kAngular2Line = 2;
+constexpr std::int64_t kDiametric = 3;
+constexpr std::int64_t kRadial = 4;
+constexpr std::int64_t kAngular3Point = 5;
+constexpr std::int64_t kOrdinate = 6;
 
 constexpr int kFlags = -101;
 constexpr int kOrdinateFlags = -102;
@@ -30,13 +32,14 @@ std::int64_t codeFlags(RecordCoder& coder) {
   constexpr std::int64_t kBlock = 2;
   if (coder.isReading()) {
     const std::int64_t flags = coder.RC(kFlags);
-    return ((flags & kAutomatic) != 0 ? 0 : UserPosition) | ((flags & kBlock) != 0 ? OwnBlock : 0);
+    return ((flags & kAutomatic) != 0 ? 0 : kUserPosition) |
+           ((flags & kBlock) != 0 ? kOwnBlock : 0);
   }
-  const std::int64_t shown = coder.nextInteger(70, OwnBlock);
+  const std::int64_t shown = coder.nextInteger(70, kOwnBlock);
   const std::int64_t rest = coder.nextInteger(kFlags) & ~(kAutomatic | kBlock);
-  coder.dataOut().rawChar(static_cast<std::uint8_t>(rest |
-                                                    ((shown & UserPosition) != 0 ? 0 : kAutomatic) |
-                                                    ((shown & OwnBlock) != 0 ? kBlock : 0)));
+  coder.dataOut().rawChar(
+      static_cast<std::uint8_t>(rest | ((shown & kUserPosition) != 0 ? 0 : kAutomatic) |
+                                ((shown & kOwnBlock) != 0 ? kBlock : 0)));
   return shown;
 }
 
@@ -91,7 +94,7 @@ void codeAligned(RecordCoder& coder, const DrawingFacts&) {
   std::int64_t flags = 0;
   codeBegin(coder, flags);
   codeAlignedPoints(coder);
-  codeEnd(coder, flags | Aligned);
+  codeEnd(coder, flags | kAligned);
 }
 
 void codeRotated(RecordCoder& coder, const DrawingFacts&) {
@@ -99,7 +102,7 @@ void codeRotated(RecordCoder& coder, const DrawingFacts&) {
   codeBegin(coder, flags);
   codeAlignedPoints(coder);
   coder.BD(50);
-  codeEnd(coder, flags | Rotated);
+  codeEnd(coder, flags | kRotated);
 }
 
 void codeOrdinate(RecordCoder& coder, const DrawingFacts&) {
@@ -110,13 +113,13 @@ void codeOrdinate(RecordCoder& coder, const DrawingFacts&) {
   coder.point3BD(13);
   coder.point3BD(14);
   if (coder.isReading()) {
-    flags |= (coder.RC(kOrdinateFlags) & kIsXType) != 0 ? XType : 0;
+    flags |= (coder.RC(kOrdinateFlags) & kIsXType) != 0 ? kXType : 0;
   } else {
     const std::int64_t rest = coder.nextInteger(kOrdinateFlags) & ~kIsXType;
     coder.dataOut().rawChar(
-        static_cast<std::uint8_t>(rest | ((flags & XType) != 0 ? kIsXType : 0)));
+        static_cast<std::uint8_t>(rest | ((flags & kXType) != 0 ? kIsXType : 0)));
   }
-  codeEnd(coder, flags | Ordinate);
+  codeEnd(coder, flags | kOrdinate);
 }
 
 void codeAngular3Point(RecordCoder& coder, const DrawingFacts&) {
@@ -126,7 +129,7 @@ void codeAngular3Point(RecordCoder& coder, const DrawingFacts&) {
   coder.point3BD(13);
   coder.point3BD(14);
   coder.point3BD(15);
-  codeEnd(coder, flags | Angular3Point);
+  codeEnd(coder, flags | kAngular3Point);
 }
 
 void codeAngular2Line(RecordCoder& coder, const DrawingFacts&) {
@@ -138,25 +141,25 @@ void codeAngular2Line(RecordCoder& coder, const DrawingFacts&) {
   coder.point3BD(14);
   coder.point3BD(15);
   coder.point3BD(10);
-  codeEnd(coder, flags | Angular2Line);
+  codeEnd(coder, flags | kAngular2Line);
 }
 
 void codeCircular(RecordCoder& coder, std::int64_t type) {
   std::int64_t flags = 0;
   codeBegin(coder, flags);
   // A diameter has its points the other way round.
-  coder.point3BD(type == Diametric ? 15 : 10);
-  coder.point3BD(type == Diametric ? 10 : 15);
+  coder.point3BD(type == kDiametric ? 15 : 10);
+  coder.point3BD(type == kDiametric ? 10 : 15);
   coder.BD(40);
   codeEnd(coder, flags | type);
 }
 
 void codeRadial(RecordCoder& coder, const DrawingFacts&) {
-  codeCircular(coder, Radial);
+  codeCircular(coder, kRadial);
 }
 
 void codeDiametric(RecordCoder& coder, const DrawingFacts&) {
-  codeCircular(coder, Diametric);
+  codeCircular(coder, kDiametric);
 }
 
 #define DIMENSION                                                                             \

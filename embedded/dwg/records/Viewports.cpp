@@ -120,7 +120,7 @@ std::int64_t codeViewMode(RecordCoder& coder) {
   constexpr std::int64_t kClipsNotAtEye = 16;
   const std::int64_t shown = coder.nextInteger(71) ^ kClipsNotAtEye;
   std::int64_t mode = 0;
-  for (const std::int64_t bit : {1, 2, 4, 16}) {
+  for (const int bit : {1, 2, 4, 16}) {
     mode |= codeFlagBit(coder, kPerspective - (bit == 16 ? 3 : bit / 2), bit, shown);
   }
   return mode ^ kClipsNotAtEye;
