@@ -3,15 +3,15 @@
 #include <algorithm>
 #include <cmath>
 
+#include "GeomConst.h"
+
 namespace quoin::commands {
 
 namespace {
 
-constexpr double kRelativeSlack = 1.0e-12;   // 9,000 times 2^-53
-constexpr double kAbsoluteSlack = 1.0e-150;  // far above where squares vanish
-
 double reachOf(double at, double distance) {
-  return distance * (1.0 + kRelativeSlack) + std::fabs(at) * kRelativeSlack + kAbsoluteSlack;
+  return distance * (1.0 + GeomConst::kRoundingSlack) + std::fabs(at) * GeomConst::kRoundingSlack +
+         GeomConst::kVanishingSlack;
 }
 
 }  // namespace

@@ -146,21 +146,22 @@ class CPointBoxReject {
   /// pointers are left out.
   template <class Line, class Visit>
   void VisitNear(const std::vector<Line*>& lines, Visit visit) const {
-    const CDoublePair min(m_minX, m_minY);
-    const CDoublePair max(m_maxX, m_maxY);
     for (std::size_t i = 0; i < lines.size(); ++i) {
       if (i + kPrefetchDistance < lines.size() && lines[i + kPrefetchDistance]) {
         Prefetch(lines[i + kPrefetchDistance]->ptStart);
       }
       Line* const pLine = lines[i];
-      if (pLine && (AreWithin(CDoublePair(pLine->ptStart.x, pLine->ptStart.y), min, max) ||
-                    AreWithin(CDoublePair(pLine->ptEnd.x, pLine->ptEnd.y), min, max))) {
+      if (pLine && (Holds(pLine->ptStart) || Holds(pLine->ptEnd))) {
         visit(pLine);
       }
     }
   }
 
  private:
+  bool Holds(const AcGePoint3d& pt) const {
+    return pt.x >= m_minX && pt.x <= m_maxX && pt.y >= m_minY && pt.y <= m_maxY;
+  }
+
   double m_captureDistance;
   double m_minX = std::numeric_limits<double>::infinity();
   double m_maxX = -std::numeric_limits<double>::infinity();

@@ -54,7 +54,7 @@ class CCaptureBox {
       const double sides = std::fabs(m_dx) + std::fabs(m_dy);
       const double maxCross = std::sqrt(m_dx * m_dx + m_dy * m_dy) * m_margin;
       // Below that the products lose digits; a box alone will do for so short a line.
-      if (maxCross > kAbsoluteSlack) {
+      if (maxCross > GeomConst::kVanishingSlack) {
         m_maxCross = maxCross + GeomConst::kRoundingSlack * (maxCross + sides * (sides + m_margin));
       }
     }
@@ -66,9 +66,10 @@ class CCaptureBox {
   /// How far the box extends beyond its line on every side. Below zero where nothing lies within
   /// the capture distance.
   static double Margin(double maxAbsCoordinate, double captureDistance) {
-    return captureDistance > 0.0 ? captureDistance * (1.0 + GeomConst::kRoundingSlack) +
-                                       maxAbsCoordinate * GeomConst::kRoundingSlack + kAbsoluteSlack
-                                 : -1.0;
+    return captureDistance > 0.0
+               ? captureDistance * (1.0 + GeomConst::kRoundingSlack) +
+                     maxAbsCoordinate * GeomConst::kRoundingSlack + GeomConst::kVanishingSlack
+               : -1.0;
   }
 
   bool Holds(double x, double y) const {
@@ -100,8 +101,6 @@ class CCaptureBox {
   }
 
  private:
-  static constexpr double kAbsoluteSlack = 1.0e-150;  // far above where squares vanish
-
   /// The line's y where its x comes nearest to `x`.
   double YAt(double x) const {
     const double part = std::clamp((x - m_x1) / m_dx, 0.0, 1.0);

@@ -230,6 +230,11 @@ Acad::ErrorStatus setRecordName(AcDbObject& object, const SubclassLayout& layout
 /// What is wrong with an id that is to be a record of this table; eOk if nothing is.
 Acad::ErrorStatus checkRecord(const AcDbObject& object, const AcDbStub* stub, TableKind kind);
 
+/// The stub of an object of a database; null for an id of none.
+inline AcDbStub* stubOf(const AcDbObjectId& id) {
+  return id.isValid() ? static_cast<AcDbStub*>(id) : nullptr;
+}
+
 template <class Edits>
 void changeRecord(AcDbStub& stub, Edits&& edits) {
   DatabaseImpl& database = DatabaseImpl::of(stub);

@@ -48,10 +48,6 @@ const Unit& unitOf(AcDb::UnitsValue units) {
   return kUnits[index < kUnits.size() ? index : 0];
 }
 
-const AcDbStub* stubOf(const AcDbObjectId& id) {
-  return id.isValid() ? static_cast<AcDbStub*>(id) : nullptr;
-}
-
 }  // namespace
 
 namespace hostx {

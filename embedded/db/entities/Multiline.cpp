@@ -215,7 +215,7 @@ std::unique_ptr<AcDbLine> newLine(const ElementLine& line, const AcDbEntity& mul
 std::vector<std::pair<AcGePoint3d, AcGePoint3d>> multilineElements(const AcDbObjectId& id) {
   std::vector<std::pair<AcGePoint3d, AcGePoint3d>> lines;
   try {
-    const AcDbStub* const stub = id.isValid() ? static_cast<AcDbStub*>(id) : nullptr;
+    const AcDbStub* const stub = stubOf(id);
     if (isMultiline(stub)) {
       for (const ElementLine& line : linesOf(shapeOf(DatabaseImpl::of(*stub).tagsOf(*stub)))) {
         lines.emplace_back(line.start, line.end);

@@ -273,7 +273,7 @@ Acad::ErrorStatus AcDbEntity::transformBy(const AcGeMatrix3d& matrix) {
 namespace hostx {
 
 bool canTransform(const AcDbObjectId& id) {
-  const AcDbStub* const stub = id.isValid() ? static_cast<AcDbStub*>(id) : nullptr;
+  const AcDbStub* const stub = stubOf(id);
   try {
     return stub && hasTransform(DatabaseImpl::of(*stub), *stub);
   } catch (...) {
@@ -283,7 +283,7 @@ bool canTransform(const AcDbObjectId& id) {
 }
 
 bool hasExtents(const AcDbObjectId& id) {
-  const AcDbStub* const stub = id.isValid() ? static_cast<AcDbStub*>(id) : nullptr;
+  const AcDbStub* const stub = stubOf(id);
   const RecordKind* const kind = stub ? entityKind(DatabaseImpl::of(*stub).kindOf(*stub)) : nullptr;
   return kind && kind->extents;
 }

@@ -56,7 +56,6 @@ TagList::TagList(std::string_view bytes, const dxf::Format& format)
       isForeign = true;
     } else if (tag.code == kMarkerCode && embedded == kNone) {
       firstMarker = std::min(firstMarker, index);
-      m_markersEnd = index + 1;
       isInGroup = false;
       isForeign = true;
     }
@@ -86,8 +85,7 @@ TagRange TagList::subclassAndBeyond(std::string_view marker) const {
 TagRange TagList::subclass(std::string_view marker) const {
   TagRange range = subclassAndBeyond(marker);
   if (range.first > body().first) {
-    const std::size_t last = std::min(range.last, m_markersEnd);
-    for (std::size_t i = range.first; i < last; ++i) {
+    for (std::size_t i = range.first; i < range.last; ++i) {
       if (m_tags[i].code == kMarkerCode && dxf::trimmedValue((*this)[i]) != marker) {
         range.last = i;
         break;

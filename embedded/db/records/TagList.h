@@ -122,7 +122,6 @@ class TagList {
   std::size_t m_headEnd = 0;
   std::size_t m_bodyEnd = 0;
   std::size_t m_xDataBegin = 0;
-  std::size_t m_markersEnd = 0;  // behind the last marker
   bool m_hasMarkers = false;
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
 
 namespace quoin::dwg::container {
 namespace {
@@ -59,6 +60,22 @@ std::uint32_t pageChecksum(std::uint32_t seed, std::string_view bytes) {
     bytes.remove_prefix(size);
   }
   return (weighted << 16) | plain;
+}
+
+std::uint32_t codedPageChecksum(std::string_view bytes) {
+  // Pairs of bytes from the back to the front, the pairs themselves as they are.
+  std::string ordered;
+  ordered.reserve(bytes.size());
+  for (std::size_t group = 8; group >= 2; group /= 2) {
+    for (; bytes.size() >= group; bytes.remove_prefix(group)) {
+      for (std::size_t pair = group; pair > 0; pair -= 2) {
+        ordered += bytes.substr(pair - 2, 2);
+      }
+    }
+  }
+  ordered += bytes;
+  const auto size = static_cast<std::uint32_t>(ordered.size());
+  return pageChecksum(size * 0x343FD + 0x269EC3, ordered);
 }
 
 }  // namespace quoin::dwg::container

@@ -21,5 +21,8 @@ HOST_API std::uint32_t crc32(std::string_view bytes);
 /// The checksum of R2004's pages: two sums modulo 65521; what it gave for the bytes in front is
 /// the seed of those that follow.
 HOST_API std::uint32_t pageChecksum(std::uint32_t seed, std::string_view bytes);
+/// The checksum of R2007's pages (chapter 5): the same sums, begun with the number of bytes, and
+/// the bytes of each eight (of the rest, each four) in another order.
+HOST_API std::uint32_t codedPageChecksum(std::string_view bytes);
 
 }  // namespace quoin::dwg::container

@@ -56,13 +56,18 @@ std::unique_ptr<Container> openContainer(std::string bytes, const FileHead& head
                                         : openPagedFile(std::move(bytes), head, warnings);
 }
 
+/// Where a record is and ends.
+using Extent = std::pair<std::uint64_t, std::uint64_t>;
+
+constexpr const char* kOverlap = "two records lie one on the other";
+
 /// Records that share bytes: a change of one would be a change of the other.
-void checkApart(std::vector<std::pair<std::uint64_t, std::uint64_t>> extents, Warnings& warnings) {
+void checkApart(std::vector<Extent>& extents, Warnings& warnings) {
   std::sort(extents.begin(), extents.end());
   for (std::size_t i = 1; i < extents.size(); ++i) {
     if (extents[i].first < extents[i - 1].second) {
       warnings.addDamage(std::string(sectionText(SectionName::Objects)), extents[i].first,
-                         "two records lie one on the other");
+                         kOverlap);
     }
   }
 }
@@ -126,29 +131,38 @@ void DwgFile::readFrames(Warnings& warnings) {
   m_classes = read(SectionName::Classes, FramedSection::Classes);
 }
 
+std::vector<MapEntry> DwgFile::readMap(Warnings& warnings) const {
+  return readObjectMap(section(SectionName::Handles), m_container->offsetOf(SectionName::Handles),
+                       m_container->objects().size() / kLeastRecordSize, warnings);
+}
+
 void DwgFile::readRecords(Warnings& warnings) {
   const std::string_view objects = m_container->objects();
-  const std::vector<MapEntry> entries = readObjectMap(
-      section(SectionName::Handles), m_container->offsetOf(SectionName::Handles), warnings);
-  std::vector<std::pair<std::uint64_t, std::uint64_t>> extents;
+  const std::vector<MapEntry> entries = readMap(warnings);
+  std::vector<Extent> extents;
   extents.reserve(entries.size());
   m_records.reserve(entries.size());
+  std::uint64_t allSizes = 0;
   for (const MapEntry& entry : entries) {
-    const auto complain = [&](const char* cause) {
-      warnings.addDamage("record " + handleText(entry.handle), entry.place, cause);
-    };
     try {
       const RecordFrame frame = readRecordFrame(objects, entry.place, hasHandleBits());
-      if (!frame.isSumRight) {
-        complain("the checksum is wrong");
+      // Records that lie one on the other could be far more to read than the file is long.
+      allSizes += frame.size;
+      if (allSizes > objects.size()) {
+        throw Damage(kOverlap);
+      }
+      if (!isRecordSumRight(objects, entry.place, frame.size)) {
+        warnings.addDamage("record " + handleText(entry.handle), entry.place,
+                           "the checksum is wrong");
       }
       m_records.push_back({entry.handle, frame.data, frame.handleBits});
       extents.emplace_back(entry.place, entry.place + frame.size);
     } catch (const Damage& damage) {
-      complain(damage.what());
+      warnings.addDamage("record " + handleText(entry.handle), entry.place, damage.what());
+      allSizes = std::min<std::uint64_t>(allSizes, objects.size());
     }
   }
-  checkApart(std::move(extents), warnings);
+  checkApart(extents, warnings);
 }
 
 std::string DwgFile::savedBy() const {

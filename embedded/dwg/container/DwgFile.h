@@ -25,6 +25,7 @@ namespace quoin::dwg {
 namespace container {
 class Container;
 struct ContainerChanges;
+struct MapEntry;
 }  // namespace container
 
 /// One object record, without its size in front and its checksum behind.
@@ -109,6 +110,7 @@ class HOST_API DwgFile {
 
  private:
   void open(std::string bytes);
+  std::vector<container::MapEntry> readMap(container::Warnings& warnings) const;
   void readRecords(container::Warnings& warnings);
   void readFrames(container::Warnings& warnings);
   bool hasHandleBits() const { return m_version >= dxf::Version::R2010; }

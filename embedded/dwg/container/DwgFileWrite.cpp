@@ -179,7 +179,7 @@ ContainerChanges DwgFile::containerChanges(const FileChanges& changes) const {
   MapMerger merger(*m_container, hasHandleBits());
   Warnings ignored;
   auto change = sorted.begin();
-  for (const MapEntry& entry : readObjectMap(section(SectionName::Handles), 0, ignored)) {
+  for (const MapEntry& entry : readMap(ignored)) {
     for (; change != sorted.end() && (*change)->handle < entry.handle; ++change) {
       merger.add(**change);
     }

@@ -82,8 +82,8 @@ void readChunk(std::string_view pairs, std::vector<MapEntry>& entries) {
   }
 }
 
-void readChunks(std::string_view section, std::uint64_t offset, std::vector<MapEntry>& entries,
-                Warnings& warnings) {
+void readChunks(std::string_view section, std::uint64_t offset, std::uint64_t mostEntries,
+                std::vector<MapEntry>& entries, Warnings& warnings) {
   std::size_t at = 0;
   while (true) {
     const std::size_t size = bigEndianAt(section, at);
@@ -97,6 +97,9 @@ void readChunks(std::string_view section, std::uint64_t offset, std::vector<MapE
     }
     if (size == kSizeBytes) {
       return;
+    }
+    if (entries.size() > mostEntries) {
+      throw Damage("the object map has more records than there is room for", at);
     }
     try {
       readChunk(chunk.substr(kSizeBytes), entries);
@@ -144,10 +147,10 @@ std::string pairBehind(const MapEntry& before, const MapEntry& entry) {
 }  // namespace
 
 std::vector<MapEntry> readObjectMap(std::string_view section, std::uint64_t offset,
-                                    Warnings& warnings) {
+                                    std::uint64_t mostEntries, Warnings& warnings) {
   std::vector<MapEntry> entries;
   try {
-    readChunks(section, offset, entries, warnings);
+    readChunks(section, offset, mostEntries, entries, warnings);
   } catch (const Damage& damage) {
     warnings.addDamage(kSection, offset + damage.place, damage.what());
   }

@@ -19,8 +19,9 @@ struct MapEntry {
 
 /// The entries in order of handle; of two with one handle the first counts.
 /// What is damaged is left out, with a warning; `offset` is that of the section in the file.
+/// `mostEntries` is how many records there is room for; what claims more is damaged.
 HOST_API std::vector<MapEntry> readObjectMap(std::string_view section, std::uint64_t offset,
-                                             Warnings& warnings);
+                                             std::uint64_t mostEntries, Warnings& warnings);
 
 /// The section for these entries, which are in order of handle. `size` of readObjectMap's section
 /// may be larger than what this gives: it ends with its empty chunk.

@@ -94,15 +94,21 @@ std::uint64_t mostSystemPageBytes(std::uint64_t contents) {
   return kSystemHeaderSize + contents + contents / kMostUnpackedPerByte + 16;
 }
 
-std::vector<PageSlot> readPageMap(std::string_view contents) {
+std::vector<PageSlot> readPageMap(std::string_view contents, std::uint64_t fileSize) {
   std::vector<PageSlot> slots;
   std::uint64_t place = kPagesBegin;
   ByteReader reader(contents);
   while (!reader.isAtEnd()) {
     const auto number = reader.next<std::int32_t>();
     const auto size = reader.next<std::uint32_t>();
+    if (number == 0 || size < kPageAlignment) {
+      throw Damage("the page map is damaged", reader.place());
+    }
     if (number < 0) {
       reader.take(4 * sizeof(std::uint32_t));  // its place in the tree of gaps
+    }
+    if (place >= fileSize) {
+      throw Damage("the page map has pages behind the end of the file", place);
     }
     slots.push_back({number < 0 ? 0 : static_cast<std::uint32_t>(number), place, size});
     place += size;

@@ -45,8 +45,8 @@ HOST_API std::string emptyPageMapHeader();
 /// The most bytes that systemPageBytes() can give for so many bytes of contents.
 HOST_API std::uint64_t mostSystemPageBytes(std::uint64_t contents);
 
-/// Fails: throws Damage.
-HOST_API std::vector<PageSlot> readPageMap(std::string_view contents);
+/// Fails: throws Damage, for pages without size and behind the end of the file too.
+HOST_API std::vector<PageSlot> readPageMap(std::string_view contents, std::uint64_t fileSize);
 /// Numbers the gaps, makes their tree by size and enters both in the header.
 HOST_API std::string pageMapContents(const std::vector<PageSlot>& slots, PagedHeader& header);
 

@@ -62,13 +62,6 @@ std::string dataPageHeaderBytes(const DataPageHeader& header, std::uint64_t plac
   return masked(plainHeader(header), place);
 }
 
-void UnpackBudget::take(std::uint64_t size, std::uint64_t place) {
-  if (size > m_left) {
-    throw Damage("the file claims to unpack to far more than files of its size do", place);
-  }
-  m_left -= size;
-}
-
 PagedFile::PagedFile(std::string bytes, Warnings& warnings) : Container(std::move(bytes)) {
   m_header = readPagedHeader(m_bytes);
   if (!m_header.isSumRight) {
@@ -96,7 +89,7 @@ void PagedFile::readMaps(Warnings& warnings, UnpackBudget& budget) {
   if (m_header.pageMapPlace > m_bytes.size()) {
     throw Damage("the page map lies behind the end of the file", kPagedHeaderPlace);
   }
-  m_slots = readPageMap(read(m_header.pageMapPlace + kPagesBegin, kPageMapType));
+  m_slots = readPageMap(read(m_header.pageMapPlace + kPagesBegin, kPageMapType), m_bytes.size());
   m_isUsed.resize(m_slots.size());
   for (std::size_t i = 0; i < m_slots.size(); ++i) {
     if (m_slots[i].number != 0 && !m_slotOf.emplace(m_slots[i].number, i).second) {

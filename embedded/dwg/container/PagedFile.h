@@ -9,6 +9,7 @@
 #include "embedded/dwg/container/PageMap.h"
 #include "embedded/dwg/container/PagedHeader.h"
 #include "embedded/dwg/container/SectionMap.h"
+#include "embedded/dwg/container/UnpackBudget.h"
 #include "hostapi.h"
 
 namespace quoin::dwg::container {
@@ -35,22 +36,6 @@ HOST_API DataPageHeader readDataPageHeader(std::string_view file, std::uint64_t 
 HOST_API std::uint32_t headerSumOf(const DataPageHeader& header);
 /// The header as the file has it at this place.
 HOST_API std::string dataPageHeaderBytes(const DataPageHeader& header, std::uint64_t place);
-
-/// Memory that the unpacking of one file may take: real drawings stay far below, and what claims
-/// more has been made to fill memory.
-class UnpackBudget {
- public:
-  explicit UnpackBudget(std::size_t fileSize) : m_left(kMostPerByte * fileSize + kAlways) {}
-  /// Fails: throws Damage.
-  void take(std::uint64_t size, std::uint64_t place);
-  std::uint64_t left() const { return m_left; }
-
- private:
-  static constexpr std::uint64_t kMostPerByte = 64;
-  static constexpr std::uint64_t kAlways = 1 << 20;
-
-  std::uint64_t m_left;
-};
 
 class PagedFile : public Container {
  public:

@@ -45,9 +45,14 @@ RecordFrame readRecordFrame(std::string_view objects, std::uint64_t place, bool 
     throw Damage("the record has no data", place);
   }
   frame.size = reader.place() + sizeof(std::uint16_t) - place;
-  const std::string_view summed = slice(objects, place, reader.place() - place);
-  frame.isSumRight = reader.next<std::uint16_t>() == crc16(kCrc16Seed, summed);
+  slice(objects, place, frame.size);
   return frame;
+}
+
+bool isRecordSumRight(std::string_view objects, std::uint64_t place, std::uint64_t size) {
+  const std::string_view frame = slice(objects, place, size);
+  const std::size_t sumPlace = frame.size() - sizeof(std::uint16_t);
+  return numberAt<std::uint16_t>(frame, sumPlace) == crc16(kCrc16Seed, frame.substr(0, sumPlace));
 }
 
 std::string framedRecord(std::string_view data, std::uint64_t handleBits, bool hasHandleBits) {

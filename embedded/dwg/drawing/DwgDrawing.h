@@ -75,7 +75,7 @@ class HOST_API DwgDrawing {
   DrawingFacts m_facts;
   HeaderSection m_header;
   ClassSection m_classSection;
-  Classes m_classes;
+  ClassMap m_classes;
   RecordCodec m_codec;
   std::uint64_t m_controls[10] = {};  // tables, in the order of kTables
   std::int64_t m_measurement = 0;

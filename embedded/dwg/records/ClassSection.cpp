@@ -110,8 +110,8 @@ void ClassSection::listClasses() {
   }
 }
 
-Classes ClassSection::byType() const {
-  Classes classes;
+ClassMap ClassSection::byType() const {
+  ClassMap classes;
   for (const DrawingClass& drawingClass : m_classes) {
     std::string name;
     for (const wchar_t character : drawingClass.dxfName) {

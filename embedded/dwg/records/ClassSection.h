@@ -37,7 +37,7 @@ class HOST_API ClassSection {
 
   const std::vector<DrawingClass>& classes() const { return m_classes; }
   /// The classes as RecordCodec wants them; of two with one number the first counts.
-  Classes byType() const;
+  ClassMap byType() const;
   /// Whether nothing was left unread, and writing what was read gave the very bits again, so that
   /// it may be changed.
   bool isExact() const { return m_isExact; }

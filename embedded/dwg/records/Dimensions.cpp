@@ -10,11 +10,10 @@ namespace {
 
 using dxf::Version;
 
-// Flags of group 70.
+// Flags and types of group 70.
 constexpr std::int64_t kOwnBlock = 32;
 constexpr std::int64_t kXType = 64;
 constexpr std::int64_t kUserPosition = 128;
-// Types in its lower bits.
 constexpr std::int64_t kRotated = 0;
 constexpr std::int64_t kAligned = 1;
 constexpr std::int64_t kAngular2Line = 2;
@@ -32,14 +31,13 @@ std::int64_t codeFlags(RecordCoder& coder) {
   constexpr std::int64_t kBlock = 2;
   if (coder.isReading()) {
     const std::int64_t flags = coder.RC(kFlags);
-    return ((flags & kAutomatic) != 0 ? 0 : kUserPosition) |
-           ((flags & kBlock) != 0 ? kOwnBlock : 0);
+    return ((flags & kAutomatic) != 0 ? 0 : kUserPosition) | ((flags & kBlock) != 0 ? kOwnBlock : 0);
   }
   const std::int64_t shown = coder.nextInteger(70, kOwnBlock);
   const std::int64_t rest = coder.nextInteger(kFlags) & ~(kAutomatic | kBlock);
-  coder.dataOut().rawChar(
-      static_cast<std::uint8_t>(rest | ((shown & kUserPosition) != 0 ? 0 : kAutomatic) |
-                                ((shown & kOwnBlock) != 0 ? kBlock : 0)));
+  coder.dataOut().rawChar(static_cast<std::uint8_t>(rest |
+                                                    ((shown & kUserPosition) != 0 ? 0 : kAutomatic) |
+                                                    ((shown & kOwnBlock) != 0 ? kBlock : 0)));
   return shown;
 }
 

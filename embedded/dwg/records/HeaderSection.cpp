@@ -217,7 +217,7 @@ std::string HeaderSection::write() const {
 }
 
 /// Takes the values over as they come back from their bits.
-bool HeaderSection::become(RecordValues values) {
+bool HeaderSection::become(const RecordValues& values) {
   const std::string contents = encoded(values);
   HeaderSection fresh;
   if (contents.empty() || !fresh.read(contents, m_version, *m_codePage) || !fresh.m_isExact) {
@@ -311,7 +311,7 @@ RecordValues HeaderSection::shown(const SpelledVariable& variable, const StoredV
         code, colorIndex(first->integer,
                          trueColor == nullptr ? std::nullopt : std::optional(trueColor->integer)));
   } else if (first->type == Value::Type::Handle && isArrowVariable(stored.name)) {
-    std::wstring name = facts.nameOf(static_cast<std::uint64_t>(first->integer));
+    const std::wstring& name = facts.nameOf(static_cast<std::uint64_t>(first->integer));
     const bool isOfProgram = name.starts_with(L'_') && isArrow(std::wstring_view(name).substr(1));
     values.addText(code, isOfProgram ? name.substr(1) : name);
   } else if (isBool && first->type == Value::Type::Integer) {
@@ -501,7 +501,7 @@ bool HeaderSection::set(std::string_view name, std::string_view tags, const Draw
     return false;
   }
   RecordValues values;
-  return store(*variable, *stored, fresh, facts, values) && become(std::move(values));
+  return store(*variable, *stored, fresh, facts, values) && become(values);
 }
 
 bool HeaderSection::setSeed(std::uint64_t handle) {
@@ -515,7 +515,7 @@ bool HeaderSection::setSeed(std::uint64_t handle) {
       values[i].integer = static_cast<std::int64_t>(handle);
     }
   }
-  return become(std::move(values));
+  return become(values);
 }
 
 }  // namespace quoin::dwg

@@ -97,7 +97,7 @@ class HOST_API HeaderSection {
 
  private:
   std::string encoded(const RecordValues& values) const;
-  bool become(RecordValues values);
+  bool become(const RecordValues& values);
   RecordValues shown(const SpelledVariable& variable, const StoredVariable& stored,
                      const DrawingFacts& facts) const;
   bool showOutside(const SpelledVariable& variable, const DrawingFacts& facts,

@@ -25,7 +25,7 @@ struct ClassFacts {
   std::string dxfName;
   bool isEntity = false;
 };
-using Classes = std::unordered_map<std::uint16_t, ClassFacts>;
+using ClassMap = std::unordered_map<std::uint16_t, ClassFacts>;
 
 /// A record's fields.
 struct DecodedRecord {
@@ -42,7 +42,7 @@ struct DecodedRecord {
 
 class HOST_API RecordCodec {
  public:
-  RecordCodec(const DrawingFacts& facts, const Classes& classes)
+  RecordCodec(const DrawingFacts& facts, const ClassMap& classes)
       : m_facts(&facts), m_classes(&classes) {}
 
   /// The record's fields. What cannot be read behind the shared ones leaves it unread.
@@ -66,7 +66,7 @@ class HOST_API RecordCodec {
   void writeExtendedData(const DecodedRecord& record, std::string& bytes) const;
 
   const DrawingFacts* m_facts;
-  const Classes* m_classes;
+  const ClassMap* m_classes;
 };
 
 }  // namespace quoin::dwg

@@ -10,7 +10,7 @@
 namespace quoin::dwg::container {
 namespace {
 
-using namespace std::string_view_literals;
+using namespace std::string_literals;
 
 std::string unpacked(std::string_view packed, std::size_t size) {
   std::string out(size, '?');
@@ -24,33 +24,19 @@ void expectRoundTrip(const std::string& bytes) {
   ASSERT_LE(packed.size(), bytes.size() + bytes.size() / 255 + 8);
 }
 
+/// The instruction for the literals "abcd", with which these tests begin.
+const std::string kAbcd = std::string(1, '\x01') + "abcd";
+
 TEST(Lz77, EachInstructionOfTheFormatIsUnderstood) {
-  EXPECT_EQ(unpacked("\x01"
-                     "abcd\x11"sv,
-                     4),
-            "abcd");
+  EXPECT_EQ(unpacked(kAbcd + "\x11", 4), "abcd");
   // 3 bytes from 2 back, then two literals.
-  EXPECT_EQ(unpacked("\x01"
-                     "abcd\x46\x00"
-                     "xy\x11"sv,
-                     9),
-            "abcdcdcxy");
+  EXPECT_EQ(unpacked(kAbcd + "\x46\x00xy\x11"s, 9), "abcdcdcxy");
   // 4 bytes from 4 back, then literals by an instruction.
-  EXPECT_EQ(unpacked("\x01"
-                     "abcd\x22\x0C\x00\x01"
-                     "wxyz\x11"sv,
-                     12),
-            "abcdabcdwxyz");
+  EXPECT_EQ(unpacked(kAbcd + "\x22\x0C\x00\x01wxyz\x11"s, 12), "abcdabcdwxyz");
   // 2 + 31 + 255 + 1 bytes from 1 back.
-  EXPECT_EQ(unpacked("\x01"
-                     "abcd\x20\x00\x01\x00\x00\x11"sv,
-                     293),
-            "abc" + std::string(290, 'd'));
+  EXPECT_EQ(unpacked(kAbcd + "\x20\x00\x01\x00\x00\x11"s, 293), "abc" + std::string(290, 'd'));
   // 18 + 2 literals.
-  EXPECT_EQ(unpacked("\x00\x02"
-                     "abcdefghijklmnopqrst\x11"sv,
-                     20),
-            "abcdefghijklmnopqrst");
+  EXPECT_EQ(unpacked("\x00\x02ghijklmnopqrstuvwxyz\x11"s, 20), "ghijklmnopqrstuvwxyz");
 }
 
 TEST(Lz77, FarCopiesReachSoFarBack) {
@@ -105,34 +91,14 @@ TEST(Lz77, DamagedInstructionsAreRefused) {
   const auto refused = [](std::string_view packed, std::size_t size) {
     EXPECT_THROW(unpacked(packed, size), Damage) << testing::PrintToString(packed);
   };
-  refused(""sv, 9);
-  refused(
-      "\x01"
-      "abcd"sv,
-      9);  // no end
-  refused(
-      "\x01"
-      "ab"sv,
-      9);  // too few literals
-  refused(
-      "\x01"
-      "abcd\x11"sv,
-      3);  // no room for the literals
-  refused(
-      "\x01"
-      "abcd\x51\x01\x11"sv,
-      20);  // from in front of the beginning
-  refused(
-      "\x01"
-      "abcd\xF1\x00"
-      "x\x11"sv,
-      9);  // no room for the copy
-  refused(
-      "\x01"
-      "abcd\x41\x00"
-      "x\x05"sv,
-      99);                               // literals behind literals
-  refused(std::string(1000, '\0'), 99);  // a length without an end
+  refused("", 9);
+  refused(kAbcd, 9);                      // no end
+  refused("\x02gh", 9);                   // too few literals
+  refused(kAbcd + "\x11", 3);             // no room for the literals
+  refused(kAbcd + "\x50\x01\x11", 20);    // from in front of the beginning
+  refused(kAbcd + "\xF0\x00\x11"s, 9);    // no room for the copy
+  refused(kAbcd + "\x41\x00x\x05"s, 99);  // literals behind literals
+  refused(std::string(1000, '\0'), 99);   // a length without an end
 }
 
 TEST(Lz77, ACutOffPageIsRefused) {

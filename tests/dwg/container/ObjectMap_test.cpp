@@ -13,7 +13,7 @@ namespace {
 using namespace std::string_view_literals;
 
 std::vector<MapEntry> readBack(std::string_view section, Warnings& warnings) {
-  return readObjectMap(section, 0, warnings);
+  return readObjectMap(section, 0, 1000000, warnings);
 }
 
 void expectSame(const std::vector<MapEntry>& some, const std::vector<MapEntry>& others) {
@@ -112,6 +112,16 @@ TEST(ObjectMap, OfTwoRecordsWithOneHandleTheFirstCounts) {
 TEST(ObjectMap, AHandleOfZeroIsLeftOut) {
   Warnings warnings;
   expectSame(readBack(sectionOf("\x00\x09\x05\x09"sv), warnings), {{5, 18}});
+  EXPECT_FALSE(warnings.whyReadOnly().empty());
+}
+
+TEST(ObjectMap, MoreRecordsThanThereIsRoomForAreDamage) {
+  std::vector<MapEntry> entries;
+  for (std::uint64_t i = 1; i < 100000; ++i) {
+    entries.push_back({i, 0});
+  }
+  Warnings warnings;
+  EXPECT_LT(readObjectMap(objectMapOf(entries), 0, 5000, warnings).size(), 7000U);
   EXPECT_FALSE(warnings.whyReadOnly().empty());
 }
 

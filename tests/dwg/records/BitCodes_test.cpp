@@ -111,7 +111,8 @@ TEST(BitCodes, HandlesReferAbsolutelyAndToTheirOwnNeighbours) {
 }
 
 TEST(BitCodes, ObjectTypesTakeOneByteOrTwo) {
-  for (const std::uint16_t type : {0, 19, 255, 256, 0x1F0, 0x2EF, 0x2F0, 0x7FFF}) {
+  for (const int value : {0, 19, 255, 256, 0x1F0, 0x2EF, 0x2F0, 0x7FFF}) {
+    const auto type = static_cast<std::uint16_t>(value);
     BitWriter writer;
     writer.objectType(type);
     BitReader reader = readerOf(writer);

@@ -58,7 +58,7 @@ TEST(ClassSection, AMadeSectionBecomesRecords) {
   EXPECT_EQ(bytes,
             "0\nCLASS\n1\nIMAGE\n2\nAcDbRasterImage\n3\nISM\n90\n127\n280\n0\n281\n1\n"
             "0\nCLASS\n1\nIMAGEDEF\n2\nAcDbRasterImageDef\n3\nISM\n90\n0\n280\n1\n281\n0\n");
-  const Classes classes = section.byType();
+  const ClassMap classes = section.byType();
   EXPECT_EQ(classes.at(500).dxfName, "IMAGE");
   EXPECT_TRUE(classes.at(500).isEntity);
   EXPECT_FALSE(classes.at(501).isEntity);

@@ -158,7 +158,7 @@ class HandMadeRecordTest : public ::testing::TestWithParam<dxf::Version> {
   }
 
   DrawingFacts m_facts;
-  Classes m_classes;
+  ClassMap m_classes;
   RecordCodec m_codec{m_facts, m_classes};
   DecodedRecord m_record;
 };

@@ -104,7 +104,7 @@ class RecordCodecTest : public testing::TestWithParam<Version> {
   }
 
   DrawingFacts m_facts;
-  Classes m_classes;
+  ClassMap m_classes;
   RecordCodec m_codec{m_facts, m_classes};
   DecodedRecord m_record;
 };
@@ -201,8 +201,8 @@ INSTANTIATE_TEST_SUITE_P(Versions, RecordCodecTest,
                          testing::Values(Version::R14, Version::R2000, Version::R2004,
                                          Version::R2007, Version::R2010, Version::R2013,
                                          Version::R2018),
-                         [](const auto& info) {
-                           return std::string(dxf::releaseName(info.param));
+                         [](const auto& version) {
+                           return std::string(dxf::releaseName(version.param));
                          });
 
 }  // namespace
