@@ -31,13 +31,14 @@ std::int64_t codeFlags(RecordCoder& coder) {
   constexpr std::int64_t kBlock = 2;
   if (coder.isReading()) {
     const std::int64_t flags = coder.RC(kFlags);
-    return ((flags & kAutomatic) != 0 ? 0 : kUserPosition) | ((flags & kBlock) != 0 ? kOwnBlock : 0);
+    return ((flags & kAutomatic) != 0 ? 0 : kUserPosition) |
+           ((flags & kBlock) != 0 ? kOwnBlock : 0);
   }
   const std::int64_t shown = coder.nextInteger(70, kOwnBlock);
   const std::int64_t rest = coder.nextInteger(kFlags) & ~(kAutomatic | kBlock);
-  coder.dataOut().rawChar(static_cast<std::uint8_t>(rest |
-                                                    ((shown & kUserPosition) != 0 ? 0 : kAutomatic) |
-                                                    ((shown & kOwnBlock) != 0 ? kBlock : 0)));
+  coder.dataOut().rawChar(
+      static_cast<std::uint8_t>(rest | ((shown & kUserPosition) != 0 ? 0 : kAutomatic) |
+                                ((shown & kOwnBlock) != 0 ? kBlock : 0)));
   return shown;
 }
 
