@@ -17,14 +17,6 @@ using dxf::Version;
 
 namespace {
 
-std::string handleText(std::uint64_t handle) {
-  std::string text;
-  for (; handle != 0; handle >>= 4) {
-    text.insert(text.begin(), "0123456789ABCDEF"[handle & 0xF]);
-  }
-  return text.empty() ? "0" : text;
-}
-
 void refuseVersion(std::string_view file, const FileHead& head) {
   if (head.version == Version::Unknown) {
     throw FileError(Acad::eUnsupportedFileFormat,
@@ -152,13 +144,12 @@ void DwgFile::readRecords(Warnings& warnings) {
         throw Damage(kOverlap);
       }
       if (!isRecordSumRight(objects, entry.place, frame.size)) {
-        warnings.addDamage("record " + handleText(entry.handle), entry.place,
-                           "the checksum is wrong");
+        warnings.addDamage(recordText(entry.handle), entry.place, "the checksum is wrong");
       }
       m_records.push_back({entry.handle, frame.data, frame.handleBits});
       extents.emplace_back(entry.place, entry.place + frame.size);
     } catch (const Damage& damage) {
-      warnings.addDamage("record " + handleText(entry.handle), entry.place, damage.what());
+      warnings.addDamage(recordText(entry.handle), entry.place, damage.what());
       allSizes = std::min<std::uint64_t>(allSizes, objects.size());
     }
   }

@@ -15,12 +15,6 @@ using dxf::FileError;
 
 namespace {
 
-std::string recordText(std::uint64_t handle) {
-  char text[17];
-  std::snprintf(text, sizeof(text), "%llX", static_cast<unsigned long long>(handle));
-  return std::string("record ") + text;
-}
-
 [[noreturn]] void fail(Acad::ErrorStatus status, const std::string& record,
                        const std::string& cause) {
   FileError error(status, cause);

@@ -101,7 +101,7 @@ std::vector<PageSlot> readPageMap(std::string_view contents, std::uint64_t fileS
   while (!reader.isAtEnd()) {
     const auto number = reader.next<std::int32_t>();
     const auto size = reader.next<std::uint32_t>();
-    if (number == 0 || size < kPageAlignment) {
+    if (number == 0 || (number > 0 && size < kPageAlignment)) {
       throw Damage("the page map is damaged", reader.place());
     }
     if (number < 0) {

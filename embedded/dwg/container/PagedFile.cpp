@@ -131,6 +131,8 @@ std::string PagedFile::unpacked(const SectionEntry& entry, Warnings& warnings,
                          "the drawing is encrypted; save it without a password");
   }
   budget.take(entry.size, 0);
+  // The last page is unpacked beside its section.
+  budget.take(entry.pages.empty() ? 0 : entry.pageSize, 0);
   std::string section(static_cast<std::size_t>(entry.size), '\0');
   for (const SectionPage& page : entry.pages) {
     try {

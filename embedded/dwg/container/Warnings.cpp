@@ -12,6 +12,14 @@ std::string Warning::message() const {
 
 namespace container {
 
+std::string recordText(std::uint64_t handle) {
+  std::string digits;
+  for (; handle != 0; handle >>= 4) {
+    digits.insert(digits.begin(), "0123456789ABCDEF"[handle & 0xF]);
+  }
+  return "record " + (digits.empty() ? "0" : digits);
+}
+
 void Warnings::add(const std::string& section, std::uint64_t offset, const std::string& cause) {
   if (m_list.size() < kMost) {
     m_list.push_back({section, offset, cause});

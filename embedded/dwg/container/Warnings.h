@@ -20,6 +20,9 @@ struct HOST_API Warning {
 
 namespace container {
 
+/// "record 2F", as messages name it.
+std::string recordText(std::uint64_t handle);
+
 /// Collects warnings: so many of them that somebody may read them, and how many more there were.
 class HOST_API Warnings {
  public:
