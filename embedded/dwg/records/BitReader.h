@@ -20,7 +20,7 @@ struct Coded {
 };
 
 /// A reference to another object: how it refers, in how many bytes, and what it says.
-struct HandleReference {
+struct HOST_API HandleReference {
   std::uint8_t code = 0;  // 2 to 5: absolute; 6, 8: own handle plus, minus one; 10, 12: plus, minus
   std::uint8_t bytes = 0;  // of `offset` in the record
   std::uint64_t offset = 0;
