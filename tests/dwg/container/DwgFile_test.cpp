@@ -228,6 +228,15 @@ TEST(DwgFile, EncryptedDrawingsAreRefusedWithThatWord) {
   EXPECT_THAT(messageOf([&] { const DwgFile file(bytes); }), HasSubstr("encrypted"));
 }
 
+TEST(DwgFile, ASignedDrawingIsWrittenWithAWarning) {
+  std::string bytes = test::madePagedDwg();
+  bytes[0x18] = 0x10;
+  const DwgFile file(bytes);
+  ASSERT_EQ(file.warnings().size(), 1U);
+  EXPECT_THAT(file.warnings()[0].message(), HasSubstr("signed"));
+  EXPECT_EQ(DwgFile(file.written(changeOf(0x10, "x"))).find(0x10)->data, "x");
+}
+
 TEST(DwgFile, OtherVersionsAreRefusedWithTheirMark) {
   std::string bytes = test::madeFlatDwg();
   bytes.replace(0, 6, "AC1009");

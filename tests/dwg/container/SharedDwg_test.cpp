@@ -63,6 +63,7 @@ TEST_F(SharedDwg, EveryDrawingIsReadWithoutAWarningAndComesBackByteForByte) {
     EXPECT_FALSE(file.classes().empty());
     EXPECT_EQ(file.codePage(), "ANSI_1252");
     EXPECT_EQ(file.savedBy().empty(), file.version() <= dxf::Version::R2000);
+    EXPECT_TRUE(file.section(SectionName::Preview).starts_with("\x1F\x25\x6D\x07"));
     EXPECT_TRUE(file.written({}) == bytes);
   }
 }
