@@ -286,7 +286,10 @@ class BreakCommand : public DrawingCommand {
 
   static void tell(const Drawing& drawing, const BreakResult& result, Report& report) {
     report.line("{}: {}{}, {}", drawing.file().string(), os::toUtf8(drawing.info().release),
-                drawing.info().isBinary ? " binary" : "", drawing.unitName());
+                drawing.info().format == L"DWG" ? " DWG"
+                : drawing.info().isBinary       ? " binary"
+                                                : "",
+                drawing.unitName());
     report.line("layers: {}", namesText(result.layers));
     report.line("lines closer than {} touch", captureText(result.capture, drawing));
     report.line("{}, {} of them cut at {} into {}",

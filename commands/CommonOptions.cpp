@@ -98,7 +98,7 @@ CLI::Option* addRepeated(CLI::App& command, const std::string& names,
 void CommonOptions::declarePlans(CLI::App& command) {
   command
       .add_option("DRAWING", plans,
-                  "Drawings to read (DXF, ASCII or binary); - is the standard input")
+                  "Drawings to read (DXF or DWG, by content); - is the standard input")
       ->type_name("")
       ->required();
   command.add_option("--jobs", jobs, "How many drawings at a time; 0 for one a processor core")

@@ -185,8 +185,7 @@ void DwgChanges::takeNew(const AcDbStub& stub) {
   }
   DecodedRecord record;
   std::string problem;
-  if (!m_codec.makeRecord(m_store->kindName(stub), stub.handle, stub.bytes(), record,
-                                     problem)) {
+  if (!m_codec.makeRecord(m_store->kindName(stub), stub.handle, stub.bytes(), record, problem)) {
     refuse(what, problem);
   }
   DecodedRecord& kept = m_edited.emplace(stub.handle, std::move(record)).first->second;

@@ -49,6 +49,9 @@ void DwgCodec::write(const dxf::RecordStore& store,
     sink(file.bytes());
     return;
   }
+  if (!file.whyReadOnly().empty()) {
+    throw dxf::FileError(Acad::eNotApplicable, file.whyReadOnly());
+  }
   const FileChanges changes = DwgChanges(source->drawing(), store).collect();
   if (progress && !progress(0.3)) {
     throw dxf::FileError(Acad::eUserBreak, "writing was stopped");
