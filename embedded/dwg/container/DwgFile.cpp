@@ -1,6 +1,7 @@
 #include "embedded/dwg/container/DwgFile.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "embedded/dwg/container/Bytes.h"
 #include "embedded/dwg/container/FileHead.h"
@@ -48,18 +49,25 @@ std::unique_ptr<Container> openContainer(std::string bytes, const FileHead& head
                                         : openPagedFile(std::move(bytes), head, warnings);
 }
 
-/// Where a record is and ends.
-using Extent = std::pair<std::uint64_t, std::uint64_t>;
-
 constexpr const char* kOverlap = "two records lie one on the other";
 
 /// Records that share bytes: a change of one would be a change of the other.
-void checkApart(std::vector<Extent>& extents, Warnings& warnings) {
-  std::sort(extents.begin(), extents.end());
-  for (std::size_t i = 1; i < extents.size(); ++i) {
-    if (extents[i].first < extents[i - 1].second) {
-      warnings.addDamage(std::string(sectionText(SectionName::Objects)), extents[i].first,
-                         kOverlap);
+void checkApart(const std::vector<RecordView>& records, Warnings& warnings) {
+  std::vector<const RecordView*> byPlace;
+  byPlace.reserve(records.size());
+  for (const RecordView& record : records) {
+    byPlace.push_back(&record);
+  }
+  std::sort(byPlace.begin(), byPlace.end(), [](const RecordView* one, const RecordView* other) {
+    return std::less<>()(one->data.data(), other->data.data());
+  });
+  // Between two records there are at least a checksum and a size.
+  constexpr std::ptrdiff_t kLeastApart = 4;
+  for (std::size_t i = 1; i < byPlace.size(); ++i) {
+    const std::string_view before = byPlace[i - 1]->data;
+    if (byPlace[i]->data.data() - before.data() <
+        static_cast<std::ptrdiff_t>(before.size()) + kLeastApart) {
+      warnings.addDamage(recordText(byPlace[i]->handle), 0, kOverlap);
     }
   }
 }
@@ -131,29 +139,25 @@ std::vector<MapEntry> DwgFile::readMap(Warnings& warnings) const {
 void DwgFile::readRecords(Warnings& warnings) {
   const std::string_view objects = m_container->objects();
   const std::vector<MapEntry> entries = readMap(warnings);
-  std::vector<Extent> extents;
-  extents.reserve(entries.size());
   m_records.reserve(entries.size());
   std::uint64_t allSizes = 0;
   for (const MapEntry& entry : entries) {
     try {
       const RecordFrame frame = readRecordFrame(objects, entry.place, hasHandleBits());
       // Records that lie one on the other could be far more to read than the file is long.
-      allSizes += frame.size;
-      if (allSizes > objects.size()) {
+      if (frame.size > objects.size() - allSizes) {
         throw Damage(kOverlap);
       }
+      allSizes += frame.size;
       if (!isRecordSumRight(objects, entry.place, frame.size)) {
         warnings.addDamage(recordText(entry.handle), entry.place, "the checksum is wrong");
       }
       m_records.push_back({entry.handle, frame.data, frame.handleBits});
-      extents.emplace_back(entry.place, entry.place + frame.size);
     } catch (const Damage& damage) {
       warnings.addDamage(recordText(entry.handle), entry.place, damage.what());
-      allSizes = std::min<std::uint64_t>(allSizes, objects.size());
     }
   }
-  checkApart(extents, warnings);
+  checkApart(m_records, warnings);
 }
 
 std::string DwgFile::savedBy() const {
