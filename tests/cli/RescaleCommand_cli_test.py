@@ -46,7 +46,7 @@ class RescaleTest(files.FilesTest):
         self.assertEqual(result.returncode, 3)
         rows = cli.json.loads(result.stdout)["drawings"]
         self.assertEqual([row["exitCode"] for row in rows], [0, 3, 6, 3, 3, 0])
-        self.assertIn("R2000, AC1015", rows[1]["error"])
+        self.assertIn("old.dwg", rows[1]["error"])
         self.assertIn("ACAD_PROXY_ENTITY", rows[2]["error"])
         self.assertEqual(dwg.read_bytes(), dwg_bytes)
         self.assertFalse(self.path("nowhere.dxf").exists())

@@ -59,7 +59,7 @@ class JsonTest(cli.CliTest):
         "style mline": ["--name", "W"], "style dim": ["--name", "D", "--scale", "1"],
         "paint": ["--layer", "WALL", "--rgb", "1,2,3"],
         "match-properties": ["--layer", "WALL", "--from", "{handle}"],
-        "rescale": ["--drawing-factor", "2"], "restore": None,
+        "rescale": ["--drawing-factor", "2"], "convert": [], "restore": None,
     }
 
     def plan(self):

@@ -24,6 +24,13 @@ void DwgCodec::read(std::string buffer, const std::string& fileName, dxf::Record
   };
   auto source = std::make_unique<DwgSource>(
       std::make_unique<DwgDrawing>(DwgFile(std::move(buffer), fileName), store.givenCodePage()));
+  if (source->drawing().facts().modelSpace == 0) {
+    dxf::FileError error(Acad::eDwgNeedsRecovery,
+                         "this DWG drawing has no table of blocks, so nothing of it can be shown; "
+                         "the file is damaged");
+    error.fileName = fileName;
+    throw error;
+  }
   std::string tags = source->drawing().tags(part(0.0, kTagsShare));
   store.load(std::move(tags), fileName, part(kTagsShare, 1.0));
   for (const Warning& warning : source->drawing().file().warnings()) {

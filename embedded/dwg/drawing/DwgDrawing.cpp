@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <unordered_map>
 #include <utility>
 
@@ -65,6 +66,14 @@ std::wstring textAt(const DecodedRecord& record, int key) {
 std::int64_t integerAt(const DecodedRecord& record, int key) {
   const Value* const value = record.values.first(key);
   return value == nullptr ? 0 : value->integer;
+}
+
+/// "LINE 2F" for messages.
+std::string describe(const DecodedRecord& record) {
+  char handle[24];
+  std::snprintf(handle, sizeof handle, " %llX",
+                static_cast<unsigned long long>(record.handleAt(kOwnHandle)));
+  return record.name + handle;
 }
 
 void beginSection(std::string& bytes, std::string_view name, const dxf::Format& format) {
@@ -444,7 +453,7 @@ void DwgDrawing::writeObjects(std::string& bytes) {
       m_codec.decode(sourceOf(m_file.records()[i]), record);
       if (record.isEntity) {
         if (!wantsRoot) {
-          m_problems.push_back(record.name + " belongs to no block");
+          m_problems.push_back(describe(record) + " belongs to no block");
         }
       } else if (isRoot(record) == wantsRoot && !record.name.empty()) {
         writeRecord(record, bytes);
