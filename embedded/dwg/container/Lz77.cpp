@@ -22,7 +22,6 @@ namespace {
 // other byte ends it.
 constexpr unsigned kEnd = 0x11;
 constexpr std::size_t kLeastLiterals = 4;  // fewer have room in the copy in front alone
-constexpr std::size_t kLeastCopy = 3;
 constexpr std::size_t kShortMost = 14;
 constexpr std::size_t kShortDistance = 0x400;
 constexpr std::size_t kMiddleDistance = 0x4000;

@@ -122,7 +122,7 @@ void appendDifference(std::string& bytes, std::uint64_t number) {
 }
 
 void appendSigned(std::string& bytes, std::int64_t difference) {
-  std::uint64_t number = difference < 0 ? 0 - static_cast<std::uint64_t>(difference) : difference;
+  std::uint64_t number = static_cast<std::uint64_t>(difference < 0 ? -difference : difference);
   for (; number > 0x3F; number >>= 7) {
     bytes.push_back(static_cast<char>((number & 0x7F) | 0x80));
   }

@@ -199,34 +199,38 @@ void codeFormOrHandle(RecordCoder& coder, int formKey, int key, std::uint64_t by
 }
 
 void codeLinetype(RecordCoder& coder, const DrawingFacts& facts) {
-  enum Form : std::int64_t { ByLayer = 0, ByBlock = 1, Continuous = 2, Named = 3 };
+  // What two bits say.
+  constexpr std::int64_t kFormByLayer = 0;
+  constexpr std::int64_t kFormByBlock = 1;
+  constexpr std::int64_t kFormContinuous = 2;
+  constexpr std::int64_t kFormNamed = 3;
   const int key = common(6);
-  std::int64_t form = Named;
+  std::int64_t form = kFormNamed;
   if (coder.isReading()) {
     form = coder.BB(kLinetypeForm);
-    if (form != Named) {
-      coder.impliedHandle(key, form == ByLayer   ? facts.byLayerLinetype
-                               : form == ByBlock ? facts.byBlockLinetype
-                                                 : facts.continuousLinetype);
+    if (form != kFormNamed) {
+      coder.impliedHandle(key, form == kFormByLayer   ? facts.byLayerLinetype
+                               : form == kFormByBlock ? facts.byBlockLinetype
+                                                      : facts.continuousLinetype);
     }
   } else {
     const std::uint64_t linetype = coder.nextHandle(key);
-    const bool wasNamed = coder.nextInteger(kLinetypeForm, 0) == Named;
+    const bool wasNamed = coder.nextInteger(kLinetypeForm, 0) == kFormNamed;
     coder.impliedInteger(kLinetypeForm, 0);
     // A file may name the linetype that two bits could stand for.
     const Value* const kept = coder.next(key);
     const bool isNamed = wasNamed && kept != nullptr && kept->reference.code != 0;
-    form = isNamed                                              ? Named
-           : linetype == 0 || linetype == facts.byLayerLinetype ? ByLayer
-           : linetype == facts.byBlockLinetype                  ? ByBlock
-           : linetype == facts.continuousLinetype && !wasNamed  ? Continuous
-                                                                : Named;
+    form = isNamed                                              ? kFormNamed
+           : linetype == 0 || linetype == facts.byLayerLinetype ? kFormByLayer
+           : linetype == facts.byBlockLinetype                  ? kFormByBlock
+           : linetype == facts.continuousLinetype && !wasNamed  ? kFormContinuous
+                                                                : kFormNamed;
     coder.dataOut().bits(static_cast<std::uint32_t>(form), 2);
-    if (form != Named) {
+    if (form != kFormNamed) {
       coder.impliedHandle(key, 0);
     }
   }
-  if (form == Named) {
+  if (form == kFormNamed) {
     coder.H(key, kHardPointer);
   }
 }

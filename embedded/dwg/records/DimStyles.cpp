@@ -11,9 +11,8 @@ namespace {
 using dxf::Version;
 
 constexpr int kStyleFlag = -101;
-constexpr int kFillColor = -111;   // to -115
-constexpr int kColors = -121;      // of lines, to -125; of extensions and texts 5 and 10 lower
-constexpr int kArrowNames = -141;  // to -143
+constexpr int kFillColor = -111;  // to -115
+constexpr int kColors = -121;     // of lines, to -125; of extensions and texts 5 and 10 lower
 
 /// R13 and R14 keep most numbers in bytes.
 void codeOldStyle(RecordCoder& coder) {

@@ -115,7 +115,7 @@ TEST(DwgFile, ManyChangesOneAfterTheOtherDoNotLetMapsPileUp) {
     SCOPED_TRACE(bytes.substr(0, 6));
     std::string now = DwgFile(bytes).written(changeOf(7, "grows to a new place at first"));
     const std::size_t size = now.size();
-    for (int i = 0; i < 20; ++i) {
+    for (std::size_t i = 0; i < 20; ++i) {
       now = DwgFile(now).written(changeOf(7, "grows to a new place, time " + std::string(i, 'x')));
     }
     // Twenty records of some 50 bytes; twenty maps would take 200 kB.

@@ -105,7 +105,7 @@ TEST(BitCodes, HandlesReferAbsolutelyAndToTheirOwnNeighbours) {
   writer.handle({10, 1, 0x10});
   writer.handle({12, 1, 0xF0});
   BitReader reader = readerOf(writer);
-  for (const std::uint64_t meant : {0x123, 0x1F1, 0x1EF, 0x200, 0x100}) {
+  for (const std::uint64_t meant : {0x123U, 0x1F1U, 0x1EFU, 0x200U, 0x100U}) {
     EXPECT_EQ(reader.handle().resolved(own), meant);
   }
 }
