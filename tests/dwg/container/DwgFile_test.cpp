@@ -211,7 +211,7 @@ TEST(DwgFile, RecordsThatLieOneOnTheOtherAreDamage) {
   const std::string inner = container::framedRecord("inside", 0, false);
   contents.records = {{1, "outside" + inner}, {2, "other"}};
   std::string bytes = test::madeFlatDwg(contents, "AC1015", false);
-  const auto map = DwgFile(bytes).section(SectionName::Handles);
+  const std::string map(DwgFile(bytes).section(SectionName::Handles));
   const std::size_t mapPlace = bytes.find(map);
   const auto inside = static_cast<std::uint64_t>(bytes.find(inner));
   const std::string moved = container::objectMapOf({{1, inside - 9}, {2, inside}});
