@@ -52,7 +52,7 @@ void codePlotSettings(RecordCoder& coder, const DrawingFacts& facts) {
 void codeLayout(RecordCoder& coder, const DrawingFacts& facts) {
   constexpr int kViewportCount = -102;
   constexpr int kViewport = -103;
-  constexpr auto second = [](int code) { return code + kKeyStep; };
+  const auto second = [](int code) { return code + kKeyStep; };
   codePlotSettings(coder, facts);
   coder.TV(second(1));
   coder.BL(second(71));

@@ -261,7 +261,7 @@ void codeLines(RecordCoder& coder, const DrawingFacts& facts, std::int64_t type)
   constexpr int kData = -164;
   constexpr int kApp = -165;
   constexpr int kLast = -166;
-  constexpr auto shown = [](int code) { return code + 7 * kKeyStep; };
+  const auto shown = [](int code) { return code + 7 * kKeyStep; };
   coder.shiftKeys(kWithin);
   codeEmbeddedEntity(coder, facts);
   codeMText(coder, facts);
