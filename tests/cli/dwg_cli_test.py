@@ -82,6 +82,25 @@ class DwgTest(DwgCase):
                                                  [(500, -1000, 0), (500, -500, 0)],
                                                  [(500, -1000, 0), (1000, -1000, 0)]])
 
+    def test_neighbours_are_erased_together(self):
+        for version in WRITTEN:
+            with self.subTest(version):
+                before, plan = self.lines_of(self.sample(version)), self.sample(version)
+                for step, (start, end, layer) in enumerate((
+                        ("0,-1000", "300,-1000", "WALL"), ("300,-1000", "600,-1000", "WALL"),
+                        ("600,-1000", "1000,-1000", "WALL"), ("0,-2000", "9,-2000", "OTHER"))):
+                    drawn = self.path(f"{version}-{step}.dwg")
+                    self.run_ok("draw", plan, "--from", start, "--to", end, "--layer", layer,
+                                "-o", drawn)
+                    plan = drawn
+                merged = self.path(f"{version}-merged.dwg")
+                self.run_ok("merge", plan, "--layer", "WALL", "-o", merged)
+                after = self.lines_of(merged)
+                self.assertEqual({h: after[h] for h in before}, before)
+                drawn = sorted(sorted(line) for h, line in after.items() if h not in before)
+                self.assertEqual(drawn, [[(0, -2000, 0), (9, -2000, 0)],
+                                         [(0, -1000, 0), (1000, -1000, 0)]])
+
     def test_a_drawing_that_nothing_changes_stays_byte_for_byte(self):
         for version in WRITTEN + READ_ONLY:
             plan = self.path(f"{version}.dwg")

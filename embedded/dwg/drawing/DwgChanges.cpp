@@ -54,12 +54,11 @@ bool removeHandle(RecordValues& values, int key, std::uint64_t handle) {
   return false;
 }
 
-void setPrevious(RecordValues& values, std::uint64_t own, std::uint64_t next,
-                 std::uint64_t handle) {
-  setHandle(values, kPrevious, handle);
+/// Puts an entity between two others of its block's chain; 0 for none.
+void setNeighbours(RecordValues& values, std::uint64_t previous, std::uint64_t next) {
+  setHandle(values, kPrevious, previous);
   setHandle(values, kNext, next);
   setInteger(values, kNoLinks, 0);
-  static_cast<void>(own);
 }
 
 /// Whether all of these tags are among the others, which may say more: what a new record has by
@@ -200,11 +199,12 @@ void DwgChanges::takeErased(const AcDbStub& stub) {
            "this program does not erase records of tables in a DWG drawing");
   }
   m_erased[stub.handle] = isInFile;
-  m_edited.erase(stub.handle);
   const bool ownerStays = stub.owner == nullptr || !m_store->isErased(*stub.owner);
   if (isListed(stub) && ownerStays) {
     removeFromOwner(stub);
   }
+  // Only now: a neighbour that was erased before has left its own neighbours here.
+  m_edited.erase(stub.handle);
 }
 
 // --- owners ---------------------------------------------------------------------------------
@@ -214,7 +214,7 @@ void DwgChanges::link(std::uint64_t before, std::uint64_t after) {
     DecodedRecord& record = edited(handle, "the neighbour of a new or erased entity");
     const std::uint64_t previous = isBefore ? previousInChain(record) : before;
     const std::uint64_t next = isBefore ? after : nextInChain(record);
-    setPrevious(record.values, handle, next, previous);
+    setNeighbours(record.values, previous, next);
   };
   if (before != 0) {
     relink(before, true);
@@ -250,11 +250,10 @@ void DwgChanges::addToOwner(const AcDbStub& stub, DecodedRecord& record) {
   if (last == 0) {
     setHandle(owner.values, kFirstOwned, stub.handle);
   }
-  setPrevious(record.values, stub.handle, 0, last);
-  link(last, 0);
+  setNeighbours(record.values, last, 0);
   if (last != 0) {
     DecodedRecord& before = edited(last, what);
-    setPrevious(before.values, last, stub.handle, previousInChain(before));
+    setNeighbours(before.values, previousInChain(before), stub.handle);
   }
 }
 
