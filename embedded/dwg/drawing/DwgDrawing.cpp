@@ -139,15 +139,14 @@ std::vector<std::uint64_t> DwgDrawing::entriesOf(std::uint64_t control) const {
   if (!decode(control, record)) {
     return entries;
   }
-  for (const int key :
-       {static_cast<int>(kFirstOwned), static_cast<int>(kLastOwned), static_cast<int>(kOwned)}) {
-    for (std::size_t i = 0; i < record.values.size(); ++i) {
-      const auto handle = static_cast<std::uint64_t>(record.values[i].integer);
-      if (record.values[i].key == key && handle != 0) {
-        entries.push_back(handle);
-      }
+  // Model and paper space stand apart from the other blocks.
+  for (const int key : {kFirstOwned, kLastOwned}) {
+    if (const std::uint64_t handle = record.handleAt(key); handle != 0) {
+      entries.push_back(handle);
     }
   }
+  const std::vector<std::uint64_t> listed = listedIn(record);
+  entries.insert(entries.end(), listed.begin(), listed.end());
   return entries;
 }
 
@@ -244,8 +243,7 @@ bool DwgDrawing::isRead(std::uint64_t handle) const {
   return decode(handle, record) && record.kind != nullptr && record.isWhole;
 }
 
-bool DwgDrawing::isExact(std::uint64_t handle) const {
-  DecodedRecord record;
+bool DwgDrawing::decodeExact(std::uint64_t handle, DecodedRecord& record) const {
   const RecordView* const view = m_file.find(handle);
   if (view == nullptr) {
     return false;
@@ -254,41 +252,29 @@ bool DwgDrawing::isExact(std::uint64_t handle) const {
   return m_codec.isExact(sourceOf(*view), record);
 }
 
-void DwgDrawing::visitOwned(const DecodedRecord& owner, const Visitor& visit) const {
-  DecodedRecord part;
-  if (m_file.version() >= Version::R2004) {
-    for (std::size_t i = 0; i < owner.values.size(); ++i) {
-      if (owner.values[i].key == kOwned &&
-          decode(static_cast<std::uint64_t>(owner.values[i].integer), part)) {
-        visit(part);
-      }
-    }
-    return;
+bool DwgDrawing::canEdit(std::uint64_t handle) const {
+  const RecordView* const view = m_file.find(handle);
+  if (view == nullptr) {
+    return false;
   }
-  const std::uint64_t last = owner.handleAt(kLastOwned);
-  std::uint64_t next = owner.handleAt(kFirstOwned);
-  // A chain that closes on itself ends where it has as many links as the file has records.
-  for (std::size_t left = m_file.records().size(); left != 0 && next != 0; --left) {
-    if (!decode(next, part)) {
-      return;
-    }
-    const std::uint64_t own = next;
-    next = nextInChain(part);
-    visit(part);
-    if (own == last) {
-      return;
-    }
+  // Model space is asked for with every new entity.
+  m_editable.resize(m_file.records().size(), Editable::Unknown);
+  Editable& editable = m_editable[static_cast<std::size_t>(view - m_file.records().data())];
+  if (editable == Editable::Unknown) {
+    DecodedRecord record;
+    const bool isEditable = decodeExact(handle, record) && record.isWhole;
+    editable = isEditable ? Editable::Yes : Editable::No;
   }
+  return editable == Editable::Yes;
 }
 
-std::uint64_t nextInChain(const DecodedRecord& record) {
-  const bool isImplied = integerAt(record, kNoLinks) != 0;
-  return isImplied ? record.handleAt(kOwnHandle) + 1 : record.handleAt(kNext);
-}
-
-std::uint64_t previousInChain(const DecodedRecord& record) {
-  const bool isImplied = integerAt(record, kNoLinks) != 0;
-  return isImplied ? record.handleAt(kOwnHandle) - 1 : record.handleAt(kPrevious);
+void DwgDrawing::visitOwned(const DecodedRecord& owner, const RecordVisitor& visit) {
+  const bool isWhole = dwg::visitOwned(
+      owner, m_file.version(), m_file.records().size(),
+      [this](std::uint64_t handle, DecodedRecord& part) { return decode(handle, part); }, visit);
+  if (!isWhole) {
+    m_problems.push_back(describe(owner) + ": the chain of its entities is broken");
+  }
 }
 
 // --- the DXF file ---------------------------------------------------------------------------

@@ -4,12 +4,12 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "embedded/dwg/container/DwgFile.h"
+#include "embedded/dwg/drawing/Owned.h"
 #include "embedded/dwg/records/ClassSection.h"
 #include "embedded/dwg/records/HeaderSection.h"
 #include "embedded/dwg/records/RecordCodec.h"
@@ -43,12 +43,13 @@ class HOST_API DwgDrawing {
   bool decode(std::uint64_t handle, DecodedRecord& record) const;
   /// Whether all of a record is known.
   bool isRead(std::uint64_t handle) const;
-  /// Whether a record may be edited: writing what was read gives its own bits.
-  bool isExact(std::uint64_t handle) const;
+  /// As decode. Fails also for a record whose own bits do not come back when it is written again.
+  /// One that nobody reads may come back, and take other neighbours; nothing else of it changes.
+  bool decodeExact(std::uint64_t handle, DecodedRecord& record) const;
+  /// Whether a record may be edited: all of it is known, and its own bits come back.
+  bool canEdit(std::uint64_t handle) const;
 
  private:
-  using Visitor = std::function<void(const DecodedRecord&)>;
-
   void readSections();
   void findTables();
   void readNames();
@@ -67,7 +68,7 @@ class HOST_API DwgDrawing {
   void writeRecord(const DecodedRecord& record, std::string& bytes);
 
   /// The entities of a block, or the parts of an entity, in their order.
-  void visitOwned(const DecodedRecord& owner, const Visitor& visit) const;
+  void visitOwned(const DecodedRecord& owner, const RecordVisitor& visit);
   std::vector<std::uint64_t> entriesOf(std::uint64_t control) const;
   void countUnread(const DecodedRecord& record);
   void step();
@@ -82,14 +83,12 @@ class HOST_API DwgDrawing {
   std::int64_t m_measurement = 0;
   std::vector<std::uint64_t> m_blockHeaders;
   std::vector<bool> m_written;  // by the index of the record
+  enum class Editable : std::uint8_t { Unknown, No, Yes };
+  mutable std::vector<Editable> m_editable;  // by the index of the record; what canEdit() found
   std::vector<dxf::UnreadKind> m_unread;
   std::vector<std::string> m_problems;
   const dxf::Progress* m_progress = nullptr;
   std::size_t m_steps = 0;
 };
-
-/// The neighbours of an entity in its block's chain, up to R2000; 0 for none.
-std::uint64_t nextInChain(const DecodedRecord& record);
-std::uint64_t previousInChain(const DecodedRecord& record);
 
 }  // namespace quoin::dwg

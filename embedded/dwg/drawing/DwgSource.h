@@ -20,7 +20,7 @@ class DwgSource : public dxf::DrawingSource {
   std::string savedBy() const override { return m_drawing->file().savedBy(); }
   std::string whyReadOnly() const override { return m_drawing->file().whyReadOnly(); }
   bool isRead(std::uint64_t handle) const override { return m_drawing->isRead(handle); }
-  bool canEdit(std::uint64_t handle) const override { return m_drawing->isExact(handle); }
+  bool canEdit(std::uint64_t handle) const override { return m_drawing->canEdit(handle); }
   std::vector<dxf::UnreadKind> unread() const override { return m_drawing->unread(); }
 
   DwgDrawing& drawing() { return *m_drawing; }

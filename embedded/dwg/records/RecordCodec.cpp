@@ -13,6 +13,7 @@ namespace quoin::dwg {
 namespace {
 
 constexpr std::uint16_t kFirstClassType = 500;
+constexpr int kUnreadRest = -910;  // five keys downwards
 
 /// The layouts are texts; each is taken apart once.
 const DxfLayout& layoutOf(const char* text) {
@@ -46,6 +47,13 @@ std::uint64_t DecodedRecord::handleAt(int key) const {
 }
 
 void RecordCodec::decode(const RecordSource& source, DecodedRecord& record) const {
+  if (!decodeFields(source, record, true)) {
+    decodeFields(source, record, false);
+  }
+}
+
+bool RecordCodec::decodeFields(const RecordSource& source, DecodedRecord& record,
+                               bool isKindWanted) const {
   record.isWhole = false;
   record.kind = nullptr;
   record.name.clear();
@@ -62,24 +70,36 @@ void RecordCodec::decode(const RecordSource& source, DecodedRecord& record) cons
     record.kind = kindOfType(record.type);
     record.name = record.kind != nullptr ? record.kind->name : nameOfType(record.type);
   }
-  codeShared(coder, record, *m_facts);
-  if (record.kind == nullptr || coder.hasFailed()) {
-    return;
+  if (!isKindWanted) {
+    record.kind = nullptr;
   }
-  record.kind->code(coder, *m_facts);
-  record.isWhole = !coder.hasFailed() && coder.bitsLeft() == 0 && !coder.hasHandlesLeft();
+  codeShared(coder, record, *m_facts);
+  if (coder.hasFailed()) {
+    return record.kind == nullptr;
+  }
+  if (record.kind != nullptr) {
+    record.kind->code(coder, *m_facts);
+    record.isWhole = !coder.hasFailed() && coder.bitsLeft() == 0 && !coder.hasHandlesLeft();
+  } else if (keepsRest()) {
+    coder.rest(kUnreadRest);
+  }
   coder.padding();
+  return record.kind == nullptr || record.isWhole;
 }
 
 bool RecordCodec::encode(std::uint64_t handle, const DecodedRecord& record,
                          RecordBytes& bytes) const {
-  if (!record.isWhole || record.kind == nullptr) {
+  if (record.kind == nullptr ? !keepsRest() : !record.isWhole) {
     return false;
   }
   RecordCoder coder(m_facts->format.version, *m_facts->codePage, handle, record.values);
   codeHead(coder, record.type);
   codeShared(coder, record, *m_facts);
-  record.kind->code(coder, *m_facts);
+  if (record.kind != nullptr) {
+    record.kind->code(coder, *m_facts);
+  } else {
+    coder.rest(kUnreadRest);
+  }
   return coder.finish(bytes);
 }
 

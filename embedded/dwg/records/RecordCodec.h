@@ -28,7 +28,7 @@ struct ClassFacts {
 using ClassMap = std::unordered_map<std::uint16_t, ClassFacts>;
 
 /// A record's fields.
-struct DecodedRecord {
+struct HOST_API DecodedRecord {
   std::uint16_t type = 0;
   const Kind* kind = nullptr;  // null: kept unread behind what all records share
   std::string name;            // DXF name, of unread ones too; empty where nobody knows it
@@ -45,11 +45,13 @@ class HOST_API RecordCodec {
   RecordCodec(const DrawingFacts& facts, const ClassMap& classes)
       : m_facts(&facts), m_classes(&classes) {}
 
-  /// The record's fields. What cannot be read behind the shared ones leaves it unread.
+  /// The record's fields. What cannot be read behind the shared ones leaves it unread; up to R2000
+  /// that is kept as it stands, so that the record can take other neighbours in its chain.
   void decode(const RecordSource& source, DecodedRecord& record) const;
   /// Appends the record's tags, from its kind (group 0) on.
   void writeTags(const DecodedRecord& record, std::string& bytes) const;
-  /// The record's fields as bits. Fails: false for an unread record and for what does not fit.
+  /// The record's fields as bits. Fails: false for what does not fit and, from R2004 on, for an
+  /// unread record.
   bool encode(std::uint64_t handle, const DecodedRecord& record, RecordBytes& bytes) const;
   /// Whether writing what was read gives the very bits again, so that it may be edited.
   bool isExact(const RecordSource& source, const DecodedRecord& record) const;
@@ -62,6 +64,10 @@ class HOST_API RecordCodec {
                   DecodedRecord& record, std::string& problem) const;
 
  private:
+  /// Fails: false where the kind's own fields were wanted and cannot be read.
+  bool decodeFields(const RecordSource& source, DecodedRecord& record, bool isKindWanted) const;
+  /// Whether what nobody reads of a record is kept beside what is read.
+  bool keepsRest() const { return m_facts->format.version < dxf::Version::R2004; }
   void writeHead(const DecodedRecord& record, std::string& bytes) const;
   void writeExtendedData(const DecodedRecord& record, std::string& bytes) const;
 

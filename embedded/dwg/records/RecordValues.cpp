@@ -1,6 +1,7 @@
 #include "embedded/dwg/records/RecordValues.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace quoin::dwg {
 
@@ -84,33 +85,47 @@ const Value* RecordValues::first(int key) const {
   return found == m_values.end() ? nullptr : &*found;
 }
 
-std::size_t ValueCursor::nextOf(int key) {
-  auto entry = std::find_if(m_next.begin(), m_next.end(),
-                            [key](const auto& pair) { return pair.first == key; });
-  if (entry == m_next.end()) {
-    entry = m_next.insert(entry, {key, 0});
+ValueCursor::Slot& ValueCursor::slotOf(int key) {
+  constexpr std::uint32_t kGolden = 2654435769U;  // spreads neighbouring keys
+  constexpr std::uint32_t kHigh = 16;
+  const std::size_t mask = m_slots.size() - 1;
+  std::size_t at = (static_cast<std::uint32_t>(key) * kGolden >> kHigh) & mask;
+  while (m_slots[at].last != kNone && m_slots[at].key != key) {
+    at = (at + 1) & mask;
   }
-  std::size_t& index = entry->second;
-  while (index < m_values->size() && (*m_values)[index].key != key) {
-    ++index;
+  return m_slots[at];
+}
+
+void ValueCursor::index() {
+  m_slots.resize(std::bit_ceil(2 * m_values->size() + 1));
+  m_after.assign(m_values->size(), kNone);
+  for (std::uint32_t i = 0; i < m_values->size(); ++i) {
+    Slot& slot = slotOf((*m_values)[i].key);
+    if (slot.last == kNone) {
+      slot.key = (*m_values)[i].key;
+      slot.next = i;
+    } else {
+      m_after[slot.last] = i;
+    }
+    slot.last = i;
   }
-  return index;
 }
 
 const Value* ValueCursor::peek(int key) {
-  const std::size_t index = nextOf(key);
-  return index < m_values->size() ? &(*m_values)[index] : nullptr;
+  if (m_slots.empty()) {
+    index();
+  }
+  const std::uint32_t next = slotOf(key).next;
+  return next == kNone ? nullptr : &(*m_values)[next];
 }
 
 const Value* ValueCursor::take(int key) {
-  const std::size_t index = nextOf(key);
-  if (index >= m_values->size()) {
-    return nullptr;
+  const Value* const value = peek(key);
+  if (value != nullptr) {
+    Slot& slot = slotOf(key);
+    slot.next = m_after[slot.next];
   }
-  std::find_if(m_next.begin(), m_next.end(), [key](const auto& pair) {
-    return pair.first == key;
-  })->second = index + 1;
-  return &(*m_values)[index];
+  return value;
 }
 
 }  // namespace quoin::dwg

@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "embedded/dwg/records/BitReader.h"
@@ -33,7 +32,7 @@ struct Value {
   static constexpr std::int8_t kAnyForm = -1;
 };
 
-class RecordValues {
+class HOST_API RecordValues {
  public:
   void clear();
   std::size_t size() const { return m_values.size(); }
@@ -52,6 +51,11 @@ class RecordValues {
   const std::wstring& textOf(const Value& value) const { return m_texts[value.text]; }
   const std::string& bytesOf(const Value& value) const { return m_bytes[value.text]; }
   void remove(std::size_t index);
+  /// Removes the fields of which `isGone(value)` holds.
+  template <class Predicate>
+  void removeIf(const Predicate& isGone) {
+    std::erase_if(m_values, isGone);
+  }
   /// Gives the fields with one key another.
   void rename(int key, int newKey);
   /// How many fields have this key.
@@ -65,7 +69,8 @@ class RecordValues {
   std::vector<std::string> m_bytes;
 };
 
-/// Hands out the fields of one key after the other, each once, in their order.
+/// Hands out the fields of one key after the other, each once, in their order. The fields may not
+/// change meanwhile.
 class ValueCursor {
  public:
   explicit ValueCursor(const RecordValues& values) : m_values(&values) {}
@@ -75,10 +80,20 @@ class ValueCursor {
   const Value* peek(int key);
 
  private:
-  std::size_t nextOf(int key);
+  static constexpr std::uint32_t kNone = ~std::uint32_t{0};
+  struct Slot {
+    int key = 0;
+    std::uint32_t next = kNone;  // the key's next field
+    std::uint32_t last = kNone;  // kNone: the slot is free
+  };
+
+  void index();
+  /// The slot of the key, or the free one where it would be.
+  Slot& slotOf(int key);
 
   const RecordValues* m_values;
-  std::vector<std::pair<int, std::size_t>> m_next;  // key, where its next field is looked for
+  std::vector<Slot> m_slots;           // hashed; filled with the first call
+  std::vector<std::uint32_t> m_after;  // by field: the next one with its key
 };
 
 }  // namespace quoin::dwg
