@@ -28,6 +28,7 @@ class DwgChanges {
   void takeChanged(const AcDbStub& stub);
   void takeNew(const AcDbStub& stub);
   void takeErased(const AcDbStub& stub);
+  void takeMeasurement(FileChanges& changes);
   void takeHeader(FileChanges& changes);
 
   /// The record as it will be; decoded from the file when it is first asked for.

@@ -52,6 +52,7 @@ class RecordValues {
   const std::wstring& textOf(const Value& value) const { return m_texts[value.text]; }
   const std::string& bytesOf(const Value& value) const { return m_bytes[value.text]; }
   void remove(std::size_t index);
+  void removeAll(int key);
   /// Gives the fields with one key another.
   void rename(int key, int newKey);
   /// How many fields have this key.
