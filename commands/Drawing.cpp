@@ -245,11 +245,15 @@ void forEachEntityOf(const AcDbObjectId& block, const std::function<void(AcDbObj
   }
 }
 
+Adesk::UInt64 placeInFile(const Drawing& drawing, const AcDbObjectId& id) {
+  return drawing.info().format == L"DXF" ? hostx::lineNumber(id) : 0;
+}
+
 namespace {
 
 /// "line 1742", "byte 90312"; "" for an entity that is in no file.
 std::string placeText(const Drawing& drawing, const AcDbObjectId& id) {
-  const Adesk::UInt64 place = hostx::lineNumber(id);
+  const Adesk::UInt64 place = placeInFile(drawing, id);
   return place == 0 ? "" : fmt::format("{} {}", drawing.info().isBinary ? "byte" : "line", place);
 }
 
@@ -262,6 +266,8 @@ std::string describe(const Drawing& drawing, const AcDbObjectId& id) {
   }
   if (const std::string place = placeText(drawing, id); !place.empty()) {
     text += fmt::format(" at {} of {}", place, drawing.file().string());
+  } else if (drawing.info().format != L"DXF") {
+    text += fmt::format(" of {}", drawing.file().string());
   }
   return text;
 }
@@ -279,13 +285,19 @@ std::string nameText(const Drawing& drawing, const AcDbObjectId& id) {
   return handle.empty() ? placeText(drawing, id) : handle;
 }
 
+std::string statusText(Acad::ErrorStatus status) {
+  return status == Acad::eDwgObjectImproperlyRead
+             ? "it is closed, this program does not know all that the drawing says of it"
+             : os::toUtf8(acadErrorStatusText(status));
+}
+
 void check(Acad::ErrorStatus status, const Drawing& drawing, const AcDbObjectId& id,
            const char* action) {
-  if (status != Acad::eOk) {
-    throw CommandError(ExitCode::EntityFailed,
-                       fmt::format("{}: cannot {}: {}", describe(drawing, id), action,
-                                   os::toUtf8(acadErrorStatusText(status))));
+  if (status == Acad::eOk) {
+    return;
   }
+  throw CommandError(ExitCode::EntityFailed, fmt::format("{}: cannot {}: {}", describe(drawing, id),
+                                                         action, statusText(status)));
 }
 
 std::wstring takeText(ACHAR* text) {

@@ -80,12 +80,17 @@ void forEachEntityOf(const AcDbObjectId& block, const std::function<void(AcDbObj
 std::string fileMessage(const AcDbDatabase* database, Acad::ErrorStatus status,
                         const std::filesystem::path& file, const char* action);
 
-/// "LINE 2F at line 1742 of plan.dxf": how messages name an entity.
+/// Where an entity stands in the file: its line, or its byte in a binary one; 0 for a new one, and
+/// in a DWG file, whose records stand elsewhere than their tags.
+Adesk::UInt64 placeInFile(const Drawing& drawing, const AcDbObjectId& id);
+/// "LINE 2F at line 1742 of plan.dxf", "LINE 2F of plan.dwg": how messages name an entity.
 std::string describe(const Drawing& drawing, const AcDbObjectId& id);
 /// The handle in hexadecimal, as drawing files spell it; "" where the file gives none.
 std::string handleText(const AcDbObjectId& id);
 /// The handle, or "line 1742" where the file gives none: how lists of entities name one.
 std::string nameText(const Drawing& drawing, const AcDbObjectId& id);
+/// What a status says of an entity.
+std::string statusText(Acad::ErrorStatus status);
 /// Fails: throws CommandError (EntityFailed) that names the entity and the status.
 void check(Acad::ErrorStatus status, const Drawing& drawing, const AcDbObjectId& id,
            const char* action);

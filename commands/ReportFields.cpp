@@ -13,7 +13,7 @@ nlohmann::json fileJson(const Drawing& drawing) {
 
 nlohmann::json sourceJson(const Drawing& drawing, const AcDbObjectId& id) {
   nlohmann::json json = {{"source", handleText(id)}, {"kind", os::toUtf8(hostx::kindName(id))}};
-  if (const Adesk::UInt64 place = hostx::lineNumber(id); place != 0) {
+  if (const Adesk::UInt64 place = placeInFile(drawing, id); place != 0) {
     json[drawing.info().isBinary ? "byte" : "line"] = place;
   }
   return json;

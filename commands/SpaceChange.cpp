@@ -22,7 +22,7 @@ std::string causeOf(Acad::ErrorStatus status, const std::string& action) {
     case Acad::eInvalidInput:
       return "a number of it cannot be read or would become too large";
     default:
-      return os::toUtf8(acadErrorStatusText(status));
+      return statusText(status);
   }
 }
 

@@ -23,8 +23,7 @@ class Collector {
   void add(const AcDbObjectId& id, const std::wstring& layer) {
     AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
     if (entity.openStatus() != Acad::eOk) {
-      result.skipped.push_back(
-          {id, "cannot be opened: " + os::toUtf8(acadErrorStatusText(entity.openStatus()))});
+      result.skipped.push_back({id, "cannot be opened: " + statusText(entity.openStatus())});
       return;
     }
     const bool isLocked = m_lockedLayers.count(layer) != 0;

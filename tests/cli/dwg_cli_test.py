@@ -5,6 +5,7 @@ usage: dwg_cli_test.py [UNITTEST ARGUMENT...]
 The environment is that of quoin_cli_test.py, whose helpers it uses.
 """
 
+import pathlib
 import unittest
 
 import quoin_cli_test as cli
@@ -30,6 +31,45 @@ class DwgCase(cli.CliTest):
         space = cli.read(copy)[0].modelspace()
         return {e.dxf.handle: (tuple(e.dxf.start), tuple(e.dxf.end))
                 for e in space if e.dxftype() == "LINE"}
+
+    def copy_of(self, plan, name="copy.dxf"):
+        """A DXF copy as ezdxf reads it; it must find nothing odd."""
+        copy = self.path(name)
+        self.run_ok("convert", plan, "-o", copy, "--leave-behind")
+        document, findings = cli.read(copy)
+        self.assertEqual(findings, [])
+        return document
+
+    def records_of(self, plan):
+        """Every record of a drawing by handle, and every header variable by name, as tags."""
+        copy = self.path("records.dxf")
+        self.run_ok("convert", plan, "-o", copy, "--leave-behind")
+        with open(copy, "rb") as stream:
+            codec = "cp1252" if plan.read_bytes()[:6] < b"AC1021" else "utf-8"
+            lines = stream.read().decode(codec).split("\r\n")
+        records, record = {}, []
+        for code, value in zip(map(int, lines[:-1:2]), lines[1::2]):
+            if code in (0, 9):
+                record = []
+            record.append((code, value))
+            if code == 9:
+                records[value] = record
+            elif code in (5, 105) and record[0][0] == 0:
+                records.setdefault(value, record)
+        return records
+
+    def difference(self, before, after):
+        """Handles that are other ones, new ones and gone ones; dates and the next handle aside."""
+        old, new = self.records_of(before), self.records_of(after)
+        names = {name for name in old.keys() & new.keys() if old[name] != new[name]}
+        return names - {"$HANDSEED"}, new.keys() - old.keys(), old.keys() - new.keys()
+
+    def handles_on(self, document, *layers):
+        def layer_of(entity):
+            if entity.dxf.is_supported("layer"):
+                return entity.dxf.layer
+            return entity.xtags.get_subclass("AcDbEntity").get_first_value(8)
+        return {e.dxf.handle for e in document.modelspace() if layer_of(e) in layers}
 
 
 class DwgTest(DwgCase):
@@ -122,6 +162,208 @@ class DwgTest(DwgCase):
                                  "-o", self.path("o.dwg"))
             self.assertIn("read, and not written", message)
             self.assertFalse(self.path("o.dwg").exists())
+
+
+class DwgCommandsTest(DwgCase):
+    """Every command changes what it was asked to change, and no other record."""
+
+    def test_paint(self):
+        for version in WRITTEN:
+            with self.subTest(version):
+                plan, out = self.sample(version), self.path("o.dwg")
+                self.run_ok("paint", plan, "--layer", "Layer2", "--rgb", "200,60,20", "-o", out)
+                document = self.copy_of(out)
+                painted = self.handles_on(document, "Layer2")
+                self.assertEqual(self.difference(plan, out), (painted, set(), set()))
+                for handle in painted:
+                    entity = document.entitydb[handle]
+                    self.assertEqual(entity.rgb, None if version == "AC1015" else (200, 60, 20))
+
+    def test_what_is_closed_is_not_painted(self):
+        for version in WRITTEN:
+            message = self.fails(6, "paint", self.sample(version), "--layer", "*", "--rgb",
+                                 "1,2,3", "-o", self.path("o.dwg"))
+            self.assertRegex(message, "MESH 343 of .*it is closed")
+            self.assertFalse(self.path("o.dwg").exists())
+
+    def test_match_properties(self):
+        for version in WRITTEN:
+            with self.subTest(version):
+                plan, out = self.sample(version), self.path("o.dwg")
+                before = self.copy_of(plan)
+                source = before.modelspace().query("LINE[layer=='Layer_Lt_dash']").first
+                matched = self.handles_on(before, "Layer2")
+                self.run_ok("match-properties", plan, "--from", source.dxf.handle, "--layer",
+                            "Layer2", "-o", out)
+                self.assertEqual(self.difference(plan, out), (matched, set(), set()))
+                after = self.copy_of(out)
+                self.assertEqual({after.entitydb[handle].dxf.layer for handle in matched},
+                                 {"Layer_Lt_dash"})
+
+    def test_styles(self):
+        for version in WRITTEN:
+            with self.subTest(version):
+                plan, first, out = self.sample(version), self.path("1.dwg"), self.path("2.dwg")
+                self.run_ok("style", "mline", plan, "--name", "WALL-1", "--start-cap", "-o", first)
+                self.run_ok("style", "dim", first, "--name", "ARCH-1", "--scale", "50", "-o", out)
+                before, after = self.copy_of(plan), self.copy_of(out)
+                style = after.mline_styles.get("WALL-1")
+                self.assertEqual(style.dxf.flags, 16)
+                self.assertEqual([element.offset for element in style.elements], [0.5, -0.5])
+                self.assertEqual(after.dimstyles.get("ARCH-1").dxf.dimtxt, 2.5)
+                # What lists the styles: their dictionary and their table.
+                changed, added, erased = self.difference(plan, out)
+                self.assertLessEqual(changed, {before.rootdict["ACAD_MLINESTYLE"].dxf.handle,
+                                               before.dimstyles.head.dxf.handle})
+                self.assertEqual((len(added), erased), (2, set()))
+
+    def test_outline_and_solid(self):
+        for version in WRITTEN:
+            with self.subTest(version):
+                plan, out = self.sample(version), self.path("o.dwg")
+                words = ("--layer", "Layer*", "--left", "1", "--right", "2")
+                lines = self.report("outline", plan, *words, "-o", out)["added"]
+                document = self.copy_of(out)
+                drawn = self.handles_on(document, "WALL-OUTLINE")
+                self.assertEqual(len(drawn), lines)
+                layer = document.layers.get("WALL-OUTLINE").dxf.handle
+                changed, added, erased = self.difference(plan, out)
+                self.assertLessEqual(changed, {document.layers.head.dxf.handle})
+                self.assertEqual((added, erased), (drawn | {layer}, set()))
+                self.run_ok("solid", plan, *words, "--height", "9", "-o", self.path("o.obj"))
+                self.run_ok("solid", self.copy(plan), *words, "--height", "9", "-o",
+                            self.path("twin.obj"))
+                self.assertEqual(self.path("o.obj").read_bytes(),
+                                 self.path("twin.obj").read_bytes())
+
+    def copy(self, plan):
+        copy = self.path("copy.dxf")
+        self.run_ok("convert", plan, "-o", copy, "--leave-behind")
+        return copy
+
+    def test_trim_axes(self):
+        for version in WRITTEN:
+            with self.subTest(version):
+                plan = self.sample(version)
+                for step, (start, end) in enumerate((("0,-900", "900,-900"), ("0,-990", "0,-800"),
+                                                     ("700,-990", "700,-800"))):
+                    drawn = self.path(f"{version}-{step}.dwg")
+                    self.run_ok("draw", plan, "--from", start, "--to", end, "--layer",
+                                f"GRID-{step}", "--same-layer", "-o", drawn)
+                    plan = drawn
+                out = self.path("o.dwg")
+                self.run_ok("trim-axes", plan, "--layer", "GRID-*", "-o", out)
+                changed, added, erased = self.difference(plan, out)
+                self.assertEqual((added, erased), (set(), set()))
+                grid = self.handles_on(self.copy_of(out), "GRID-0", "GRID-1", "GRID-2")
+                self.assertEqual(len(grid), 3)
+                self.assertLessEqual(changed, grid)
+                lines = self.lines_of(out)
+                self.assertIn(((0, -900, 0), (700, -900, 0)), [lines[handle] for handle in grid])
+
+    def test_to_origin(self):
+        for version in WRITTEN:
+            with self.subTest(version):
+                plan, out = self.sample(version), self.path(f"{version}.dwg")
+                message = self.fails(6, "to-origin", plan, "--at", "left-bottom", "-o", out)
+                self.assertIn("3DSOLID", message)
+                self.assertFalse(out.exists())
+                report = self.report("to-origin", plan, "--at", "left-bottom", "-o", out,
+                                     "--leave-behind")
+                before, after = self.lines_of(plan), self.lines_of(out)
+                x, y = report["basePoint"][:2]
+                for handle, line in before.items():
+                    for old, new in zip(line, after[handle]):
+                        self.assertAlmostEqual(old[0] - x, new[0], places=9)
+                        self.assertAlmostEqual(old[1] - y, new[1], places=9)
+                changed, added, erased = self.difference(plan, out)
+                self.assertEqual((added, erased), (set(), set()))
+                left = {row["source"] for row in report["leftBehind"]}
+                self.assertEqual(changed & left, set())
+                self.assertIn("it is closed", {row["reason"].split(",")[0]
+                                               for row in report["leftBehind"]})
+                self.assertFalse(any("byte" in row for row in report["leftBehind"]))
+
+    def test_rescale_by_a_factor_and_to_other_units(self):
+        for version in WRITTEN:
+            with self.subTest(version):
+                plan = self.path(f"{version}.dwg")
+                plan.write_bytes(self.sample(version).read_bytes())
+                before = plan.read_bytes()
+                self.run_ok("rescale", plan, "--drawing-factor", "2", "--leave-behind")
+                self.assertEqual(self.path(f"{version}.dwg.bak").read_bytes(), before)
+                old, new = self.lines_of(self.sample(version)), self.lines_of(plan)
+                for handle, line in old.items():
+                    self.assertEqual(tuple(tuple(2 * c for c in end) for end in line), new[handle])
+                out = self.path("metres.dwg")
+                self.run_ok("rescale", plan, "--from-units", "mm", "--to-units", "m", "-o", out,
+                            "--leave-behind")
+                document = self.copy_of(out)
+                self.assertEqual((document.header["$INSUNITS"], document.header["$MEASUREMENT"]),
+                                 (6, 1))
+                metres = self.lines_of(out)
+                for handle, line in new.items():
+                    for one, other in zip(line, metres[handle]):
+                        for here, there in zip(one, other):
+                            self.assertAlmostEqual(here / 1000, there, places=12)
+                # The header stays the same but for what was asked for.
+                changed, added, erased = self.difference(plan, out)
+                self.assertEqual((added, erased), (set(), set()))
+                self.assertLessEqual({name for name in changed if name.startswith("$")},
+                                     {"$INSUNITS", "$MEASUREMENT", "$EXTMIN", "$EXTMAX", "$LIMMIN",
+                                      "$LIMMAX", "$INSBASE"})
+
+    def test_restore(self):
+        plan = self.path("plan.dwg")
+        plan.write_bytes(self.sample("AC1018").read_bytes())
+        before = plan.read_bytes()
+        self.run_ok("draw", plan, "--from", "0,-1000", "--to", "9,-1000", "--layer", "WALL",
+                    "--in-place")
+        drawn = plan.read_bytes()
+        self.assertNotEqual(drawn, before)
+        self.run_ok("restore", plan)
+        self.assertEqual(plan.read_bytes(), before)
+        self.run_ok("restore", plan)
+        self.assertEqual(plan.read_bytes(), drawn)
+
+    def test_run(self):
+        module = pathlib.Path(cli.QUOIN).resolve().parents[1] / "test_modules" / "Commands.so"
+        for version in WRITTEN:
+            with self.subTest(version):
+                plan, out = self.sample(version), self.path("o.dwg")
+                self.run_ok("run", module, "ADDLINE", plan, "-o", out, "--", "10,20", "500")
+                changed, added, erased = self.difference(plan, out)
+                self.assertEqual((changed, len(added), erased), (set(), 1, set()))
+                self.assertEqual(self.lines_of(out)[added.pop()], ((10, 20, 0), (510, 20, 0)))
+
+    def test_pictures_are_those_of_the_copy(self):
+        # Of one name, since titles tell it.
+        folders = [self.path("dwg"), self.path("dxf")]
+        for folder in folders:
+            folder.mkdir()
+        for version in WRITTEN + READ_ONLY:
+            (folders[0] / "plan").write_bytes(self.sample(version).read_bytes())
+            (folders[1] / "plan").write_bytes(self.copy(self.sample(version)).read_bytes())
+            for command in (("extents",), ("break", "--layer", "*", "--dry-run"),
+                            ("solid", "--layer", "Layer*", "--left", "1", "--right", "1",
+                             "--height", "5", "-o", self.path("o.obj"))):
+                with self.subTest(version + " " + command[0]):
+                    pictures = []
+                    for folder in folders:
+                        picture = folder / "picture.svg"
+                        self.run_ok(command[0], folder / "plan", *command[1:], "--picture", picture)
+                        pictures.append(picture.read_bytes())
+                    self.assertEqual(*pictures)
+
+    def test_several_versions_in_one_run(self):
+        plans = []
+        for version in WRITTEN:
+            plans.append(self.path(f"{version}.dwg"))
+            plans[-1].write_bytes(self.sample(version).read_bytes())
+        self.run_ok("rescale", *plans, "--drawing-factor", "0.5", "--leave-behind", "--jobs", "2")
+        for plan in plans:
+            self.assertEqual(plan.read_bytes()[:6].decode(), plan.stem)
+            self.assertTrue(self.path(plan.name + ".bak").exists())
 
 
 class DwgConvertTest(DwgCase):

@@ -38,7 +38,7 @@ struct ContainerChanges {
   std::string objectMap;
   bool isMapChanged = true;
   std::uint64_t largestHandle = 0;
-  std::optional<std::string> header, classes;  // sections as a whole
+  std::optional<std::string> header, classes, templateSection;  // as a whole
 };
 
 class Container {

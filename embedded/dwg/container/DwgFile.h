@@ -48,8 +48,12 @@ struct FileChanges {
   std::vector<RecordChange> records = {};  // in any order, one for a handle
   /// New headerVariables() and classes().
   std::optional<std::string> headerVariables = {}, classes = {};
+  /// A new section(SectionName::Template) as a whole.
+  std::optional<std::string> templateSection = {};
 
-  bool isEmpty() const { return records.empty() && !headerVariables && !classes; }
+  bool isEmpty() const {
+    return records.empty() && !headerVariables && !classes && !templateSection;
+  }
 };
 
 class HOST_API DwgFile {

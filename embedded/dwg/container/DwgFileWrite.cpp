@@ -151,6 +151,9 @@ void compareSections(const DwgFile& old, const DwgFile& fresh, const FileChanges
   expect("AcDb:Header", changes.headerVariables ? *changes.headerVariables : old.headerVariables(),
          fresh.headerVariables());
   expect("AcDb:Classes", changes.classes ? *changes.classes : old.classes(), fresh.classes());
+  expect(sectionText(SectionName::Template),
+         changes.templateSection ? *changes.templateSection : old.section(SectionName::Template),
+         fresh.section(SectionName::Template));
   const std::vector<std::string> names = old.sectionNames();
   if (names != fresh.sectionNames()) {
     fail(Acad::eFilerError, "", "the new file has other sections");
@@ -158,7 +161,8 @@ void compareSections(const DwgFile& old, const DwgFile& fresh, const FileChanges
   for (const std::string& name : names) {
     const bool isNew =
         name == sectionText(SectionName::Header) || name == sectionText(SectionName::Classes) ||
-        name == sectionText(SectionName::Handles) || name == sectionText(SectionName::Objects);
+        name == sectionText(SectionName::Handles) || name == sectionText(SectionName::Objects) ||
+        name == sectionText(SectionName::Template);
     if (!isNew) {
       expect(name, old.sectionNamed(name), fresh.sectionNamed(name));
     }
@@ -196,6 +200,7 @@ ContainerChanges DwgFile::containerChanges(const FileChanges& changes) const {
   if (changes.classes) {
     all.classes = framed(SectionName::Classes, FramedSection::Classes, *changes.classes);
   }
+  all.templateSection = changes.templateSection;
   return all;
 }
 

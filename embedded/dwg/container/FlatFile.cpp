@@ -186,7 +186,8 @@ bool FlatFile::fitsInPlace(const ContainerChanges& changes) const {
     return !bytes || bytes->size() == section(name).size();
   };
   return !changes.isMapChanged && fits(SectionName::Header, changes.header) &&
-         fits(SectionName::Classes, changes.classes);
+         fits(SectionName::Classes, changes.classes) &&
+         fits(SectionName::Template, changes.templateSection);
 }
 
 void FlatFile::moveSection(std::string& out, SecondHeader& second, const Locator& section,
@@ -244,6 +245,9 @@ std::string FlatFile::written(const ContainerChanges& changes) const {
   }
   if (changes.classes) {
     writeSection(out, second, SectionName::Classes, *changes.classes);
+  }
+  if (changes.templateSection) {
+    writeSection(out, second, SectionName::Template, *changes.templateSection);
   }
   if (isInPlace) {
     return out;

@@ -188,6 +188,9 @@ class PagedWriter {
     if (changes.classes) {
       replace(SectionName::Classes, *changes.classes);
     }
+    if (changes.templateSection) {
+      replace(SectionName::Template, *changes.templateSection);
+    }
     m_room.close();
     return assemble();
   }

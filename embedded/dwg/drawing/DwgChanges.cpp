@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "embedded/dwg/records/CommonData.h"
+#include "embedded/dwg/records/TemplateSection.h"
 #include "embedded/dxf/FileError.h"
 #include "embedded/dxf/Tag.h"
 
@@ -370,10 +371,27 @@ void DwgChanges::checkOwned(const FileChanges& changes) const {
 
 // --- the file -------------------------------------------------------------------------------
 
+void DwgChanges::takeMeasurement(FileChanges& changes) const {
+  dxf::TagCursor cursor(m_store->headerVariable("$MEASUREMENT"), m_store->format());
+  dxf::TagView tag;
+  const std::int64_t measurement =
+      cursor.next(tag) ? std::int64_t{dxf::integerOf(tag, m_store->format())} : 0;
+  const std::string_view section = m_drawing->file().section(SectionName::Template);
+  changes.templateSection = withMeasurement(section, measurement);
+  if (!changes.templateSection) {
+    refuse("$MEASUREMENT", "the DWG drawing has no room for this header variable");
+  }
+  if (*changes.templateSection == section) {
+    changes.templateSection.reset();
+  }
+}
+
 void DwgChanges::takeHeader(FileChanges& changes) const {
   HeaderSection header = m_drawing->header();
   for (const std::string& name : m_store->changedHeaderVariables()) {
-    if (!header.set(name, m_store->headerVariable(name), m_drawing->facts())) {
+    if (name == "$MEASUREMENT") {
+      takeMeasurement(changes);
+    } else if (!header.set(name, m_store->headerVariable(name), m_drawing->facts())) {
       refuse(name, "this header variable cannot be written into the DWG drawing");
     }
   }

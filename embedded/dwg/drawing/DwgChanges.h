@@ -54,6 +54,7 @@ class DwgChanges {
   void makeNew(const AcDbStub& stub, DecodedRecord& record) const;
   void putOwned(const OwnedChange& owned, const DecodedRecord& whose, RecordValues& values) const;
   void encode(const AcDbStub& stub, const DecodedRecord& record, FileChanges& changes) const;
+  void takeMeasurement(FileChanges& changes) const;
   void takeHeader(FileChanges& changes) const;
 
   void checkOwned(const FileChanges& changes) const;

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "embedded/dwg/records/CommonData.h"
+#include "embedded/dwg/records/TemplateSection.h"
 #include "embedded/dxf/FileError.h"
 #include "embedded/dxf/Tag.h"
 #include "embedded/os/CaseFold.h"
@@ -111,12 +112,7 @@ void DwgDrawing::readSections() {
     m_problems.push_back("the classes cannot be read");
   }
   m_classes = m_classSection.byType();
-  // The template of R2004 and later: a description, then whether drawings are metric.
-  const std::string_view made = m_file.section(SectionName::Template);
-  constexpr std::size_t kMeasurementSize = 2;
-  if (m_file.version() >= Version::R2004 && made.size() >= 2 * kMeasurementSize) {
-    m_measurement = static_cast<std::uint8_t>(made[made.size() - kMeasurementSize]);
-  }
+  m_measurement = measurementOf(m_file.section(SectionName::Template)).value_or(0);
 }
 
 void DwgDrawing::findTables() {

@@ -9,6 +9,7 @@
 #include <optional>
 #include <span>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "embedded/os/CaseFold.h"
 
@@ -267,6 +268,11 @@ DxfLayout::DxfLayout(std::string_view text) {
   }
 }
 
+bool DxfLayout::shows(int key) const {
+  return std::any_of(m_items.begin(), m_items.end(),
+                     [key](const LayoutItem& item) { return partOfKey(item, key).part >= 0; });
+}
+
 std::size_t DxfLayout::endOfSequence(std::size_t begin) const {
   std::size_t end = begin;
   while (m_items[end].shape != Shape::SequenceEnd) {
@@ -473,6 +479,7 @@ class FieldReader {
     const int above = item.shape == Shape::Any ? tag.code : 10 * static_cast<int>(part);
     const int code = item.code + above;
     const int key = item.key + above;
+    m_given.insert(key);
     const Value* const former = m_originals.take(key);
     if (former != nullptr && spelling(item, code, *former) == valueBytes(item, code, tag)) {
       m_values->addFrom(*m_original, *former);
@@ -523,6 +530,9 @@ class FieldReader {
 
   void addPieces(const LayoutItem& item, const std::vector<dxf::TagView>& pieces) {
     const Value* const former = m_originals.take(item.key);
+    if (former == nullptr && pieces.empty()) {
+      return;  // the record has no such text, and gets none
+    }
     std::string given;
     std::wstring text;
     for (const dxf::TagView& piece : pieces) {
@@ -533,6 +543,12 @@ class FieldReader {
       m_values->addFrom(*m_original, *former);
     } else {
       m_values->addText(item.key, text);
+    }
+  }
+  /// Fields that neither the record had nor any tag gives: what parts of it lack, but none has.
+  void dropNeverGiven(const LayoutItem& item) {
+    if (!m_given.contains(item.key) && m_original->first(item.key) == nullptr) {
+      m_values->removeAll(item.key);
     }
   }
   void addBytes(const LayoutItem& item, std::string bytes) {
@@ -592,6 +608,7 @@ class FieldReader {
   ValueCursor m_originals;
   const DrawingFacts* m_facts;
   RecordValues* m_values;
+  std::unordered_set<int> m_given;
 };
 
 /// Takes the tags of a sequence, from the first one with its first item's code on.
@@ -711,6 +728,11 @@ bool DxfLayout::read(const std::vector<dxf::TagView>& tags, const RecordValues& 
           }
         }
       }
+    }
+  }
+  for (const LayoutItem& item : m_items) {
+    if (item.isAlwaysWritten) {
+      reader.dropNeverGiven(item);
     }
   }
   return true;

@@ -81,6 +81,8 @@ class HOST_API DxfLayout {
             const DrawingFacts& facts, RecordValues& values, std::vector<bool>& used,
             std::string& problem) const;
 
+  /// Whether tags show the fields with this key.
+  bool shows(int key) const;
   const std::vector<LayoutItem>& items() const { return m_items; }
 
  private:

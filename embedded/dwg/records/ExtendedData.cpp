@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "embedded/dwg/records/CommonData.h"
+#include "embedded/dwg/records/TextCoding.h"
 #include "embedded/dxf/Tag.h"
 #include "embedded/os/CodePage.h"
 
@@ -49,10 +50,11 @@ class ExtendedTags {
       if (!has(2)) {
         return false;
       }
-      std::size_t length = number(2);
-      for (; length != 0 && has(2); --length) {
-        text += static_cast<wchar_t>(number(2));
+      std::u16string units;
+      for (std::size_t length = number(2); length != 0 && has(2); --length) {
+        units += static_cast<char16_t>(number(2));
       }
+      text = textOfUnits(units);
     } else {
       constexpr std::size_t kCodePage = 2;
       if (!has(1 + kCodePage)) {
@@ -211,18 +213,14 @@ class ExtendedBytes {
   }
   bool text(const std::wstring& text) {
     if (m_facts->format.version >= Version::R2007) {
-      number(text.size(), 2);
-      for (const wchar_t character : text) {
-        number(static_cast<std::uint64_t>(character), 2);
+      const std::u16string units = unitsOf(text);
+      number(units.size(), 2);
+      for (const char16_t unit : units) {
+        number(unit, 2);
       }
-      return text.size() <= 0xFFFF;
+      return units.size() <= 0xFFFF;
     }
-    std::string raw;
-    for (const wchar_t character : text) {
-      if (!m_facts->codePage->encode(static_cast<char32_t>(character), raw)) {
-        return false;
-      }
-    }
+    const std::string raw = bytesOfText(text, *m_facts->codePage);
     m_bytes += static_cast<char>(raw.size());
     number(m_facts->codePageNumber, 2);
     m_bytes += raw;

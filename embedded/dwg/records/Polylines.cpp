@@ -42,7 +42,7 @@ std::int64_t lightFlags(RecordCoder& coder) {
                        (coder.nextDouble(43) != 0.0 ? kHasWidth : 0) |
                        (coder.nextDouble(38) != 0.0 ? kHasElevation : 0) |
                        (coder.hasOtherThanZero(42) ? kHasBulges : 0) |
-                       (coder.hasOtherThanZero(40) || coder.hasOtherThanZero(41) ? kHasWidths : 0) |
+                       (coder.amount(40) != 0 || coder.amount(41) != 0 ? kHasWidths : 0) |
                        (coder.hasOtherThanZero(91) ? kHasIds : 0);
   // What the file says although it need not stays said.
   constexpr std::int64_t kPresence =

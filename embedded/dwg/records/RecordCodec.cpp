@@ -214,12 +214,14 @@ void addHandle(RecordValues& values, const RecordValues& original, int key, std:
 
 /// Fields that DXF does not show stay what they were; those that it shows in a way of its own are
 /// put in by the caller.
-void keepHidden(RecordValues& values, const RecordValues& original) {
+void keepHidden(RecordValues& values, const RecordValues& original, const DxfLayout& layout) {
   for (std::size_t i = 0; i < original.size(); ++i) {
     const Value& value = original[i];
     const bool isShown = value.key == kOwner || value.key == kReactor ||
                          value.key == kExtensionDictionary || value.key == kExtendedDataApp ||
-                         value.key == kExtendedDataBytes;
+                         value.key == kExtendedDataBytes ||
+                         // Of an object within the record some fields are shown, under low keys.
+                         (value.key < -kKeyStep && layout.shows(value.key));
     if (value.key < 0 && !isShown) {
       values.addFrom(original, value);
     }
@@ -258,7 +260,7 @@ bool RecordCodec::readTags(std::string_view tags, DecodedRecord& record,
   const RecordValues original = std::move(record.values);
   record.values = RecordValues();
   RecordValues& values = record.values;
-  keepHidden(values, original);
+  keepHidden(values, original, layoutOf(record.kind->layout));
   addHandle(values, original, kOwner, parts.owner);
   if (parts.extensionDictionary != 0 || original.first(kExtensionDictionary) != nullptr) {
     addHandle(values, original, kExtensionDictionary, parts.extensionDictionary);

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstdio>
 #include <utility>
 
+#include "embedded/dwg/records/TextCoding.h"
 #include "embedded/os/CodePage.h"
 
 namespace quoin::dwg {
@@ -16,50 +16,12 @@ constexpr std::uint16_t kLongSize = 0x8000;  // the stream of texts has a size o
 constexpr int kTerminated = 4;               // added to a text's form: a zero behind it counts
 constexpr std::size_t kLargestSize = std::size_t{1} << 30;
 
-/// Text of these UTF-16 units; pairs of surrogates are joined, lone ones stay.
-std::wstring fromUnits(BitReader& reader, std::size_t count) {
-  std::wstring text;
-  while (count-- != 0 && !reader.hasFailed()) {
-    std::uint32_t unit = reader.rawShort();
-    if (unit >= 0xD800 && unit < 0xDC00 && count != 0) {
-      BitReader ahead = reader;
-      const std::uint32_t second = ahead.rawShort();
-      if (second >= 0xDC00 && second < 0xE000) {
-        reader = ahead;
-        --count;
-        unit = 0x10000 + ((unit - 0xD800) << 10) + (second - 0xDC00);
-      }
-    }
-    text += static_cast<wchar_t>(unit);
-  }
-  return text;
-}
-
-std::u16string toUnits(const std::wstring& text) {
+std::u16string unitsFrom(BitReader& reader, std::size_t count) {
   std::u16string units;
-  for (const wchar_t character : text) {
-    const auto code = static_cast<std::uint32_t>(character);
-    if (code < 0x10000) {
-      units += static_cast<char16_t>(code);
-    } else {
-      units += static_cast<char16_t>(0xD800 + ((code - 0x10000) >> 10));
-      units += static_cast<char16_t>(0xDC00 + ((code - 0x10000) & 0x3FF));
-    }
+  while (count-- != 0 && !reader.hasFailed()) {
+    units += static_cast<char16_t>(reader.rawShort());
   }
   return units;
-}
-
-/// Bytes of the code page; what that lacks as \U+XXXX.
-std::string toCodePage(const std::wstring& text, const os::CodePage& codePage) {
-  std::string bytes;
-  for (const wchar_t character : text) {
-    if (!codePage.encode(static_cast<char32_t>(character), bytes)) {
-      char escape[16];
-      std::snprintf(escape, sizeof escape, "\\U+%04X", static_cast<unsigned>(character));
-      bytes += escape;
-    }
-  }
-  return bytes;
 }
 
 }  // namespace
@@ -438,7 +400,7 @@ void RecordCoder::TV(int key) {
     BitReader& from = isUnicode ? m_texts : m_data;
     const Coded<std::uint16_t> length = from.bitShort();
     if (isUnicode) {
-      m_values->addText(shifted(key), fromUnits(from, length.value), length.form);
+      m_values->addText(shifted(key), textOfUnits(unitsFrom(from, length.value)), length.form);
       return;
     }
     std::string raw;
@@ -460,7 +422,7 @@ void RecordCoder::TV(int key) {
       wanted == nullptr || wanted->type != Value::Type::Text ? kNone : m_wanted->textOf(*wanted);
   constexpr std::size_t kLongestText = 0xFFFF;
   if (isUnicode) {
-    const std::u16string units = toUnits(text);
+    const std::u16string units = unitsOf(text);
     m_hasTexts = true;
     m_hasFailed = m_hasFailed || units.size() > kLongestText;
     m_textsOut.bitShort(static_cast<std::uint16_t>(units.size()), formOf(wanted));
@@ -469,7 +431,7 @@ void RecordCoder::TV(int key) {
     }
     return;
   }
-  std::string raw = toCodePage(text, *m_codePage);
+  std::string raw = bytesOfText(text, *m_codePage);
   const int form = formOf(wanted);
   if (form == BitWriter::kShortest ? !raw.empty() : form >= kTerminated) {
     raw += '\0';

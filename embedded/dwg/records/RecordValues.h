@@ -56,6 +56,10 @@ class HOST_API RecordValues {
   void removeIf(const Predicate& isGone) {
     std::erase_if(m_values, isGone);
   }
+  /// Removes the fields with this key.
+  void removeAll(int key) {
+    removeIf([key](const Value& value) { return value.key == key; });
+  }
   /// Gives the fields with one key another.
   void rename(int key, int newKey);
   /// How many fields have this key.

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "embedded/dwg/records/Kinds.h"
+#include "embedded/dwg/records/TextCoding.h"
 #include "embedded/dxf/Tag.h"
 #include "embedded/os/CodePage.h"
 
@@ -34,11 +35,11 @@ void readText(RecordCoder& coder, int key) {
   BitReader& data = coder.data();
   std::size_t length = data.rawShort();
   if (coder.since(Version::R2007)) {
-    std::wstring text;
+    std::u16string units;
     for (; length != 0 && !data.hasFailed(); --length) {
-      text += static_cast<wchar_t>(data.rawShort());
+      units += static_cast<char16_t>(data.rawShort());
     }
-    coder.values().addText(key, std::move(text));
+    coder.values().addText(key, textOfUnits(units));
     return;
   }
   const int codePage = data.rawChar();
@@ -187,23 +188,14 @@ class TagsWriter {
     constexpr std::size_t kLongest = 0x7FFF;
     const std::wstring& text = m_values->textOf(value);
     if (m_coder->since(Version::R2007)) {
-      for (const wchar_t character : text) {
-        if (static_cast<std::uint32_t>(character) > 0xFFFF) {
-          return false;
-        }
+      const std::u16string units = unitsOf(text);
+      m_out.rawShort(static_cast<std::uint16_t>(units.size()));
+      for (const char16_t unit : units) {
+        m_out.rawShort(unit);
       }
-      m_out.rawShort(static_cast<std::uint16_t>(text.size()));
-      for (const wchar_t character : text) {
-        m_out.rawShort(static_cast<std::uint16_t>(character));
-      }
-      return text.size() <= kLongest;
+      return units.size() <= kLongest;
     }
-    std::string raw;
-    for (const wchar_t character : text) {
-      if (!m_coder->codePage().encode(static_cast<char32_t>(character), raw)) {
-        return false;
-      }
-    }
+    const std::string raw = bytesOfText(text, m_coder->codePage());
     constexpr int kWestern = 30;
     m_out.rawShort(static_cast<std::uint16_t>(raw.size()));
     m_out.rawChar(static_cast<std::uint8_t>(value.form < 0 ? kWestern : value.form));

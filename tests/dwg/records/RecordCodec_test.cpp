@@ -159,12 +159,55 @@ TEST_P(RecordCodecTest, AnEditChangesOneFieldAndNoOther) {
   EXPECT_EQ(decoded(bytes), after);
 }
 
+TEST_P(RecordCodecTest, AnEditGivesNoFieldThatTheRecordHasNot) {
+  const std::string before = entity(
+      "LWPOLYLINE", "100 AcDbPolyline\n90 2\n70 0\n43 0.0\n10 0.0\n20 0.0\n10 5.0\n20 0.1\n");
+  const std::string after = entity(
+      "LWPOLYLINE", "100 AcDbPolyline\n90 2\n70 0\n43 0.0\n10 1.0\n20 0.0\n10 6.0\n20 0.1\n");
+  decoded(encoded("LWPOLYLINE", before));
+  std::string problem;
+  ASSERT_TRUE(m_codec.readTags(after, m_record, problem)) << problem;
+  std::string meant;
+  m_codec.writeTags(m_record, meant);
+  EXPECT_EQ(meant, after);
+}
+
+TEST_P(RecordCodecTest, WidthsOfSomeVerticesAreWidthsOfAll) {
+  const std::string bare = entity(
+      "LWPOLYLINE", "100 AcDbPolyline\n90 2\n70 0\n43 0.0\n10 0.0\n20 0.0\n10 5.0\n20 0.1\n");
+  const std::string some =
+      entity("LWPOLYLINE",
+             "100 AcDbPolyline\n90 2\n70 0\n10 0.0\n20 0.0\n10 5.0\n20 0.1\n40 2.0\n41 3.0\n");
+  const std::string all = entity("LWPOLYLINE",
+                                 "100 AcDbPolyline\n90 2\n70 0\n10 0.0\n20 0.0\n40 0.0\n41 0.0\n"
+                                 "10 5.0\n20 0.1\n40 2.0\n41 3.0\n");
+  decoded(encoded("LWPOLYLINE", bare));
+  std::string problem;
+  ASSERT_TRUE(m_codec.readTags(some, m_record, problem)) << problem;
+  RecordBytes bytes;
+  ASSERT_TRUE(m_codec.encode(kHandle, m_record, bytes));
+  EXPECT_EQ(decoded(bytes), all);
+}
+
 TEST_P(RecordCodecTest, ExtendedDataComesBack) {
   const std::string line = entity("LINE",
                                   "100 AcDbLine\n10 1.5\n20 2.25\n30 0.0\n11 1.5\n"
                                   "21 -7.0\n31 0.0\n");
   comesBack("LINE", line + tags("1001 ACAD\n1000 wall\n1002 {\n1070 -5\n1040 0.5\n1010 1.0\n"
                                 "1020 2.0\n1030 3.0\n1005 2F\n1002 }\n1071 70000\n1004 00FF\n"));
+}
+
+TEST_P(RecordCodecTest, TextsBeyondTheCodePageComeBack) {
+  // A letter that GBK has not, and one that takes a pair in UTF-16.
+  const bool isUtf8 = m_facts.format.textIsUtf8();
+  const std::string rare = isUtf8 ? "\xC3\xBE\xF0\xA0\xAE\xB7" : "\\U+00FE\\U+D842\\U+DFB7";
+  comesBack("TEXT", entity("TEXT", "100 AcDbText\n10 1.0\n20 2.0\n30 0.0\n40 250.0\n1 " + rare +
+                                       "\n100 AcDbText\n"));
+  const std::string line = entity("LINE",
+                                  "100 AcDbLine\n10 1.5\n20 2.25\n30 0.0\n11 1.5\n"
+                                  "21 -7.0\n31 0.0\n");
+  comesBack("LINE", line + tags("1001 ACAD\n1000 " + rare + "\n"));
+  comesBack("XRECORD", tags("0 XRECORD\n5 2AB\n330 1F\n100 AcDbXrecord\n280 1\n1 " + rare + "\n"));
 }
 
 TEST_P(RecordCodecTest, ATagWithoutAPlaceIsRefusedByName) {

@@ -45,7 +45,7 @@ TEST_P(UnreadRecordTest, TakesNeighboursUpToR2000AndKeepsTheRest) {
   RecordValues& values = m_record.values;
   values.addHandle(kPrevious, 0x2A0);
   values.addHandle(kNext, 0x2B0);
-  values.removeIf([](const Value& value) { return value.key == kNoLinks; });
+  values.removeAll(kNoLinks);
   values.addInteger(kNoLinks, 0);
   RecordBytes linked;
   ASSERT_TRUE(m_codec.encode(kEntity, m_record, linked));
@@ -55,9 +55,9 @@ TEST_P(UnreadRecordTest, TakesNeighboursUpToR2000AndKeepsTheRest) {
   EXPECT_EQ(again.handleAt(kNext), 0x2B0U);
 
   // Without the links it is what it was.
-  again.values.removeIf([](const Value& value) {
-    return value.key == kPrevious || value.key == kNext || value.key == kNoLinks;
-  });
+  for (const int key : {kPrevious, kNext, kNoLinks}) {
+    again.values.removeAll(key);
+  }
   again.values.addInteger(kNoLinks, 1);
   RecordBytes back;
   ASSERT_TRUE(m_codec.encode(kEntity, again, back));
