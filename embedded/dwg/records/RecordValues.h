@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "embedded/dwg/records/BitReader.h"
+#include "hostapi.h"
 
 namespace quoin::dwg {
 
@@ -33,7 +34,7 @@ struct Value {
   static constexpr std::int8_t kAnyForm = -1;
 };
 
-class RecordValues {
+class HOST_API RecordValues {
  public:
   void clear();
   std::size_t size() const { return m_values.size(); }
