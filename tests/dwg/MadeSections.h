@@ -48,9 +48,9 @@ inline std::string madeHeaderSection(dxf::Version version, const os::CodePage& c
 }
 
 struct MadeClass {
-  const char* dxfName;
-  const char* cppName;
-  bool isEntity;
+  std::string dxfName;
+  std::string cppName;
+  bool isEntity = false;
 };
 
 /// Classes from number 500 on.

@@ -63,23 +63,16 @@ std::int64_t colorIndex(std::int64_t index, std::optional<std::int64_t> trueColo
   }
   const auto color = static_cast<std::uint32_t>(*trueColor);
   const auto byte = [color](unsigned shift) { return static_cast<std::uint8_t>(color >> shift); };
-  enum Kind : std::uint8_t {
-    ByLayer = 0xC0,
-    ByBlock = 0xC1,
-    Rgb = 0xC2,
-    Index = 0xC3,
-    None = 0xC8
-  };
   switch (byte(24)) {
-    case ByLayer:
+    case kMethodByLayer:
       return kByLayerIndex;
-    case ByBlock:
+    case kMethodByBlock:
       return 0;
-    case Rgb:
+    case kMethodTrue:
       return nearestIndex(*trueColor);
-    case Index:
+    case kMethodIndexed:
       return byte(0);
-    case None:
+    case kMethodNone:
       return kNoIndex;
     default:
       return index;

@@ -28,7 +28,7 @@ struct ClassFacts {
 using ClassMap = std::unordered_map<std::uint16_t, ClassFacts>;
 
 /// A record's fields.
-struct DecodedRecord {
+struct HOST_API DecodedRecord {
   std::uint16_t type = 0;
   const Kind* kind = nullptr;  // null: kept unread behind what all records share
   std::string name;            // DXF name, of unread ones too; empty where nobody knows it
