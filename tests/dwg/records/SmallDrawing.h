@@ -39,8 +39,8 @@ inline DrawingFacts smallFacts(dxf::Version version, const std::string& codePage
   facts.name("STYLE", 0x11, L"Standard");
   facts.name("DIMSTYLE", 0x27, L"Standard");
   facts.name("APPID", 0x12, L"ACAD");
-  facts.name("BLOCK_RECORD", 0x50, L"Door");
-  facts.name("BLOCK_RECORD", 0x51, L"*D3");
+  facts.name("BLOCK_RECORD", 0x50, L"*D3");
+  facts.name("BLOCK_RECORD", 0x51, L"Door");
   facts.blocks[kModelSpace];
   facts.blocks[kPaperSpace].isPaperSpace = true;
   return facts;
@@ -82,9 +82,5 @@ inline std::uint16_t typeOf(const Kind& kind, const ClassMap& classes) {
 inline constexpr dxf::Version kVersions[] = {
     dxf::Version::R13,   dxf::Version::R14,   dxf::Version::R2000, dxf::Version::R2004,
     dxf::Version::R2007, dxf::Version::R2010, dxf::Version::R2013, dxf::Version::R2018};
-
-inline std::string releaseOf(const auto& info) {
-  return std::string(dxf::releaseName(info.param));
-}
 
 }  // namespace quoin::dwg::testing
