@@ -1,5 +1,5 @@
-// DWG drawings that the tests make: the least that a container has, with records whose bytes stand
-// for nothing.
+// DWG files that the tests make: the least that a container has, around any records. DwgMaker.h
+// makes whole drawings.
 #pragma once
 
 #include <cstdint>
@@ -31,11 +31,14 @@ struct MadeContents {
   struct Record {
     std::uint64_t handle;
     std::string data;
+    std::uint64_t handleBits = 8;  // R2010 and later
   };
   std::vector<Record> records{{0x10, "first record"}, {0x11, "second"}, {0x2F, "the third one"}};
   std::string header = "header variables";
   std::string classes = "classes";
   std::uint64_t templateSize = 4;  // of a section that is all zeroes, which has no pages
+  std::string templateBytes;       // in its place
+  std::uint16_t codePage = 30;     // ANSI_1252
 
   /// So many records, all different.
   static MadeContents numbered(std::uint64_t count) {
@@ -68,27 +71,28 @@ inline std::string made(std::string_view mark, std::string_view contents, bool h
 inline std::string madeRecords(const MadeContents& contents, std::uint64_t place,
                                bool hasHandleBits, std::vector<MapEntry>& entries) {
   std::string bytes;
-  for (const auto& [handle, data] : contents.records) {
+  for (const auto& [handle, data, handleBits] : contents.records) {
     entries.push_back({handle, place + bytes.size()});
-    bytes += framedRecord(data, 8, hasHandleBits);
+    bytes += framedRecord(data, handleBits, hasHandleBits);
   }
   return bytes;
 }
 
 /// The first bytes of any version, up to 0x15.
-inline std::string madeHead(std::string_view mark) {
+inline std::string madeHead(std::string_view mark, std::uint16_t codePage) {
   std::string head(mark);
   head.append(5, '\0');
   head += "\x0F\x01"sv;
   appendNumber(head, std::uint32_t{0});  // no preview
-  head += "\x21\x00\x1E\x00"sv;
+  head += "\x21\x00"sv;
+  appendNumber(head, codePage);
   return head;
 }
 
 /// A drawing of R13 to R2000; with the second header as the last of it, if any.
 inline std::string madeFlatDwg(const MadeContents& contents = {}, std::string_view mark = "AC1015",
                                bool hasSecondHeader = true) {
-  std::string file = madeHead(mark);
+  std::string file = madeHead(mark, contents.codePage);
   std::vector<Locator> sections;
   std::size_t place = 0x19 + 3 * 9 + 2 + kFileHeaderEnd.size();
   std::string body;
@@ -115,7 +119,7 @@ inline std::string madeFlatDwg(const MadeContents& contents = {}, std::string_vi
     SecondHeader second;
     second.head = file.substr(0, 13);
     second.release = 0x21;
-    second.codePage = 30;
+    second.codePage = contents.codePage;
     second.sections = sections;
     second.handles = {{0, "\x30"}, {1, "\x01"}};
     second.rest = "whatever";
@@ -131,7 +135,7 @@ class PagedDwgMaker {
 
   std::string file(std::string_view mark, const MadeContents& contents) {
     const bool isNew = mark >= "AC1024";
-    m_file = madeHead(mark);
+    m_file = madeHead(mark, contents.codePage);
     m_file.resize(kPagesBegin);
     addSection("", "", kPackedLz77);
     addSection("AcDb:AppInfo", appInfo(), kUnpacked);
@@ -139,8 +143,10 @@ class PagedDwgMaker {
     const std::string objects =
         std::string("\xCA\x0D\x00\x00"sv) + madeRecords(contents, 4, isNew, entries);
     addSection("AcDb:AcDbObjects", objects, kPackedLz77);
-    addSection("AcDb:Template", "", kPackedLz77);
-    m_map.sections.back().size = contents.templateSize;
+    addSection("AcDb:Template", contents.templateBytes, kPackedLz77);
+    if (contents.templateBytes.empty()) {
+      m_map.sections.back().size = contents.templateSize;
+    }
     addSection("AcDb:Handles", objectMapOf(entries), kPackedLz77);
     addSection("AcDb:Classes", made(kClassesMark, contents.classes, isNew) + "8 bytes.",
                kPackedLz77);

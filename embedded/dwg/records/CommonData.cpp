@@ -17,17 +17,11 @@ constexpr std::int64_t kIndexMask = 0x1FFF;
 constexpr std::int64_t kByLayer = 256;
 constexpr std::int64_t kNoTrueColor = -1;
 
-enum ColorMethod : std::int64_t {
-  ByLayer = 0xC0,
-  ByBlock = 0xC1,
-  TrueColor = 0xC2,
-  Indexed = 0xC3
-};
 constexpr int kMethodShift = 24;
 constexpr std::int64_t kColorValue = 0xFFFFFF;
 
 std::int64_t rawOfColor(std::int64_t rgb) {
-  return TrueColor << kMethodShift | (rgb & kColorValue);
+  return kMethodTrue << kMethodShift | (rgb & kColorValue);
 }
 
 constexpr int kMostExtendedData = 0x7FFF;
@@ -236,27 +230,27 @@ void codeLinetype(RecordCoder& coder, const DrawingFacts& facts) {
 }
 
 void codeOwner(RecordCoder& coder, const DrawingFacts& facts) {
-  enum Mode : std::int64_t { Named = 0, PaperSpace = 1, ModelSpace = 2 };
-  std::int64_t mode = Named;
+  enum Mode : std::int64_t { kNamed = 0, kInPaperSpace = 1, kInModelSpace = 2 };
+  std::int64_t mode = kNamed;
   if (coder.isReading()) {
     mode = coder.BB(kEntityMode);
-    if (mode != Named) {
-      coder.impliedHandle(kOwner, mode == PaperSpace ? facts.paperSpace : facts.modelSpace);
+    if (mode != kNamed) {
+      coder.impliedHandle(kOwner, mode == kInPaperSpace ? facts.paperSpace : facts.modelSpace);
     }
   } else {
     const std::uint64_t owner = coder.nextHandle(kOwner);
-    const bool wasNamed = coder.nextInteger(kEntityMode, PaperSpace) == Named;
+    const bool wasNamed = coder.nextInteger(kEntityMode, kInPaperSpace) == kNamed;
     coder.impliedInteger(kEntityMode, 0);
-    mode = wasNamed                    ? Named
-           : owner == facts.modelSpace ? ModelSpace
-           : owner == facts.paperSpace ? PaperSpace
-                                       : Named;
+    mode = wasNamed                    ? kNamed
+           : owner == facts.modelSpace ? kInModelSpace
+           : owner == facts.paperSpace ? kInPaperSpace
+                                       : kNamed;
     coder.dataOut().bits(static_cast<std::uint32_t>(mode), 2);
-    if (mode != Named) {
+    if (mode != kNamed) {
       coder.impliedHandle(kOwner, 0);
     }
   }
-  if (mode == Named) {
+  if (mode == kNamed) {
     coder.H(kOwner, kSoftPointer);
   }
   // DXF says of entities in a layout but the model's that they are.
@@ -367,22 +361,6 @@ void codeObject(RecordCoder& coder) {
   codeExtensionDictionary(coder);
 }
 
-void codeColor(RecordCoder& coder, int key, int trueKey, int hiddenKey) {
-  coder.BS(key);
-  if (!coder.since(Version::R2004)) {
-    return;
-  }
-  coder.BL(trueKey);
-  // 1: a name follows, 2: the name of a colour book.
-  const std::int64_t names = coder.RC(hiddenKey);
-  if ((names & 1) != 0) {
-    coder.TV(hiddenKey - 1);
-  }
-  if ((names & 2) != 0) {
-    coder.TV(hiddenKey - 2);
-  }
-}
-
 namespace {
 
 std::int64_t methodOf(std::int64_t raw) {
@@ -390,18 +368,18 @@ std::int64_t methodOf(std::int64_t raw) {
 }
 
 std::int64_t rawOfIndex(std::int64_t index) {
-  return index == kByLayer ? ByLayer << kMethodShift
-         : index == 0      ? ByBlock << kMethodShift
-                           : Indexed << kMethodShift | (index & 0xFF);
+  return index == kByLayer ? kMethodByLayer << kMethodShift
+         : index == 0      ? kMethodByBlock << kMethodShift
+                           : kMethodIndexed << kMethodShift | (index & 0xFF);
 }
 
 std::int64_t indexOfRaw(std::int64_t raw, std::int64_t stored) {
   switch (methodOf(raw)) {
-    case ByLayer:
+    case kMethodByLayer:
       return kByLayer;
-    case ByBlock:
+    case kMethodByBlock:
       return 0;
-    case Indexed:
+    case kMethodIndexed:
       return raw & 0xFF;
     default:
       return stored != 0 ? stored : nearestIndex(raw);
@@ -425,6 +403,14 @@ std::int64_t asSigned(std::int64_t raw) {
 
 }  // namespace
 
+void codeColor(RecordCoder& coder, int key, int rawKey, int hiddenKey) {
+  coder.BS(key);
+  if (coder.since(Version::R2004)) {
+    coder.BL(rawKey);
+    codeColorNames(coder, hiddenKey);
+  }
+}
+
 std::int64_t nearestIndex(std::int64_t rgb) {
   return AcCmEntityColor::lookUpACI(static_cast<Adesk::UInt8>(rgb >> 16),
                                     static_cast<Adesk::UInt8>(rgb >> 8),
@@ -441,7 +427,7 @@ void codeShownColor(RecordCoder& coder, int indexKey, int trueKey, int hiddenKey
     const std::int64_t stored = coder.BS(hiddenKey);
     const std::int64_t raw = coder.BL(rawKey);
     coder.impliedInteger(indexKey, indexOfRaw(raw, stored));
-    if (methodOf(raw) == TrueColor && trueKey != 0) {
+    if (methodOf(raw) == kMethodTrue && trueKey != 0) {
       coder.impliedInteger(trueKey, raw & kColorValue);
     }
     codeColorNames(coder, hiddenKey - 2);
@@ -449,8 +435,8 @@ void codeShownColor(RecordCoder& coder, int indexKey, int trueKey, int hiddenKey
   }
   const std::int64_t index = coder.nextInteger(indexKey, kByLayer);
   const Value* const trueColor = trueKey == 0 ? nullptr : coder.next(trueKey);
-  const std::int64_t formerRaw = coder.nextInteger(rawKey, ByLayer << kMethodShift);
-  const bool wasTrue = methodOf(formerRaw) == TrueColor;
+  const std::int64_t formerRaw = coder.nextInteger(rawKey, kMethodByLayer << kMethodShift);
+  const bool wasTrue = methodOf(formerRaw) == kMethodTrue;
   const bool staysIndex = indexOfRaw(formerRaw, coder.nextInteger(hiddenKey)) == index;
   const bool staysTrue = trueKey == 0 || (trueColor != nullptr) == wasTrue;
   if (coder.next(rawKey) != nullptr && staysIndex && staysTrue) {

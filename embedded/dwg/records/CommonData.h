@@ -52,9 +52,18 @@ void codeEntity(RecordCoder& coder, const DrawingFacts& facts);
 /// What an object has in front of its kind's own fields, behind codeHead().
 void codeObject(RecordCoder& coder);
 
-/// A colour of an object or a part of one (CMC): the keys are `key` for the index, 420 and 430 in
-/// place of its last digits' 60 and 430 for true colour and name where `trueKey`, `nameKey` say.
-void codeColor(RecordCoder& coder, int key, int trueKey, int hiddenKey);
+/// What a colour is, in the highest byte of its number.
+enum ColorMethod : std::int64_t {
+  kMethodByLayer = 0xC0,
+  kMethodByBlock = 0xC1,
+  kMethodTrue = 0xC2,  // red, green, blue
+  kMethodIndexed = 0xC3,
+  kMethodNone = 0xC8,
+};
+
+/// A colour of an object or a part of one (CMC) as the file has it: the index and, from R2004 on,
+/// its number under `rawKey`, what names follow under `hiddenKey` and these under the two below.
+void codeColor(RecordCoder& coder, int key, int rawKey, int hiddenKey);
 
 /// The same without the picture of a proxy: what a text within an attribute has.
 void codeEmbeddedEntity(RecordCoder& coder, const DrawingFacts& facts);

@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "dbcolor.h"
 #include "embedded/dwg/records/CommonData.h"
 #include "embedded/dwg/records/HeaderVariables.h"
 #include "embedded/dwg/records/RecordCoder.h"
@@ -25,68 +24,6 @@ constexpr std::int64_t kMillisecondsOfDay = 86400000;
 constexpr std::string_view kFlags = "FLAGS";
 
 // --- bits -----------------------------------------------------------------------------------
-
-/// Reads or writes one variable. `former` is the number in front of it; returns its own.
-std::int64_t codeVariable(RecordCoder& coder, const StoredVariable& variable, std::int64_t former) {
-  constexpr std::int64_t kIsNamed = 3;
-  const int key = variable.key;
-  switch (variable.code) {
-    case VariableCode::Bit:
-      return coder.B(key);
-    case VariableCode::RawChar:
-      return coder.RC(key);
-    case VariableCode::BitShort:
-      return coder.BS(key);
-    case VariableCode::BitLong:
-      return coder.BL(key);
-    case VariableCode::BitLongLong:
-      return coder.BLL(key);
-    case VariableCode::BitDouble:
-      coder.BD(key);
-      break;
-    case VariableCode::Text:
-      coder.TV(key);
-      break;
-    case VariableCode::Point3:
-      coder.point3BD(key);
-      break;
-    case VariableCode::Point2:
-      coder.point2RD(key);
-      break;
-    case VariableCode::Color:
-      codeColor(coder, key, key + kTrueColor, key + kColorNames);
-      break;
-    case VariableCode::Date:
-      coder.BL(key);
-      coder.BL(key + kMilliseconds);
-      break;
-    case VariableCode::Owner:
-      coder.H(key, kHardOwner);
-      break;
-    case VariableCode::Pointer:
-      coder.H(key, kHardPointer);
-      break;
-    case VariableCode::PointerBehind3:
-      if (former == kIsNamed) {
-        coder.H(key, kHardPointer);
-      }
-      break;
-    case VariableCode::HandleSeed:
-      coder.dataHandle(key, 0);
-      break;
-  }
-  return 0;
-}
-
-void codeVariables(RecordCoder& coder) {
-  coder.openSection();
-  std::int64_t former = 0;
-  for (const StoredVariable& variable : storedVariables()) {
-    if (variable.isIn(coder.version())) {
-      former = codeVariable(coder, variable, former);
-    }
-  }
-}
 
 /// Whether so many bits may follow the variables: nothing but what fills the last byte, or four
 /// shorts and some bits of which nobody knows what they say.
@@ -126,23 +63,16 @@ std::int64_t colorIndex(std::int64_t index, std::optional<std::int64_t> trueColo
   }
   const auto color = static_cast<std::uint32_t>(*trueColor);
   const auto byte = [color](unsigned shift) { return static_cast<std::uint8_t>(color >> shift); };
-  enum Kind : std::uint8_t {
-    ByLayer = 0xC0,
-    ByBlock = 0xC1,
-    Rgb = 0xC2,
-    Index = 0xC3,
-    None = 0xC8
-  };
   switch (byte(24)) {
-    case ByLayer:
+    case kMethodByLayer:
       return kByLayerIndex;
-    case ByBlock:
+    case kMethodByBlock:
       return 0;
-    case Rgb:
-      return AcCmEntityColor::lookUpACI(byte(16), byte(8), byte(0));
-    case Index:
+    case kMethodTrue:
+      return nearestIndex(*trueColor);
+    case kMethodIndexed:
       return byte(0);
-    case None:
+    case kMethodNone:
       return kNoIndex;
     default:
       return index;

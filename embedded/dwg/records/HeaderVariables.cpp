@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "embedded/dwg/records/CommonData.h"
+
 namespace quoin::dwg {
 namespace {
 
@@ -263,6 +265,72 @@ const PackedVariable* packedVariable(std::string_view name) {
   const auto found = std::find_if(kPacked.begin(), kPacked.end(),
                                   [name](const PackedVariable& row) { return row.name == name; });
   return found == kPacked.end() ? nullptr : &*found;
+}
+
+namespace {
+
+/// Reads or writes one variable. `former` is the number in front of it; returns its own.
+std::int64_t codeVariable(RecordCoder& coder, const StoredVariable& variable, std::int64_t former) {
+  constexpr std::int64_t kIsNamed = 3;
+  const int key = variable.key;
+  switch (variable.code) {
+    case VariableCode::Bit:
+      return coder.B(key);
+    case VariableCode::RawChar:
+      return coder.RC(key);
+    case VariableCode::BitShort:
+      return coder.BS(key);
+    case VariableCode::BitLong:
+      return coder.BL(key);
+    case VariableCode::BitLongLong:
+      return coder.BLL(key);
+    case VariableCode::BitDouble:
+      coder.BD(key);
+      break;
+    case VariableCode::Text:
+      coder.TV(key);
+      break;
+    case VariableCode::Point3:
+      coder.point3BD(key);
+      break;
+    case VariableCode::Point2:
+      coder.point2RD(key);
+      break;
+    case VariableCode::Color:
+      codeColor(coder, key, key + kTrueColor, key + kColorNames);
+      break;
+    case VariableCode::Date:
+      coder.BL(key);
+      coder.BL(key + kMilliseconds);
+      break;
+    case VariableCode::Owner:
+      coder.H(key, kHardOwner);
+      break;
+    case VariableCode::Pointer:
+      coder.H(key, kHardPointer);
+      break;
+    case VariableCode::PointerBehind3:
+      if (former == kIsNamed) {
+        coder.H(key, kHardPointer);
+      }
+      break;
+    case VariableCode::HandleSeed:
+      coder.dataHandle(key, 0);
+      break;
+  }
+  return 0;
+}
+
+}  // namespace
+
+void codeVariables(RecordCoder& coder) {
+  coder.openSection();
+  std::int64_t former = 0;
+  for (const StoredVariable& variable : storedVariables()) {
+    if (variable.isIn(coder.version())) {
+      former = codeVariable(coder, variable, former);
+    }
+  }
 }
 
 }  // namespace quoin::dwg

@@ -10,7 +10,9 @@
 #include <string_view>
 
 #include "embedded/dwg/records/DxfLayout.h"
+#include "embedded/dwg/records/RecordCoder.h"
 #include "embedded/dxf/Format.h"
+#include "hostapi.h"
 
 namespace quoin::dwg {
 
@@ -72,7 +74,9 @@ struct PackedVariable {
 /// All variables, in DWG's order.
 std::span<const StoredVariable> storedVariables();
 /// The first with this name (without the dollar sign) that this version has; null for none.
-const StoredVariable* storedVariable(std::string_view name, dxf::Version version);
+HOST_API const StoredVariable* storedVariable(std::string_view name, dxf::Version version);
+/// Reads or writes all variables, each under its key.
+HOST_API void codeVariables(RecordCoder& coder);
 /// All variables, in DXF's order.
 std::span<const SpelledVariable> spelledVariables();
 /// The one of this name, which is part of FLAGS; null for none.

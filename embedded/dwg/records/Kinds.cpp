@@ -58,24 +58,6 @@ std::vector<const Kind*> kindsNamed(std::string_view dxfName) {
 
 std::string_view nameOfType(std::uint16_t type) {
   switch (type) {
-    case 20:
-    case 21:
-    case 22:
-    case 23:
-    case 24:
-    case 25:
-    case 26:
-      return "DIMENSION";
-    case 28:
-      return "3DFACE";
-    case 31:
-      return "SOLID";
-    case 32:
-      return "TRACE";
-    case 33:
-      return "SHAPE";
-    case 34:
-      return "VIEWPORT";
     case 37:
       return "REGION";
     case 38:
@@ -84,34 +66,10 @@ std::string_view nameOfType(std::uint16_t type) {
       return "BODY";
     case 43:
       return "OLEFRAME";
-    case 45:
-      return "LEADER";
-    case 46:
-      return "TOLERANCE";
-    case 47:
-      return "MLINE";
-    case 61:
-      return "VIEW";
-    case 65:
-      return "VPORT";
-    case 69:
-      return "DIMSTYLE";
-    case 70:
-      return "VP_ENT_HDR_CONTROL";
-    case 71:
-      return "VP_ENT_HDR";
-    case 73:
-      return "MLINESTYLE";
     case 74:
       return "OLE2FRAME";
-    case 78:
-      return "HATCH";
-    case 79:
-      return "XRECORD";
     case 81:
       return "VBA_PROJECT";
-    case 82:
-      return "LAYOUT";
     case 498:
       return "ACAD_PROXY_ENTITY";
     case 499:

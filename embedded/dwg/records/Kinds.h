@@ -74,6 +74,9 @@ enum OwnedKey : int {
   kBlockDescription = -50,
   kBlockInsert = -51,  // references to it
   kBlockBase = -540,   // and -530, -520
+  kBlockName = -210,   // of a nameless one its beginning ("*D")
+  kIsNameless = -211,
+  kHasAttributes = -212,  // ATTDEFs
 };
 
 /// First and last of what an entity owns, or all of it, and what ends them.

@@ -267,96 +267,98 @@ int formOf(const Value* value) {
 
 }  // namespace
 
-std::int64_t RecordCoder::B(int key, std::int64_t missing) {
+template <typename Read, typename Write>
+std::int64_t RecordCoder::integer(int key, std::int64_t missing, Read read, Write write) {
   if (m_isReading) {
-    const std::int64_t value = m_data.bit() ? 1 : 0;
-    m_values->addInteger(shifted(key), value);
+    int form = Value::kAnyForm;
+    const std::int64_t value = read(m_data, form);
+    m_values->addInteger(key, value, form);
     return value;
   }
-  const std::int64_t value = integerOf(take(key), missing);
-  m_dataOut.bit(value != 0);
+  const Value* const wanted = m_cursor.take(key);
+  const std::int64_t value = integerOf(wanted, missing);
+  write(m_dataOut, value, formOf(wanted));
   return value;
+}
+
+std::int64_t RecordCoder::B(int key, std::int64_t missing) {
+  return integer(
+      shifted(key), missing,
+      [](BitReader& data, int&) -> std::int64_t { return data.bit() ? 1 : 0; },
+      [](BitWriter& out, std::int64_t value, int) { out.bit(value != 0); });
 }
 
 std::int64_t RecordCoder::BB(int key, std::int64_t missing) {
-  if (m_isReading) {
-    const std::int64_t value = m_data.bits(2);
-    m_values->addInteger(shifted(key), value);
-    return value;
-  }
-  const std::int64_t value = integerOf(take(key), missing);
-  m_dataOut.bits(static_cast<std::uint32_t>(value) & 3, 2);
-  return value;
+  return integer(
+      shifted(key), missing, [](BitReader& data, int&) -> std::int64_t { return data.bits(2); },
+      [](BitWriter& out, std::int64_t value, int) {
+        out.bits(static_cast<std::uint32_t>(value) & 3, 2);
+      });
 }
 
 std::int64_t RecordCoder::RC(int key, std::int64_t missing) {
-  if (m_isReading) {
-    const std::int64_t value = m_data.rawChar();
-    m_values->addInteger(shifted(key), value);
-    return value;
-  }
-  const std::int64_t value = integerOf(take(key), missing);
-  m_dataOut.rawChar(static_cast<std::uint8_t>(value));
-  return value;
+  return integer(
+      shifted(key), missing, [](BitReader& data, int&) -> std::int64_t { return data.rawChar(); },
+      [](BitWriter& out, std::int64_t value, int) {
+        out.rawChar(static_cast<std::uint8_t>(value));
+      });
 }
 
 std::int64_t RecordCoder::RS(int key, std::int64_t missing) {
-  if (m_isReading) {
-    const std::int64_t value = static_cast<std::int16_t>(m_data.rawShort());
-    m_values->addInteger(shifted(key), value);
-    return value;
-  }
-  const std::int64_t value = integerOf(take(key), missing);
-  m_dataOut.rawShort(static_cast<std::uint16_t>(value));
-  return value;
+  return integer(
+      shifted(key), missing,
+      [](BitReader& data, int&) -> std::int64_t {
+        return static_cast<std::int16_t>(data.rawShort());
+      },
+      [](BitWriter& out, std::int64_t value, int) {
+        out.rawShort(static_cast<std::uint16_t>(value));
+      });
 }
 
 std::int64_t RecordCoder::RL(int key, std::int64_t missing) {
-  if (m_isReading) {
-    const std::int64_t value = static_cast<std::int32_t>(m_data.rawLong());
-    m_values->addInteger(shifted(key), value);
-    return value;
-  }
-  const std::int64_t value = integerOf(take(key), missing);
-  m_dataOut.rawLong(static_cast<std::uint32_t>(value));
-  return value;
+  return integer(
+      shifted(key), missing,
+      [](BitReader& data, int&) -> std::int64_t {
+        return static_cast<std::int32_t>(data.rawLong());
+      },
+      [](BitWriter& out, std::int64_t value, int) {
+        out.rawLong(static_cast<std::uint32_t>(value));
+      });
 }
 
 std::int64_t RecordCoder::BS(int key, std::int64_t missing) {
-  if (m_isReading) {
-    const Coded<std::uint16_t> read = m_data.bitShort();
-    const std::int64_t value = static_cast<std::int16_t>(read.value);
-    m_values->addInteger(shifted(key), value, read.form);
-    return value;
-  }
-  const Value* const wanted = take(key);
-  const std::int64_t value = integerOf(wanted, missing);
-  m_dataOut.bitShort(static_cast<std::uint16_t>(value), formOf(wanted));
-  return value;
+  return integer(
+      shifted(key), missing,
+      [](BitReader& data, int& form) -> std::int64_t {
+        const Coded<std::uint16_t> read = data.bitShort();
+        form = read.form;
+        return static_cast<std::int16_t>(read.value);
+      },
+      [](BitWriter& out, std::int64_t value, int form) {
+        out.bitShort(static_cast<std::uint16_t>(value), form);
+      });
 }
 
 std::int64_t RecordCoder::BL(int key, std::int64_t missing) {
-  if (m_isReading) {
-    const Coded<std::uint32_t> read = m_data.bitLong();
-    const std::int64_t value = static_cast<std::int32_t>(read.value);
-    m_values->addInteger(shifted(key), value, read.form);
-    return value;
-  }
-  const Value* const wanted = take(key);
-  const std::int64_t value = integerOf(wanted, missing);
-  m_dataOut.bitLong(static_cast<std::uint32_t>(value), formOf(wanted));
-  return value;
+  return integer(
+      shifted(key), missing,
+      [](BitReader& data, int& form) -> std::int64_t {
+        const Coded<std::uint32_t> read = data.bitLong();
+        form = read.form;
+        return static_cast<std::int32_t>(read.value);
+      },
+      [](BitWriter& out, std::int64_t value, int form) {
+        out.bitLong(static_cast<std::uint32_t>(value), form);
+      });
 }
 
 std::int64_t RecordCoder::BLL(int key, std::int64_t missing) {
-  if (m_isReading) {
-    const auto value = static_cast<std::int64_t>(m_data.bitLongLong());
-    m_values->addInteger(key, value);
-    return value;
-  }
-  const std::int64_t value = integerOf(take(key), missing);
-  m_dataOut.bitLongLong(static_cast<std::uint64_t>(value));
-  return value;
+  return integer(
+      shifted(key), missing,
+      [](BitReader& data, int&) { return static_cast<std::int64_t>(data.bitLongLong()); },
+      [](BitWriter& out, std::int64_t value, int) {
+        out.bitLongLong(static_cast<std::uint64_t>(value));
+      });
 }
 
 double RecordCoder::BD(int key, double missing) {

@@ -160,6 +160,9 @@ class HOST_API RecordCoder {
   void restOf(BitReader& from, BitWriter& to, int bytesKey, int countKey);
   std::uint64_t codeHandle(int key, std::uint8_t code, BitReader& from, BitWriter& to);
   const Value* take(int key);
+  /// A whole number; `read` tells how it is stored where there are several ways, `write` gets that.
+  template <typename Read, typename Write>
+  std::int64_t integer(int key, std::int64_t missing, Read read, Write write);
   int shifted(int key) const { return key + m_keyShift; }
 
   dxf::Version m_version;

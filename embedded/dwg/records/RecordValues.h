@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "embedded/dwg/records/BitReader.h"
+#include "hostapi.h"
 
 namespace quoin::dwg {
 

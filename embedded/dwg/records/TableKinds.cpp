@@ -51,9 +51,6 @@ void codeDimStyleTable(RecordCoder& coder, const DrawingFacts& facts) {
 // --- records --------------------------------------------------------------------------------
 
 void codeBlockHeader(RecordCoder& coder, const DrawingFacts& facts) {
-  constexpr int kName = -210;
-  constexpr int kIsAnonymous = -211;
-  constexpr int kHasAttributes = -212;
   constexpr int kIsReference = -213;
   constexpr int kIsOverlay = -214;
   constexpr int kIsLoaded = -215;
@@ -61,10 +58,10 @@ void codeBlockHeader(RecordCoder& coder, const DrawingFacts& facts) {
   constexpr int kInsertMark = -218;
   constexpr int kPreviewSize = -220;
   constexpr int kNull = -222;
-  coder.TV(kName);
+  coder.TV(kBlockName);
   const std::int64_t shared = codeDependence(coder);
   std::int64_t flags = shared;
-  flags |= coder.B(kIsAnonymous) != 0 ? 1 : 0;
+  flags |= coder.B(kIsNameless) != 0 ? 1 : 0;
   flags |= coder.B(kHasAttributes) != 0 ? 2 : 0;
   const bool isReference = coder.B(kIsReference) != 0;
   const bool isOverlay = coder.B(kIsOverlay) != 0;
@@ -133,7 +130,7 @@ void codeBlockHeader(RecordCoder& coder, const DrawingFacts& facts) {
   if (coder.isReading() && !coder.hasFailed()) {
     const std::wstring& known = facts.nameOf(coder.own());
     const RecordValues& values = coder.values();
-    coder.impliedText(2, known.empty() ? values.textOf(*values.first(kName)) : known);
+    coder.impliedText(2, known.empty() ? values.textOf(*values.first(kBlockName)) : known);
     coder.impliedInteger(kBlockFlags, flags);
   }
 }
@@ -391,9 +388,6 @@ std::int64_t codeDependence(RecordCoder& coder) {
 }
 
 void codeLayerColor(RecordCoder& coder, bool isOff, int indexKey, int trueKey, int namesKey) {
-  // From R2004 on: what the colour is (0xC3: an index, 0xC2: red, green, blue) and its value.
-  constexpr std::int64_t kIndexed = 0xC3;
-  constexpr std::int64_t kTrue = 0xC2;
   constexpr std::int64_t kValue = 0xFFFFFF;
   const auto shownIndex = [&] {
     const std::int64_t index = coder.nextInteger(62, 7);
@@ -413,7 +407,7 @@ void codeLayerColor(RecordCoder& coder, bool isOff, int indexKey, int trueKey, i
   if (coder.isReading()) {
     const std::int64_t value = coder.BL(trueKey);
     method = value >> 24 & 0xFF;
-    const bool isTrue = method == kTrue;
+    const bool isTrue = method == kMethodTrue;
     const std::int64_t index = isTrue ? nearestIndex(value) : value & 0xFF;
     coder.impliedInteger(62, isOff ? -index : index);
     if (isTrue) {
@@ -422,8 +416,8 @@ void codeLayerColor(RecordCoder& coder, bool isOff, int indexKey, int trueKey, i
   } else {
     const Value* const trueColor = coder.next(420);
     const std::int64_t value = trueColor != nullptr && trueColor->integer != 0
-                                   ? kTrue << 24 | (trueColor->integer & kValue)
-                                   : kIndexed << 24 | (shownIndex() & 0xFF);
+                                   ? kMethodTrue << 24 | (trueColor->integer & kValue)
+                                   : kMethodIndexed << 24 | (shownIndex() & 0xFF);
     coder.dataOut().bitLong(static_cast<std::uint32_t>(value));
     // Names are those of the former colour.
     if (value != (coder.nextInteger(trueKey, value) & 0xFFFFFFFF)) {

@@ -15,11 +15,7 @@ namespace {
 
 using dxf::Version;
 
-constexpr const char* kAbsent = "the shared drawings are absent; set QUOIN_SHARED_DATA";
-
-const os::CodePage& latin() {
-  return os::CodePage::named("ANSI_1252");
-}
+using test::latin;
 
 void putText(BitWriter& out, std::string_view text) {
   out.bitShort(static_cast<std::uint16_t>(text.size() + 1));
@@ -74,15 +70,11 @@ TEST(ClassSection, NoClassesAreClassesToo) {
   EXPECT_FALSE(section.isExact());
 }
 
-TEST(ClassSection, OfEverySampleComesBackBitForBit) {
-  if (quoin::test::sharedFiles(".dwg").empty()) {
-    GTEST_SKIP() << kAbsent;
-  }
-  for (const auto& path : quoin::test::sharedFiles(".dwg")) {
+using ClassSamples = test::SampleTest;
+
+TEST_F(ClassSamples, ComeBackBitForBit) {
+  for (const auto& path : samples()) {
     const test::SampleSections sample = test::sectionsOf(path);
-    if (sample.classes.empty()) {
-      continue;
-    }
     SCOPED_TRACE(path.filename());
     ClassSection section;
     ASSERT_TRUE(section.read(sample.classes, sample.version, latin()));
@@ -95,13 +87,10 @@ TEST(ClassSection, OfEverySampleComesBackBitForBit) {
   }
 }
 
-TEST(ClassSection, ACountIsReadAgain) {
-  if (quoin::test::sharedFiles(".dwg").empty()) {
-    GTEST_SKIP() << kAbsent;
-  }
-  for (const auto& path : quoin::test::sharedFiles(".dwg")) {
+TEST_F(ClassSamples, HaveACountThatIsReadAgain) {
+  for (const auto& path : samples()) {
     const test::SampleSections sample = test::sectionsOf(path);
-    if (sample.classes.empty() || sample.version < Version::R2004) {
+    if (sample.version < Version::R2004) {
       continue;
     }
     SCOPED_TRACE(path.filename());
@@ -121,19 +110,9 @@ TEST(ClassSection, ACountIsReadAgain) {
 
 // --- twins ----------------------------------------------------------------------------------
 
-class ClassTwins : public ::testing::TestWithParam<std::pair<std::string, std::string>> {};
+using ClassTwins = test::TwinTest;
 
-INSTANTIATE_TEST_SUITE_P(
-    Samples, ClassTwins,
-    ::testing::Values(std::pair{"acadsharp_sample_AC1015.dwg", "acadsharp_sample_AC1015_ascii.dxf"},
-                      std::pair{"acadsharp_sample_AC1018.dwg", "acadsharp_sample_AC1018_ascii.dxf"},
-                      std::pair{"acadsharp_sample_AC1021.dwg", "acadsharp_sample_AC1021_ascii.dxf"},
-                      std::pair{"acadsharp_sample_AC1027.dwg", "acadsharp_sample_AC1027_ascii.dxf"},
-                      std::pair{"acadsharp_sample_AC1032.dwg", "acadsharp_sample_AC1032_ascii.dxf"},
-                      std::pair{"acadsharp_dynamic_BLOCKFLIPPARAMETER.dwg",
-                                "acadsharp_dynamic_BLOCKFLIPPARAMETER.dxf"},
-                      std::pair{"acadsharp_dynamic_BLOCKVISIBILITYPARAMETER.dwg",
-                                "acadsharp_dynamic_BLOCKVISIBILITYPARAMETER.dxf"}));
+INSTANTIATE_TEST_SUITE_P(Samples, ClassTwins, ::testing::ValuesIn(test::twins()));
 
 /// A class as a DXF file tells of it, without how many records there are: the twins were saved one
 /// after the other, and each saving made objects of its own.
@@ -151,15 +130,6 @@ Row rowOf(const std::string& tags, const dxf::Format& format) {
 }
 
 TEST_P(ClassTwins, SayTheSame) {
-  const auto folder = quoin::test::sharedDataFolder();
-  if (folder.empty()) {
-    GTEST_SKIP() << kAbsent;
-  }
-  const test::SampleSections sample = test::sectionsOf(folder / GetParam().first);
-  if (sample.classes.empty()) {
-    GTEST_SKIP() << "a version whose sections are not read yet";
-  }
-  const test::Twin twin = test::twinOf(folder / GetParam().second, sample.version);
   std::set<Row> expected;
   for (const test::TwinRecord& record : twin.records) {
     // Named differently, or only there where DXF was saved.
@@ -192,14 +162,6 @@ TEST_P(ClassTwins, SayTheSame) {
 }
 
 TEST_P(ClassTwins, ADamagedSectionDoesNoHarm) {
-  const auto folder = quoin::test::sharedDataFolder();
-  if (folder.empty()) {
-    GTEST_SKIP() << kAbsent;
-  }
-  const test::SampleSections sample = test::sectionsOf(folder / GetParam().first);
-  if (sample.classes.empty()) {
-    GTEST_SKIP() << "a version whose sections are not read yet";
-  }
   std::mt19937 random(20240502);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same every time
   for (int i = 0; i < 500; ++i) {
     std::string damaged = sample.classes.substr(0, random() % (sample.classes.size() + 1));

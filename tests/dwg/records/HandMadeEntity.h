@@ -2,20 +2,14 @@
 // extended data, model space, layer 10, all else as it is by default; then what a test writes.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <cstdint>
 #include <string>
 #include <string_view>
 
+#include "dwg/records/RecordTest.h"
 #include "embedded/dwg/records/BitWriter.h"
-#include "embedded/dwg/records/RecordCodec.h"
-#include "embedded/os/CodePage.h"
 
 namespace quoin::dwg::testing {
-
-inline constexpr std::uint64_t kModelSpace = 0x1F;
-inline constexpr std::uint64_t kEntity = 0x2AB;
 
 inline HandleReference reference(std::uint8_t code, std::uint64_t handle) {
   return {code, static_cast<std::uint8_t>(handle == 0 ? 0 : handle < 0x100 ? 1 : 2), handle};
@@ -110,21 +104,9 @@ class HandMadeEntity {
 };
 
 /// Decodes such records in a drawing with a few names.
-class HandMadeRecordTest : public ::testing::TestWithParam<dxf::Version> {
+class HandMadeRecordTest : public RecordTest {
  protected:
-  HandMadeRecordTest() {
-    m_facts.format.version = GetParam();
-    m_facts.format.lineEnd = "\n";
-    m_facts.format.groupCodeColumns = 0;
-    m_facts.codePage = &os::CodePage::named("ANSI_1252");
-    m_facts.modelSpace = kModelSpace;
-    m_facts.byLayerLinetype = 0x15;
-    m_facts.name("LTYPE", 0x15, L"ByLayer");
-    m_facts.name("LAYER", 0x10, L"0");
-    m_facts.name("DIMSTYLE", 0x27, L"Standard");
-    m_facts.name("BLOCK_RECORD", 0x50, L"*D3");
-    m_facts.blocks[kModelSpace];
-  }
+  HandMadeRecordTest() : RecordTest("ANSI_1252") {}
 
   /// "10 1.5, 20 2.0" as the tags behind those of all entities.
   static std::string entity(const std::string& kind, std::string own) {
@@ -139,15 +121,6 @@ class HandMadeRecordTest : public ::testing::TestWithParam<dxf::Version> {
     return tags;
   }
 
-  std::string decoded(const RecordBytes& bytes) {
-    const RecordSource source{kEntity, bytes.data, bytes.handleBits};
-    m_codec.decode(source, m_record);
-    EXPECT_TRUE(m_record.isWhole);
-    EXPECT_TRUE(m_codec.isExact(source, m_record));
-    std::string tags;
-    m_codec.writeTags(m_record, tags);
-    return tags;
-  }
   /// The last decoded record with these tags in place of its own, decoded again.
   std::string edited(const std::string& tags) {
     RecordBytes bytes;
@@ -156,15 +129,6 @@ class HandMadeRecordTest : public ::testing::TestWithParam<dxf::Version> {
     EXPECT_TRUE(m_codec.encode(kEntity, m_record, bytes));
     return decoded(bytes);
   }
-
-  DrawingFacts m_facts;
-  ClassMap m_classes;
-  RecordCodec m_codec{m_facts, m_classes};
-  DecodedRecord m_record;
 };
-
-inline std::string releaseOf(const ::testing::TestParamInfo<dxf::Version>& info) {
-  return std::string(dxf::releaseName(info.param));
-}
 
 }  // namespace quoin::dwg::testing

@@ -16,11 +16,7 @@ namespace {
 
 using dxf::Version;
 
-constexpr const char* kAbsent = "the shared drawings are absent; set QUOIN_SHARED_DATA";
-
-const os::CodePage& latin() {
-  return os::CodePage::named("ANSI_1252");
-}
+using test::latin;
 
 DrawingFacts factsOf(Version version) {
   DrawingFacts facts;
@@ -134,19 +130,11 @@ TEST(HeaderSection, AMadeSectionIsReadFieldByField) {
   EXPECT_EQ(variables.at("$ACADVER"), "1\nAC1015\n");
 }
 
-std::vector<std::filesystem::path> samples() {
-  return quoin::test::sharedFiles(".dwg");
-}
+using HeaderSamples = test::SampleTest;
 
-TEST(HeaderSection, OfEverySampleComesBackBitForBit) {
-  if (samples().empty()) {
-    GTEST_SKIP() << kAbsent;
-  }
+TEST_F(HeaderSamples, ComeBackBitForBit) {
   for (const auto& path : samples()) {
     const test::SampleSections sample = test::sectionsOf(path);
-    if (sample.header.empty()) {
-      continue;
-    }
     SCOPED_TRACE(path.filename());
     HeaderSection section;
     ASSERT_TRUE(section.read(sample.header, sample.version, latin()));
@@ -160,21 +148,6 @@ TEST(HeaderSection, OfEverySampleComesBackBitForBit) {
 }
 
 // --- twins ----------------------------------------------------------------------------------
-
-/// Samples and the DXF files that were saved in the same minute.
-const std::vector<std::pair<std::string, std::string>>& twins() {
-  static const std::vector<std::pair<std::string, std::string>> names = {
-      {"acadsharp_sample_AC1015.dwg", "acadsharp_sample_AC1015_ascii.dxf"},
-      {"acadsharp_sample_AC1018.dwg", "acadsharp_sample_AC1018_ascii.dxf"},
-      {"acadsharp_sample_AC1021.dwg", "acadsharp_sample_AC1021_ascii.dxf"},
-      {"acadsharp_sample_AC1027.dwg", "acadsharp_sample_AC1027_ascii.dxf"},
-      {"acadsharp_sample_AC1032.dwg", "acadsharp_sample_AC1032_ascii.dxf"},
-      {"acadsharp_dynamic_BLOCKFLIPPARAMETER.dwg", "acadsharp_dynamic_BLOCKFLIPPARAMETER.dxf"},
-      {"acadsharp_dynamic_BLOCKVISIBILITYPARAMETER.dwg",
-       "acadsharp_dynamic_BLOCKVISIBILITYPARAMETER.dxf"},
-  };
-  return names;
-}
 
 /// Variables whose value DWG does not have, or had another one when it was saved.
 bool mayDiffer(const std::string& name, const std::string& file) {
@@ -239,29 +212,21 @@ DrawingFacts factsOf(const test::Twin& twin) {
   return facts;
 }
 
-class HeaderTwins : public ::testing::TestWithParam<std::pair<std::string, std::string>> {
+class HeaderTwins : public test::TwinTest {
  protected:
   void SetUp() override {
-    const auto folder = quoin::test::sharedDataFolder();
-    if (folder.empty()) {
-      GTEST_SKIP() << kAbsent;
+    TwinTest::SetUp();
+    if (!IsSkipped()) {
+      facts = factsOf(twin);
+      ASSERT_TRUE(section.read(sample.header, sample.version, latin()));
     }
-    sample = test::sectionsOf(folder / GetParam().first);
-    if (sample.header.empty()) {
-      GTEST_SKIP() << "a version whose sections are not read yet";
-    }
-    twin = test::twinOf(folder / GetParam().second, sample.version);
-    facts = factsOf(twin);
-    ASSERT_TRUE(section.read(sample.header, sample.version, latin()));
   }
 
-  test::SampleSections sample;
-  test::Twin twin;
   DrawingFacts facts;
   HeaderSection section;
 };
 
-INSTANTIATE_TEST_SUITE_P(Samples, HeaderTwins, ::testing::ValuesIn(twins()));
+INSTANTIATE_TEST_SUITE_P(Samples, HeaderTwins, ::testing::ValuesIn(test::twins()));
 
 TEST_P(HeaderTwins, SayTheSameInTheSameOrder) {
   std::vector<std::string> order;
@@ -377,7 +342,7 @@ TEST_P(HeaderTwins, ADamagedSectionDoesNoHarm) {
 
 // --- samples without a twin of their version --------------------------------------------------
 
-class HeaderCousins : public ::testing::TestWithParam<std::pair<std::string, std::string>> {};
+using HeaderCousins = test::TwinTest;
 
 INSTANTIATE_TEST_SUITE_P(Samples, HeaderCousins,
                          ::testing::Values(std::pair{"acadsharp_sample_AC1014.dwg",
@@ -386,15 +351,6 @@ INSTANTIATE_TEST_SUITE_P(Samples, HeaderCousins,
                                                      "acadsharp_sample_AC1027_ascii.dxf"}));
 
 TEST_P(HeaderCousins, HaveTheSameNumbers) {
-  const auto folder = quoin::test::sharedDataFolder();
-  if (folder.empty()) {
-    GTEST_SKIP() << kAbsent;
-  }
-  const test::SampleSections sample = test::sectionsOf(folder / GetParam().first);
-  if (sample.header.empty()) {
-    GTEST_SKIP() << "a version whose sections are not read yet";
-  }
-  test::Twin twin = test::twinOf(folder / GetParam().second, sample.version);
   HeaderSection section;
   ASSERT_TRUE(section.read(sample.header, sample.version, latin()));
   const DrawingFacts facts = factsOf(sample.version);

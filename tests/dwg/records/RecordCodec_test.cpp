@@ -1,48 +1,20 @@
 // Whole records: tags to bits and back, in every version that is written.
 #include "embedded/dwg/records/RecordCodec.h"
 
-#include <gtest/gtest.h>
-
 #include <random>
 #include <string>
-#include <vector>
 
-#include "embedded/dwg/records/BitWriter.h"
-#include "embedded/dxf/Tag.h"
-#include "embedded/os/CodePage.h"
+#include "dwg/records/RecordTest.h"
 
 namespace quoin::dwg {
 namespace {
 
 using dxf::Version;
+using testing::kEntity;
 
-constexpr std::uint64_t kModelSpace = 0x1F;
-constexpr std::uint64_t kHandle = 0x2AB;
-
-/// A drawing with a few names, for records that name them.
-class RecordCodecTest : public testing::TestWithParam<Version> {
+class RecordCodecTest : public testing::RecordTest {
  protected:
-  RecordCodecTest() {
-    m_facts.format.version = GetParam();
-    m_facts.format.lineEnd = "\n";
-    m_facts.format.groupCodeColumns = 0;
-    m_facts.codePage = &os::CodePage::named("ANSI_936");
-    m_facts.format.codePage = "ANSI_936";
-    m_facts.modelSpace = kModelSpace;
-    m_facts.byLayerLinetype = 0x15;
-    m_facts.byBlockLinetype = 0x14;
-    m_facts.continuousLinetype = 0x16;
-    m_facts.name("LTYPE", 0x15, L"ByLayer");
-    m_facts.name("LTYPE", 0x14, L"ByBlock");
-    m_facts.name("LTYPE", 0x16, L"Continuous");
-    m_facts.name("LTYPE", 0x40, L"DASHED");
-    m_facts.name("LAYER", 0x10, L"0");
-    m_facts.name("LAYER", 0x41, L"墙体");
-    m_facts.name("STYLE", 0x11, L"Standard");
-    m_facts.name("BLOCK_RECORD", 0x50, L"Door");
-    m_facts.name("APPID", 0x12, L"ACAD");
-    m_facts.blocks[kModelSpace];
-  }
+  RecordCodecTest() : RecordTest("ANSI_936") {}
 
   /// "0 LINE\n10 1.5\n" as the tags of an entity in model space with this handle.
   std::string tags(const std::string& text) const {
@@ -86,27 +58,13 @@ class RecordCodecTest : public testing::TestWithParam<Version> {
   RecordBytes encoded(const std::string& kind, const std::string& tags) {
     RecordBytes bytes;
     std::string problem;
-    EXPECT_TRUE(m_codec.makeRecord(kind, kHandle, tags, m_record, problem)) << problem;
-    EXPECT_TRUE(m_codec.encode(kHandle, m_record, bytes));
+    EXPECT_TRUE(m_codec.makeRecord(kind, kEntity, tags, m_record, problem)) << problem;
+    EXPECT_TRUE(m_codec.encode(kEntity, m_record, bytes));
     return bytes;
-  }
-  std::string decoded(const RecordBytes& bytes) {
-    const RecordSource source{kHandle, bytes.data, bytes.handleBits};
-    m_codec.decode(source, m_record);
-    EXPECT_TRUE(m_record.isWhole);
-    EXPECT_TRUE(m_codec.isExact(source, m_record));
-    std::string tags;
-    m_codec.writeTags(m_record, tags);
-    return tags;
   }
   void comesBack(const std::string& kind, const std::string& tags) {
     EXPECT_EQ(decoded(encoded(kind, tags)), tags);
   }
-
-  DrawingFacts m_facts;
-  ClassMap m_classes;
-  RecordCodec m_codec{m_facts, m_classes};
-  DecodedRecord m_record;
 };
 
 TEST_P(RecordCodecTest, ALineComesBack) {
@@ -155,7 +113,7 @@ TEST_P(RecordCodecTest, AnEditChangesOneFieldAndNoOther) {
   decoded(bytes);
   std::string problem;
   ASSERT_TRUE(m_codec.readTags(after, m_record, problem)) << problem;
-  ASSERT_TRUE(m_codec.encode(kHandle, m_record, bytes));
+  ASSERT_TRUE(m_codec.encode(kEntity, m_record, bytes));
   EXPECT_EQ(decoded(bytes), after);
 }
 
@@ -212,13 +170,13 @@ TEST_P(RecordCodecTest, TextsBeyondTheCodePageComeBack) {
 
 TEST_P(RecordCodecTest, ATagWithoutAPlaceIsRefusedByName) {
   std::string problem;
-  EXPECT_FALSE(m_codec.makeRecord("LINE", kHandle,
+  EXPECT_FALSE(m_codec.makeRecord("LINE", kEntity,
                                   entity("LINE",
                                          "100 AcDbLine\n10 1.5\n20 2.25\n30 0.0\n11 1.5\n"
                                          "21 -7.0\n31 0.0\n77 5\n"),
                                   m_record, problem));
   EXPECT_EQ(problem, "group code 77 has no place in a DWG record");
-  EXPECT_FALSE(m_codec.makeRecord("MESH", kHandle, entity("MESH", ""), m_record, problem));
+  EXPECT_FALSE(m_codec.makeRecord("MESH", kEntity, entity("MESH", ""), m_record, problem));
 }
 
 TEST_P(RecordCodecTest, NoBytesBringItDown) {
@@ -233,20 +191,18 @@ TEST_P(RecordCodecTest, NoBytesBringItDown) {
       bytes[random() % bytes.size()] = static_cast<char>(random());
     }
     const std::uint64_t handleBits = random() % (bytes.size() * 8 + 9);
-    m_codec.decode({kHandle, bytes, handleBits}, m_record);
+    m_codec.decode({kEntity, bytes, handleBits}, m_record);
     std::string tags;
     m_codec.writeTags(m_record, tags);
-    m_codec.isExact({kHandle, bytes, handleBits}, m_record);
+    m_codec.isExact({kEntity, bytes, handleBits}, m_record);
   }
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, RecordCodecTest,
-                         testing::Values(Version::R14, Version::R2000, Version::R2004,
-                                         Version::R2007, Version::R2010, Version::R2013,
-                                         Version::R2018),
-                         [](const auto& version) {
-                           return std::string(dxf::releaseName(version.param));
-                         });
+                         ::testing::Values(Version::R14, Version::R2000, Version::R2004,
+                                           Version::R2007, Version::R2010, Version::R2013,
+                                           Version::R2018),
+                         testing::releaseOf);
 
 }  // namespace
 }  // namespace quoin::dwg

@@ -1,8 +1,9 @@
 // The header variables and classes of a published drawing, and what its DXF twin says.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
-#include <cstring>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -10,13 +11,11 @@
 #include <utility>
 #include <vector>
 
+#include "embedded/dwg/container/DwgFile.h"
 #include "embedded/dxf/Format.h"
 #include "embedded/dxf/Tag.h"
+#include "embedded/os/CodePage.h"
 #include "support/SharedData.h"
-
-#if __has_include("embedded/dwg/container/DwgFile.h")
-#include "embedded/dwg/container/DwgFile.h"
-#endif
 
 namespace quoin::dwg::test {
 
@@ -27,45 +26,30 @@ struct SampleSections {
   std::string classes;
 };
 
-inline std::string flatSection(const std::string& file, std::uint8_t number) {
-  constexpr std::size_t kLocator = 0x15;
-  constexpr std::size_t kMark = 16;
-  const auto longAt = [&](std::size_t at) {
-    std::uint32_t value = 0;
-    std::memcpy(&value, file.data() + at, sizeof value);
-    return value;
-  };
-  for (std::size_t i = 0; i < longAt(kLocator); ++i) {
-    const std::size_t row = kLocator + 4 + 9 * i;
-    if (static_cast<std::uint8_t>(file[row]) == number) {
-      const std::size_t begin = longAt(row + 1) + kMark;
-      return file.substr(begin + 4, longAt(begin));
-    }
-  }
-  return {};
+inline SampleSections sectionsOf(const std::filesystem::path& path) {
+  const DwgFile drawing(quoin::test::bytesOf(path), path.filename().string());
+  return {drawing.version(), drawing.codePage(), std::string(drawing.headerVariables()),
+          std::string(drawing.classes())};
 }
 
-/// No sections where the version's container cannot be read.
-inline SampleSections sectionsOf(const std::filesystem::path& path) {
-  SampleSections sections;
-  const std::string file = quoin::test::bytesOf(path);
-  sections.version = dxf::versionFromAcadVer(file.substr(0, 6));
-  if (sections.version <= dxf::Version::R2000) {
-    sections.header = flatSection(file, 0);
-    sections.classes = flatSection(file, 1);
-    return sections;
+inline const os::CodePage& latin() {
+  return os::CodePage::named("ANSI_1252");
+}
+
+/// Drawings and the DXF files that were saved in the same minute.
+using TwinNames = std::pair<std::string, std::string>;
+
+inline std::vector<TwinNames> twins() {
+  std::vector<TwinNames> names;
+  for (const char* version : {"AC1015", "AC1018", "AC1021", "AC1027", "AC1032"}) {
+    const std::string sample = std::string("acadsharp_sample_") + version;
+    names.emplace_back(sample + ".dwg", sample + "_ascii.dxf");
   }
-#if __has_include("embedded/dwg/container/DwgFile.h")
-  try {
-    const DwgFile drawing(file);
-    sections.codePage = drawing.codePage();
-    sections.header = drawing.headerVariables();
-    sections.classes = drawing.classes();
-  } catch (const std::exception&) {
-    // A version that is not read yet.
+  for (const char* what : {"FLIP", "VISIBILITY"}) {
+    const std::string sample = std::string("acadsharp_dynamic_BLOCK") + what + "PARAMETER";
+    names.emplace_back(sample + ".dwg", sample + ".dxf");
   }
-#endif
-  return sections;
+  return names;
 }
 
 struct TwinRecord {
@@ -108,5 +92,32 @@ inline Twin twinOf(const std::filesystem::path& path, dxf::Version version) {
   }
   return twin;
 }
+
+/// Skips itself where the published drawings are absent.
+class SampleTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (quoin::test::sharedFiles(".dwg").empty()) {
+      GTEST_SKIP() << "the shared drawings are absent; set QUOIN_SHARED_DATA";
+    }
+  }
+  static std::vector<std::filesystem::path> samples() { return quoin::test::sharedFiles(".dwg"); }
+};
+
+/// The same, once for each pair of twins.
+class TwinTest : public SampleTest, public ::testing::WithParamInterface<TwinNames> {
+ protected:
+  void SetUp() override {
+    SampleTest::SetUp();
+    if (!IsSkipped()) {
+      const auto folder = quoin::test::sharedDataFolder();
+      sample = sectionsOf(folder / GetParam().first);
+      twin = twinOf(folder / GetParam().second, sample.version);
+    }
+  }
+
+  SampleSections sample;
+  Twin twin;
+};
 
 }  // namespace quoin::dwg::test
