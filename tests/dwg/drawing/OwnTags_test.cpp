@@ -20,7 +20,7 @@ void forEachExact(
   DecodedRecord record;
   std::string tags;
   for (const RecordView& view : drawing.file().records()) {
-    if (drawing.decode(view.handle, record) && drawing.isExact(view.handle)) {
+    if (drawing.decodeExact(view.handle, record) && record.isWhole) {
       tags.clear();
       drawing.codec().writeTags(record, tags);
       work(view, record, tags);

@@ -143,7 +143,7 @@ TEST_P(RecordCodecTest, WidthsOfSomeVerticesAreWidthsOfAll) {
   std::string problem;
   ASSERT_TRUE(m_codec.readTags(some, m_record, problem)) << problem;
   RecordBytes bytes;
-  ASSERT_TRUE(m_codec.encode(kHandle, m_record, bytes));
+  ASSERT_TRUE(m_codec.encode(kEntity, m_record, bytes));
   EXPECT_EQ(decoded(bytes), all);
 }
 
