@@ -26,7 +26,8 @@ class ConvertCommand : public DrawingCommand {
     command->footer(
         "The file is ASCII DXF. Records that this program does not read (bodies of solids, "
         "objects\n"
-        "of other programs) are left out, and named; the DWG file is not touched.\n\n"
+        "of other programs) are left out, and named, as are those of which DXF gets a part (cells "
+        "of\ntables); the DWG file is not touched.\n\n"
         "Example:\n  quoin convert plan.dwg -o plan.dxf");
     return command;
   }
@@ -34,19 +35,24 @@ class ConvertCommand : public DrawingCommand {
   std::string name() const override { return "convert"; }
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     const std::vector<dxf::UnreadKind> unread = unreadKinds(drawing.database());
-    if (!unread.empty() && !m_isLeavingBehind) {
+    const std::vector<dxf::UnreadKind> partly = partlyReadKinds(drawing.database());
+    if (!(unread.empty() && partly.empty()) && !m_isLeavingBehind) {
       throw CommandError(
           ExitCode::EntityFailed,
-          fmt::format(
-              "{}: DXF would lose what this program does not read: {}; nothing was written. "
-              "--leave-behind writes the rest",
-              drawing.file().string(), unreadText(unread)));
+          fmt::format("{}: DXF would lose what this program does not read: {}{}; nothing was "
+                      "written. --leave-behind writes the rest",
+                      drawing.file().string(), unreadText(unread),
+                      partly.empty() ? "" : "; and a part of " + unreadText(partly)));
     }
     write(drawing, job);
     if (!unread.empty()) {
       report.line("left out, not read: {}", unreadText(unread));
     }
+    if (!partly.empty()) {
+      report.line("carried over in part: {}", unreadText(partly));
+    }
     report.json["leftOut"] = unreadJson(unread);
+    report.json["carriedInPart"] = unreadJson(partly);
   }
 
  private:

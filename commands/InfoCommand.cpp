@@ -118,6 +118,9 @@ class InfoCommand : public DrawingCommand {
     if (const auto unread = unreadKinds(drawing.database()); !unread.empty()) {
       report.line("  closed, kept and neither shown nor edited: {}", unreadText(unread));
     }
+    if (const auto partly = partlyReadKinds(drawing.database()); !partly.empty()) {
+      report.line("  read in part, kept as a whole: {}", unreadText(partly));
+    }
   }
 
   static bool isDxf(const hostx::FileInfo& file) { return file.format == L"DXF"; }
@@ -128,6 +131,7 @@ class InfoCommand : public DrawingCommand {
                    {"savedBy", savedBy(drawing.database())},
                    {"readOnly", whyReadOnly(drawing.database())},
                    {"closed", unreadJson(unreadKinds(drawing.database()))},
+                   {"readInPart", unreadJson(partlyReadKinds(drawing.database()))},
                    {"acadVersion", os::toUtf8(file.acadVersion)},
                    {"codePage", os::toUtf8(file.codePage)},
                    {"bytes", file.fileBytes},

@@ -11,7 +11,8 @@
 
 namespace quoin::dxf {
 
-/// Records of a kind that nobody here reads: they are kept, and can be neither shown nor edited.
+/// How many records of a kind are not read, or in part: those that are not are kept, and can be
+/// neither shown nor edited.
 struct UnreadKind {
   std::string name;  // "MESH"
   std::size_t count = 0;
@@ -34,6 +35,8 @@ class HOST_API DrawingSource {
   virtual bool canEdit(std::uint64_t handle) const = 0;
   /// What is kept unread, by kind.
   virtual std::vector<UnreadKind> unread() const = 0;
+  /// Kinds whose tags say less than their records, which keep the rest through an edit.
+  virtual std::vector<UnreadKind> partlyRead() const = 0;
 };
 
 }  // namespace quoin::dxf

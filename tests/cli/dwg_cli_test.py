@@ -367,6 +367,14 @@ class DwgCommandsTest(DwgCase):
 
 
 class DwgConvertTest(DwgCase):
+    def test_what_is_carried_over_in_part_is_named(self):
+        plan = self.sample("AC1032")
+        partly = self.report("info", plan)["readInPart"]
+        self.assertEqual(sorted(partly), ["ACAD_TABLE", "MULTILEADER", "SHAPE"])
+        report = self.report("convert", plan, "-o", self.path("o.dxf"), "--leave-behind")
+        self.assertEqual(report["carriedInPart"], partly)
+        self.assertIn("a part of", self.fails(6, "convert", plan, "-o", self.path("p.dxf")))
+
     def test_what_is_not_read_keeps_it_from_being_written(self):
         message = self.fails(6, "convert", self.sample("AC1032"), "-o", self.path("o.dxf"))
         self.assertIn("3DSOLID", message)

@@ -34,6 +34,11 @@ std::vector<dxf::UnreadKind> unreadKinds(const AcDbDatabase& database) {
   return source == nullptr ? std::vector<dxf::UnreadKind>() : source->unread();
 }
 
+std::vector<dxf::UnreadKind> partlyReadKinds(const AcDbDatabase& database) {
+  const dxf::DrawingSource* const source = db::Access::of(database).store.source();
+  return source == nullptr ? std::vector<dxf::UnreadKind>() : source->partlyRead();
+}
+
 std::string savedBy(const AcDbDatabase& database) {
   const dxf::DrawingSource* const source = db::Access::of(database).store.source();
   return source == nullptr ? std::string() : source->savedBy();

@@ -25,6 +25,8 @@ HOST_API Acad::ErrorStatus writeDxfCopy(const AcDbDatabase& database,
 /// Kinds of records that the drawing's file has and this program does not read: they are kept and
 /// can be neither shown nor edited. Empty for DXF files.
 HOST_API std::vector<dxf::UnreadKind> unreadKinds(const AcDbDatabase& database);
+/// Kinds of records of which a DXF copy says less than the drawing's file. Empty for DXF files.
+HOST_API std::vector<dxf::UnreadKind> partlyReadKinds(const AcDbDatabase& database);
 /// The application that saved the drawing's file, and why the file must not be written; "" for
 /// neither.
 HOST_API std::string savedBy(const AcDbDatabase& database);

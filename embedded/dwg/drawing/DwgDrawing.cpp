@@ -279,6 +279,7 @@ std::string DwgDrawing::tags(const dxf::Progress& progress) {
   m_progress = &progress;
   m_steps = 0;
   m_unread.clear();
+  m_partlyRead.clear();
   m_written.assign(m_file.records().size(), false);
   const dxf::Format& format = m_facts.format;
   std::string bytes = "AutoCAD Binary DXF\r\n\x1A";
@@ -332,13 +333,14 @@ void DwgDrawing::step() {
 }
 
 void DwgDrawing::countUnread(const DecodedRecord& record) {
-  if (record.kind != nullptr && record.isWhole) {
+  if (record.isWhole && !record.kind->isPartial) {
     return;
   }
-  const auto found =
-      std::find_if(m_unread.begin(), m_unread.end(),
-                   [&](const dxf::UnreadKind& kind) { return kind.name == record.name; });
-  dxf::UnreadKind& kind = found == m_unread.end() ? m_unread.emplace_back() : *found;
+  std::vector<dxf::UnreadKind>& kinds = record.isWhole ? m_partlyRead : m_unread;
+  const auto found = std::find_if(kinds.begin(), kinds.end(), [&](const dxf::UnreadKind& kind) {
+    return kind.name == record.name;
+  });
+  dxf::UnreadKind& kind = found == kinds.end() ? kinds.emplace_back() : *found;
   kind.name = record.name;
   kind.isEntity = record.isEntity;
   ++kind.count;

@@ -36,6 +36,8 @@ class HOST_API DwgDrawing {
   std::string tags(const dxf::Progress& progress);
   /// Kinds that tags() has left unread behind what all records share, by name.
   const std::vector<dxf::UnreadKind>& unread() const { return m_unread; }
+  /// Kinds of which tags() says less than the records do.
+  const std::vector<dxf::UnreadKind>& partlyRead() const { return m_partlyRead; }
   /// What tags() found odd.
   const std::vector<std::string>& problems() const { return m_problems; }
 
@@ -86,6 +88,7 @@ class HOST_API DwgDrawing {
   enum class Editable : std::uint8_t { Unknown, No, Yes };
   mutable std::vector<Editable> m_editable;  // by the index of the record; what canEdit() found
   std::vector<dxf::UnreadKind> m_unread;
+  std::vector<dxf::UnreadKind> m_partlyRead;
   std::vector<std::string> m_problems;
   const dxf::Progress* m_progress = nullptr;
   std::size_t m_steps = 0;

@@ -22,6 +22,7 @@ class DwgSource : public dxf::DrawingSource {
   bool isRead(std::uint64_t handle) const override { return m_drawing->isRead(handle); }
   bool canEdit(std::uint64_t handle) const override { return m_drawing->canEdit(handle); }
   std::vector<dxf::UnreadKind> unread() const override { return m_drawing->unread(); }
+  std::vector<dxf::UnreadKind> partlyRead() const override { return m_drawing->partlyRead(); }
 
   DwgDrawing& drawing() { return *m_drawing; }
   const DwgDrawing& drawing() const { return *m_drawing; }

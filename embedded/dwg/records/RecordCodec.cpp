@@ -299,6 +299,10 @@ bool RecordCodec::makeRecord(std::string_view name, std::uint64_t handle, std::s
     problem = "this program cannot make one in a DWG drawing";
     return false;
   }
+  if (record.kind->isPartial) {
+    problem = "this program does not know all that a new one needs";
+    return false;
+  }
   record.type = record.kind->type;
   record.isEntity = record.kind->family == Family::Entity;
   if (record.type == 0) {

@@ -30,24 +30,42 @@ std::string familyOf(const Kind& kind) {
   }
 }
 
-/// One line a name: what it is, and the object types that have the name.
+/// Whether new records of the kind are made: RecordCodec and DwgChanges refuse those that are not.
+std::string madeOf(const Kind& kind) {
+  const std::string_view name = kind.name;
+  if (kind.isPartial || kind.family == Family::Table || name == "BLOCK_RECORD" || name == "BLOCK" ||
+      name == "ENDBLK") {
+    return "no";
+  }
+  return kind.type == 0 ? "where the drawing has the class" : "yes";
+}
+
+struct Row {
+  const Kind* kind = nullptr;
+  std::set<std::uint16_t> types;
+};
+
+/// One line a name: what it is, the object types that have the name, and what can be done.
 std::string table() {
-  std::map<std::string, std::pair<std::string, std::set<std::uint16_t>>> rows;
+  std::map<std::string, Row> rows;
   for (const Kind* kind : allKinds()) {
-    auto& [family, types] = rows[kind->name];
-    family = familyOf(*kind);
-    types.insert(kind->type);
+    Row& row = rows[kind->name];
+    row.kind = kind;
+    row.types.insert(kind->type);
   }
   std::ostringstream text;
-  text << "| kind | what it is | object types |\n|---|---|---|\n";
+  text << "| kind | what it is | object types | read | changed | made |\n"
+          "|---|---|---|---|---|---|\n";
   for (const auto& [name, row] : rows) {
-    text << "| " << name << " | " << row.first << " | ";
+    text << "| " << name << " | " << familyOf(*row.kind) << " | ";
     const char* comma = "";
-    for (const std::uint16_t type : row.second) {
+    for (const std::uint16_t type : row.types) {
       text << comma << (type == 0 ? "a class" : std::to_string(type));
       comma = ", ";
     }
-    text << " |\n";
+    text << " | " << (row.kind->isPartial ? "in part" : "yes") << " | "
+         << (row.kind->family == Family::Table ? "its list" : "yes") << " | " << madeOf(*row.kind)
+         << " |\n";
   }
   return text.str();
 }
