@@ -81,7 +81,8 @@ class DwgTest(DwgCase):
                 out, again = self.path(f"{version}.dwg"), self.path(f"{version}-2.dwg")
                 self.run_ok("draw", self.sample(version), "--from", "1e9,0.1", "--to",
                             "1000000000.125,-1e-300", "--layer", "\u5899\u4f53", "-o", out)
-                self.run_ok("paint", out, "--layer", "\u5899*", "--rgb", "1,2,3", "-o", again)
+                self.run_ok("draw", out, "--from", "0,-2000", "--to", "9,-2000", "--layer",
+                            "\u5899\u4f53", "--same-layer", "-o", again)
                 layers = [row["name"] for row in self.report("info", again)["layers"]]
                 self.assertIn("\u5899\u4f53", layers)
                 line = self.copy_of(again).modelspace().query("LINE[layer=='\u5899\u4f53']").first
