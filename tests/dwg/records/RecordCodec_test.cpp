@@ -213,8 +213,7 @@ TEST_P(RecordCodecTest, TextsBeyondTheCodePageComeBack) {
 TEST_P(RecordCodecTest, ANameWithAnEscapeIsFoundByWhatItStandsFor) {
   m_facts.name("LAYER", 0x60, L"\\U+00FE");
   EXPECT_EQ(m_facts.handleOf("LAYER", L"\u00FE"), 0x60U);
-  comesBack("POINT",
-            entity("POINT", "100 AcDbPoint\n10 1.0\n20 2.0\n30 3.0\n", "8 \\U+00FE\n"));
+  comesBack("POINT", entity("POINT", "100 AcDbPoint\n10 1.0\n20 2.0\n30 3.0\n", "8 \\U+00FE\n"));
 }
 
 TEST_P(RecordCodecTest, ATagWithoutAPlaceIsRefusedByName) {
