@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -78,6 +80,31 @@ bool saysAll(const std::string& tags, const std::string& wanted, const dxf::Form
   const std::vector<std::string> all = sorted(tags);
   const std::vector<std::string> some = sorted(wanted);
   return std::includes(all.begin(), all.end(), some.begin(), some.end());
+}
+
+/// A group code of which both have as many tags, but other ones; of others one may have left out
+/// what is so by default.
+std::optional<int> contradiction(const std::string& one, const std::string& other,
+                                 const dxf::Format& format) {
+  const auto byCode = [&](const std::string& bytes) {
+    std::map<int, std::vector<std::string_view>> spelled;
+    dxf::TagCursor cursor(bytes, format);
+    for (dxf::TagView tag; cursor.next(tag);) {
+      spelled[tag.code].push_back(std::string_view(bytes).substr(tag.begin, tag.end - tag.begin));
+    }
+    for (auto& [code, tags] : spelled) {
+      std::sort(tags.begin(), tags.end());
+    }
+    return spelled;
+  };
+  const auto wanted = byCode(other);
+  for (const auto& [code, tags] : byCode(one)) {
+    const auto found = wanted.find(code);
+    if (found != wanted.end() && found->second.size() == tags.size() && found->second != tags) {
+      return code;
+    }
+  }
+  return std::nullopt;
 }
 
 /// What an entity is in a block: all but BLOCK and ENDBLK.
@@ -173,8 +200,14 @@ void DwgChanges::takeChanged(const AcDbStub& stub) {
   }
   DecodedRecord& record = edited(stub.handle, what);
   std::string problem;
-  if (!m_codec.readTags(stub.bytes(), record, problem)) {
+  const std::string tags(stub.bytes());
+  if (!m_codec.readTags(tags, record, problem)) {
     refuse(what, problem);
+  }
+  std::string taken;
+  m_codec.writeTags(record, taken);
+  if (const std::optional<int> code = contradiction(taken, tags, m_store->format())) {
+    refuse(what, "group code " + std::to_string(*code) + " would not become what it was set to");
   }
 }
 
