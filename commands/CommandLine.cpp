@@ -18,7 +18,7 @@ namespace quoin::commands {
 namespace {
 
 constexpr const char* kDescription =
-    "quoin works on the walls of architectural plan drawings (DXF, R12 to R2018).\n"
+    "quoin works on the walls of architectural plan drawings (DXF and DWG).\n"
     "Try: quoin break plan.dxf -o broken.dxf --picture broken.png\n"
     "     quoin COMMAND --help   for the options of one command";
 

@@ -1,6 +1,8 @@
 #include "embedded/dwg/drawing/DwgChanges.h"
 
 #include <algorithm>
+#include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -13,7 +15,6 @@ namespace quoin::dwg {
 namespace {
 
 using dxf::Role;
-using dxf::Version;
 
 /// Puts one handle in the place of another under a key of which there is one.
 void setHandle(RecordValues& values, int key, std::uint64_t handle) {
@@ -53,6 +54,34 @@ bool saysAll(const std::string& tags, const std::string& wanted, const dxf::Form
   const std::vector<std::string> all = sorted(tags);
   const std::vector<std::string> some = sorted(wanted);
   return std::includes(all.begin(), all.end(), some.begin(), some.end());
+}
+
+/// A group code of which both have as many tags, but other ones; of others one may have left out
+/// what is so by default.
+std::optional<int> contradiction(const std::string& one, const std::string& other,
+                                 const dxf::Format& format) {
+  if (one == other) {
+    return std::nullopt;
+  }
+  const auto byCode = [&](const std::string& bytes) {
+    std::map<int, std::vector<std::string_view>> spelled;
+    dxf::TagCursor cursor(bytes, format);
+    for (dxf::TagView tag; cursor.next(tag);) {
+      spelled[tag.code].push_back(std::string_view(bytes).substr(tag.begin, tag.end - tag.begin));
+    }
+    for (auto& [code, tags] : spelled) {
+      std::sort(tags.begin(), tags.end());
+    }
+    return spelled;
+  };
+  const auto wanted = byCode(other);
+  for (const auto& [code, tags] : byCode(one)) {
+    const auto found = wanted.find(code);
+    if (found != wanted.end() && found->second.size() == tags.size() && found->second != tags) {
+      return code;
+    }
+  }
+  return std::nullopt;
 }
 
 /// What an entity is in a block: all but BLOCK and ENDBLK.
@@ -262,16 +291,28 @@ void DwgChanges::makeNew(const AcDbStub& stub, DecodedRecord& record) const {
   }
 }
 
+void DwgChanges::putTags(const AcDbStub& stub, DecodedRecord& record) const {
+  std::string problem;
+  if (!m_codec.readTags(stub.bytes(), record, problem)) {
+    refuse(m_store->describe(stub), problem);
+  }
+  std::string taken;
+  m_codec.writeTags(record, taken);
+  const std::string tags(stub.bytes());
+  if (const std::optional<int> code = contradiction(taken, tags, m_store->format())) {
+    refuse(m_store->describe(stub),
+           "group code " + std::to_string(*code) + " would not become what it was set to");
+  }
+}
+
 DecodedRecord DwgChanges::recordOf(const AcDbStub& stub) const {
   DecodedRecord record;
-  std::string problem;
   if (stub.isNew) {
     makeNew(stub, record);
   } else {
     decodeForEdit(stub, record);
-    if (stub.changed && stub.role != Role::Table &&
-        !m_codec.readTags(stub.bytes(), record, problem)) {
-      refuse(m_store->describe(stub), problem);
+    if (stub.changed && stub.role != Role::Table) {
+      putTags(stub, record);
     }
   }
   if (const auto owned = m_owned.find(stub.handle); owned != m_owned.end()) {

@@ -52,6 +52,8 @@ class DwgChanges {
   DecodedRecord recordOf(const AcDbStub& stub) const;
   void decodeForEdit(const AcDbStub& stub, DecodedRecord& record) const;
   void makeNew(const AcDbStub& stub, DecodedRecord& record) const;
+  /// The tags of a changed record in the place of its fields.
+  void putTags(const AcDbStub& stub, DecodedRecord& record) const;
   void putOwned(const OwnedChange& owned, const DecodedRecord& whose, RecordValues& values) const;
   void encode(const AcDbStub& stub, const DecodedRecord& record, FileChanges& changes) const;
   void takeMeasurement(FileChanges& changes) const;

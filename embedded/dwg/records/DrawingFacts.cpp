@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "embedded/dxf/Tag.h"
 #include "embedded/os/CaseFold.h"
 
 namespace quoin::dwg {
@@ -14,10 +15,20 @@ std::wstring keyOf(std::string_view table, std::wstring_view name) {
   return key;
 }
 
+/// The name as it is read from a tag: with the characters that \U+XXXX stands for.
+std::wstring readName(const std::wstring& name, const dxf::Format& format) {
+  constexpr int kNameCode = 2;
+  std::string bytes;
+  dxf::putText(bytes, kNameCode, name, format);
+  dxf::TagCursor cursor(bytes, format);
+  dxf::TagView tag;
+  return cursor.next(tag) ? dxf::textOf(tag, format) : name;
+}
+
 }  // namespace
 
 void DrawingFacts::name(std::string_view table, std::uint64_t handle, std::wstring name) {
-  m_handles.try_emplace(keyOf(table, name), handle);
+  m_handles.try_emplace(keyOf(table, readName(name, format)), handle);
   m_names[handle] = std::move(name);
 }
 

@@ -44,12 +44,13 @@ std::optional<std::int64_t> indexOfLineWeight(std::int64_t weight) {
                                      : std::optional<std::int64_t>(found - kLineWeights.begin());
 }
 
+// Rounded once in the factor, as other programs do, so that their files have the very same degrees.
 double toDegrees(double radians) {
-  return radians * 180.0 / std::numbers::pi;
+  return radians * (180.0 / std::numbers::pi);
 }
 
 double toRadians(double degrees) {
-  return degrees * std::numbers::pi / 180.0;
+  return degrees * (std::numbers::pi / 180.0);
 }
 
 // --- the words of a layout ------------------------------------------------------------------

@@ -1,17 +1,26 @@
 // Changes a DWG file for the check with an independent reader: moves one LINE of model space by the
-// last bits of its coordinate, and adds a copy of its record with a handle of its own.
-// Usage: change_dwg IN OUT; prints both handles.
+// last bits of its coordinate, and adds a copy of its record with a handle of its own. With a text,
+// gives that to the first TEXT and the first MTEXT instead.
+// Usage: change_dwg IN OUT [TEXT]; prints both handles.
 #include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
 
+#include "dbents.h"
+#include "dbmtext.h"
+#include "dbobjptr.h"
+#include "dbsymtb.h"
+#include "dbsymutl.h"
 #include "embedded/dwg/container/DwgFile.h"
 #include "embedded/dxf/FileError.h"
+#include "embedded/os/Utf8.h"
+#include "hostextra.h"
 
 namespace {
 
@@ -173,15 +182,52 @@ void change(const std::string& from, const std::string& to) {
   throw std::runtime_error("there is no LINE in model space");
 }
 
+/// The first entity of this kind in model space.
+AcDbObjectId firstOf(AcDbDatabase& drawing, const std::wstring& kind) {
+  AcDbObjectId space;
+  acdbSymUtil()->getBlockId(space, ACDB_MODEL_SPACE, &drawing);
+  const AcDbObjectPointer<AcDbBlockTableRecord> block(space, AcDb::kForRead);
+  AcDbBlockTableRecordIterator* made = nullptr;
+  block->newIterator(made);
+  const std::unique_ptr<AcDbBlockTableRecordIterator> walk(made);
+  AcDbObjectId id;
+  for (; !walk->done(); walk->step()) {
+    if (walk->getEntityId(id) == Acad::eOk && hostx::kindName(id) == kind) {
+      return id;
+    }
+  }
+  throw std::runtime_error("there is no such text in model space");
+}
+
+void changeTexts(const std::string& from, const std::string& to, const std::wstring& text) {
+  AcDbDatabase drawing(false, true);
+  if (drawing.readDwgFile(quoin::os::fromUtf8(from).c_str()) != Acad::eOk) {
+    throw std::runtime_error("it cannot be read");
+  }
+  const AcDbObjectId single = firstOf(drawing, L"TEXT");
+  const AcDbObjectId several = firstOf(drawing, L"MTEXT");
+  AcDbObjectPointer<AcDbText>(single, AcDb::kForWrite)->setTextString(text.c_str());
+  AcDbObjectPointer<AcDbMText>(several, AcDb::kForWrite)->setContents(text.c_str());
+  if (drawing.saveAs(quoin::os::fromUtf8(to).c_str()) != Acad::eOk) {
+    throw std::runtime_error("it cannot be written");
+  }
+  std::printf("%llX %llX\n", static_cast<unsigned long long>(single.handle()),
+              static_cast<unsigned long long>(several.handle()));
+}
+
 }  // namespace
 
 int main(int count, char** words) {
-  if (count != 3) {
-    std::fputs("usage: change_dwg IN OUT\n", stderr);
+  if (count != 3 && count != 4) {
+    std::fputs("usage: change_dwg IN OUT [TEXT]\n", stderr);
     return 2;
   }
   try {
-    change(words[1], words[2]);
+    if (count == 4) {
+      changeTexts(words[1], words[2], quoin::os::fromUtf8(words[3]));
+    } else {
+      change(words[1], words[2]);
+    }
     return 0;
   } catch (const quoin::dxf::FileError& error) {
     std::fprintf(stderr, "change_dwg: %s\n", error.message().c_str());

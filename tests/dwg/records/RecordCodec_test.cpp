@@ -168,6 +168,12 @@ TEST_P(RecordCodecTest, TextsBeyondTheCodePageComeBack) {
   comesBack("XRECORD", tags("0 XRECORD\n5 2AB\n330 1F\n100 AcDbXrecord\n280 1\n1 " + rare + "\n"));
 }
 
+TEST_P(RecordCodecTest, ANameWithAnEscapeIsFoundByWhatItStandsFor) {
+  m_facts.name("LAYER", 0x60, L"\\U+00FE");
+  EXPECT_EQ(m_facts.handleOf("LAYER", L"\u00FE"), 0x60U);
+  comesBack("POINT", entity("POINT", "100 AcDbPoint\n10 1.0\n20 2.0\n30 3.0\n", "8 \\U+00FE\n"));
+}
+
 TEST_P(RecordCodecTest, ATagWithoutAPlaceIsRefusedByName) {
   std::string problem;
   EXPECT_FALSE(m_codec.makeRecord("LINE", kEntity,
