@@ -140,6 +140,8 @@ LayoutItem itemOf(std::string_view word) {
         break;
       case '&':
         item.conditionKey = numberAt(word, at);
+        item.isTolerated = at < word.size() && word[at] == '!';
+        at += item.isTolerated ? 1 : 0;
         break;
       case '?':
         readMissing(word.substr(at), item);
@@ -531,7 +533,7 @@ class FieldReader {
     }
     if (former != nullptr && spelling(item, item.code, *former) == given) {
       m_values->addFrom(*m_original, *former);
-    } else {
+    } else if (former != nullptr || !pieces.empty()) {
       m_values->addText(item.key, text);
     }
   }
@@ -692,7 +694,9 @@ bool DxfLayout::read(const std::vector<dxf::TagView>& tags, const RecordValues& 
           break;
         }
         const bool isTooNew = facts.format.version < item.since;
-        if (isTooNew || (item.conditionKey != 0 && !reader.hasOtherThanZero(item.conditionKey))) {
+        const bool isMeant = item.conditionKey == 0 || reader.hasOtherThanZero(item.conditionKey) ||
+                             (item.isTolerated && walk.has(item.code));
+        if (isTooNew || !isMeant) {
           reader.keep(item);
           break;
         }

@@ -103,6 +103,22 @@ void codeLightPolyline(RecordCoder& coder, const DrawingFacts&) {
   }
 }
 
+/// Widths of the vertices are there for all of them or for none.
+void settleWidths(RecordValues& values) {
+  constexpr int kWidths[] = {40, 41};
+  const Value* const flags = values.first(kHiddenFlags);
+  if (flags != nullptr && (flags->integer & kHasWidths) != 0) {
+    return;
+  }
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if ((values[i].key == kWidths[0] || values[i].key == kWidths[1]) && values[i].number != 0.0) {
+      return;
+    }
+  }
+  values.removeAll(kWidths[0]);
+  values.removeAll(kWidths[1]);
+}
+
 // --- with vertices of their own -------------------------------------------------------------
 
 std::size_t ownedCount(RecordCoder& coder) {
@@ -222,7 +238,8 @@ void codeFace(RecordCoder& coder, const DrawingFacts&) {
 
 constexpr Kind kKinds[] = {
     {77, "LWPOLYLINE", Family::Entity, codeLightPolyline,
-     "@AcDbPolyline 90 70 43 38?0 39?0 ( 10q 40?!0 41?!0 42?0 91?0 ) 210p?0,0,1"},
+     "@AcDbPolyline 90 70 43 38?0 39?0 ( 10q 40?!0 41?!0 42?0 91?0 ) 210p?0,0,1", false,
+     settleWidths},
     {15, "POLYLINE", Family::Entity, codePolyline2d,
      "@AcDb2dPolyline 66=1 10p 39?0 70?0 40?0 41?0 75?0 210p?0,0,1"},
     {16, "POLYLINE", Family::Entity, codePolyline3d, "@AcDb3dPolyline 66=1 10p 70?0 75?0"},

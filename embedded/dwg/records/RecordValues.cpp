@@ -65,6 +65,10 @@ void RecordValues::remove(std::size_t index) {
   m_values.erase(m_values.begin() + static_cast<std::ptrdiff_t>(index));
 }
 
+void RecordValues::removeAll(int key) {
+  std::erase_if(m_values, [key](const Value& value) { return value.key == key; });
+}
+
 void RecordValues::rename(int key, int newKey) {
   for (Value& value : m_values) {
     if (value.key == key) {

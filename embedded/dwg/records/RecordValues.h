@@ -53,6 +53,8 @@ class HOST_API RecordValues {
   const std::wstring& textOf(const Value& value) const { return m_texts[value.text]; }
   const std::string& bytesOf(const Value& value) const { return m_bytes[value.text]; }
   void remove(std::size_t index);
+  /// All fields with this key.
+  void removeAll(int key);
   /// Gives the fields with one key another.
   void rename(int key, int newKey);
   /// How many fields have this key.
