@@ -9,6 +9,7 @@
 #include <string>
 
 #include "dbents.h"
+#include "dbmtext.h"
 #include "dbpl.h"
 #include "dbsymtb.h"
 #include "embedded/dwg/container/DwgFile.h"
@@ -142,6 +143,40 @@ TEST_P(WrittenDrawingTest, AMovedLineIsThereAndNothingElseChanged) {
   ASSERT_EQ(again.status, Acad::eOk);
   EXPECT_EQ(inModelSpace(again), kAllOfModelSpace);
   expectLine(again, kSecondLine, {0, 0, 0}, {4000.25, 1.0 / 3.0, 7});
+}
+
+TEST_P(WrittenDrawingTest, AVertexOfAPolylineMovesAndATextTurns) {
+  {
+    const auto outline = opened<AcDbPolyline>(m_drawing, kOutline, AcDb::kForWrite);
+    ASSERT_EQ(outline.openStatus(), Acad::eOk);
+    EXPECT_EQ(outline->setPointAt(2, {5000.0, 4100.25}), Acad::eOk);
+    const auto text = opened<AcDbMText>(m_drawing, kMText, AcDb::kForWrite);
+    ASSERT_EQ(text.openStatus(), Acad::eOk);
+    EXPECT_EQ(text->transformBy(AcGeMatrix3d::rotation(1.5, AcGeVector3d::kZAxis)), Acad::eOk);
+  }
+  const Drawing again = reopened({kOutline, kMText});
+  ASSERT_EQ(again.status, Acad::eOk);
+  const auto outline = opened<AcDbPolyline>(again, kOutline);
+  ASSERT_EQ(outline.openStatus(), Acad::eOk);
+  AcGePoint2d vertex;
+  outline->getPointAt(2, vertex);
+  EXPECT_TRUE(vertex == AcGePoint2d(5000.0, 4100.25));
+  const auto text = opened<AcDbMText>(again, kMText);
+  ASSERT_EQ(text.openStatus(), Acad::eOk);
+  EXPECT_NEAR(text->rotation(), 1.5, 1e-12);
+}
+
+TEST_P(WrittenDrawingTest, AnAttributeGetsAnotherText) {
+  {
+    const auto number = opened<AcDbAttribute>(m_drawing, kDoorNumber, AcDb::kForWrite);
+    ASSERT_EQ(number.openStatus(), Acad::eOk);
+    EXPECT_EQ(number->setTextString(L"D8"), Acad::eOk);
+  }
+  const Drawing again = reopened({kDoorNumber});
+  ASSERT_EQ(again.status, Acad::eOk);
+  const auto number = opened<AcDbAttribute>(again, kDoorNumber);
+  ASSERT_EQ(number.openStatus(), Acad::eOk);
+  EXPECT_EQ(taken(number->textString()), L"D8");
 }
 
 TEST_P(WrittenDrawingTest, AnAppendedLineIsTheLastOfItsBlock) {

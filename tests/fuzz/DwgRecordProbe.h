@@ -119,7 +119,7 @@ inline bool areSame(const dwg::RecordValues& values, const dwg::RecordValues& ot
 
 /// A record that is given its own tags again, as an edit of something else does.
 inline void editRecord(const dwg::RecordCodec& codec, const dwg::DecodedRecord& record,
-                       const std::string& tags) {
+                       const std::string& tags, dxf::Version version) {
   dwg::DecodedRecord edited = record;
   std::string problem;
   if (!codec.readTags(tags, edited, problem)) {
@@ -130,6 +130,12 @@ inline void editRecord(const dwg::RecordCodec& codec, const dwg::DecodedRecord& 
   if (codec.encode(kRecordHandle, edited, bytes)) {
     dwg::DecodedRecord again;
     codec.decode({kRecordHandle, bytes.data, bytes.handleBits}, again);
+    std::string meant;
+    std::string written;
+    codec.writeTags(edited, meant);
+    codec.writeTags(again, written);
+    // The tags of R13 do not say who owns what; it is read alone.
+    require(version < dxf::Version::R14 || meant == written, "what is written is what was meant");
   }
 }
 
@@ -164,7 +170,7 @@ inline ProbeResult probeDwgRecord(std::string_view input) {
   if (codec.isExact(given.source(), record)) {
     probe::require(probe::areSame(record.values, again.values),
                    "the same bits are the same values");
-    probe::editRecord(codec, record, tags);
+    probe::editRecord(codec, record, tags, given.version);
   } else {
     probe::require(codec.isExact(written, again), "what is written may be edited");
   }

@@ -142,6 +142,8 @@ LayoutItem itemOf(std::string_view word) {
         break;
       case '&':
         item.conditionKey = numberAt(word, at);
+        item.isTolerated = at < word.size() && word[at] == '!';
+        at += item.isTolerated ? 1 : 0;
         break;
       case '?':
         readMissing(word.substr(at), item);
@@ -710,7 +712,9 @@ bool DxfLayout::read(const std::vector<dxf::TagView>& tags, const RecordValues& 
           break;
         }
         const bool isTooNew = facts.format.version < item.since;
-        if (isTooNew || (item.conditionKey != 0 && !reader.hasOtherThanZero(item.conditionKey))) {
+        const bool isMeant = item.conditionKey == 0 || reader.hasOtherThanZero(item.conditionKey) ||
+                             (item.isTolerated && walk.has(item.code));
+        if (isTooNew || !isMeant) {
           reader.keep(item);
           break;
         }

@@ -18,6 +18,7 @@
 //   280+2010       since that release (2000 or 2010): before, the code has its second meaning alone
 //   ~              from here on the tags of the embedded object (group 101)
 //   75&74          only where the last field 74 is not 0
+//   70&69!         the same, but it may be there all the same in what is read
 //   40?!0          written always, but may be missing in what is read
 //   ( 10q 42?0 )   these again and again, as long as there is another of the first
 //   [ 92 10q 40 ]  these in the order in which the record has them, from the first of them on
@@ -60,6 +61,7 @@ struct LayoutItem {
   bool isAlwaysWritten = false;
   int conditionKey = 0;      // 0: none
   bool isCondition = false;  // of another item
+  bool isTolerated = false;  // in spite of its condition
   dxf::Version since = dxf::Version::Unknown;
   std::string text;               // Marker: its name; a table's name; Constant: its value
   std::wstring missingName;       // what is left out, of names and texts

@@ -26,6 +26,8 @@ struct Kind {
   const char* layout = "";
   /// Whether the tags say less than the record does.
   bool isPartial = false;
+  /// Puts what DXF may spell in two ways into the one that DWG has, when tags were read.
+  void (*settle)(RecordValues& values) = nullptr;
 };
 
 std::span<const Kind> curveKinds();

@@ -153,6 +153,7 @@ namespace {
 
 constexpr int kMarkerCode = 100;
 constexpr int kGroupCode = 102;
+constexpr std::string_view kBlockReferences = "{BLKREFS";  // a group that is a kind's own
 constexpr int kFirstExtendedCode = 1000;
 
 /// A record's tags, taken apart: what stands in front of the first marker, the fields, and
@@ -181,9 +182,15 @@ TagParts partsOf(std::string_view tags, const dxf::Format& format) {
       parts.extendedData = tags.substr(tag.begin);
       break;
     }
+    const bool wasReferences = group == kBlockReferences;
     if (tag.code == kGroupCode) {
       const std::string_view name = dxf::trimmedValue(tag);
       group = name.starts_with('{') ? name : std::string_view();
+    }
+    if (wasReferences || group == kBlockReferences) {
+      parts.fields.push_back(tag);
+    } else if (tag.code == kGroupCode) {
+      continue;
     } else if (!group.empty()) {
       const std::uint64_t handle = dxf::handleOf(tag, format);
       if (group == "{ACAD_REACTORS") {
@@ -274,6 +281,9 @@ bool RecordCodec::readTags(std::string_view tags, DecodedRecord& record,
   if (!layoutOf(record.kind->layout)
            .read(parts.fields, original, *m_facts, values, used, problem)) {
     return false;
+  }
+  if (record.kind->settle != nullptr) {
+    record.kind->settle(values);
   }
   const auto left = std::find(used.begin(), used.end(), false);
   if (left != used.end()) {

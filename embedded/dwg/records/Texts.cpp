@@ -2,6 +2,7 @@
 //
 // Source: Open Design Specification for .dwg files, chapters of these entities.
 #include <algorithm>
+#include <cmath>
 
 #include "embedded/dwg/records/CommonData.h"
 #include "embedded/dwg/records/Kinds.h"
@@ -252,6 +253,30 @@ void codeMText(RecordCoder& coder, const DrawingFacts&) {
   }
 }
 
+/// DXF may tell an angle in place of the direction, which is all that DWG has.
+void settleRotation(RecordValues& values) {
+  constexpr int kAngle = 50;
+  constexpr int kDirection = 11;
+  constexpr int kNormal = 210;
+  const Value* const rotation = values.first(kAngle);
+  if (rotation == nullptr) {
+    return;
+  }
+  const auto isNormal = [&](int key, double number) {
+    const Value* const part = values.first(key);
+    return part == nullptr || part->number == number;
+  };
+  if (!isNormal(kNormal, 0.0) || !isNormal(kNormal + 10, 0.0) || !isNormal(kNormal + 20, 1.0)) {
+    return;  // an angle in another plane has no place
+  }
+  const double direction[] = {std::cos(rotation->number), std::sin(rotation->number), 0.0};
+  values.removeAll(kAngle);
+  for (int part = 0; part < 3; ++part) {
+    values.removeAll(kDirection + 10 * part);
+    values.addDouble(kDirection + 10 * part, direction[part]);
+  }
+}
+
 // --- attributes ------------------------------------------------------------------------------
 
 /// An attribute of several lines has a whole multiline text.
@@ -329,9 +354,10 @@ constexpr Kind kKinds[] = {
     {3, "ATTDEF", Family::Entity, codeAttributeDefinition,
      TEXT_LAYOUT "@AcDbAttributeDefinition 280+2010 3 2 70 73?0 74?0 280#2 " LINES_LAYOUT},
     {44, "MTEXT", Family::Entity, codeMText,
-     "@AcDbMText 10p 40 41 46 71 72 1t3 7:STYLE?Standard 210p?0,0,1 11p?1,0,0 73 44 90?0 "
-     "63 421 45 441 ~ 101#2 70#2 10p#2 11p#2 40#2 41#2 42#2 43#2 71#2 72#2 44#2 45#2 73#2 74#2 "
-     "( 46#2 )"},
+     "@AcDbMText 10p 40 41 46 71 72 1t3 7:STYLE?Standard 210p?0,0,1 11p?1,0,0 ( 50a ) 73 "
+     "44 90?0 63 421 45 441 ~ 101#2 70#2 10p#2 11p#2 40#2 41#2 42#2 43#2 71#2 72#2 44#2 45#2 73#2 "
+     "74#2 ( 46#2 )",
+     false, settleRotation},
 };
 
 }  // namespace

@@ -92,6 +92,20 @@ TEST_P(RecordCodecTest, ALightweightPolylineKeepsBulgesAndWidths) {
                                  "10 0.0\n20 0.0\n10 5.0\n20 0.1\n"));
 }
 
+TEST_P(RecordCodecTest, AnEditedPolylineWithoutWidthsHasNoneAfterwards) {
+  const std::string front = "100 AcDbPolyline\n90 2\n70 1\n43 0.0\n10 0.0\n20 0.0\n10 ";
+  decoded(encoded("LWPOLYLINE", entity("LWPOLYLINE", front + "5.0\n20 1.0\n")));
+  const std::string meant = entity("LWPOLYLINE", front + "7.0\n20 1.0\n");
+  std::string problem;
+  ASSERT_TRUE(m_codec.readTags(meant, m_record, problem)) << problem;
+  RecordBytes bytes;
+  ASSERT_TRUE(m_codec.encode(kEntity, m_record, bytes));
+  std::string said;
+  m_codec.writeTags(m_record, said);
+  EXPECT_EQ(said, meant);
+  EXPECT_EQ(decoded(bytes), meant);
+}
+
 TEST_P(RecordCodecTest, TextsComeBackInChinese) {
   comesBack("TEXT", entity("TEXT",
                            "100 AcDbText\n10 1.0\n20 2.0\n30 0.0\n40 250.0\n1 墙体\n"
@@ -100,6 +114,24 @@ TEST_P(RecordCodecTest, TextsComeBackInChinese) {
                            "100 AcDbText\n10 1.0\n20 2.0\n30 0.0\n40 250.0\n1 a\n"
                            "50 90.0\n41 0.8\n72 1\n11 5.0\n21 2.0\n31 0.0\n"
                            "100 AcDbText\n73 2\n"));
+}
+
+TEST_P(RecordCodecTest, AMultilineTextThatIsTurnedByAnAngleHasADirection) {
+  const std::string front = "100 AcDbMText\n10 1.0\n20 2.0\n30 0.0\n40 250.0\n41 0.0\n";
+  const std::string turned =
+      decoded(encoded("MTEXT", entity("MTEXT", front + "71 1\n72 1\n1 a\n50 90.0\n")));
+  EXPECT_NE(turned.find("\n21\n1.0\n31\n0.0\n"), std::string::npos) << turned;
+  std::string problem;
+  EXPECT_TRUE(
+      m_codec.readTags(entity("MTEXT", front + "71 1\n72 1\n1 a\n50 0.0\n"), m_record, problem));
+  RecordBytes bytes;
+  EXPECT_TRUE(m_codec.encode(kEntity, m_record, bytes));
+  EXPECT_EQ(decoded(bytes).find("\n11\n"), std::string::npos);
+}
+
+TEST_P(RecordCodecTest, AColorThatNothingShowsIsKept) {
+  encoded("DIMSTYLE", tags("0 DIMSTYLE\n105 2AB\n330 A\n100 AcDbSymbolTableRecord\n"
+                           "100 AcDbDimStyleTableRecord\n2 Mine\n70 0\n69 0\n70 3\n"));
 }
 
 TEST_P(RecordCodecTest, AnEditChangesOneFieldAndNoOther) {

@@ -45,5 +45,38 @@ TEST_F(SampleRecords, OfKnownKindsAreExact) {
   EXPECT_EQ(counts, known) << "other drawings than those that were counted have other numbers";
 }
 
+// What an edit does to the fields that it does not change.
+TEST_F(SampleRecords, ThatAreGivenTheirOwnTagsKeepTheirBits) {
+  std::map<std::string, std::size_t> others;
+  for (const auto& path : samples()) {
+    const DwgDrawing drawing(DwgFile(quoin::test::bytesOf(path)), "");
+    const RecordCodec& codec = drawing.codec();
+    for (const RecordView& view : drawing.file().records()) {
+      DecodedRecord record;
+      codec.decode({view.handle, view.data, view.handleBits}, record);
+      if (record.kind == nullptr || record.kind->family == Family::Table) {
+        continue;
+      }
+      std::string tags;
+      codec.writeTags(record, tags);
+      std::string problem;
+      RecordBytes bytes;
+      if (!codec.readTags(tags, record, problem)) {
+        ++others[record.name + ": " + problem];
+      } else if (!codec.encode(view.handle, record, bytes)) {
+        ++others[record.name + ": not written"];
+      } else if (bytes.data != view.data) {
+        ++others[record.name + ": other bits"];
+      } else {
+        std::string again;
+        codec.writeTags(record, again);
+        others[record.name + ": other tags"] += again == tags ? 0 : 1;
+      }
+    }
+  }
+  std::erase_if(others, [](const auto& entry) { return entry.second == 0; });
+  EXPECT_TRUE(others.empty()) << ::testing::PrintToString(others);
+}
+
 }  // namespace
 }  // namespace quoin::dwg
