@@ -404,7 +404,8 @@ class DwgTwinsTest(DwgCase):
         self.sample("AC1032")
         # What is not read has no extents, and tables are not moved.
         unread = {"extents", "kindsWithoutExtents", "kindsWithoutTransform"}
-        of_the_file = {"bytes", "closed", "format", "input", "readOnly", "records", "savedBy"}
+        of_the_file = {"bytes", "closed", "format", "input", "readInPart", "readOnly", "records",
+                       "savedBy"}
         for command, differ in ((("info",), unread | of_the_file),
                                 (("extents",), unread | {"input"}),
                                 (("break", "--layer", "*", "--dry-run"), {"input"})):

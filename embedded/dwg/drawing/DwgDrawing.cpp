@@ -245,6 +245,9 @@ bool DwgDrawing::decodeExact(std::uint64_t handle, DecodedRecord& record) const 
     return false;
   }
   m_codec.decode(sourceOf(*view), record);
+  if (!record.isWhole && record.kind != nullptr) {
+    m_codec.decodeShared(sourceOf(*view), record);
+  }
   return m_codec.isExact(sourceOf(*view), record);
 }
 

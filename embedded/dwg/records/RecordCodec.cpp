@@ -47,12 +47,14 @@ std::uint64_t DecodedRecord::handleAt(int key) const {
 }
 
 void RecordCodec::decode(const RecordSource& source, DecodedRecord& record) const {
-  if (!decodeFields(source, record, true)) {
-    decodeFields(source, record, false);
-  }
+  decodeFields(source, record, true);
 }
 
-bool RecordCodec::decodeFields(const RecordSource& source, DecodedRecord& record,
+void RecordCodec::decodeShared(const RecordSource& source, DecodedRecord& record) const {
+  decodeFields(source, record, false);
+}
+
+void RecordCodec::decodeFields(const RecordSource& source, DecodedRecord& record,
                                bool isKindWanted) const {
   record.isWhole = false;
   record.kind = nullptr;
@@ -75,7 +77,7 @@ bool RecordCodec::decodeFields(const RecordSource& source, DecodedRecord& record
   }
   codeShared(coder, record, *m_facts);
   if (coder.hasFailed()) {
-    return record.kind == nullptr;
+    return;
   }
   if (record.kind != nullptr) {
     record.kind->code(coder, *m_facts);
@@ -84,7 +86,6 @@ bool RecordCodec::decodeFields(const RecordSource& source, DecodedRecord& record
     coder.rest(kUnreadRest);
   }
   coder.padding();
-  return record.kind == nullptr || record.isWhole;
 }
 
 bool RecordCodec::encode(std::uint64_t handle, const DecodedRecord& record,

@@ -45,9 +45,11 @@ class HOST_API RecordCodec {
   RecordCodec(const DrawingFacts& facts, const ClassMap& classes)
       : m_facts(&facts), m_classes(&classes) {}
 
-  /// The record's fields. What cannot be read behind the shared ones leaves it unread; up to R2000
-  /// that is kept as it stands, so that the record can take other neighbours in its chain.
+  /// The record's fields. What cannot be read behind the shared ones leaves it unread.
   void decode(const RecordSource& source, DecodedRecord& record) const;
+  /// What all records share, as decode() does for kinds that nobody reads. Up to R2000 the rest is
+  /// kept as it stands, so that the record can take other neighbours in its chain.
+  void decodeShared(const RecordSource& source, DecodedRecord& record) const;
   /// Appends the record's tags, from its kind (group 0) on.
   void writeTags(const DecodedRecord& record, std::string& bytes) const;
   /// The record's fields as bits. Fails: false for what does not fit and, from R2004 on, for an
@@ -64,8 +66,7 @@ class HOST_API RecordCodec {
                   DecodedRecord& record, std::string& problem) const;
 
  private:
-  /// Fails: false where the kind's own fields were wanted and cannot be read.
-  bool decodeFields(const RecordSource& source, DecodedRecord& record, bool isKindWanted) const;
+  void decodeFields(const RecordSource& source, DecodedRecord& record, bool isKindWanted) const;
   /// Whether what nobody reads of a record is kept beside what is read.
   bool keepsRest() const { return m_facts->format.version < dxf::Version::R2004; }
   void writeHead(const DecodedRecord& record, std::string& bytes) const;
