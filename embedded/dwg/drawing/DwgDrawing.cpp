@@ -285,7 +285,16 @@ std::string DwgDrawing::tags(const dxf::Progress& progress) {
   m_partlyRead.clear();
   m_written.assign(m_file.records().size(), false);
   const dxf::Format& format = m_facts.format;
-  std::string bytes = "AutoCAD Binary DXF\r\n\x1A";
+  // Room for all of it, since a longer one would be held twice for a while. Pages that nothing is
+  // written to take no memory.
+  constexpr std::size_t kTagsPerByte = 4;
+  std::size_t size = 0;
+  for (const RecordView& view : m_file.records()) {
+    size += view.data.size();
+  }
+  std::string bytes;
+  bytes.reserve(kTagsPerByte * size);
+  bytes += "AutoCAD Binary DXF\r\n\x1A";
   bytes += '\0';
   beginSection(bytes, "HEADER", format);
   writeHeader(bytes);
