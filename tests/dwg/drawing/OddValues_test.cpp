@@ -103,8 +103,9 @@ class OddValues : public testing::TestWithParam<const char*> {
     for (std::size_t shift = 0; shift < 8; ++shift) {
       std::string shifted;
       for (std::size_t i = 0; i + 1 < data.size(); ++i) {
-        const unsigned pair =
-            static_cast<unsigned char>(data[i]) << 8 | static_cast<unsigned char>(data[i + 1]);
+        const auto high = static_cast<unsigned char>(data[i]);
+        const auto low = static_cast<unsigned char>(data[i + 1]);
+        const unsigned pair = unsigned{high} << 8 | low;
         shifted += static_cast<char>(pair >> (8 - shift));
       }
       if (shifted.find(wanted) != std::string::npos) {
