@@ -158,7 +158,7 @@ class PagedDwgMaker {
  private:
   static std::string appInfo() {
     std::string text;
-    for (const char c : "<ProductInformation name =\"Tests\" build_version=\"1.2\"/>"sv) {
+    for (const char c : "<ProductInformation name =\"Quoin\" build_version=\"1.2\"/>"sv) {
       text.push_back(c);
       text.push_back('\0');
     }

@@ -180,7 +180,10 @@ void DwgChanges::noteErased(const AcDbStub& stub) {
            "this program does not erase records of tables in a DWG drawing");
   }
   const bool ownerStays = stub.owner != nullptr && !m_store->isErased(*stub.owner);
-  if (isListed(stub) && ownerStays) {
+  if (ownerStays && m_store->kindName(stub) == "SEQEND") {
+    refuse(m_store->describe(stub), "what it ends is not erased");
+  }
+  if (ownerStays && isListed(stub)) {
     m_owned[stub.owner->handle].hasErased = true;
   }
 }

@@ -52,7 +52,7 @@ TEST(DwgFile, GivesTheRecordsOfEveryVersion) {
     EXPECT_EQ(file.records()[1].handleBits, file.version() >= Version::R2010 ? 8U : 0U);
     EXPECT_EQ(file.find(0x2F), &file.records()[2]);
     EXPECT_EQ(file.find(0x12), nullptr);
-    EXPECT_EQ(file.savedBy(), file.version() > Version::R2000 ? "Tests 1.2" : "");
+    EXPECT_EQ(file.savedBy(), file.version() > Version::R2000 ? "Quoin 1.2" : "");
   }
 }
 

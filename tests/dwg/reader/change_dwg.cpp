@@ -1,7 +1,7 @@
 // Changes a DWG file for the check with an independent reader: moves one LINE of model space by the
 // last bits of its coordinate, and adds a copy of its record with a handle of its own. With a text,
 // gives that to the first TEXT and the first MTEXT instead.
-// Usage: change_dwg IN OUT [TEXT]; prints both handles.
+// Usage: change_dwg IN OUT; prints both handles. Or: change_dwg IN OUT TEXT
 #include <cstdint>
 #include <cstdio>
 #include <exception>
@@ -182,7 +182,7 @@ void change(const std::string& from, const std::string& to) {
   throw std::runtime_error("there is no LINE in model space");
 }
 
-/// The first entity of this kind in model space.
+/// The first entity of this kind in model space; null for none.
 AcDbObjectId firstOf(AcDbDatabase& drawing, const std::wstring& kind) {
   AcDbObjectId space;
   acdbSymUtil()->getBlockId(space, ACDB_MODEL_SPACE, &drawing);
@@ -196,7 +196,7 @@ AcDbObjectId firstOf(AcDbDatabase& drawing, const std::wstring& kind) {
       return id;
     }
   }
-  throw std::runtime_error("there is no such text in model space");
+  return AcDbObjectId::kNull;
 }
 
 void changeTexts(const std::string& from, const std::string& to, const std::wstring& text) {
@@ -206,13 +206,15 @@ void changeTexts(const std::string& from, const std::string& to, const std::wstr
   }
   const AcDbObjectId single = firstOf(drawing, L"TEXT");
   const AcDbObjectId several = firstOf(drawing, L"MTEXT");
-  AcDbObjectPointer<AcDbText>(single, AcDb::kForWrite)->setTextString(text.c_str());
-  AcDbObjectPointer<AcDbMText>(several, AcDb::kForWrite)->setContents(text.c_str());
+  if (!single.isNull()) {
+    AcDbObjectPointer<AcDbText>(single, AcDb::kForWrite)->setTextString(text.c_str());
+  }
+  if (!several.isNull()) {
+    AcDbObjectPointer<AcDbMText>(several, AcDb::kForWrite)->setContents(text.c_str());
+  }
   if (drawing.saveAs(quoin::os::fromUtf8(to).c_str()) != Acad::eOk) {
     throw std::runtime_error("it cannot be written");
   }
-  std::printf("%llX %llX\n", static_cast<unsigned long long>(single.handle()),
-              static_cast<unsigned long long>(several.handle()));
 }
 
 }  // namespace
