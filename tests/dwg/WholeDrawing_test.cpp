@@ -241,8 +241,8 @@ INSTANTIATE_TEST_SUITE_P(Versions, WholeDrawingTest,
                                          Version::R2010, Version::R2013, Version::R2018),
                          releaseOf);
 INSTANTIATE_TEST_SUITE_P(Versions, WrittenDrawingTest,
-                         testing::Values(Version::R2000, Version::R2004, Version::R2010,
-                                         Version::R2013, Version::R2018),
+                         testing::Values(Version::R14, Version::R2000, Version::R2004,
+                                         Version::R2010, Version::R2013, Version::R2018),
                          releaseOf);
 
 }  // namespace

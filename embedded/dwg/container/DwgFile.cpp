@@ -31,7 +31,7 @@ void refuseVersion(std::string_view file, const FileHead& head) {
 }
 
 void noteVersion(const FileHead& head, Warnings& warnings) {
-  if (head.version < Version::R2000 || head.version == Version::R2007) {
+  if (head.version < Version::R14 || head.version == Version::R2007) {
     warnings.refuseWriting("DWG drawings of " + std::string(dxf::releaseName(head.version)) +
                            " are read, and not written");
   }

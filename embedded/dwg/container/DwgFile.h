@@ -2,7 +2,7 @@
 // stands in a record nobody here knows; `dwg/records` does. What did not change stays as it is,
 // byte for byte: sections, pages, records, and what nobody knows the use of.
 //
-// Read: R13, R14, R2000, R2004, R2007, R2010, R2013, R2018. Written: those but R13, R14 and R2007,
+// Read: R13, R14, R2000, R2004, R2007, R2010, R2013, R2018. Written: those but R13 and R2007,
 // where nothing is damaged (whyReadOnly()).
 #pragma once
 

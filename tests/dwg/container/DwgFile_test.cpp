@@ -243,11 +243,11 @@ TEST(DwgFile, OtherVersionsAreRefusedWithTheirMark) {
   EXPECT_THAT(messageOf([&] { const DwgFile file(bytes); }), HasSubstr("(AC1009)"));
 }
 
-TEST(DwgFile, R14IsReadAndNotWritten) {
-  const DwgFile file(test::madeFlatDwg({}, "AC1014"));
+TEST(DwgFile, R13IsReadAndNotWritten) {
+  const DwgFile file(test::madeFlatDwg({}, "AC1012"));
   EXPECT_EQ(file.records().size(), 3U);
-  EXPECT_EQ(file.whyReadOnly(), "DWG drawings of R14 are read, and not written");
-  EXPECT_THAT(messageOf([&] { file.written(changeOf(0x10, "x")); }), HasSubstr("R14"));
+  EXPECT_EQ(file.whyReadOnly(), "DWG drawings of R13 are read, and not written");
+  EXPECT_THAT(messageOf([&] { file.written(changeOf(0x10, "x")); }), HasSubstr("R13"));
 }
 
 TEST(DwgFile, TheSecondHeaderNamesTheNewMapAndHandle) {

@@ -11,7 +11,7 @@
 namespace quoin::dwg {
 namespace {
 
-const char* const kWritten[] = {"AC1015", "AC1018", "AC1024", "AC1027", "AC1032"};
+const char* const kWritten[] = {"AC1014", "AC1015", "AC1018", "AC1024", "AC1027", "AC1032"};
 
 /// How many bytes of the old file are others in the new one, and of how much of it stand behind.
 struct ByteCounts {
