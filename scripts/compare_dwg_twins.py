@@ -41,8 +41,8 @@ REASONS = {
     "spline": "From R2013 on a spline that fits points is kept as these; the DXF file has the "
               "control points that were computed, the normal, and a bit for lying in a plane.",
     "shape": "SHAPE has a number; its name is in the shape file.",
-    "table heads": "The heads of tables show neither extension dictionary, extended data nor the "
-                   "list of dimension styles; counts are those of the file.",
+    "table heads": "Counts of a table's records are those of the file; the other program adds "
+                   "which version it saved.",
     "names": "Letters in capitals: BYLAYER, and Standard as its dictionary spells it.",
     "line ends": "A line end in a text is ^J in ours, the byte itself in its binary files.",
 }

@@ -267,9 +267,12 @@ void DwgChanges::takeRecords(FileChanges& changes) {
 }
 
 bool DwgChanges::isTouched(const AcDbStub& stub) const {
-  // The list of its records is all that a table has.
-  const bool isChanged = stub.changed && stub.role != Role::Table;
-  return stub.isNew || isChanged || m_owned.contains(stub.handle) || m_links.contains(stub.handle);
+  if (stub.changed && stub.role == Role::Table) {
+    refuse(m_store->describe(stub),
+           "this program changes nothing of a table in a DWG drawing but its list of records");
+  }
+  return stub.isNew || stub.changed || m_owned.contains(stub.handle) ||
+         m_links.contains(stub.handle);
 }
 
 void DwgChanges::decodeForEdit(const AcDbStub& stub, DecodedRecord& record) const {
@@ -314,7 +317,7 @@ DecodedRecord DwgChanges::recordOf(const AcDbStub& stub) const {
     makeNew(stub, record);
   } else {
     decodeForEdit(stub, record);
-    if (stub.changed && stub.role != Role::Table) {
+    if (stub.changed) {
       putTags(stub, record);
     }
   }

@@ -359,32 +359,19 @@ void DwgDrawing::countUnread(const DecodedRecord& record) {
 }
 
 void DwgDrawing::writeTable(const char* name, std::uint64_t control, std::string& bytes) {
-  const dxf::Format& format = m_facts.format;
   const std::vector<std::uint64_t> entries = entriesOf(control);
-  dxf::putAscii(bytes, 0, "TABLE", format);
-  dxf::putAscii(bytes, 2, name, format);
-  if (control != 0) {
-    dxf::putHandle(bytes, 5, control, format);
-    DecodedRecord record;
-    if (const RecordView* const view = m_file.find(control)) {
-      m_written[static_cast<std::size_t>(view - m_file.records().data())] = true;
-    }
-  }
-  if (format.hasOwners()) {
-    dxf::putHandle(bytes, 330, 0, format);
-  }
-  dxf::putAscii(bytes, 100, "AcDbSymbolTable", format);
-  dxf::putInteger(bytes, 70, static_cast<std::int64_t>(entries.size()), format);
-  if (std::string_view(name) == "DIMSTYLE" && format.version >= Version::R2000) {
-    dxf::putAscii(bytes, 100, "AcDbDimStyleTable", format);
-  }
   DecodedRecord record;
+  if (const RecordView* const view = m_file.find(control)) {
+    m_codec.decode(sourceOf(*view), record);
+    m_written[static_cast<std::size_t>(view - m_file.records().data())] = true;
+  }
+  m_codec.writeTableHead(name, entries.size(), record, bytes);
   for (const std::uint64_t handle : entries) {
     if (decode(handle, record)) {
       writeRecord(record, bytes);
     }
   }
-  dxf::putAscii(bytes, 0, "ENDTAB", format);
+  dxf::putAscii(bytes, 0, "ENDTAB", m_facts.format);
 }
 
 void DwgDrawing::writeTables(std::string& bytes) {

@@ -76,6 +76,8 @@ enum OwnedKey : int {
   kBlockDescription = -50,
   kBlockInsert = -51,  // references to it
   kBlockBase = -540,   // and -530, -520
+  // Of the table of dimension styles: some of them once more.
+  kListedStyle = -203,
   kBlockName = -210,   // of a nameless one its beginning ("*D")
   kIsNameless = -211,
   kHasAttributes = -212,  // ATTDEFs

@@ -118,6 +118,14 @@ void RecordCodec::writeHead(const DecodedRecord& record, std::string& bytes) con
   dxf::putAscii(bytes, 0, record.name, format);
   dxf::putHandle(bytes, record.name == "DIMSTYLE" ? kDimStyleHandle : 5,
                  record.handleAt(kOwnHandle), format);
+  writeRelations(record, bytes);
+  if (record.isEntity) {
+    layoutOf(kEntityLayout).write(record.values, *m_facts, bytes);
+  }
+}
+
+void RecordCodec::writeRelations(const DecodedRecord& record, std::string& bytes) const {
+  const dxf::Format& format = m_facts->format;
   if (const std::uint64_t dictionary = record.handleAt(kExtensionDictionary); dictionary != 0) {
     dxf::putAscii(bytes, 102, "{ACAD_XDICTIONARY", format);
     dxf::putHandle(bytes, 360, dictionary, format);
@@ -135,9 +143,30 @@ void RecordCodec::writeHead(const DecodedRecord& record, std::string& bytes) con
   if (format.hasOwners()) {
     dxf::putHandle(bytes, 330, record.handleAt(kOwner), format);
   }
-  if (record.isEntity) {
-    layoutOf(kEntityLayout).write(record.values, *m_facts, bytes);
+}
+
+void RecordCodec::writeTableHead(std::string_view name, std::size_t count,
+                                 const DecodedRecord& record, std::string& bytes) const {
+  const dxf::Format& format = m_facts->format;
+  dxf::putAscii(bytes, 0, "TABLE", format);
+  dxf::putAscii(bytes, 2, name, format);
+  if (const std::uint64_t own = record.handleAt(kOwnHandle); own != 0) {
+    dxf::putHandle(bytes, 5, own, format);
   }
+  writeRelations(record, bytes);
+  dxf::putAscii(bytes, 100, "AcDbSymbolTable", format);
+  dxf::putInteger(bytes, 70, static_cast<std::int64_t>(count), format);
+  if (name == "DIMSTYLE" && format.version >= dxf::Version::R2000) {
+    dxf::putAscii(bytes, 100, "AcDbDimStyleTable", format);
+    dxf::putInteger(bytes, 71, static_cast<std::int64_t>(record.values.count(kListedStyle)),
+                    format);
+    for (std::size_t i = 0; i < record.values.size(); ++i) {
+      if (record.values[i].key == kListedStyle) {
+        dxf::putHandle(bytes, 340, static_cast<std::uint64_t>(record.values[i].integer), format);
+      }
+    }
+  }
+  writeExtendedTags(record.values, *m_facts, bytes);
 }
 
 void RecordCodec::writeTags(const DecodedRecord& record, std::string& bytes) const {

@@ -52,6 +52,10 @@ class HOST_API RecordCodec {
   void decodeShared(const RecordSource& source, DecodedRecord& record) const;
   /// Appends the record's tags, from its kind (group 0) on.
   void writeTags(const DecodedRecord& record, std::string& bytes) const;
+  /// Appends what DXF says of a table with this name in front of its records, of which there are
+  /// `count`.
+  void writeTableHead(std::string_view name, std::size_t count, const DecodedRecord& record,
+                      std::string& bytes) const;
   /// The record's fields as bits. Fails: false for what does not fit and, from R2004 on, for an
   /// unread record.
   bool encode(std::uint64_t handle, const DecodedRecord& record, RecordBytes& bytes) const;
@@ -70,7 +74,8 @@ class HOST_API RecordCodec {
   /// Whether what nobody reads of a record is kept beside what is read.
   bool keepsRest() const { return m_facts->format.version < dxf::Version::R2004; }
   void writeHead(const DecodedRecord& record, std::string& bytes) const;
-  void writeExtendedData(const DecodedRecord& record, std::string& bytes) const;
+  /// Extension dictionary, reactors, owner.
+  void writeRelations(const DecodedRecord& record, std::string& bytes) const;
 
   const DrawingFacts* m_facts;
   const ClassMap* m_classes;

@@ -35,15 +35,14 @@ void codeTableOfTwoMore(RecordCoder& coder, const DrawingFacts& facts) {
 }
 
 void codeDimStyleTable(RecordCoder& coder, const DrawingFacts& facts) {
-  constexpr int kMoreCount = -202;
-  constexpr int kMore = -203;
+  constexpr int kListedCount = -202;
   const std::size_t entries = coder.countBL(kEntryCount, kOwned);
-  const std::size_t more = coder.since(Version::R2000) ? coder.countRC(kMoreCount, kMore) : 0;
+  const std::size_t more = coder.since(Version::R2000) ? coder.countRC(kListedCount, kListedStyle) : 0;
   for (std::size_t i = 0; i < entries && !coder.hasFailed(); ++i) {
     coder.H(kOwned, kSoftOwner);
   }
   for (std::size_t i = 0; i < more && !coder.hasFailed(); ++i) {
-    coder.H(kMore, kHardPointer);
+    coder.H(kListedStyle, kHardPointer);
   }
   static_cast<void>(facts);
 }
