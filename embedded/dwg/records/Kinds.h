@@ -78,7 +78,7 @@ enum OwnedKey : int {
   kBlockBase = -540,   // and -530, -520
   // Of the table of dimension styles: some of them once more.
   kListedStyle = -203,
-  kBlockName = -210,   // of a nameless one its beginning ("*D")
+  kBlockName = -210,  // of a nameless one its beginning ("*D")
   kIsNameless = -211,
   kHasAttributes = -212,  // ATTDEFs
 };

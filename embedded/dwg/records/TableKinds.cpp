@@ -37,7 +37,8 @@ void codeTableOfTwoMore(RecordCoder& coder, const DrawingFacts& facts) {
 void codeDimStyleTable(RecordCoder& coder, const DrawingFacts& facts) {
   constexpr int kListedCount = -202;
   const std::size_t entries = coder.countBL(kEntryCount, kOwned);
-  const std::size_t more = coder.since(Version::R2000) ? coder.countRC(kListedCount, kListedStyle) : 0;
+  const std::size_t more =
+      coder.since(Version::R2000) ? coder.countRC(kListedCount, kListedStyle) : 0;
   for (std::size_t i = 0; i < entries && !coder.hasFailed(); ++i) {
     coder.H(kOwned, kSoftOwner);
   }
