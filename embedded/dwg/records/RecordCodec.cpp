@@ -84,13 +84,16 @@ void RecordCodec::decodeFields(const RecordSource& source, DecodedRecord& record
     record.isWhole = !coder.hasFailed() && coder.bitsLeft() == 0 && !coder.hasHandlesLeft();
   } else if (keepsRest()) {
     coder.rest(kUnreadRest);
+    if (coder.hasFailed()) {
+      record.values.removeAll(kUnreadRest);
+    }
   }
   coder.padding();
 }
 
 bool RecordCodec::encode(std::uint64_t handle, const DecodedRecord& record,
                          RecordBytes& bytes) const {
-  if (record.kind == nullptr ? !keepsRest() : !record.isWhole) {
+  if (record.kind == nullptr ? record.values.first(kUnreadRest) == nullptr : !record.isWhole) {
     return false;
   }
   RecordCoder coder(m_facts->format.version, *m_facts->codePage, handle, record.values);
