@@ -116,7 +116,9 @@ void BitWriter::handle(const HandleReference& reference) {
   bits(reference.code, 4);
   bits(reference.bytes, 4);
   for (unsigned i = reference.bytes; i-- != 0;) {
-    rawChar(static_cast<std::uint8_t>(reference.offset >> (8 * i)));
+    // A damaged reference may claim more bytes than a handle has.
+    const bool isIn = i < sizeof reference.offset;
+    rawChar(isIn ? static_cast<std::uint8_t>(reference.offset >> (8 * i)) : std::uint8_t{0});
   }
 }
 
