@@ -99,20 +99,6 @@ def measure(arguments):
     return table, figures
 
 
-def as_markdown(table):
-    lines = ["| " + " | ".join(HEADINGS) + " |", "|" + " --- |" * len(HEADINGS)]
-    return "\n".join(lines + ["| " + " | ".join(row) + " |" for row in table])
-
-
-def write_docs(table, size):
-    file = SOURCE / "docs" / "benchmarks.md"
-    begin, end = (mark.format(size=size) for mark in (BEGIN, END))
-    before, rest = file.read_text(encoding="utf-8").split(begin)
-    after = rest.split(end)[1]
-    file.write_text(before + begin + "\n" + as_markdown(table) + "\n" + end + after,
-                    encoding="utf-8")
-
-
 def self_test():
     ours = [{"processor": 1.0, "bytes": 30e6}, {"processor": 2.0, "bytes": 32e6},
             {"processor": 1.0, "bytes": 31e6}]
@@ -142,11 +128,12 @@ def main():
         self_test()
         return
     table, figures = measure(arguments)
-    print(as_markdown(table))
+    text = bench_files.as_markdown(table, HEADINGS)
+    print(text)
     if arguments.json:
         arguments.json.write_text(json.dumps(figures, indent=1) + "\n", encoding="utf-8")
     if arguments.write_docs:
-        write_docs(table, arguments.size)
+        bench_files.write_docs(text, *(mark.format(size=arguments.size) for mark in (BEGIN, END)))
 
 
 if __name__ == "__main__":

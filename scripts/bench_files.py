@@ -60,8 +60,8 @@ def row_of(name, runs, size, file_bytes):
             ("yes" if ratio <= MOST_MEMORY else "no") if has_goal else ""]
 
 
-def as_markdown(table):
-    lines = ["| " + " | ".join(HEADINGS) + " |", "|" + " --- |" * len(HEADINGS)]
+def as_markdown(table, headings=HEADINGS):
+    lines = ["| " + " | ".join(headings) + " |", "|" + " --- |" * len(headings)]
     return "\n".join(lines + ["| " + " | ".join(row) + " |" for row in table])
 
 
@@ -96,6 +96,14 @@ def measure(quoin, size, rounds, folder):
     return runs, plan.stat().st_size
 
 
+def write_docs(text, begin, end):
+    """Puts the text between two marks of docs/benchmarks.md."""
+    file = pathlib.Path(__file__).parent.parent / "docs" / "benchmarks.md"
+    before, rest = file.read_text(encoding="utf-8").split(begin)
+    after = rest.split(end)[1]
+    file.write_text(f"{before}{begin}\n{text}\n{end}{after}", encoding="utf-8")
+
+
 def self_test():
     runs = [{"processor": 1.0, "bytes": 30e6}, {"processor": 1.2, "bytes": 32e6},
             {"processor": 1.1, "bytes": 31e6}]
@@ -126,12 +134,7 @@ def main():
     if arguments.json:
         arguments.json.write_text(json.dumps(runs, indent=1) + "\n", encoding="utf-8")
     if arguments.write_docs:
-        file = pathlib.Path(__file__).parent.parent / "docs" / "benchmarks.md"
-        begin, end = (mark.format(size=arguments.size) for mark in (BEGIN, END))
-        before, rest = file.read_text(encoding="utf-8").split(begin)
-        after = rest.split(end)[1]
-        file.write_text(before + begin + "\n" + as_markdown(table) + "\n" + end + after,
-                        encoding="utf-8")
+        write_docs(as_markdown(table), *(mark.format(size=arguments.size) for mark in (BEGIN, END)))
 
 
 if __name__ == "__main__":
