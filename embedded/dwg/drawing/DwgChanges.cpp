@@ -401,9 +401,15 @@ void DwgChanges::checkOwned(const FileChanges& changes) const {
     bool isWhole = find(handle, owner) && owner.kind != nullptr;
     std::vector<std::uint64_t> found;
     if (isWhole && areChained(file.version()) && owner.kind->family != Family::Table) {
+      bool isLinkedBack = true;
       isWhole = visitChain(owner, owned.wanted.size() + 1, find, [&](const DecodedRecord& part) {
-        found.push_back(part.handleAt(kOwnHandle));
+        const std::uint64_t own = part.handleAt(kOwnHandle);
+        const std::uint64_t before = found.empty() ? 0 : found.back();
+        isLinkedBack =
+            isLinkedBack && (!m_links.contains(own) || part.handleAt(kPrevious) == before);
+        found.push_back(own);
       });
+      isWhole = isWhole && isLinkedBack;
     } else if (isWhole) {
       found = listedIn(owner);
     }
