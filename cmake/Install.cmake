@@ -1,6 +1,7 @@
 # What `cmake --install` lays down, and the package that find_package(Quoin) finds there:
 #   Quoin::host    the embedded host with the host API's headers
 #   Quoin::module  the exported classes of the module
+#   Quoin::plan    plan reading: walls, openings and rooms from lines
 #   Quoin::frame   what every module links in: version stamp, load and unload hooks
 include(CMakePackageConfigHelpers)
 
@@ -61,7 +62,12 @@ set_target_properties(quoinhost_api PROPERTIES EXPORT_NAME api)
 set_target_properties(quoin_module PROPERTIES EXPORT_NAME module)
 set_target_properties(quoinframe PROPERTIES EXPORT_NAME frame)
 
-install(TARGETS quoinhost_api quoinhost quoin_module quoinframe EXPORT QuoinTargets
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/plan/ DESTINATION ${QUOIN_HEADERS}/plan
+  FILES_MATCHING PATTERN "*.h")
+target_include_directories(quoin_plan INTERFACE $<INSTALL_INTERFACE:${QUOIN_HEADERS}>)
+set_target_properties(quoin_plan PROPERTIES EXPORT_NAME plan)
+
+install(TARGETS quoinhost_api quoinhost quoin_module quoin_plan quoinframe EXPORT QuoinTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   OBJECTS DESTINATION ${CMAKE_INSTALL_LIBDIR}/quoin)
 install(TARGETS quoin_app quoin_commands

@@ -7,7 +7,6 @@
 
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
-#include "commands/PointIndex.h"
 #include "commands/Progress.h"
 #include "commands/ReferenceWalls.h"
 #include "commands/ReportFields.h"
@@ -18,6 +17,7 @@
 #include "commands/picture/PlanShapes.h"
 #include "dbents.h"
 #include "embedded/os/Utf8.h"
+#include "plan/PointIndex.h"
 
 namespace quoin::commands {
 
@@ -102,9 +102,10 @@ class OutlineCommand : public DrawingCommand {
       const WallDrawingSeg& seg = m_all[next];
       bool isKnown = false;
       for (const AcGePoint3d& end : {seg.ptStart, seg.ptEnd}) {
-        m_starts.visitIn(PointBox(end, AcGeContext::gTol.equalPoint()), [&](std::size_t other) {
-          isKnown = isKnown || (m_isKept[other] && isSame(m_all[other], seg));
-        });
+        m_starts.visitIn(plan::PointBox(end, AcGeContext::gTol.equalPoint()),
+                         [&](std::size_t other) {
+                           isKnown = isKnown || (m_isKept[other] && isSame(m_all[other], seg));
+                         });
       }
       m_isKept[next] = !isKnown && !(seg.ptStart == seg.ptEnd);
       return isKnown;
@@ -132,7 +133,7 @@ class OutlineCommand : public DrawingCommand {
     }
 
     std::vector<WallDrawingSeg> m_all;
-    PointIndex m_starts;
+    plan::PointIndex m_starts;
     std::vector<bool> m_isKept;
     std::size_t m_next = 0;
   };

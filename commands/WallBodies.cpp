@@ -12,11 +12,11 @@
 #include "adsdef.h"
 #include "commands/CommandError.h"
 #include "commands/LayerChoice.h"
-#include "commands/PointIndex.h"
 #include "commands/Progress.h"
 #include "commands/ReportFields.h"
 #include "dbobjptr.h"
 #include "embedded/os/Utf8.h"
+#include "plan/PointIndex.h"
 
 namespace quoin::commands {
 
@@ -87,7 +87,7 @@ class NearWalls {
   std::vector<std::size_t> of(std::size_t wall) const {
     std::vector<std::size_t> near;
     for (const AcGePoint3d& end : {m_walls[wall].line.start, m_walls[wall].line.end}) {
-      m_ends.visitIn(PointBox(end, m_captureDistance), [&](std::size_t point) {
+      m_ends.visitIn(plan::PointBox(end, m_captureDistance), [&](std::size_t point) {
         if (point / 2 != wall) {
           near.push_back(point / 2);
         }
@@ -111,7 +111,7 @@ class NearWalls {
 
   const std::vector<BodyWall>& m_walls;
   double m_captureDistance;
-  PointIndex m_ends;
+  plan::PointIndex m_ends;
 };
 
 /// Runs `compute` for each wall with an algorithm object that holds it and all that can matter.

@@ -135,7 +135,8 @@ def main(arguments):
                 for complaint in complaints_about(path, hardened, fortified):
                     print(f"{path}: {complaint}")
                     count += 1
-    for name in ("quoin", "libquoin.so", "libquoinhost.so", "libquoincommands.so"):
+    for name in ("quoin", "libquoin.so", "libquoinhost.so", "libquoinplan.so",
+                 "libquoincommands.so"):
         if name not in seen:
             print(f"{name} is not there")
             count += 1

@@ -12,7 +12,7 @@ run(${CMAKE_COMMAND} --build ${WORK} --target ${CONSUMER}/TeeCount.cpp^ ${CONSUM
 
 run(${CMAKE_COMMAND} --build ${WORK} -- -t targets all)
 foreach(NAME consumer libteecount.so quoin/bin/quoin quoin/lib/libquoin.so quoin/lib/libquoinhost.so
-    quoin/lib/libquoincommands.so)
+    quoin/lib/libquoinplan.so quoin/lib/libquoincommands.so)
   if(NOT OUTPUT MATCHES "(^|\n)${NAME}: ")
     message(FATAL_ERROR "nothing builds ${NAME}:\n${OUTPUT}")
   endif()

@@ -7,7 +7,7 @@
 
 #include "gepnt3d.h"
 
-namespace quoin::commands {
+namespace quoin::plan {
 
 /// The points within `distance` of a place, in x and in y, sides included and with some room to
 /// spare: every finite point at a computed distance below or at `distance` is in it.
@@ -74,4 +74,4 @@ class PointIndex {
   std::vector<Point> m_points;
 };
 
-}  // namespace quoin::commands
+}  // namespace quoin::plan

@@ -1,4 +1,4 @@
-#include "commands/PointIndex.h"
+#include "plan/PointIndex.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@
 
 namespace {
 
-using quoin::commands::PointBox;
-using quoin::commands::PointIndex;
+using quoin::plan::PointBox;
+using quoin::plan::PointIndex;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kLargest = std::numeric_limits<double>::max();

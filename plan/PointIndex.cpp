@@ -1,11 +1,11 @@
-#include "commands/PointIndex.h"
+#include "plan/PointIndex.h"
 
 #include <algorithm>
 #include <cmath>
 
 #include "GeomConst.h"
 
-namespace quoin::commands {
+namespace quoin::plan {
 
 namespace {
 
@@ -53,4 +53,4 @@ void PointIndex::arrange(std::size_t first, std::size_t last) {
   arrange(middle + 1, last);
 }
 
-}  // namespace quoin::commands
+}  // namespace quoin::plan
