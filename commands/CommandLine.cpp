@@ -43,7 +43,7 @@ Commands declareCommands(CLI::App& app) {
   Commands commands;
   for (std::unique_ptr<Command> (*make)() :
        {&makeBreakCommand, &makeDrawCommand, &makeMergeCommand, &makeTrimAxesCommand,
-        &makeOutlineCommand, &makeSolidCommand, &makeStyleCommand, &makePaintCommand,
+        &makeOutlineCommand, &makeSolidCommand, &makeWallsCommand, &makeStyleCommand, &makePaintCommand,
         &makeMatchPropertiesCommand, &makeExtentsCommand, &makeToOriginCommand, &makeRescaleCommand,
         &makeConvertCommand, &makeRestoreCommand, &makeRunCommand, &makeInfoCommand,
         &makeHelpCommand, &makeCompletionCommand}) {

@@ -1,0 +1,249 @@
+#include "commands/PlanReading.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cmath>
+#include <numbers>
+
+#include "commands/Capture.h"
+#include "commands/CommandError.h"
+#include "commands/InsideWalls.h"
+#include "commands/LayerChoice.h"
+#include "commands/PlannedWalls.h"
+#include "commands/Polylines.h"
+#include "dbents.h"
+#include "dbobjptr.h"
+#include "embedded/os/CaseFold.h"
+#include "embedded/os/Utf8.h"
+
+namespace quoin::commands {
+
+namespace {
+
+constexpr double kTurn = 2.0 * std::numbers::pi;
+
+AcGePoint2d flat(const AcGePoint3d& point) {
+  return {point.x, point.y};
+}
+
+/// What the name of a layer or a block says of what stands there.
+plan::OpeningKind hintOf(std::wstring_view name) {
+  constexpr std::array kDoors{L"door", L"tür",   L"tuer", L"porte", L"puerta", L"porta",
+                              L"deur", L"дверь", L"двер", L"门",    L"門"};
+  constexpr std::array kWindows{L"wind",    L"glaz",   L"fenster",  L"fenêtre", L"fenetre",
+                                L"ventana", L"janela", L"finestra", L"raam",    L"окно",
+                                L"окна",    L"窗",     L"crystal",  L"glass"};
+  const std::wstring folded = os::foldCase(name);
+  const auto isIn = [&](const wchar_t* word) {
+    return folded.find(os::foldCase(word)) != std::wstring::npos;
+  };
+  const bool isDoor = std::any_of(kDoors.begin(), kDoors.end(), isIn);
+  const bool isWindow = std::any_of(kWindows.begin(), kWindows.end(), isIn);
+  // A layer for both says nothing of either.
+  if (isDoor == isWindow) {
+    return plan::OpeningKind::Opening;
+  }
+  return isDoor ? plan::OpeningKind::Door : plan::OpeningKind::Window;
+}
+
+/// An arc as seen from above; false where it is seen from the side.
+bool addArc(const AcGePoint3d& center, const AcGeVector3d& normal, double radius, double start,
+            double sweep, std::vector<plan::PlanArc>& arcs) {
+  if (std::fabs(normal.z) < 0.5 || !(radius > 0.0) || !std::isfinite(radius)) {
+    return false;
+  }
+  // Seen from below it runs the other way round.
+  const double first = normal.z > 0.0 ? start : std::numbers::pi - start - sweep;
+  arcs.push_back({flat(center), radius, first, sweep});
+  return true;
+}
+
+/// The arc of a polyline's segment with a bulge.
+void addBulge(const AcGePoint3d& from, const AcGePoint3d& to, double bulge,
+              std::vector<plan::PlanArc>& arcs) {
+  const AcGePoint2d a = flat(from);
+  const AcGePoint2d b = flat(to);
+  const AcGeVector2d chord = b - a;
+  const double length = chord.length();
+  if (!(length > 0.0) || !std::isfinite(length) || !std::isfinite(bulge)) {
+    return;
+  }
+  const double apothem = 0.25 * (1.0 / bulge - bulge);
+  const AcGePoint2d center = a + chord * 0.5 + chord.perpVector() * apothem;
+  const double sweep = 4.0 * std::atan(std::fabs(bulge));
+  const AcGeVector2d first = (bulge > 0.0 ? a : b) - center;
+  arcs.push_back({center, first.length(), std::atan2(first.y, first.x), sweep});
+}
+
+class SymbolReader {
+ public:
+  SymbolReader(const std::set<std::wstring>& layers, plan::PlanDrawing& drawing)
+      : m_layers(layers), m_drawing(drawing) {}
+
+  void add(const AcDbObjectId& id) {
+    AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+    if (entity.openStatus() != Acad::eOk || hostx::hasUnreadableNumber(entity.object())) {
+      return;
+    }
+    const std::wstring layer = hostx::layerName(id);
+    const bool isFace = m_layers.count(layer) != 0;
+    if (const AcDbArc* arc = AcDbArc::cast(entity.object())) {
+      const double sweep = std::remainder(arc->endAngle() - arc->startAngle(), kTurn);
+      addArc(arc->center(), arc->normal(), arc->radius(), arc->startAngle(),
+             sweep > 0.0 ? sweep : sweep + kTurn, m_drawing.arcs);
+    } else if (const AcDbLine* line = AcDbLine::cast(entity.object())) {
+      if (!isFace) {
+        addLine(line->startPoint(), line->endPoint(), hintOf(layer));
+      }
+    } else if (isPolyline(*entity.object())) {
+      addPolyline(readPolyline(*entity.object()), isFace, hintOf(layer));
+    } else if (const AcDbBlockReference* insert = AcDbBlockReference::cast(entity.object())) {
+      addInsert(*insert, layer);
+    }
+  }
+
+ private:
+  void addLine(const AcGePoint3d& start, const AcGePoint3d& end, plan::OpeningKind hint) {
+    m_drawing.symbols.push_back({{flat(start), flat(end)}, false, hint});
+  }
+
+  void addPolyline(const PolylineShape& shape, bool isFace, plan::OpeningKind hint) {
+    if (shape.isCurveFit) {
+      return;
+    }
+    for (std::size_t i = 0; i < shape.segmentCount(); ++i) {
+      const AcGePoint3d& start = shape.vertices[i].world;
+      const AcGePoint3d& end = shape.segmentEnd(i).world;
+      if (shape.vertices[i].bulge != 0.0) {
+        const double bulge = shape.vertices[i].bulge;
+        addBulge(start, end, shape.normal.z < 0.0 ? -bulge : bulge, m_drawing.arcs);
+      } else if (!isFace) {
+        addLine(start, end, hint);
+      }
+    }
+  }
+
+  void addInsert(const AcDbBlockReference& insert, const std::wstring& layer) {
+    AcDbExtents box;
+    if (insert.getGeomExtents(box) != Acad::eOk) {
+      return;
+    }
+    plan::OpeningKind hint = hintOf(os::fromUtf8(blockName(insert.blockTableRecord())));
+    if (hint == plan::OpeningKind::Opening) {
+      hint = hintOf(layer);
+    }
+    if (hint != plan::OpeningKind::Opening) {
+      m_drawing.symbols.push_back({{flat(box.minPoint()), flat(box.maxPoint())}, true, hint});
+    }
+  }
+
+  const std::set<std::wstring>& m_layers;
+  plan::PlanDrawing& m_drawing;
+};
+
+/// The two sides of a polyline's segment with a width, and its ends across.
+void addWideSegments(ReadPlan& plan) {
+  AcDbObjectId last;
+  PolylineShape shape;
+  for (std::size_t i = 0; i < plan.found.lines.size(); ++i) {
+    const WallLine& line = plan.found.lines[i];
+    if (!line.isPolylineSegment() || line.within) {
+      continue;
+    }
+    if (line.entity != last) {
+      AcDbObjectPointer<AcDbEntity> entity(line.entity, AcDb::kForRead);
+      shape = entity.openStatus() == Acad::eOk ? readPolyline(*entity.object()) : PolylineShape();
+      last = line.entity;
+    }
+    const auto segment = static_cast<std::size_t>(line.segment);
+    if (segment >= shape.vertices.size()) {
+      continue;
+    }
+    const PolylineVertex& vertex = shape.vertices[segment];
+    if (!(vertex.startWidth > 0.0) || vertex.startWidth != vertex.endWidth) {
+      continue;
+    }
+    const AcGePoint2d start = flat(line.start);
+    const AcGePoint2d end = flat(line.end);
+    const AcGeVector2d aside =
+        (end - start).perpVector() / start.distanceTo(end) * (0.5 * vertex.startWidth);
+    // The middle line is no face.
+    plan.drawing.lines[i] = {start + aside, end + aside};
+    for (const plan::PlanLine& side :
+         {plan::PlanLine{start - aside, end - aside}, plan::PlanLine{start - aside, start + aside},
+          plan::PlanLine{end - aside, end + aside}}) {
+      plan.drawing.lines.push_back(side);
+      plan.sourceOf.push_back(i);
+    }
+  }
+}
+
+}  // namespace
+
+void ReadingOptions::declare(CLI::App& command) {
+  const auto addLength = [&](const char* name, std::string& value, const std::string& what) {
+    command.add_option(name, value, what)->type_name("LENGTH")->check([](const std::string& text) {
+      return parseLength(text) ? std::string()
+                               : "'" + text + "' is no length above zero; write 200, 200mm or 8in";
+    });
+  };
+  addLength("--min-width", minWidth, "The least width of a wall; default 50 mm");
+  addLength("--max-width", maxWidth, "The greatest width of a wall; default 600 mm");
+  addLength("--max-opening", maxOpening,
+            "The widest gap that counts as an opening with nothing drawn in it; default 2600 mm");
+  command
+      .add_option("--min-confidence", minConfidence,
+                  "Leave walls over that are less sure than this, 0 to 1")
+      ->check(CLI::Range(0.0, 1.0))
+      ->capture_default_str();
+}
+
+plan::FindWallsOptions ReadingOptions::inUnitsOf(const Drawing& drawing) const {
+  plan::FindWallsOptions options = plan::FindWallsOptions::inUnitsOf(drawing.millimetersPerUnit());
+  const auto set = [&](const std::string& text, double& value) {
+    if (!text.empty()) {
+      value = parseLength(text)->inUnitsOf(drawing);
+    }
+  };
+  set(minWidth, options.minWidth);
+  set(maxWidth, options.maxWidth);
+  set(maxOpening, options.maxOpening);
+  options.minConfidence = minConfidence;
+  if (!(options.minWidth < options.maxWidth)) {
+    throw CommandError(ExitCode::Usage,
+                       fmt::format("no width is between --min-width {} and --max-width {}",
+                                   options.minWidth, options.maxWidth));
+  }
+  // A thin wall's faces must stay two.
+  options.tolerance = std::min(options.tolerance, 0.25 * options.minWidth);
+  return options;
+}
+
+std::set<std::wstring> chooseFaceLayers(Drawing& drawing,
+                                        const std::vector<std::string>& patterns) {
+  std::set<std::wstring> layers = chooseLayers(drawing.layers(), patterns, drawing);
+  if (patterns.empty() && layers.size() > 1) {
+    layers.erase(os::fromUtf8(kWallLayer));
+  }
+  return layers;
+}
+
+ReadPlan readPlan(Drawing& drawing, const std::set<std::wstring>& layers) {
+  ReadPlan plan;
+  plan.layers = layers;
+  plan.found = collectWallLines(drawing, layers, true);
+  checkAnyWallLine(drawing, layers, plan.found);
+  plan.drawing.lines.reserve(plan.found.lines.size());
+  for (std::size_t i = 0; i < plan.found.lines.size(); ++i) {
+    const WallLine& line = plan.found.lines[i];
+    plan.drawing.lines.push_back({flat(line.start), flat(line.end)});
+    plan.sourceOf.push_back(i);
+  }
+  addWideSegments(plan);
+  SymbolReader reader(plan.layers, plan.drawing);
+  drawing.forEachEntity(drawing.modelSpaceId(), [&](const AcDbObjectId& id) { reader.add(id); });
+  return plan;
+}
+
+}  // namespace quoin::commands

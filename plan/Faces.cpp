@@ -1,0 +1,210 @@
+#include "plan/Faces.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <numbers>
+
+namespace quoin::plan {
+
+namespace {
+
+constexpr double kHalfTurn = std::numbers::pi;
+/// So near are the directions of parallel lines, at least and, for short lines, at most.
+constexpr double kLeastTurn = 0.1 * kHalfTurn / 180.0;
+constexpr double kGreatestTurn = 3.0 * kHalfTurn / 180.0;
+
+struct SortedLine {
+  double length;
+  double angle;  // from 0 to below half a turn
+  AcGePoint2d first;
+  std::size_t number;
+};
+
+bool isFinite(const PlanLine& line) {
+  return std::isfinite(line.start.x) && std::isfinite(line.start.y) && std::isfinite(line.end.x) &&
+         std::isfinite(line.end.y);
+}
+
+/// The lesser end, so that a line and its reverse are the same.
+AcGePoint2d firstEnd(const PlanLine& line) {
+  const bool isForward =
+      line.start.x < line.end.x || (line.start.x == line.end.x && line.start.y <= line.end.y);
+  return isForward ? line.start : line.end;
+}
+
+/// Longest first; the order of equal ones does not depend on that of the drawing.
+std::vector<SortedLine> sortedLines(const std::vector<PlanLine>& lines) {
+  std::vector<SortedLine> sorted;
+  sorted.reserve(lines.size());
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const AcGeVector2d step = lines[i].end - lines[i].start;
+    const double length = step.length();
+    if (!isFinite(lines[i]) || !std::isfinite(length) || !(length > 0.0)) {
+      continue;
+    }
+    const AcGePoint2d first = firstEnd(lines[i]);
+    const AcGeVector2d way =
+        first.x == lines[i].start.x && first.y == lines[i].start.y ? step : -step;
+    double angle = std::atan2(way.y, way.x);
+    angle = angle < 0.0 ? angle + kHalfTurn : angle;
+    sorted.push_back({length, angle >= kHalfTurn ? 0.0 : angle, first, i});
+  }
+  std::sort(sorted.begin(), sorted.end(), [](const SortedLine& a, const SortedLine& b) {
+    if (a.length != b.length) {
+      return a.length > b.length;
+    }
+    if (a.angle != b.angle) {
+      return a.angle < b.angle;
+    }
+    if (a.first.x != b.first.x) {
+      return a.first.x < b.first.x;
+    }
+    return a.first.y != b.first.y ? a.first.y < b.first.y : a.number < b.number;
+  });
+  return sorted;
+}
+
+/// Directions that long lines have; a shorter line takes one that is near its own.
+class Directions {
+ public:
+  std::size_t groupOf(const SortedLine& line, double tolerance) {
+    const double turn =
+        std::clamp(std::asin(std::min(1.0, tolerance / line.length)), kLeastTurn, kGreatestTurn);
+    std::size_t nearest = Faces::kNone;
+    double least = turn;
+    const auto look = [&](std::map<double, std::size_t>::const_iterator at, double shift) {
+      const double off = std::fabs(at->first + shift - line.angle);
+      if (off <= least) {
+        least = off;
+        nearest = at->second;
+      }
+    };
+    if (!m_groups.empty()) {
+      const auto next = m_groups.lower_bound(line.angle);
+      next != m_groups.end() ? look(next, 0.0) : look(m_groups.begin(), kHalfTurn);
+      next != m_groups.begin() ? look(std::prev(next), 0.0)
+                               : look(std::prev(m_groups.end()), -kHalfTurn);
+    }
+    if (nearest == Faces::kNone) {
+      nearest = m_groups.size();
+      m_groups.emplace(line.angle, nearest);
+    }
+    return nearest;
+  }
+
+ private:
+  std::map<double, std::size_t> m_groups;
+};
+
+/// Puts pieces of one group together, in the order in which they begin.
+class FaceMaker {
+ public:
+  FaceMaker(Faces& result, const FindWallsOptions& options)
+      : m_result(result), m_options(options) {}
+
+  void add(const Face& piece) {
+    const auto open = findOpen(piece);
+    if (open == m_open.end()) {
+      m_result.faceOfLine[piece.line] = m_result.faces.size();
+      m_open.emplace(piece.offset, m_result.faces.size());
+      m_result.faces.push_back(piece);
+      m_longest.push_back(piece.length());
+      return;
+    }
+    Face& face = m_result.faces[open->second];
+    m_result.faceOfLine[piece.line] = open->second;
+    face.end = std::max(face.end, piece.end);
+    if (piece.length() > m_longest[open->second]) {
+      m_longest[open->second] = piece.length();
+      face.line = piece.line;
+      face.offset = piece.offset;
+    }
+  }
+  void endGroup() { m_open.clear(); }
+
+ private:
+  using Open = std::multimap<double, std::size_t>;
+
+  /// The face that the piece continues, the nearest one beside it.
+  Open::iterator findOpen(const Face& piece) {
+    auto found = m_open.end();
+    double least = m_options.tolerance;
+    for (auto open = m_open.lower_bound(piece.offset - 2.0 * m_options.tolerance);
+         open != m_open.end() && open->first <= piece.offset + 2.0 * m_options.tolerance;) {
+      const Face& face = m_result.faces[open->second];
+      if (face.end + m_options.reach < piece.begin) {
+        open = m_open.erase(open);
+        continue;
+      }
+      const double off = std::fabs(face.offset - piece.offset);
+      if (off < least || (off == least && found == m_open.end())) {
+        least = off;
+        found = open;
+      }
+      ++open;
+    }
+    return found;
+  }
+
+  Faces& m_result;
+  const FindWallsOptions& m_options;
+  Open m_open;
+  std::vector<double> m_longest;
+};
+
+/// The middle of the plan: numbers near it keep their digits.
+AcGePoint2d middleOf(const std::vector<SortedLine>& lines) {
+  if (lines.empty()) {
+    return {};
+  }
+  AcGePoint2d least = lines.front().first;
+  AcGePoint2d greatest = least;
+  for (const SortedLine& line : lines) {
+    least.set(std::min(least.x, line.first.x), std::min(least.y, line.first.y));
+    greatest.set(std::max(greatest.x, line.first.x), std::max(greatest.y, line.first.y));
+  }
+  return least + (greatest - least) * 0.5;
+}
+
+}  // namespace
+
+Faces makeFaces(const std::vector<PlanLine>& lines, const FindWallsOptions& options) {
+  Faces result;
+  result.faceOfLine.assign(lines.size(), Faces::kNone);
+  const std::vector<SortedLine> sorted = sortedLines(lines);
+  const AcGePoint2d middle = middleOf(sorted);
+  Directions directions;
+  std::vector<Face> pieces;
+  pieces.reserve(sorted.size());
+  for (const SortedLine& line : sorted) {
+    const std::size_t group = directions.groupOf(line, options.tolerance);
+    const PlanLine& ends = lines[line.number];
+    if (group == result.axes.size()) {
+      const AcGePoint2d& other =
+          ends.start.x == line.first.x && ends.start.y == line.first.y ? ends.end : ends.start;
+      AcGeVector2d along = (other - line.first) / line.length;
+      along = along.y < 0.0 || (along.y == 0.0 && along.x < 0.0) ? -along : along;
+      result.axes.push_back({middle, along});
+    }
+    const Axis& axis = result.axes[group];
+    const double a = axis.alongOf(ends.start);
+    const double b = axis.alongOf(ends.end);
+    const double offset = 0.5 * (axis.leftOf(ends.start) + axis.leftOf(ends.end));
+    pieces.push_back({group, std::min(a, b), std::max(a, b), offset, line.number});
+  }
+  // Stable: of pieces that begin together the longer comes first.
+  std::stable_sort(pieces.begin(), pieces.end(), [](const Face& a, const Face& b) {
+    return a.group != b.group ? a.group < b.group : a.begin < b.begin;
+  });
+  FaceMaker maker(result, options);
+  for (std::size_t i = 0; i < pieces.size(); ++i) {
+    if (i > 0 && pieces[i].group != pieces[i - 1].group) {
+      maker.endGroup();
+    }
+    maker.add(pieces[i]);
+  }
+  return result;
+}
+
+}  // namespace quoin::plan

@@ -1,0 +1,495 @@
+#include "plan/WallNetwork.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <numeric>
+
+#include "plan/PointIndex.h"
+
+namespace quoin::plan {
+
+namespace {
+
+constexpr double kCrossingSine = 0.1;
+constexpr double kParallelSine = 0.02;
+constexpr double kNowhere = std::numeric_limits<double>::infinity();
+
+/// Where two reference lines cross, and how far beyond its own body each wall may end for them to
+/// meet there.
+struct Crossing {
+  std::array<std::size_t, 2> run;
+  std::array<double, 2> at;
+  std::array<double, 2> allowance;
+  AcGePoint2d point;
+};
+
+/// One end of a run: at its `from` or its `to`.
+struct End {
+  std::size_t run;
+  bool isTo;
+};
+
+class Network {
+ public:
+  Network(std::vector<WallRun>& runs, const GapJudge& judge, const FindWallsOptions& options)
+      : m_runs(runs), m_judge(judge), m_options(options) {}
+
+  void join() {
+    arrangeGrid();
+    continueRuns();
+    findCrossings();
+    chooseEnds();
+    extendToFacing();
+  }
+  double confidenceOf(std::size_t run) const;
+  std::vector<WallPiece> pieces() const;
+
+ private:
+  struct Joint {
+    bool isJoined = false;
+    double at = 0.0;
+  };
+
+  static std::size_t numberOf(const End& end) { return 2 * end.run + (end.isTo ? 1 : 0); }
+  AcGePoint2d pointOf(const End& end) const {
+    return end.isTo ? m_runs[end.run].end() : m_runs[end.run].start();
+  }
+  /// Away from the run.
+  AcGeVector2d outOf(const End& end) const {
+    return end.isTo ? m_runs[end.run].axis.along : -m_runs[end.run].axis.along;
+  }
+
+  void arrangeGrid() {
+    m_grid = SegmentGrid();
+    for (const WallRun& run : m_runs) {
+      m_grid.add(run.start(), run.end());
+    }
+    m_grid.arrange(4.0 * m_options.maxWidth);
+  }
+
+  // --- runs that continue one another -------------------------------------------------
+  struct Continuation {
+    std::size_t other;
+    double aside;  // the other's line, to the left of this one's
+  };
+
+  void continueRuns() {
+    std::vector<std::vector<Continuation>> next(m_runs.size());
+    m_joints.assign(2 * m_runs.size(), Joint());
+    for (std::size_t run = 0; run < m_runs.size(); ++run) {
+      for (const bool isTo : {false, true}) {
+        linkEnd({run, isTo}, next);
+      }
+    }
+    // Each group takes the line of its longest run; of equal ones that which comes first.
+    std::vector<std::size_t> order(m_runs.size());
+    std::iota(order.begin(), order.end(), 0U);
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+      return m_runs[a].length() > m_runs[b].length();
+    });
+    std::vector<bool> isDone(m_runs.size(), false);
+    for (const std::size_t master : order) {
+      if (isDone[master]) {
+        continue;
+      }
+      isDone[master] = true;
+      std::vector<std::size_t> open{master};
+      while (!open.empty()) {
+        const std::size_t from = open.back();
+        open.pop_back();
+        for (const Continuation& link : next[from]) {
+          if (!isDone[link.other]) {
+            isDone[link.other] = true;
+            takeLine(m_runs[link.other], m_runs[from]);
+            open.push_back(link.other);
+          }
+        }
+      }
+    }
+  }
+
+  /// The run's reference line becomes the other's, its body stays.
+  void takeLine(WallRun& run, const WallRun& other) const {
+    const AcGePoint2d middle = run.axis.at(0.5 * (run.from + run.to));
+    const double aside = other.axis.leftOf(middle);
+    if (aside == 0.0 || std::fabs(aside) > 0.5 * run.width() + m_options.tolerance) {
+      return;
+    }
+    const bool isSameWay = run.axis.along.dotProduct(other.axis.along) > 0.0;
+    Axis axis{other.axis.origin, isSameWay ? other.axis.along : -other.axis.along};
+    const double start = axis.alongOf(run.start());
+    const double move = axis.alongOf(run.axis.origin);
+    const double left = isSameWay ? aside : -aside;
+    for (WallRun::Gap& gap : run.openings) {
+      gap.from += move;
+      gap.to += move;
+    }
+    run.to = axis.alongOf(run.end());
+    run.from = start;
+    run.axis = axis;
+    run.left += left;
+    run.right -= left;
+  }
+
+  void linkEnd(const End& end, std::vector<std::vector<Continuation>>& next) {
+    const WallRun& run = m_runs[end.run];
+    const AcGePoint2d place = pointOf(end);
+    const AcGeVector2d out = outOf(end);
+    const Box box = Box(place, place).grownBy(0.5 * m_options.maxWidth + m_options.reach);
+    m_grid.visitIn(box, [&](std::size_t other) {
+      const WallRun& there = m_runs[other];
+      if (other == end.run || std::fabs(sineOf(out, there.axis.along)) > kParallelSine) {
+        return;
+      }
+      const bool isToThere = out.dotProduct(there.axis.along) < 0.0;
+      const End facing{other, isToThere};
+      const double gap = out.dotProduct(pointOf(facing) - place);
+      const double aside = run.axis.leftOf(pointOf(facing));
+      const bool isBeside =
+          std::fabs(aside) < 0.5 * (run.width() + there.width()) - m_options.tolerance;
+      if (std::fabs(gap) > m_options.reach || !isBeside) {
+        return;
+      }
+      next[end.run].push_back({other, aside});
+      const AcGePoint2d joint = place + out * (0.5 * gap);
+      m_joints[numberOf(end)] = {true, run.axis.alongOf(joint)};
+    });
+  }
+
+  // --- crossings ----------------------------------------------------------------------
+  void findCrossings() {
+    const double step = 4.0 * m_options.maxWidth;
+    const double margin = m_options.maxWidth + 2.0 * m_options.reach;
+    for (std::size_t run = 0; run < m_runs.size(); ++run) {
+      const WallRun& mine = m_runs[run];
+      std::vector<std::size_t> near;
+      const auto parts = static_cast<std::size_t>(mine.length() / step) + 1;
+      for (std::size_t i = 0; i < parts; ++i) {
+        const double a =
+            mine.from + mine.length() * static_cast<double>(i) / static_cast<double>(parts);
+        const double b =
+            mine.from + mine.length() * static_cast<double>(i + 1) / static_cast<double>(parts);
+        m_grid.visitIn(Box(mine.axis.at(a), mine.axis.at(b)).grownBy(margin),
+                       [&](std::size_t other) { near.push_back(other); });
+      }
+      std::sort(near.begin(), near.end());
+      near.erase(std::unique(near.begin(), near.end()), near.end());
+      for (const std::size_t other : near) {
+        if (other > run) {
+          addCrossing(run, other);
+        }
+      }
+    }
+  }
+
+  void addCrossing(std::size_t a, std::size_t b) {
+    const WallRun& one = m_runs[a];
+    const WallRun& two = m_runs[b];
+    const double sine = sineOf(one.axis.along, two.axis.along);
+    if (std::fabs(sine) < kCrossingSine) {
+      return;
+    }
+    Crossing crossing;
+    crossing.run = {a, b};
+    crossing.at[0] = sineOf(two.axis.origin - one.axis.origin, two.axis.along) / sine;
+    crossing.point = one.axis.at(crossing.at[0]);
+    crossing.at[1] = two.axis.alongOf(crossing.point);
+    const double slant = std::fabs(one.axis.along.dotProduct(two.axis.along) / sine);
+    const auto reachOf = [&](const WallRun& run, const WallRun& other) {
+      return std::max(other.left, other.right) / std::fabs(sine) +
+             std::max(run.left, run.right) * slant + m_options.reach;
+    };
+    crossing.allowance = {reachOf(one, two), reachOf(two, one)};
+    for (const std::size_t side : {0U, 1U}) {
+      const WallRun& run = m_runs[crossing.run[side]];
+      const double at = crossing.at[side];
+      if (at < run.from - crossing.allowance[side] || at > run.to + crossing.allowance[side]) {
+        return;
+      }
+    }
+    m_crossings.push_back(crossing);
+  }
+
+  /// Every end goes to the nearest crossing that it reaches.
+  void chooseEnds() {
+    std::vector<double> nearest(2 * m_runs.size(), kNowhere);
+    m_ends.assign(2 * m_runs.size(), 0.0);
+    for (std::size_t i = 0; i < m_runs.size(); ++i) {
+      for (const bool isTo : {false, true}) {
+        const std::size_t number = numberOf({i, isTo});
+        const Joint& joint = m_joints[number];
+        m_ends[number] = joint.isJoined ? joint.at : (isTo ? m_runs[i].to : m_runs[i].from);
+      }
+    }
+    for (const Crossing& crossing : m_crossings) {
+      for (const std::size_t side : {0U, 1U}) {
+        const WallRun& run = m_runs[crossing.run[side]];
+        const WallRun& other = m_runs[crossing.run[1 - side]];
+        const double sine = std::fabs(sineOf(run.axis.along, other.axis.along));
+        // What stands out on the other wall's far side is a wall of its own.
+        const double inside = std::max(other.left, other.right) / sine + 2.0 * m_options.tolerance;
+        for (const bool isTo : {false, true}) {
+          const double end = isTo ? run.to : run.from;
+          const double beyond = isTo ? crossing.at[side] - end : end - crossing.at[side];
+          // Of a short wall the nearer end goes there.
+          const bool isMine = std::fabs(beyond) <= 0.5 * run.length() || beyond > 0.0;
+          const std::size_t number = numberOf({crossing.run[side], isTo});
+          if (isMine && beyond <= crossing.allowance[side] && beyond >= -inside &&
+              std::fabs(beyond) < nearest[number]) {
+            nearest[number] = std::fabs(beyond);
+            m_ends[number] = crossing.at[side];
+            m_joints[number].isJoined = true;
+          }
+        }
+      }
+    }
+    // A wall that others reach beyond its own end runs on to them.
+    for (const Crossing& crossing : m_crossings) {
+      for (const std::size_t side : {0U, 1U}) {
+        if (isChosen(crossing, 1 - side) && !isWithin(crossing, side)) {
+          const bool isTo = crossing.at[side] > m_ends[numberOf({crossing.run[side], true})];
+          m_ends[numberOf({crossing.run[side], isTo})] = crossing.at[side];
+          m_joints[numberOf({crossing.run[side], isTo})].isJoined = true;
+        }
+      }
+    }
+  }
+  /// Whether an end of that side's run went to this crossing.
+  bool isChosen(const Crossing& crossing, std::size_t side) const {
+    const double at = crossing.at[side];
+    return m_ends[2 * crossing.run[side]] == at || m_ends[2 * crossing.run[side] + 1] == at;
+  }
+  bool isWithin(const Crossing& crossing, std::size_t side) const {
+    const double at = crossing.at[side];
+    return at >= m_ends[2 * crossing.run[side]] && at <= m_ends[2 * crossing.run[side] + 1];
+  }
+
+  // --- openings between a wall's end and the wall that it faces ---------------------------
+  void extendToFacing() {
+    for (std::size_t run = 0; run < m_runs.size(); ++run) {
+      for (const bool isTo : {false, true}) {
+        if (!m_joints[numberOf({run, isTo})].isJoined) {
+          extendEnd({run, isTo});
+        }
+      }
+    }
+  }
+
+  void extendEnd(const End& end) {
+    WallRun& run = m_runs[end.run];
+    const AcGePoint2d place = pointOf(end);
+    const AcGeVector2d out = outOf(end);
+    const double most = m_options.maxOpening;
+    Crossing nearest{};
+    double least = most;
+    const auto parts = static_cast<std::size_t>(most / m_options.maxWidth) + 1;
+    for (std::size_t i = 0; i < parts && least == most; ++i) {
+      const double a = most * static_cast<double>(i) / static_cast<double>(parts);
+      const double b = most * static_cast<double>(i + 1) / static_cast<double>(parts);
+      m_grid.visitIn(
+          Box(place + out * a, place + out * b).grownBy(m_options.reach), [&](std::size_t other) {
+            const WallRun& there = m_runs[other];
+            const double sine = sineOf(out, there.axis.along);
+            if (other == end.run || std::fabs(sine) < 0.5) {
+              return;
+            }
+            const double ahead = sineOf(there.axis.origin - place, there.axis.along) / sine;
+            const double at = there.axis.alongOf(place + out * ahead);
+            if (ahead > 0.0 && ahead < least && at >= m_ends[2 * other] - m_options.reach &&
+                at <= m_ends[2 * other + 1] + m_options.reach) {
+              least = ahead;
+              nearest.run = {end.run, other};
+              nearest.point = place + out * ahead;
+              nearest.at = {run.axis.alongOf(nearest.point), at};
+            }
+          });
+    }
+    if (least == most) {
+      return;
+    }
+    const WallRun& there = m_runs[nearest.run[1]];
+    const double sine = std::fabs(sineOf(out, there.axis.along));
+    const double stop = least - std::max(there.left, there.right) / sine;
+    const Axis line{place + run.axis.along.perpVector() * (0.5 * (run.left - run.right)), out};
+    const GapJudge::Drawn drawn = m_judge.drawnIn(line, 0.0, stop, run.width());
+    if (stop <= m_options.reach || !(drawn.isDoor || drawn.isWindow)) {
+      return;
+    }
+    const double edge = end.isTo ? run.to : run.from;
+    const double far = run.axis.alongOf(place + out * stop);
+    run.openings.push_back({std::min(edge, far), std::max(edge, far), drawn.kind()});
+    m_ends[numberOf(end)] = nearest.at[0];
+    m_joints[numberOf(end)].isJoined = true;
+    m_crossings.push_back(nearest);
+  }
+
+  std::vector<WallRun>& m_runs;
+  const GapJudge& m_judge;
+  const FindWallsOptions& m_options;
+  SegmentGrid m_grid;
+  std::vector<Crossing> m_crossings;
+  std::vector<Joint> m_joints;  // of every end
+  std::vector<double> m_ends;   // where it goes
+};
+
+double Network::confidenceOf(std::size_t number) const {
+  const WallRun& run = m_runs[number];
+  const double joined =
+      (m_joints[2 * number].isJoined ? 1.0 : 0.0) + (m_joints[2 * number + 1].isJoined ? 1.0 : 0.0);
+  const double drawn = run.drawnLength();
+  const double slender = std::min(1.0, drawn / (4.0 * run.width()));
+  const double common = std::min(1.0, 4.0 * std::sqrt(run.share) * 0.5);
+  return std::min(1.0, 0.15 + 0.2 * joined + 0.25 * common + 0.2 * slender +
+                           (run.openings.empty() ? 0.0 : 0.1));
+}
+
+std::vector<WallPiece> Network::pieces() const {
+  std::vector<std::vector<double>> cuts(m_runs.size());
+  for (const Crossing& crossing : m_crossings) {
+    for (const std::size_t side : {0U, 1U}) {
+      const std::size_t other = 1 - side;
+      const double slack = m_options.tolerance;
+      const double at = crossing.at[other];
+      const bool isOther = at >= m_ends[2 * crossing.run[other]] - slack &&
+                           at <= m_ends[2 * crossing.run[other] + 1] + slack;
+      if (isOther) {
+        cuts[crossing.run[side]].push_back(crossing.at[side]);
+      }
+    }
+  }
+  std::vector<WallPiece> pieces;
+  for (std::size_t i = 0; i < m_runs.size(); ++i) {
+    const WallRun& run = m_runs[i];
+    const double from = m_ends[2 * i];
+    const double to = m_ends[2 * i + 1];
+    std::vector<double> stops{from};
+    std::sort(cuts[i].begin(), cuts[i].end());
+    for (const double cut : cuts[i]) {
+      if (cut > stops.back() + m_options.tolerance && cut < to - m_options.tolerance) {
+        stops.push_back(cut);
+      }
+    }
+    if (!(to > from)) {
+      continue;
+    }
+    stops.push_back(to);
+    const double confidence = confidenceOf(i);
+    for (std::size_t j = 1; j < stops.size(); ++j) {
+      pieces.push_back(
+          {i,
+           {run.axis.at(stops[j - 1]), run.axis.at(stops[j]), run.left, run.right, confidence},
+           stops[j - 1],
+           stops[j]});
+    }
+  }
+  return pieces;
+}
+
+/// Ends that are one get the same coordinates: those of the end that comes first.
+void snapEnds(std::vector<WallPiece>& pieces, double distance) {
+  std::vector<AcGePoint3d> points;
+  points.reserve(2 * pieces.size());
+  for (const WallPiece& piece : pieces) {
+    points.emplace_back(piece.wall.start.x, piece.wall.start.y, 0.0);
+    points.emplace_back(piece.wall.end.x, piece.wall.end.y, 0.0);
+  }
+  const PointIndex index(points);
+  std::vector<bool> isSnapped(points.size(), false);
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    if (isSnapped[i]) {
+      continue;
+    }
+    index.visitIn(PointBox(points[i], distance), [&](std::size_t other) {
+      // The ends of one wall stay two.
+      if (!isSnapped[other] && (other / 2 != i / 2 || other == i) &&
+          points[other].distanceTo(points[i]) <= distance) {
+        isSnapped[other] = true;
+        WallPiece& piece = pieces[other / 2];
+        (other % 2 == 0 ? piece.wall.start : piece.wall.end).set(points[i].x, points[i].y);
+      }
+    });
+  }
+}
+
+/// Runs that lie in another's opening, or in its body, are lines of a window.
+void dropInner(std::vector<WallRun>& runs, const FindWallsOptions& options) {
+  SegmentGrid grid;
+  for (const WallRun& run : runs) {
+    grid.add(run.start(), run.end());
+  }
+  grid.arrange(4.0 * options.maxWidth);
+  std::vector<bool> isInner(runs.size(), false);
+  const auto look = [&](std::size_t outer, double from, double to) {
+    const WallRun& run = runs[outer];
+    const double slack = options.reach;
+    const Box box = Box(run.axis.at(from), run.axis.at(to)).grownBy(run.width());
+    grid.visitIn(box, [&](std::size_t other) {
+      const WallRun& there = runs[other];
+      const double a = run.axis.alongOf(there.start());
+      const double b = run.axis.alongOf(there.end());
+      const auto isAside = [&](const AcGePoint2d& point) {
+        const double left = run.axis.leftOf(point);
+        return left > run.left + options.tolerance || left < -run.right - options.tolerance;
+      };
+      if (other != outer && std::min(a, b) >= from - slack && std::max(a, b) <= to + slack &&
+          there.length() < run.length() && !isAside(there.start()) && !isAside(there.end())) {
+        isInner[other] = true;
+      }
+    });
+  };
+  for (std::size_t i = 0; i < runs.size(); ++i) {
+    const double step = 8.0 * options.maxWidth;
+    const auto parts = static_cast<std::size_t>(runs[i].length() / step) + 1;
+    for (const WallRun::Gap& gap : runs[i].openings) {
+      look(i, gap.from, gap.to);
+    }
+    if (parts == 1) {
+      look(i, runs[i].from, runs[i].to);
+    }
+  }
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < runs.size(); ++i) {
+    if (!isInner[i]) {
+      if (kept != i) {
+        runs[kept] = std::move(runs[i]);
+      }
+      ++kept;
+    }
+  }
+  runs.resize(kept);
+}
+
+}  // namespace
+
+WallNetwork joinRuns(std::vector<WallRun> runs, const GapJudge& judge,
+                     const FindWallsOptions& options) {
+  dropInner(runs, options);
+  // Without the doubtful ones others may be doubtful that met them.
+  for (int round = 0; round < 3; ++round) {
+    std::vector<WallRun> trial = runs;
+    Network network(trial, judge, options);
+    network.join();
+    std::vector<WallRun> kept;
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+      if (network.confidenceOf(i) >= options.minConfidence) {
+        kept.push_back(runs[i]);
+      }
+    }
+    const bool isSame = kept.size() == runs.size();
+    runs = std::move(kept);
+    if (isSame) {
+      break;
+    }
+  }
+  WallNetwork result;
+  result.runs = std::move(runs);
+  Network network(result.runs, judge, options);
+  network.join();
+  result.pieces = network.pieces();
+  snapEnds(result.pieces, 2.0 * options.tolerance);
+  return result;
+}
+
+}  // namespace quoin::plan
