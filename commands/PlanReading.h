@@ -18,7 +18,7 @@ struct ReadingOptions {
   std::string minWidth;
   std::string maxWidth;
   std::string maxOpening;
-  double minConfidence = 0.5;
+  double minConfidence = plan::FindWallsOptions().minConfidence;
 
   void declare(CLI::App& command);
   /// Fails: throws CommandError (Usage) for widths between which nothing fits.

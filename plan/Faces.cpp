@@ -11,8 +11,12 @@ namespace {
 
 constexpr double kHalfTurn = std::numbers::pi;
 /// So near are the directions of parallel lines, at least and, for short lines, at most.
-constexpr double kLeastTurn = 0.1 * kHalfTurn / 180.0;
+constexpr double kLeastTurn = 0.35 * kHalfTurn / 180.0;
 constexpr double kGreatestTurn = 3.0 * kHalfTurn / 180.0;
+
+/// Long lines of one face that rise along the axis pass their middles so many tolerances apart at
+/// most.
+constexpr double kDrift = 8.0;
 
 struct SortedLine {
   double length;
@@ -119,6 +123,8 @@ class FaceMaker {
       m_longest[open->second] = piece.length();
       face.line = piece.line;
       face.offset = piece.offset;
+      face.middle = piece.middle;
+      face.slope = piece.slope;
     }
   }
   void endGroup() { m_open.clear(); }
@@ -130,14 +136,15 @@ class FaceMaker {
   Open::iterator findOpen(const Face& piece) {
     auto found = m_open.end();
     double least = m_options.tolerance;
-    for (auto open = m_open.lower_bound(piece.offset - 2.0 * m_options.tolerance);
-         open != m_open.end() && open->first <= piece.offset + 2.0 * m_options.tolerance;) {
+    for (auto open = m_open.lower_bound(piece.offset - kDrift * m_options.tolerance);
+         open != m_open.end() && open->first <= piece.offset + kDrift * m_options.tolerance;) {
       const Face& face = m_result.faces[open->second];
       if (face.end + m_options.reach < piece.begin) {
         open = m_open.erase(open);
         continue;
       }
-      const double off = std::fabs(face.offset - piece.offset);
+      const double at = std::min(std::max(piece.begin, face.begin), face.end);
+      const double off = std::fabs(face.offsetAt(at) - piece.offsetAt(piece.begin));
       if (off < least || (off == least && found == m_open.end())) {
         least = off;
         found = open;
@@ -190,8 +197,10 @@ Faces makeFaces(const std::vector<PlanLine>& lines, const FindWallsOptions& opti
     const Axis& axis = result.axes[group];
     const double a = axis.alongOf(ends.start);
     const double b = axis.alongOf(ends.end);
-    const double offset = 0.5 * (axis.leftOf(ends.start) + axis.leftOf(ends.end));
-    pieces.push_back({group, std::min(a, b), std::max(a, b), offset, line.number});
+    const double left = axis.leftOf(ends.start);
+    const double rise = axis.leftOf(ends.end) - left;
+    pieces.push_back({group, std::min(a, b), std::max(a, b), left + 0.5 * rise, 0.5 * (a + b),
+                      rise / (b - a), line.number});
   }
   // Stable: of pieces that begin together the longer comes first.
   std::stable_sort(pieces.begin(), pieces.end(), [](const Face& a, const Face& b) {

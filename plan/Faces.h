@@ -15,11 +15,15 @@ struct Face {
   std::size_t group = 0;
   double begin = 0.0;
   double end = 0.0;
+  /// Where its longest line passes its middle, and how much it rises along the axis.
   double offset = 0.0;
-  /// The longest of its lines, an index into PlanDrawing::lines.
+  double middle = 0.0;
+  double slope = 0.0;
+  /// That line, an index into PlanDrawing::lines.
   std::size_t line = 0;
 
   double length() const { return end - begin; }
+  double offsetAt(double at) const { return offset + slope * (at - middle); }
 };
 
 struct Faces {

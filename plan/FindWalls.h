@@ -58,7 +58,7 @@ struct FindWallsOptions {
   /// The widest gap that is an opening where a window or a door is drawn in it.
   double maxDrawnOpening = 6500.0;
   /// Walls of a lower confidence are left over.
-  double minConfidence = 0.5;
+  double minConfidence = 0.55;
   /// Chords take the place of an arc whose distance from it is this at most.
   double deviation = 5.0;
 

@@ -70,9 +70,19 @@ class Sweep {
     if (left == m_active.end()) {
       return;
     }
-    Strip strip{right.first.face, left->first.face, right.second, end, 0.0, 0.0};
-    strip.width = left->first.offset - right.first.offset;
-    strip.middle = 0.5 * (left->first.offset + right.first.offset);
+    Strip strip;
+    strip.right = right.first.face;
+    strip.left = left->first.face;
+    strip.begin = right.second;
+    strip.end = end;
+    const Face& rightFace = m_faces.faces[strip.right];
+    const Face& leftFace = m_faces.faces[strip.left];
+    const double at = 0.5 * (strip.begin + strip.end);
+    const double r = rightFace.offsetAt(at);
+    const double l = leftFace.offsetAt(at);
+    strip.width = l - r;
+    strip.middle = 0.5 * (l + r);
+    strip.slope = 0.5 * (rightFace.slope + leftFace.slope);
     const double slack = m_options.tolerance;
     if (strip.length() > slack && strip.width >= m_options.minWidth - slack &&
         strip.width <= m_options.maxWidth + slack) {
@@ -86,37 +96,54 @@ class Sweep {
   Active m_active;
 };
 
-/// How much of the length of all strips is of about a width.
-class WidthShares {
- public:
-  WidthShares(const std::vector<Strip>& strips, double tolerance) : m_tolerance(tolerance) {
-    std::vector<std::pair<double, double>> sorted;
-    sorted.reserve(strips.size());
-    for (const Strip& strip : strips) {
-      // What is shorter than wide says little of its width.
-      sorted.emplace_back(strip.width,
-                          strip.length() * std::min(1.0, strip.length() / strip.width));
-    }
-    std::sort(sorted.begin(), sorted.end());
-    m_sums.push_back(0.0);
-    for (const auto& [width, length] : sorted) {
-      m_widths.push_back(width);
-      m_sums.push_back(m_sums.back() + length);
-    }
-  }
-  double of(double width) const {
-    const auto low = std::lower_bound(m_widths.begin(), m_widths.end(), width - m_tolerance);
-    const auto high = std::upper_bound(m_widths.begin(), m_widths.end(), width + m_tolerance);
-    const double sum = m_sums[static_cast<std::size_t>(high - m_widths.begin())] -
-                       m_sums[static_cast<std::size_t>(low - m_widths.begin())];
-    return m_sums.back() > 0.0 ? sum / m_sums.back() : 0.0;
-  }
+/// So many strips of one width side by side are stairs, a hatch or panes, and no walls.
+constexpr std::size_t kLadder = 4;
 
- private:
-  double m_tolerance;
-  std::vector<double> m_widths;
-  std::vector<double> m_sums;
-};
+/// Takes ladders out of the strips of one group.
+void dropLadders(std::vector<Strip>& strips, const FindWallsOptions& options) {
+  std::vector<std::pair<std::size_t, std::size_t>> byRight;  // a strip by its right face
+  for (std::size_t i = 0; i < strips.size(); ++i) {
+    byRight.emplace_back(strips[i].right, i);
+  }
+  std::sort(byRight.begin(), byRight.end());
+  const std::size_t none = strips.size();
+  std::vector<std::size_t> next(strips.size(), none);
+  std::vector<bool> isFirst(strips.size(), true);
+  for (std::size_t i = 0; i < strips.size(); ++i) {
+    const Strip& strip = strips[i];
+    for (auto at = std::lower_bound(byRight.begin(), byRight.end(),
+                                    std::pair<std::size_t, std::size_t>(strip.left, 0));
+         at != byRight.end() && at->first == strip.left; ++at) {
+      const Strip& beside = strips[at->second];
+      const double shared = std::min(strip.end, beside.end) - std::max(strip.begin, beside.begin);
+      if (std::fabs(beside.width - strip.width) <= options.tolerance &&
+          shared >= 0.8 * std::max(strip.length(), beside.length())) {
+        next[i] = at->second;
+        isFirst[at->second] = false;
+      }
+    }
+  }
+  std::vector<bool> isRung(strips.size(), false);
+  for (std::size_t i = 0; i < strips.size(); ++i) {
+    if (!isFirst[i]) {
+      continue;
+    }
+    std::size_t count = 0;
+    for (std::size_t at = i; at != none; at = next[at]) {
+      ++count;
+    }
+    for (std::size_t at = i; count >= kLadder && at != none; at = next[at]) {
+      isRung[at] = true;
+    }
+  }
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < strips.size(); ++i) {
+    if (!isRung[i]) {
+      strips[kept++] = strips[i];
+    }
+  }
+  strips.resize(kept);
+}
 
 /// Strips of one group, by their begin, as chains.
 class Chainer {
@@ -134,7 +161,7 @@ class Chainer {
       m_result.emplace_back().group = group;
     }
     m_result[chain].strips.push_back(strip);
-    m_open.emplace(strip.middle, chain);
+    m_open.emplace(strip.middleAt(strip.end), chain);
   }
   void endGroup() { m_open.clear(); }
 
@@ -144,8 +171,9 @@ class Chainer {
   Open::iterator findOpen(const Strip& strip) {
     auto found = m_open.end();
     double least = m_options.maxDrawnOpening;
-    for (auto open = m_open.lower_bound(strip.middle - m_options.tolerance);
-         open != m_open.end() && open->first <= strip.middle + m_options.tolerance;) {
+    const double middle = strip.middleAt(strip.begin);
+    for (auto open = m_open.lower_bound(middle - m_options.tolerance);
+         open != m_open.end() && open->first <= middle + m_options.tolerance;) {
       const Strip& last = m_result[open->second].strips.back();
       const double gap = strip.begin - last.end;
       if (gap > m_options.maxDrawnOpening) {
@@ -287,14 +315,14 @@ class TakenPlaces {
   SegmentGrid m_grid;
 };
 
-void score(StripChain& chain, const WidthShares& shares, const FindWallsOptions& options) {
+void score(StripChain& chain, const LengthsByWidth& lengths, const FindWallsOptions& options) {
   const double length = chain.length();
   double area = 0.0;
   for (const Strip& strip : chain.strips) {
     area += strip.length() * strip.width;
   }
   const double width = area / length;
-  chain.share = shares.of(width);
+  chain.share = lengths.shareOf(width, options.tolerance);
   // Common widths count more, thick walls less, what is shorter than wide least.
   chain.score = length * (0.1 + std::sqrt(chain.share)) * (1.2 - 0.4 * width / options.maxWidth) *
                 std::min(1.0, length / (2.0 * width));
@@ -330,6 +358,7 @@ std::vector<StripChain> choose(std::vector<StripChain> chains, const Faces& face
       if (!isEnough || places.isTaken(i, j)) {
         continue;
       }
+      strip.middle = strip.middleAt(0.5 * (begin + end));
       strip.begin = begin;
       strip.end = end;
       sides.take(strip);
@@ -344,6 +373,23 @@ std::vector<StripChain> choose(std::vector<StripChain> chains, const Faces& face
 }
 
 }  // namespace
+
+LengthsByWidth::LengthsByWidth(std::vector<std::pair<double, double>> lengths) {
+  std::sort(lengths.begin(), lengths.end());
+  m_sums.push_back(0.0);
+  for (const auto& [width, length] : lengths) {
+    m_widths.push_back(width);
+    m_sums.push_back(m_sums.back() + length);
+  }
+}
+
+double LengthsByWidth::shareOf(double width, double tolerance) const {
+  const auto low = std::lower_bound(m_widths.begin(), m_widths.end(), width - tolerance);
+  const auto high = std::upper_bound(m_widths.begin(), m_widths.end(), width + tolerance);
+  const double sum = m_sums[static_cast<std::size_t>(high - m_widths.begin())] -
+                     m_sums[static_cast<std::size_t>(low - m_widths.begin())];
+  return m_sums.back() > 0.0 ? sum / m_sums.back() : 0.0;
+}
 
 double StripChain::length() const {
   double sum = 0.0;
@@ -371,6 +417,7 @@ std::vector<StripChain> findStrips(const Faces& faces, const FindWallsOptions& o
     }
     std::vector<Strip> strips;
     Sweep(faces, options, strips).run(first, last);
+    dropLadders(strips, options);
     std::sort(strips.begin(), strips.end(), [](const Strip& a, const Strip& b) {
       return a.begin != b.begin ? a.begin < b.begin : a.middle < b.middle;
     });
@@ -381,7 +428,13 @@ std::vector<StripChain> findStrips(const Faces& faces, const FindWallsOptions& o
     all.insert(all.end(), strips.begin(), strips.end());
     first = last;
   }
-  const WidthShares shares(all, options.tolerance);
+  std::vector<std::pair<double, double>> lengths;
+  lengths.reserve(all.size());
+  for (const Strip& strip : all) {
+    // What is shorter than wide says little of its width.
+    lengths.emplace_back(strip.width, strip.length() * std::min(1.0, strip.length() / strip.width));
+  }
+  const LengthsByWidth shares(std::move(lengths));
   for (StripChain& chain : chains) {
     score(chain, shares, options);
   }

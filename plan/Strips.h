@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "plan/Faces.h"
@@ -15,10 +16,25 @@ struct Strip {
   std::size_t left = 0;
   double begin = 0.0;
   double end = 0.0;
-  double middle = 0.0;  // the offset midway between the faces
-  double width = 0.0;
+  double middle = 0.0;  // the offset midway between the faces, at the strip's middle
+  double slope = 0.0;   // by which that rises
+  double width = 0.0;   // there
 
   double length() const { return end - begin; }
+  double middleAt(double at) const { return middle + slope * (at - 0.5 * (begin + end)); }
+};
+
+/// Lengths of what has a width, to ask how much of them is of about one width.
+class LengthsByWidth {
+ public:
+  /// Pairs of width and length.
+  explicit LengthsByWidth(std::vector<std::pair<double, double>> lengths);
+  /// The part of all length of which the width differs by the tolerance at most, from 0 to 1.
+  double shareOf(double width, double tolerance) const;
+
+ private:
+  std::vector<double> m_widths;
+  std::vector<double> m_sums;
 };
 
 /// Strips of one width on one line, with gaps between them that may be openings or junctions.

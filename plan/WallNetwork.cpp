@@ -42,6 +42,10 @@ class Network {
     findCrossings();
     chooseEnds();
     extendToFacing();
+    measureComponents();
+  }
+  double joinedEnds(std::size_t run) const {
+    return (m_joints[2 * run].isJoined ? 1.0 : 0.0) + (m_joints[2 * run + 1].isJoined ? 1.0 : 0.0);
   }
   double confidenceOf(std::size_t run) const;
   std::vector<WallPiece> pieces() const;
@@ -153,6 +157,7 @@ class Network {
         return;
       }
       next[end.run].push_back({other, aside});
+      m_continued.emplace_back(end.run, other);
       const AcGePoint2d joint = place + out * (0.5 * gap);
       m_joints[numberOf(end)] = {true, run.axis.alongOf(joint)};
     });
@@ -205,7 +210,9 @@ class Network {
     for (const std::size_t side : {0U, 1U}) {
       const WallRun& run = m_runs[crossing.run[side]];
       const double at = crossing.at[side];
-      if (at < run.from - crossing.allowance[side] || at > run.to + crossing.allowance[side]) {
+      // A third wall that is thicker may keep the two further apart.
+      const double most = crossing.allowance[side] + m_options.maxWidth;
+      if (at < run.from - most || at > run.to + most) {
         return;
       }
     }
@@ -224,35 +231,54 @@ class Network {
       }
     }
     for (const Crossing& crossing : m_crossings) {
+      if (isInReach(crossing, 0) && isInReach(crossing, 1)) {
+        sendEnds(crossing, 0, nearest);
+        sendEnds(crossing, 1, nearest);
+      }
+    }
+    // Where a third wall has brought one of two to their crossing, the other may come too.
+    for (const Crossing& crossing : m_crossings) {
       for (const std::size_t side : {0U, 1U}) {
-        const WallRun& run = m_runs[crossing.run[side]];
-        const WallRun& other = m_runs[crossing.run[1 - side]];
-        const double sine = std::fabs(sineOf(run.axis.along, other.axis.along));
-        // What stands out on the other wall's far side is a wall of its own.
-        const double inside = std::max(other.left, other.right) / sine + 2.0 * m_options.tolerance;
-        for (const bool isTo : {false, true}) {
-          const double end = isTo ? run.to : run.from;
-          const double beyond = isTo ? crossing.at[side] - end : end - crossing.at[side];
-          // Of a short wall the nearer end goes there.
-          const bool isMine = std::fabs(beyond) <= 0.5 * run.length() || beyond > 0.0;
-          const std::size_t number = numberOf({crossing.run[side], isTo});
-          if (isMine && beyond <= crossing.allowance[side] && beyond >= -inside &&
-              std::fabs(beyond) < nearest[number]) {
-            nearest[number] = std::fabs(beyond);
-            m_ends[number] = crossing.at[side];
-            m_joints[number].isJoined = true;
-          }
+        if (isInReach(crossing, side) && isMet(crossing, 1 - side)) {
+          sendEnds(crossing, side, nearest);
         }
       }
     }
     // A wall that others reach beyond its own end runs on to them.
     for (const Crossing& crossing : m_crossings) {
       for (const std::size_t side : {0U, 1U}) {
-        if (isChosen(crossing, 1 - side) && !isWithin(crossing, side)) {
+        if (isChosen(crossing, 1 - side) && isInReach(crossing, side) &&
+            !isWithin(crossing, side)) {
           const bool isTo = crossing.at[side] > m_ends[numberOf({crossing.run[side], true})];
           m_ends[numberOf({crossing.run[side], isTo})] = crossing.at[side];
           m_joints[numberOf({crossing.run[side], isTo})].isJoined = true;
         }
+      }
+    }
+  }
+  bool isInReach(const Crossing& crossing, std::size_t side) const {
+    const WallRun& run = m_runs[crossing.run[side]];
+    const double at = crossing.at[side];
+    return at >= run.from - crossing.allowance[side] && at <= run.to + crossing.allowance[side];
+  }
+  /// Sends the ends of that side's run to the crossing, for which it is the nearest.
+  void sendEnds(const Crossing& crossing, std::size_t side, std::vector<double>& nearest) {
+    const WallRun& run = m_runs[crossing.run[side]];
+    const WallRun& other = m_runs[crossing.run[1 - side]];
+    const double sine = std::fabs(sineOf(run.axis.along, other.axis.along));
+    // What stands out on the other wall's far side is a wall of its own.
+    const double inside = std::max(other.left, other.right) / sine + 2.0 * m_options.tolerance;
+    for (const bool isTo : {false, true}) {
+      const double end = isTo ? run.to : run.from;
+      const double beyond = isTo ? crossing.at[side] - end : end - crossing.at[side];
+      // Of a short wall the nearer end goes there.
+      const bool isMine = std::fabs(beyond) <= 0.5 * run.length() || beyond > 0.0;
+      const std::size_t number = numberOf({crossing.run[side], isTo});
+      if (isMine && beyond <= crossing.allowance[side] && beyond >= -inside &&
+          std::fabs(beyond) < nearest[number]) {
+        nearest[number] = std::fabs(beyond);
+        m_ends[number] = crossing.at[side];
+        m_joints[number].isJoined = true;
       }
     }
   }
@@ -270,7 +296,9 @@ class Network {
   void extendToFacing() {
     for (std::size_t run = 0; run < m_runs.size(); ++run) {
       for (const bool isTo : {false, true}) {
-        if (!m_joints[numberOf({run, isTo})].isJoined) {
+        // Of walls alone: what hangs on nothing at its other end may be furniture.
+        if (!m_joints[numberOf({run, isTo})].isJoined &&
+            m_joints[numberOf({run, !isTo})].isJoined) {
           extendEnd({run, isTo});
         }
       }
@@ -314,7 +342,8 @@ class Network {
     const double stop = least - std::max(there.left, there.right) / sine;
     const Axis line{place + run.axis.along.perpVector() * (0.5 * (run.left - run.right)), out};
     const GapJudge::Drawn drawn = m_judge.drawnIn(line, 0.0, stop, run.width());
-    if (stop <= m_options.reach || !(drawn.isDoor || drawn.isWindow)) {
+    if (stop <= m_options.reach || !(drawn.isDoor || drawn.isWindow) ||
+        !m_judge.hasEnd(line, 0.0, run.width())) {
       return;
     }
     const double edge = end.isTo ? run.to : run.from;
@@ -325,6 +354,15 @@ class Network {
     m_crossings.push_back(nearest);
   }
 
+  void measureComponents();
+  /// Whether the crossing lies on that side's run, as far as it goes in the end.
+  bool isMet(const Crossing& crossing, std::size_t side) const {
+    const double slack = m_options.tolerance;
+    const double at = crossing.at[side];
+    return at >= m_ends[2 * crossing.run[side]] - slack &&
+           at <= m_ends[2 * crossing.run[side] + 1] + slack;
+  }
+
   std::vector<WallRun>& m_runs;
   const GapJudge& m_judge;
   const FindWallsOptions& m_options;
@@ -332,29 +370,55 @@ class Network {
   std::vector<Crossing> m_crossings;
   std::vector<Joint> m_joints;  // of every end
   std::vector<double> m_ends;   // where it goes
+  std::vector<std::pair<std::size_t, std::size_t>> m_continued;
+  std::vector<double> m_componentLength;  // of each run's
 };
 
 double Network::confidenceOf(std::size_t number) const {
   const WallRun& run = m_runs[number];
-  const double joined =
-      (m_joints[2 * number].isJoined ? 1.0 : 0.0) + (m_joints[2 * number + 1].isJoined ? 1.0 : 0.0);
   const double drawn = run.drawnLength();
   const double slender = std::min(1.0, drawn / (4.0 * run.width()));
-  const double common = std::min(1.0, 4.0 * std::sqrt(run.share) * 0.5);
-  return std::min(1.0, 0.15 + 0.2 * joined + 0.25 * common + 0.2 * slender +
-                           (run.openings.empty() ? 0.0 : 0.1));
+  const double common = std::min(1.0, run.share / 0.08);
+  const double alone = m_componentLength[number] < 12.0 * m_options.maxWidth ? 0.15 : 0.0;
+  return std::clamp(0.1 + 0.2 * joinedEnds(number) + 0.3 * common + 0.2 * slender +
+                        (run.openings.empty() ? 0.0 : 0.05) - alone,
+                    0.0, 1.0);
+}
+
+/// Which walls hang together, and how long they are in all.
+void Network::measureComponents() {
+  std::vector<std::size_t> root(m_runs.size());
+  std::iota(root.begin(), root.end(), 0U);
+  const auto find = [&](std::size_t i) {
+    while (root[i] != i) {
+      i = root[i] = root[root[i]];
+    }
+    return i;
+  };
+  const auto unite = [&](std::size_t a, std::size_t b) { root[find(a)] = find(b); };
+  for (const Crossing& crossing : m_crossings) {
+    if (isMet(crossing, 0) && isMet(crossing, 1)) {
+      unite(crossing.run[0], crossing.run[1]);
+    }
+  }
+  for (const auto& [a, b] : m_continued) {
+    unite(a, b);
+  }
+  std::vector<double> lengths(m_runs.size(), 0.0);
+  for (std::size_t i = 0; i < m_runs.size(); ++i) {
+    lengths[find(i)] += m_runs[i].drawnLength();
+  }
+  m_componentLength.resize(m_runs.size());
+  for (std::size_t i = 0; i < m_runs.size(); ++i) {
+    m_componentLength[i] = lengths[find(i)];
+  }
 }
 
 std::vector<WallPiece> Network::pieces() const {
   std::vector<std::vector<double>> cuts(m_runs.size());
   for (const Crossing& crossing : m_crossings) {
     for (const std::size_t side : {0U, 1U}) {
-      const std::size_t other = 1 - side;
-      const double slack = m_options.tolerance;
-      const double at = crossing.at[other];
-      const bool isOther = at >= m_ends[2 * crossing.run[other]] - slack &&
-                           at <= m_ends[2 * crossing.run[other] + 1] + slack;
-      if (isOther) {
+      if (isMet(crossing, 1 - side)) {
         cuts[crossing.run[side]].push_back(crossing.at[side]);
       }
     }
@@ -461,11 +525,31 @@ void dropInner(std::vector<WallRun>& runs, const FindWallsOptions& options) {
   runs.resize(kept);
 }
 
+/// Sets each run's share anew, from those that others hold at both ends and that are much longer
+/// than wide: stairs and furniture have widths too.
+void shareWidths(std::vector<WallRun>& runs, const GapJudge& judge,
+                 const FindWallsOptions& options) {
+  std::vector<WallRun> trial = runs;
+  Network network(trial, judge, options);
+  network.join();
+  std::vector<std::pair<double, double>> lengths;
+  for (std::size_t i = 0; i < runs.size(); ++i) {
+    const double drawn = runs[i].drawnLength();
+    const double slender = std::min(1.0, drawn / (10.0 * runs[i].width()));
+    lengths.emplace_back(runs[i].width(), drawn * slender * network.joinedEnds(i));
+  }
+  const LengthsByWidth all(std::move(lengths));
+  for (WallRun& run : runs) {
+    run.share = all.shareOf(run.width(), options.tolerance);
+  }
+}
+
 }  // namespace
 
 WallNetwork joinRuns(std::vector<WallRun> runs, const GapJudge& judge,
                      const FindWallsOptions& options) {
   dropInner(runs, options);
+  shareWidths(runs, judge, options);
   // Without the doubtful ones others may be doubtful that met them.
   for (int round = 0; round < 3; ++round) {
     std::vector<WallRun> trial = runs;

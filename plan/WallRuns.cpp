@@ -331,8 +331,8 @@ bool GapJudge::hasEnd(const Axis& axis, double at, double width) const {
 void GapJudge::lookAtArcs(const Axis& axis, double from, double to, double width,
                           Drawn& drawn) const {
   const double length = to - from;
-  const double slack = 0.12 * length + 0.5 * m_options.reach;
-  const double aside = 0.5 * width + slack;
+  const double slack = 0.08 * length + 0.5 * m_options.reach;
+  const double aside = 0.5 * width + m_options.reach;
   const Box box = Box(axis.at(from), axis.at(to)).grownBy(aside + slack);
   m_centers.visitIn(box, [&](std::size_t number) {
     const PlanArc& arc = m_drawing.arcs[number];
