@@ -12,7 +12,7 @@ namespace {
 constexpr double kHalfTurn = std::numbers::pi;
 /// So near are the directions of parallel lines, at least and, for short lines, at most.
 constexpr double kLeastTurn = 0.35 * kHalfTurn / 180.0;
-constexpr double kGreatestTurn = 3.0 * kHalfTurn / 180.0;
+constexpr double kGreatestTurn = 8.0 * kHalfTurn / 180.0;
 
 /// Long lines of one face that rise along the axis pass their middles so many tolerances apart at
 /// most.

@@ -47,6 +47,35 @@ class LinesOfFaces {
   std::vector<std::size_t> m_lines;
 };
 
+/// Takes out of `all` the chosen strips that are in no wall.
+void dropRefuted(std::vector<StripChain>& all, const std::vector<StripChain>& chosen,
+                 const WallNetwork& network) {
+  std::vector<std::size_t> refuted;
+  for (const StripChain& chain : chosen) {
+    for (const Strip& strip : chain.strips) {
+      refuted.push_back(strip.number);
+    }
+  }
+  std::sort(refuted.begin(), refuted.end());
+  std::vector<std::size_t> held;
+  for (const WallRun& run : network.runs) {
+    for (const Strip& strip : run.strips) {
+      held.push_back(strip.number);
+    }
+  }
+  std::sort(held.begin(), held.end());
+  const auto isRefuted = [&](const Strip& strip) {
+    return std::binary_search(refuted.begin(), refuted.end(), strip.number) &&
+           !std::binary_search(held.begin(), held.end(), strip.number);
+  };
+  for (StripChain& chain : all) {
+    chain.strips.erase(std::remove_if(chain.strips.begin(), chain.strips.end(), isRefuted),
+                       chain.strips.end());
+  }
+  const auto isEmpty = [](const StripChain& chain) { return chain.strips.empty(); };
+  all.erase(std::remove_if(all.begin(), all.end(), isEmpty), all.end());
+}
+
 /// The lines that run along the piece, as its faces.
 std::vector<std::size_t> facesOf(const WallPiece& piece, const WallRun& run, const Axis& axis,
                                  const LinesOfFaces& lines, const PlanDrawing& drawing) {
@@ -153,7 +182,8 @@ FindWallsOptions FindWallsOptions::inUnitsOf(double millimetersPerUnit) {
 FoundWalls findWalls(const PlanDrawing& drawing, const FindWallsOptions& options) {
   FoundWalls found;
   const Faces faces = makeFaces(drawing.lines, options);
-  const std::vector<StripChain> chains = findStrips(faces, options);
+  std::vector<StripChain> all = findStrips(faces, options);
+  std::vector<StripChain> chains = chooseStrips(all, faces, options);
   const GapJudge judge(drawing, options);
   if (getenv("QDBG")) {
     double X = atof(getenv("QX")), Y = atof(getenv("QY")), R = atof(getenv("QR"));
@@ -182,8 +212,13 @@ FoundWalls findWalls(const PlanDrawing& drawing, const FindWallsOptions& options
                 r.end().y, r.openings.size(), r.share);
     }
   }
-  const WallNetwork network =
+  WallNetwork network =
       joinRuns(makeRuns(drawing, faces, chains, judge, options), judge, options);
+  // Once more without what turned out to be no wall: it stood where walls are, hid openings and
+  // parted walls.
+  dropRefuted(all, chains, network);
+  chains = chooseStrips(std::move(all), faces, options);
+  network = joinRuns(makeRuns(drawing, faces, chains, judge, options), judge, options);
   const LinesOfFaces lines(faces);
   for (const WallPiece& piece : network.pieces) {
     const WallRun& run = network.runs[piece.run];

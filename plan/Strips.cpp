@@ -99,6 +99,11 @@ class Sweep {
 /// So many strips of one width side by side are stairs, a hatch or panes, and no walls.
 constexpr std::size_t kLadder = 4;
 
+/// A strip stays with what others leave of it where that is so much of its length.
+constexpr double kEnoughFree = 0.6;
+/// A chain is no shorter than so many times its width.
+constexpr double kLeastSlender = 0.8;
+
 /// Takes ladders out of the strips of one group.
 void dropLadders(std::vector<Strip>& strips, const FindWallsOptions& options) {
   std::vector<std::pair<std::size_t, std::size_t>> byRight;  // a strip by its right face
@@ -340,38 +345,6 @@ bool isBefore(const StripChain& a, const StripChain& b) {
   return left.begin != right.begin ? left.begin < right.begin : left.middle < right.middle;
 }
 
-/// The chains with what others leave of them, best first.
-std::vector<StripChain> choose(std::vector<StripChain> chains, const Faces& faces,
-                               const FindWallsOptions& options) {
-  std::sort(chains.begin(), chains.end(), isBefore);
-  TakenSides sides(faces.faces.size());
-  TakenPlaces places(chains, faces, 4.0 * options.maxWidth);
-  std::vector<StripChain> chosen;
-  for (std::size_t i = 0; i < chains.size(); ++i) {
-    StripChain kept = chains[i];
-    kept.strips.clear();
-    for (std::size_t j = 0; j < chains[i].strips.size(); ++j) {
-      Strip strip = chains[i].strips[j];
-      const auto [begin, end] = sides.freePart(strip);
-      const bool isEnough = end - begin > options.tolerance &&
-                            (end - begin >= 0.3 * strip.length() || end - begin >= strip.width);
-      if (!isEnough || places.isTaken(i, j)) {
-        continue;
-      }
-      strip.middle = strip.middleAt(0.5 * (begin + end));
-      strip.begin = begin;
-      strip.end = end;
-      sides.take(strip);
-      places.take(i, j);
-      kept.strips.push_back(strip);
-    }
-    if (!kept.strips.empty()) {
-      chosen.push_back(std::move(kept));
-    }
-  }
-  return chosen;
-}
-
 }  // namespace
 
 LengthsByWidth::LengthsByWidth(std::vector<std::pair<double, double>> lengths) {
@@ -421,11 +394,12 @@ std::vector<StripChain> findStrips(const Faces& faces, const FindWallsOptions& o
     std::sort(strips.begin(), strips.end(), [](const Strip& a, const Strip& b) {
       return a.begin != b.begin ? a.begin < b.begin : a.middle < b.middle;
     });
-    for (const Strip& strip : strips) {
+    for (Strip& strip : strips) {
+      strip.number = all.size();
+      all.push_back(strip);
       chainer.add(strip, group);
     }
     chainer.endGroup();
-    all.insert(all.end(), strips.begin(), strips.end());
     first = last;
   }
   std::vector<std::pair<double, double>> lengths;
@@ -438,7 +412,44 @@ std::vector<StripChain> findStrips(const Faces& faces, const FindWallsOptions& o
   for (StripChain& chain : chains) {
     score(chain, shares, options);
   }
-  return choose(std::move(chains), faces, options);
+  return chains;
+}
+
+std::vector<StripChain> chooseStrips(std::vector<StripChain> chains, const Faces& faces,
+                                     const FindWallsOptions& options) {
+  // What is much shorter than wide, and alone on its line, is no wall, but the space between a
+  // wall's end and a face.
+  const auto isStump = [](const StripChain& chain) {
+    return chain.length() < kLeastSlender * chain.strips.front().width;
+  };
+  chains.erase(std::remove_if(chains.begin(), chains.end(), isStump), chains.end());
+  std::sort(chains.begin(), chains.end(), isBefore);
+  TakenSides sides(faces.faces.size());
+  TakenPlaces places(chains, faces, 4.0 * options.maxWidth);
+  std::vector<StripChain> chosen;
+  for (std::size_t i = 0; i < chains.size(); ++i) {
+    StripChain kept = chains[i];
+    kept.strips.clear();
+    for (std::size_t j = 0; j < chains[i].strips.size(); ++j) {
+      Strip strip = chains[i].strips[j];
+      const auto [begin, end] = sides.freePart(strip);
+      const bool isEnough =
+          end - begin > options.tolerance && end - begin >= kEnoughFree * strip.length();
+      if (!isEnough || places.isTaken(i, j)) {
+        continue;
+      }
+      strip.middle = strip.middleAt(0.5 * (begin + end));
+      strip.begin = begin;
+      strip.end = end;
+      sides.take(strip);
+      places.take(i, j);
+      kept.strips.push_back(strip);
+    }
+    if (!kept.strips.empty()) {
+      chosen.push_back(std::move(kept));
+    }
+  }
+  return chosen;
 }
 
 }  // namespace quoin::plan

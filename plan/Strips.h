@@ -12,6 +12,8 @@ namespace quoin::plan {
 
 /// The space between two faces of one group, from `begin` to `end` along its axis.
 struct Strip {
+  /// Its own among all strips of the plan, whatever is cut off it.
+  std::size_t number = 0;
   std::size_t right = 0;  // the face on the right of the axis' direction; index into Faces::faces
   std::size_t left = 0;
   double begin = 0.0;
@@ -50,8 +52,13 @@ struct StripChain {
   double length() const;
 };
 
-/// The chains that do not exclude one another, the one with the greatest score first.
+/// All strips of the plan as chains.
 std::vector<StripChain> findStrips(const Faces& faces, const FindWallsOptions& options);
+
+/// The chains, or what others leave of them, that do not exclude one another; the one with the
+/// greatest score first.
+std::vector<StripChain> chooseStrips(std::vector<StripChain> chains, const Faces& faces,
+                                     const FindWallsOptions& options);
 
 /// A strip's four corners, counter-clockwise, beginning at the right of its begin.
 std::vector<AcGePoint2d> cornersOf(const Strip& strip, const Axis& axis);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <numeric>
 
@@ -141,7 +143,7 @@ class Network {
     const WallRun& run = m_runs[end.run];
     const AcGePoint2d place = pointOf(end);
     const AcGeVector2d out = outOf(end);
-    const Box box = Box(place, place).grownBy(0.5 * m_options.maxWidth + m_options.reach);
+    const Box box = Box(place, place).grownBy(m_options.maxWidth + m_options.reach);
     m_grid.visitIn(box, [&](std::size_t other) {
       const WallRun& there = m_runs[other];
       if (other == end.run || std::fabs(sineOf(out, there.axis.along)) > kParallelSine) {
@@ -153,6 +155,16 @@ class Network {
       const double aside = run.axis.leftOf(pointOf(facing));
       const bool isBeside =
           std::fabs(aside) < 0.5 * (run.width() + there.width()) - m_options.tolerance;
+      const bool isFlush =
+          std::fabs(std::fabs(aside) - 0.5 * std::fabs(run.width() - there.width())) <=
+              m_options.tolerance &&
+          std::fabs(aside) > m_options.tolerance;
+      if (isBeside && isFlush && gap > m_options.reach &&
+          gap <= m_options.maxWidth + m_options.reach) {
+        // A third wall between them meets both on one line.
+        next[end.run].push_back({other, aside});
+        return;
+      }
       if (std::fabs(gap) > m_options.reach || !isBeside) {
         return;
       }
@@ -296,9 +308,10 @@ class Network {
   void extendToFacing() {
     for (std::size_t run = 0; run < m_runs.size(); ++run) {
       for (const bool isTo : {false, true}) {
-        // Of walls alone: what hangs on nothing at its other end may be furniture.
-        if (!m_joints[numberOf({run, isTo})].isJoined &&
-            m_joints[numberOf({run, !isTo})].isJoined) {
+        // Of walls alone: what is short and hangs on nothing at its other end may be furniture.
+        const bool isWall = m_joints[numberOf({run, !isTo})].isJoined ||
+                            m_runs[run].drawnLength() >= 8.0 * m_runs[run].width();
+        if (isWall && !m_joints[numberOf({run, isTo})].isJoined) {
           extendEnd({run, isTo});
         }
       }
@@ -339,14 +352,16 @@ class Network {
     }
     const WallRun& there = m_runs[nearest.run[1]];
     const double sine = std::fabs(sineOf(out, there.axis.along));
-    const double stop = least - std::max(there.left, there.right) / sine;
+    double begin = 0.0;
+    double stop = least - std::max(there.left, there.right) / sine;
     const Axis line{place + run.axis.along.perpVector() * (0.5 * (run.left - run.right)), out};
-    const GapJudge::Drawn drawn = m_judge.drawnIn(line, 0.0, stop, run.width());
-    if (stop <= m_options.reach || !(drawn.isDoor || drawn.isWindow) ||
+    m_judge.narrow(line, run.width(), begin, stop);
+    const GapJudge::Drawn drawn = m_judge.drawnIn(line, begin, stop, run.width());
+    if (stop - begin <= m_options.reach || !(drawn.isDoor || drawn.isWindow) ||
         !m_judge.hasEnd(line, 0.0, run.width())) {
       return;
     }
-    const double edge = end.isTo ? run.to : run.from;
+    const double edge = run.axis.alongOf(place + out * begin);
     const double far = run.axis.alongOf(place + out * stop);
     run.openings.push_back({std::min(edge, far), std::max(edge, far), drawn.kind()});
     m_ends[numberOf(end)] = nearest.at[0];
@@ -380,7 +395,9 @@ double Network::confidenceOf(std::size_t number) const {
   const double slender = std::min(1.0, drawn / (4.0 * run.width()));
   const double common = std::min(1.0, run.share / 0.08);
   const double alone = m_componentLength[number] < 12.0 * m_options.maxWidth ? 0.15 : 0.0;
-  return std::clamp(0.1 + 0.2 * joinedEnds(number) + 0.3 * common + 0.2 * slender +
+  // Ends that meet others say little of what is neither common nor much longer than wide.
+  const double joined = joinedEnds(number) * std::max(slender, common);
+  return std::clamp(0.1 + 0.2 * joined + 0.3 * common + 0.2 * slender +
                         (run.openings.empty() ? 0.0 : 0.05) - alone,
                     0.0, 1.0);
 }
@@ -477,7 +494,8 @@ void snapEnds(std::vector<WallPiece>& pieces, double distance) {
   }
 }
 
-/// Runs that lie in another's opening, or in its body, are lines of a window.
+/// Runs that lie in another's opening, or in its body, are lines of a window; shorter ones with
+/// their backs on its face are furniture or lining.
 void dropInner(std::vector<WallRun>& runs, const FindWallsOptions& options) {
   SegmentGrid grid;
   for (const WallRun& run : runs) {
@@ -488,7 +506,7 @@ void dropInner(std::vector<WallRun>& runs, const FindWallsOptions& options) {
   const auto look = [&](std::size_t outer, double from, double to) {
     const WallRun& run = runs[outer];
     const double slack = options.reach;
-    const Box box = Box(run.axis.at(from), run.axis.at(to)).grownBy(run.width());
+    const Box box = Box(run.axis.at(from), run.axis.at(to)).grownBy(options.maxWidth);
     grid.visitIn(box, [&](std::size_t other) {
       const WallRun& there = runs[other];
       const double a = run.axis.alongOf(there.start());
@@ -501,16 +519,24 @@ void dropInner(std::vector<WallRun>& runs, const FindWallsOptions& options) {
           there.length() < run.length() && !isAside(there.start()) && !isAside(there.end())) {
         isInner[other] = true;
       }
+      if (other != outer && there.group == run.group && there.drawnLength() < run.drawnLength()) {
+        const AcGePoint2d middle = there.axis.at(0.5 * (there.from + there.to));
+        const double aside = std::fabs(run.axis.leftOf(middle));
+        const double shared = std::min(to, std::max(a, b)) - std::max(from, std::min(a, b));
+        if (std::fabs(aside - 0.5 * (run.width() + there.width())) <= 2.0 * options.tolerance &&
+            shared >= 0.5 * there.length()) {
+          isInner[other] = true;
+        }
+      }
     });
   };
   for (std::size_t i = 0; i < runs.size(); ++i) {
     const double step = 8.0 * options.maxWidth;
     const auto parts = static_cast<std::size_t>(runs[i].length() / step) + 1;
-    for (const WallRun::Gap& gap : runs[i].openings) {
-      look(i, gap.from, gap.to);
-    }
-    if (parts == 1) {
-      look(i, runs[i].from, runs[i].to);
+    for (std::size_t part = 0; part < parts; ++part) {
+      // Each part with so much of the next that what lies across their border is in one of them.
+      const double from = runs[i].from + step * static_cast<double>(part);
+      look(i, from, std::min(runs[i].to, from + 1.5 * step));
     }
   }
   std::size_t kept = 0;

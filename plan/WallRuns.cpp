@@ -103,9 +103,10 @@ class RunMaker {
       return true;
     }
     std::vector<WallRun::Gap> found;
-    for (const Interval& part : free) {
+    for (Interval part : free) {
       const bool isAtStart = part.from == gap.from;
       const bool isAtEnd = part.to == gap.to;
+      m_judge.narrow(line, width, part.from, part.to);
       const bool hasStart = isAtStart && m_judge.hasEnd(line, part.from, width);
       const bool hasEnd = isAtEnd && m_judge.hasEnd(line, part.to, width);
       const GapJudge::Drawn drawn = m_judge.drawnIn(line, part.from, part.to, width);
@@ -302,30 +303,48 @@ GapJudge::GapJudge(const PlanDrawing& drawing, const FindWallsOptions& options)
   m_centers.arrange(2.0 * options.maxWidth);
 }
 
-bool GapJudge::hasEnd(const Axis& axis, double at, double width) const {
-  const double slack = 0.5 * m_options.reach;
-  bool isThere = false;
-  const Box box = Box(axis.at(at), axis.at(at)).grownBy(slack);
-  m_lines.visitIn(box, [&](std::size_t number) {
-    if (isThere || number >= m_drawing.lines.size()) {
+template <class Visit>
+void GapJudge::visitEnds(const Axis& axis, double from, double to, double width,
+                         Visit visit) const {
+  const double half = 0.5 * width;
+  m_lines.visitIn(Box(axis.at(from), axis.at(to)), [&](std::size_t number) {
+    if (number >= m_drawing.lines.size()) {
       return;
     }
     const PlanLine& line = m_drawing.lines[number];
     const double length = line.start.distanceTo(line.end);
-    if (length > width + 2.0 * m_options.reach || length < kEnoughCover * width) {
-      return;
-    }
-    if (std::fabs(sineOf(axis.along, line.end - line.start)) < kAcrossSine * length) {
+    if (length > width + 2.0 * m_options.reach || length < kEnoughCover * width ||
+        std::fabs(sineOf(axis.along, line.end - line.start)) < kAcrossSine * length) {
       return;
     }
     const double a = axis.leftOf(line.start);
     const double b = axis.leftOf(line.end);
-    const double half = 0.5 * width;
     const double cover = std::min(half, std::max(a, b)) - std::max(-half, std::min(a, b));
     const double middle = 0.5 * (axis.alongOf(line.start) + axis.alongOf(line.end));
-    isThere = cover >= kEnoughCover * width && std::fabs(middle - at) <= slack;
+    if (cover >= kEnoughCover * width && middle >= from && middle <= to) {
+      visit(middle);
+    }
   });
+}
+
+bool GapJudge::hasEnd(const Axis& axis, double at, double width) const {
+  const double slack = 0.5 * m_options.reach;
+  bool isThere = false;
+  visitEnds(axis, at - slack, at + slack, width, [&](double) { isThere = true; });
   return isThere;
+}
+
+void GapJudge::narrow(const Axis& axis, double width, double& from, double& to) const {
+  const double slack = 0.5 * m_options.reach;
+  double first = to;
+  double last = from;
+  visitEnds(axis, from - slack, to + slack, width, [&](double at) {
+    first = std::min(first, at);
+    last = std::max(last, at);
+  });
+  const double middle = 0.5 * (from + to);
+  from = first < middle ? first : from;
+  to = last > middle ? last : to;
 }
 
 void GapJudge::lookAtArcs(const Axis& axis, double from, double to, double width,

@@ -55,8 +55,13 @@ class GapJudge {
   Drawn drawnIn(const Axis& axis, double from, double to, double width) const;
   /// Whether a line closes the wall there, from face to face and no further.
   bool hasEnd(const Axis& axis, double at, double width) const;
+  /// Narrows a gap that begins or ends at a crossing wall, or where a face breaks off, to the lines
+  /// within it that close the wall.
+  void narrow(const Axis& axis, double width, double& from, double& to) const;
 
  private:
+  template <class Visit>
+  void visitEnds(const Axis& axis, double from, double to, double width, Visit visit) const;
   void lookAtArcs(const Axis& axis, double from, double to, double width, Drawn& drawn) const;
 
   const PlanDrawing& m_drawing;
