@@ -212,8 +212,7 @@ FoundWalls findWalls(const PlanDrawing& drawing, const FindWallsOptions& options
                 r.end().y, r.openings.size(), r.share);
     }
   }
-  WallNetwork network =
-      joinRuns(makeRuns(drawing, faces, chains, judge, options), judge, options);
+  WallNetwork network = joinRuns(makeRuns(drawing, faces, chains, judge, options), judge, options);
   // Once more without what turned out to be no wall: it stood where walls are, hid openings and
   // parted walls.
   dropRefuted(all, chains, network);

@@ -177,8 +177,9 @@ class Chainer {
     auto found = m_open.end();
     double least = m_options.maxDrawnOpening;
     const double middle = strip.middleAt(strip.begin);
-    for (auto open = m_open.lower_bound(middle - m_options.tolerance);
-         open != m_open.end() && open->first <= middle + m_options.tolerance;) {
+    const double aside = 2.0 * m_options.tolerance;
+    for (auto open = m_open.lower_bound(middle - aside);
+         open != m_open.end() && open->first <= middle + aside;) {
       const Strip& last = m_result[open->second].strips.back();
       const double gap = strip.begin - last.end;
       if (gap > m_options.maxDrawnOpening) {

@@ -310,7 +310,7 @@ class Network {
       for (const bool isTo : {false, true}) {
         // Of walls alone: what is short and hangs on nothing at its other end may be furniture.
         const bool isWall = m_joints[numberOf({run, !isTo})].isJoined ||
-                            m_runs[run].drawnLength() >= 8.0 * m_runs[run].width();
+                            m_runs[run].drawnLength() >= 16.0 * m_runs[run].width();
         if (isWall && !m_joints[numberOf({run, isTo})].isJoined) {
           extendEnd({run, isTo});
         }

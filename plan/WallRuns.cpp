@@ -18,6 +18,9 @@ constexpr double kAcrossSine = 0.7;
 constexpr double kEnoughCover = 0.6;
 /// Where one face runs on, the other may be interrupted so many times the greatest width.
 constexpr double kRecess = 5.0;
+/// A window between faces that run through is no narrower than this part of the greatest width: two
+/// lines across a wall may be a column's.
+constexpr double kLeastWindow = 0.75;
 
 struct Interval {
   double from;
@@ -59,14 +62,19 @@ class RunMaker {
   void add(const StripChain& chain, std::vector<WallRun>& result) const {
     std::size_t first = 0;
     std::vector<WallRun::Gap> openings;
+    addWindowsWithin(chain.group, chain.strips.front(), openings);
     for (std::size_t i = 1; i <= chain.strips.size(); ++i) {
       if (i < chain.strips.size() &&
           isOneWall(chain.group, chain.strips[i - 1], chain.strips[i], openings)) {
+        addWindowsWithin(chain.group, chain.strips[i], openings);
         continue;
       }
       result.push_back(makeRun(chain, first, i, openings));
       openings.clear();
       first = i;
+      if (i < chain.strips.size()) {
+        addWindowsWithin(chain.group, chain.strips[i], openings);
+      }
     }
   }
 
@@ -75,6 +83,23 @@ class RunMaker {
     Strip strip;
     std::size_t group;
   };
+
+  /// Faces may run through as the outer lines of a window between two jambs.
+  void addWindowsWithin(std::size_t group, const Strip& strip,
+                        std::vector<WallRun::Gap>& openings) const {
+    const Axis& axis = m_faces.axes[group];
+    const Axis line{axis.at(0.0, strip.middle), axis.along};
+    const std::vector<double> ends = m_judge.endsBetween(line, strip.begin + m_options.reach,
+                                                         strip.end - m_options.reach, strip.width);
+    if (ends.size() % 2 != 0) {
+      return;
+    }
+    for (std::size_t i = 0; i < ends.size(); i += 2) {
+      if (ends[i + 1] - ends[i] >= kLeastWindow * m_options.maxWidth) {
+        openings.push_back({ends[i], ends[i + 1], OpeningKind::Window});
+      }
+    }
+  }
 
   /// Whether the wall runs on from one strip to the next; appends the openings between them.
   bool isOneWall(std::size_t group, const Strip& a, const Strip& b,
@@ -332,6 +357,20 @@ bool GapJudge::hasEnd(const Axis& axis, double at, double width) const {
   bool isThere = false;
   visitEnds(axis, at - slack, at + slack, width, [&](double) { isThere = true; });
   return isThere;
+}
+
+std::vector<double> GapJudge::endsBetween(const Axis& axis, double from, double to,
+                                          double width) const {
+  std::vector<double> ends;
+  visitEnds(axis, from, to, width, [&](double at) { ends.push_back(at); });
+  std::sort(ends.begin(), ends.end());
+  std::vector<double> apart;
+  for (const double at : ends) {
+    if (apart.empty() || at - apart.back() > 0.5 * m_options.reach) {
+      apart.push_back(at);
+    }
+  }
+  return apart;
 }
 
 void GapJudge::narrow(const Axis& axis, double width, double& from, double& to) const {

@@ -55,6 +55,8 @@ class GapJudge {
   Drawn drawnIn(const Axis& axis, double from, double to, double width) const;
   /// Whether a line closes the wall there, from face to face and no further.
   bool hasEnd(const Axis& axis, double at, double width) const;
+  /// Where lines close or part the wall between two places, ascending.
+  std::vector<double> endsBetween(const Axis& axis, double from, double to, double width) const;
   /// Narrows a gap that begins or ends at a crossing wall, or where a face breaks off, to the lines
   /// within it that close the wall.
   void narrow(const Axis& axis, double width, double& from, double& to) const;
