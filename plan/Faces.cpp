@@ -75,21 +75,28 @@ class Directions {
   std::size_t groupOf(const SortedLine& line, double tolerance) {
     const double turn =
         std::clamp(std::asin(std::min(1.0, tolerance / line.length)), kLeastTurn, kGreatestTurn);
+    // Of those that are well within it, the one that the longest line has: what is a little off
+    // belongs to it rather than to another line that is.
+    const double sure = std::max(kLeastTurn, 0.5 * turn);
+    std::size_t first = Faces::kNone;
     std::size_t nearest = Faces::kNone;
     double least = turn;
-    const auto look = [&](std::map<double, std::size_t>::const_iterator at, double shift) {
-      const double off = std::fabs(at->first + shift - line.angle);
-      if (off <= least) {
-        least = off;
-        nearest = at->second;
+    const auto look = [&](double from, double to, double shift) {
+      for (auto at = m_groups.lower_bound(from); at != m_groups.end() && at->first <= to; ++at) {
+        const double off = std::fabs(at->first + shift - line.angle);
+        if (off <= sure) {
+          first = std::min(first, at->second);
+        }
+        if (off <= least) {
+          least = off;
+          nearest = at->second;
+        }
       }
     };
-    if (!m_groups.empty()) {
-      const auto next = m_groups.lower_bound(line.angle);
-      next != m_groups.end() ? look(next, 0.0) : look(m_groups.begin(), kHalfTurn);
-      next != m_groups.begin() ? look(std::prev(next), 0.0)
-                               : look(std::prev(m_groups.end()), -kHalfTurn);
-    }
+    look(line.angle - turn, line.angle + turn, 0.0);
+    look(0.0, line.angle + turn - kHalfTurn, kHalfTurn);
+    look(line.angle - turn + kHalfTurn, kHalfTurn, -kHalfTurn);
+    nearest = first != Faces::kNone ? first : nearest;
     if (nearest == Faces::kNone) {
       nearest = m_groups.size();
       m_groups.emplace(line.angle, nearest);

@@ -187,7 +187,7 @@ FoundWalls findWalls(const PlanDrawing& drawing, const FindWallsOptions& options
   const GapJudge judge(drawing, options);
   if (getenv("QDBG")) {
     double X = atof(getenv("QX")), Y = atof(getenv("QY")), R = atof(getenv("QR"));
-    for (auto& c : chains) {
+    for (auto& c : getenv("QALL") ? all : chains) {
       bool show = false;
       for (auto& s : c.strips) {
         auto m = faces.axes[c.group].at(0.5 * (s.begin + s.end), s.middle);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <numbers>
 
 namespace quoin::plan {
@@ -141,6 +143,16 @@ class RunMaker {
                             part.length() <= 0.5 * m_options.maxOpening;
       const bool isShown =
           isDrawn && (isAtStart || isAtEnd) && part.length() <= m_options.maxDrawnOpening;
+      if (getenv("QDBG")) {
+        auto pp = line.at(part.from);
+        if (fabs(pp.x - atof(getenv("QX"))) < atof(getenv("QR")) &&
+            fabs(pp.y - atof(getenv("QY"))) < atof(getenv("QR")))
+          fprintf(stderr,
+                  "PART %.1f..%.1f of %.1f..%.1f atstart %d atend %d hasstart %d hasend %d door %d "
+                  "win %d free %zu\n",
+                  part.from, part.to, gap.from, gap.to, isAtStart, isAtEnd, hasStart, hasEnd,
+                  drawn.isDoor, drawn.isWindow, free.size());
+      }
       if (isPlain || isBeside || isShown) {
         found.push_back({part.from, part.to, drawn.kind()});
         continue;
@@ -328,59 +340,73 @@ GapJudge::GapJudge(const PlanDrawing& drawing, const FindWallsOptions& options)
   m_centers.arrange(2.0 * options.maxWidth);
 }
 
-template <class Visit>
-void GapJudge::visitEnds(const Axis& axis, double from, double to, double width,
-                         Visit visit) const {
+bool GapJudge::hasEnd(const Axis& axis, double at, double width) const {
+  const double slack = 0.5 * m_options.reach;
+  return !endsBetween(axis, at - slack, at + slack, width).empty();
+}
+
+std::vector<double> GapJudge::endsBetween(const Axis& axis, double from, double to,
+                                          double width) const {
+  struct Across {
+    double at;
+    Interval covers;
+  };
   const double half = 0.5 * width;
-  m_lines.visitIn(Box(axis.at(from), axis.at(to)), [&](std::size_t number) {
+  std::vector<Across> across;
+  m_lines.visitIn(Box(axis.at(from, -half), axis.at(to, half)), [&](std::size_t number) {
     if (number >= m_drawing.lines.size()) {
       return;
     }
     const PlanLine& line = m_drawing.lines[number];
     const double length = line.start.distanceTo(line.end);
-    if (length > width + 2.0 * m_options.reach || length < kEnoughCover * width ||
+    if (length > width + 2.0 * m_options.reach ||
         std::fabs(sineOf(axis.along, line.end - line.start)) < kAcrossSine * length) {
       return;
     }
     const double a = axis.leftOf(line.start);
     const double b = axis.leftOf(line.end);
-    const double cover = std::min(half, std::max(a, b)) - std::max(-half, std::min(a, b));
-    const double middle = 0.5 * (axis.alongOf(line.start) + axis.alongOf(line.end));
-    if (cover >= kEnoughCover * width && middle >= from && middle <= to) {
-      visit(middle);
+    const Interval covers{std::max(-half, std::min(a, b)), std::min(half, std::max(a, b))};
+    const double at = 0.5 * (axis.alongOf(line.start) + axis.alongOf(line.end));
+    if (covers.length() > 0.0 && at >= from && at <= to) {
+      across.push_back({at, covers});
     }
   });
-}
-
-bool GapJudge::hasEnd(const Axis& axis, double at, double width) const {
-  const double slack = 0.5 * m_options.reach;
-  bool isThere = false;
-  visitEnds(axis, at - slack, at + slack, width, [&](double) { isThere = true; });
-  return isThere;
-}
-
-std::vector<double> GapJudge::endsBetween(const Axis& axis, double from, double to,
-                                          double width) const {
+  std::sort(across.begin(), across.end(),
+            [](const Across& a, const Across& b) { return a.at < b.at; });
+  // An end may be drawn in pieces, and some of them twice.
   std::vector<double> ends;
-  visitEnds(axis, from, to, width, [&](double at) { ends.push_back(at); });
-  std::sort(ends.begin(), ends.end());
-  std::vector<double> apart;
-  for (const double at : ends) {
-    if (apart.empty() || at - apart.back() > 0.5 * m_options.reach) {
-      apart.push_back(at);
+  for (std::size_t first = 0; first < across.size();) {
+    std::size_t last = first;
+    std::vector<Interval> covers;
+    double sum = 0.0;
+    double weight = 0.0;
+    for (; last < across.size() && across[last].at - across[first].at <= 0.5 * m_options.reach;
+         ++last) {
+      covers.push_back(across[last].covers);
+      sum += across[last].at * covers.back().length();
+      weight += covers.back().length();
     }
+    std::sort(covers.begin(), covers.end(),
+              [](const Interval& a, const Interval& b) { return a.from < b.from; });
+    double covered = 0.0;
+    double reached = -half;
+    for (const Interval& part : covers) {
+      covered += std::max(0.0, part.to - std::max(reached, part.from));
+      reached = std::max(reached, part.to);
+    }
+    if (covered >= kEnoughCover * width) {
+      ends.push_back(last - first == 1 ? across[first].at : sum / weight);
+    }
+    first = last;
   }
-  return apart;
+  return ends;
 }
 
 void GapJudge::narrow(const Axis& axis, double width, double& from, double& to) const {
   const double slack = 0.5 * m_options.reach;
-  double first = to;
-  double last = from;
-  visitEnds(axis, from - slack, to + slack, width, [&](double at) {
-    first = std::min(first, at);
-    last = std::max(last, at);
-  });
+  const std::vector<double> ends = endsBetween(axis, from - slack, to + slack, width);
+  const double first = ends.empty() ? to : ends.front();
+  const double last = ends.empty() ? from : ends.back();
   const double middle = 0.5 * (from + to);
   from = first < middle ? first : from;
   to = last > middle ? last : to;

@@ -62,8 +62,6 @@ class GapJudge {
   void narrow(const Axis& axis, double width, double& from, double& to) const;
 
  private:
-  template <class Visit>
-  void visitEnds(const Axis& axis, double from, double to, double width, Visit visit) const;
   void lookAtArcs(const Axis& axis, double from, double to, double width, Drawn& drawn) const;
 
   const PlanDrawing& m_drawing;
