@@ -1,9 +1,11 @@
 """The command line of scripts/plan_rounds.py."""
 
 import argparse
+import dataclasses
 import json
+import sys
 
-from plan_rounds import drawing, dxf
+from plan_rounds import drawing, dxf, judge, marks
 
 
 def noise_of(word):
@@ -27,10 +29,41 @@ def make(arguments):
         dxf.write(stream, plan.primitives, plan.units, drawing.DOOR_BLOCK)
     if arguments.truth:
         with open(arguments.truth, "w", encoding="ascii") as stream:
-            json.dump(plan.truth(), stream)
+            json.dump({"seed": arguments.seed, "noise": list(arguments.noise)} | plan.truth(), stream)
     print(f"{arguments.output}: {len(plan.walls)} walls, {len(plan.openings)} openings, "
           f"{len(plan.rooms)} rooms, {len(plan.primitives)} entities")
     return 0
+
+
+def judge_reports(arguments):
+    truth = judge.load(arguments.truth)
+    walls = openings = rooms = columns = None
+    if arguments.report:
+        found = judge.drawing_of(judge.load(arguments.report))
+        walls, openings = found["walls"], found.get("openings", [])
+        rooms, columns = found.get("rooms"), found.get("columns")
+    if arguments.rooms:
+        rooms = judge.drawing_of(judge.load(arguments.rooms))["rooms"]
+    unit = truth["millimetersPerUnit"]
+    tolerance = judge.tolerance_of(truth, unit)
+    for name in ("along", "across", "width", "place"):
+        if getattr(arguments, name) is not None:
+            tolerance = dataclasses.replace(tolerance, **{name: getattr(arguments, name) / unit})
+    if arguments.area is not None:
+        tolerance = dataclasses.replace(tolerance, area=arguments.area)
+    table, wrong = judge.scores(truth, walls, openings, rooms, tolerance, columns)
+    print(judge.as_table(table))
+    if arguments.wrong:
+        with open(arguments.wrong, "w", encoding="utf-8") as stream:
+            json.dump([{"what": what, "thing": thing} for what, thing in wrong], stream, indent=1)
+    if arguments.marks:
+        marks.write(arguments.marks, wrong, unit)
+    goals = {"walls": arguments.goal, "openings": arguments.opening_goal, "rooms": arguments.room_goal}
+    below = [score.what for score in table if goals.get(score.what) is not None
+             and min(score.recall, score.precision) < goals[score.what]]
+    if below:
+        print(f"below the goal: {', '.join(below)}", file=sys.stderr)
+    return 1 if below else 0
 
 
 def main():
@@ -47,5 +80,23 @@ def main():
     one.add_argument("-o", "--output", required=True)
     one.add_argument("--truth")
     one.set_defaults(run=make)
+
+    one = commands.add_parser("judge", help="compare reports with the truth",
+                              description="Compares what `quoin walls` and `quoin rooms` report "
+                              "(--report json) with the truth. Lengths of options are millimetres.")
+    one.add_argument("--truth", required=True)
+    one.add_argument("--report", help="of `quoin walls`; rooms in it count too")
+    one.add_argument("--rooms", help="the report of `quoin rooms`")
+    one.add_argument("--along", type=float, metavar="MM", help="how far ends may be off along a wall")
+    one.add_argument("--across", type=float, metavar="MM", help="and across it")
+    one.add_argument("--width", type=float, metavar="MM")
+    one.add_argument("--place", type=float, metavar="MM", help="how far a room's middle may be off")
+    one.add_argument("--area", type=float, metavar="PART", help="how much of a room's area")
+    one.add_argument("--wrong", metavar="FILE", help="write what was missed and made up, as JSON")
+    one.add_argument("--marks", metavar="FILE", help="and as a drawing")
+    one.add_argument("--goal", type=float, help="end with 1 where walls are below")
+    one.add_argument("--opening-goal", type=float)
+    one.add_argument("--room-goal", type=float)
+    one.set_defaults(run=judge_reports)
     arguments = parser.parse_args()
     return arguments.run(arguments)
