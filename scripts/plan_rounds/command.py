@@ -75,7 +75,7 @@ def main():
     one.add_argument("--noise", type=noise_of, default=(), metavar="WORDS",
                      help=f"clean, noisy, or some of {','.join(drawing.ALL_NOISE)}")
     one.add_argument("--units", choices=sorted(dxf.UNITS), default="mm")
-    one.add_argument("--style", choices=("lines", "polylines", "mixed"),
+    one.add_argument("--style", choices=drawing.STYLES,
                      help="how faces are drawn (default: each building its own way)")
     one.add_argument("-o", "--output", required=True)
     one.add_argument("--truth")

@@ -23,6 +23,8 @@ FURNITURE, WORDS, DIMENSIONS, COLUMN = "A-FURN", "A-AREA-IDEN", "A-ANNO-DIMS", "
 ALL_NOISE = ("gaps", "overshoots", "skew", "duplicates", "pieces", "furniture", "words", "same-layer")
 NOISES = {"clean": (), "noisy": ALL_NOISE}
 
+STYLES = ("lines", "polylines", "mixed")  # how faces stand in the drawing
+
 ROOM_NAMES = ("KITCHEN", "BEDROOM", "BATH", "HALL", "OFFICE", "STORAGE", "WC", "LIVING ROOM",
               "MEETING", "CORRIDOR", "STUDY", "LAUNDRY")
 
