@@ -3,9 +3,12 @@
 import argparse
 import dataclasses
 import json
+import pathlib
 import sys
 
 from plan_rounds import drawing, dxf, judge, marks
+
+TRUTHS = pathlib.Path(__file__).resolve().parents[2] / "tests" / "data" / "plans"
 
 
 def noise_of(word):
@@ -66,6 +69,39 @@ def judge_reports(arguments):
     return 1 if below else 0
 
 
+def truth_text(truth):
+    """The truth as JSON with a line for each thing, so that changes of it can be read."""
+    def line(value):
+        return json.dumps(value, ensure_ascii=False)
+    parts = []
+    for name, value in truth.items():
+        if isinstance(value, list) and value and isinstance(value[0], dict):
+            value = "[\n" + ",\n".join("  " + line(thing) for thing in value) + "\n ]"
+        else:
+            value = line(value)
+        parts.append(f" {line(name)}: {value}")
+    return "{\n" + ",\n".join(parts) + "\n}\n"
+
+
+def write_truths(arguments):
+    from plan_rounds import examples, readings
+    folder = pathlib.Path(arguments.output)
+    wrong = 0
+    for name, truth in (examples.truths() | readings.truths()).items():
+        file = folder / f"{name}.json"
+        text = truth_text(truth)
+        if arguments.check:
+            same = file.exists() and file.read_text(encoding="utf-8") == text
+            wrong += not same
+            print(f"{file.name}: {'the same' if same else 'differs from what the readings say'}")
+        else:
+            folder.mkdir(parents=True, exist_ok=True)
+            file.write_text(text, encoding="utf-8")
+            print(f"{file}: {len(truth['walls'])} walls, {len(truth['openings'])} openings, "
+                  f"{len(truth['rooms'])} rooms")
+    return 1 if wrong else 0
+
+
 def main():
     parser = argparse.ArgumentParser(prog="plan_rounds.py")
     commands = parser.add_subparsers(dest="command", required=True)
@@ -98,5 +134,10 @@ def main():
     one.add_argument("--opening-goal", type=float)
     one.add_argument("--room-goal", type=float)
     one.set_defaults(run=judge_reports)
+
+    one = commands.add_parser("truths", help="write what the examples and other plans truly show")
+    one.add_argument("-o", "--output", default=str(TRUTHS), metavar="FOLDER")
+    one.add_argument("--check", action="store_true", help="compare the files instead")
+    one.set_defaults(run=write_truths)
     arguments = parser.parse_args()
     return arguments.run(arguments)

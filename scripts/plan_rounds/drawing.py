@@ -247,11 +247,15 @@ class Draftsman:
             place = inner_point(net)
             self.text(WORDS, (place[0] - 400, place[1]), 150, name)
             self.text(WORDS, (place[0] - 400, place[1] - 250), 120, str(number))
+            slack = sum(abs(self.network.left(half) - self.network.right(half))
+                        * self.network.length(half >> 1) for half in loop)
             column = self.column(net, place) if self.random.random() < 0.04 else 0.0
             self.plan.rooms.append({
                 "name": name, "number": str(number), "netArea": area(net) * 1e-6,
-                "grossArea": area(gross) * 1e-6, "columnArea": column * 1e-6,
+                "grossArea": area(gross) * 1e-6, "columnAreas": [column * 1e-6] if column else [],
                 "polygon": [self.frame.point(p) for p in net]})
+            if slack > 0.0:
+                self.plan.rooms[-1]["grossSlack"] = slack * 1e-6
             if "furniture" in self.noise:
                 self.furniture(net, loop)
         return number

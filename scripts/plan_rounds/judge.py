@@ -6,6 +6,7 @@ walls of its width lie on all of its length, however they are cut or joined.
 """
 
 import dataclasses
+import itertools
 import json
 import math
 
@@ -228,8 +229,13 @@ def match_rooms(true, found, tolerance, key):
             if distance > tolerance.place or key not in found[j] or key not in room:
                 continue
             allowed = max(tolerance.area, room.get("tolerance", 0.0)) * room[key]
-            difference = min(abs(found[j][key] - room[key] + column)
-                             for column in (0.0, room.get("columnArea", 0.0)))
+            if key == "grossArea":
+                allowed += room.get("grossSlack", 0.0)
+            # Columns may count as part of the room or not.
+            columns = room.get("columnAreas", ())[:8]
+            difference = min(abs(found[j][key] - room[key] + sum(some))
+                             for n in range(len(columns) + 1)
+                             for some in itertools.combinations(columns, n))
             if difference <= allowed:
                 named = 0 if named_alike(room, found[j]) else 1
                 pairs.append((named, distance, difference, i, j))
@@ -243,8 +249,20 @@ def match_rooms(true, found, tolerance, key):
 
 
 def named_alike(true, found):
+    """Whether the found room has the true one's number and name, or one of its names."""
     words = f"{found.get('name') or ''} {found.get('number') or ''}".split()
-    return all(word in words for word in f"{true.get('name') or ''} {true.get('number') or ''}".split())
+    names = true.get("names") or [true.get("name") or ""]
+    return all(word in words for word in (true.get("number") or "").split()) and \
+        any(all(word in words for word in name.split()) for name in names)
+
+
+def of_matches(what, true, found, matched):
+    """The score of things that match one to one. Optional ones are right whether found or not:
+    they do not count as missed, and what matches one does not count at all."""
+    optional = {i for i, thing in enumerate(true) if thing.get("optional")}
+    spared = sum(i in optional for i in matched)
+    right = len(matched) - spared
+    return Score(what, len(true) - len(optional), len(found) - spared, right, right)
 
 
 def scores(truth, walls=None, openings=None, rooms=None, tolerance=None, columns=None):
@@ -255,8 +273,10 @@ def scores(truth, walls=None, openings=None, rooms=None, tolerance=None, columns
         true = [wall_line(i, wall) for i, wall in enumerate(truth["walls"])]
         found = [wall_line(i, wall) for i, wall in enumerate(walls)]
         matched = match(true, found, tolerance)
-        table.append(Score("walls", len(true), len(found), len(matched), len(matched)))
-        wrong += [("wall missed", truth["walls"][i]) for i in range(len(true)) if i not in matched]
+        table.append(of_matches("walls", truth["walls"], walls, matched))
+        must = [not wall.get("optional") for wall in truth["walls"]]
+        wrong += [("wall missed", truth["walls"][i]) for i in range(len(true))
+                  if i not in matched and must[i]]
         right = set(matched.values())
         wrong += [("wall made up", walls[j]) for j in range(len(found)) if j not in right]
 
@@ -269,40 +289,44 @@ def scores(truth, walls=None, openings=None, rooms=None, tolerance=None, columns
         whole = [c >= line.length - s - 1e-9 * line.length for c, line, s in zip(on_true, true, spare)]
         real = [c >= line.length - 2.0 * tolerance.along - 0.5 * widest - 1e-9 * line.length
                 and c >= 0.5 * line.length for c, line in zip(on_found, found)]
-        table.append(Score("walls, cut or joined", len(true), len(found), sum(whole), sum(real)))
+        table.append(Score("walls, cut or joined", sum(must), len(found),
+                           sum(map(min, whole, must)), sum(real)))
         to_metres = unit / 1000.0
-        table.append(Score("walls, metres", to_metres * sum(line.length for line in true),
+        table.append(Score("walls, metres",
+                           to_metres * sum(line.length for line, m in zip(true, must) if m),
                            to_metres * sum(line.length for line in found),
-                           to_metres * sum(on_true), to_metres * sum(on_found)))
-        wrong += [("wall not covered", truth["walls"][i]) for i, yes in enumerate(whole) if not yes]
+                           to_metres * sum(length for length, m in zip(on_true, must) if m),
+                           to_metres * sum(on_found)))
+        wrong += [("wall not covered", truth["walls"][i]) for i, yes in enumerate(whole)
+                  if not yes and must[i]]
         wrong += [("wall on none", walls[j]) for j, yes in enumerate(real) if not yes]
     if openings is not None:
         true = [Line(o["start"][:2], o["end"][:2], o["width"], o) for o in truth["openings"]]
         found = [Line(o["start"][:2], o["end"][:2], o["width"], o) for o in openings]
         wide = dataclasses.replace(tolerance, width=2.0 * tolerance.along)
         matched = match(true, found, wide)
-        table.append(Score("openings", len(true), len(found), len(matched), len(matched)))
+        table.append(of_matches("openings", truth["openings"], openings, matched))
         kinds = sum(true[i].source["kind"] == found[j].source.get("kind") for i, j in matched.items())
-        table.append(Score("openings by kind", len(true), len(found), kinds, kinds))
+        table.append(Score("openings by kind", len(matched), len(matched), kinds, kinds))
         if walls is not None:
             lines = [wall_line(i, wall) for i, wall in enumerate(walls)]
             placed = sum(lies_in(found[j], lines, tolerance) for j in matched.values())
             table.append(Score("openings in their wall", len(matched), len(matched), placed, placed))
-        wrong += [("opening missed", line.source) for i, line in enumerate(true) if i not in matched]
+        wrong += [("opening missed", line.source) for i, line in enumerate(true)
+                  if i not in matched and not line.source.get("optional")]
         right = set(matched.values())
         wrong += [("opening made up", line.source) for j, line in enumerate(found) if j not in right]
     if rooms is not None:
         true = truth["rooms"]
         matched = match_rooms(true, rooms, tolerance, "netArea")
-        table.append(Score("rooms", len(true), len(rooms), len(matched), len(matched)))
-        if any("grossArea" in room for room in true):
-            gross = match_rooms([room for room in true if "grossArea" in room], rooms,
-                                tolerance, "grossArea")
-            table.append(Score("rooms by gross area", sum("grossArea" in room for room in true),
-                               len(rooms), len(gross), len(gross)))
+        table.append(of_matches("rooms", true, rooms, matched))
+        if all("grossArea" in room for room in true):
+            table.append(of_matches("rooms by gross area", true, rooms,
+                                    match_rooms(true, rooms, tolerance, "grossArea")))
         named = sum(named_alike(true[i], rooms[j]) for i, j in matched.items())
-        table.append(Score("rooms by name", len(true), len(rooms), named, named))
-        wrong += [("room missed", room) for i, room in enumerate(true) if i not in matched]
+        table.append(Score("rooms by name", len(matched), len(matched), named, named))
+        wrong += [("room missed", room) for i, room in enumerate(true)
+                  if i not in matched and not room.get("optional")]
         right = set(matched.values())
         wrong += [("room made up", room) for j, room in enumerate(rooms) if j not in right]
     if columns is not None and "columns" in truth:
@@ -317,8 +341,9 @@ def lies_in(opening, walls, tolerance):
     if index is None or not 0 <= index < len(walls):
         return False
     wall = walls[index]
-    return all(abs(s) <= 2.0 * tolerance.across and
-               -tolerance.along <= t <= wall.length + tolerance.along
+    # Where a wall meets another one at its window, the window runs past the junction.
+    spare = tolerance.along + 0.5 * wall.width
+    return all(abs(s) <= 2.0 * tolerance.across and -spare <= t <= wall.length + spare
                for t, s in (wall.local(opening.start), wall.local(opening.end)))
 
 

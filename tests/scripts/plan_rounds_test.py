@@ -7,15 +7,17 @@ usage: plan_rounds_test.py [UNITTEST ARGUMENT...]
 import copy
 import io
 import math
+import os
 import pathlib
 import sys
 import unittest
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "scripts"))
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "scripts"))
 
 from ezdxf import recover  # noqa: E402 - the line above is for what follows
 
-from plan_rounds import drawing, dxf, judge, network  # noqa: E402
+from plan_rounds import command, drawing, dxf, examples, judge, network, readings  # noqa: E402
 
 
 def scores(truth, found, tolerance=None):
@@ -129,6 +131,7 @@ class JudgeTest(unittest.TestCase):
         result = scores(self.truth, self.found)
         self.assertEqual(result["openings"].true_right, count - 1)
         self.assertEqual(result["openings by kind"].true_right, count - 2)
+        self.assertEqual(result["openings by kind"].true, count - 1)  # of those that match
         self.assertEqual(result["openings in their wall"].true_right, count - 2)
 
     def test_rooms_need_area_place_and_name(self):
@@ -141,6 +144,23 @@ class JudgeTest(unittest.TestCase):
         result = scores(self.truth, self.found)
         self.assertEqual(result["rooms"].true_right, count - 2)
         self.assertEqual(result["rooms by name"].true_right, count - 3)
+
+    def test_optional_things_count_neither_when_found_nor_when_missed(self):
+        for what in ("walls", "rooms"):
+            self.truth[what][0]["optional"] = True
+            for found in (self.found, self.found | {what: self.found[what][1:]}):
+                score = scores(self.truth, found)[what]
+                self.assertEqual((score.recall, score.precision), (1.0, 1.0))
+            del self.truth[what][0]["optional"]
+
+    def test_a_column_counts_as_part_of_its_room_or_not(self):
+        room, found = self.truth["rooms"][0], self.found["rooms"][0]
+        self.truth["rooms"][0]["columnAreas"] = [0.09, 0.5]
+        for area, right in ((0.09, True), (0.59, True), (0.3, False)):
+            found["netArea"] = room["netArea"] - area
+            score = scores(self.truth, self.found)["rooms"]
+            self.assertEqual(score.recall == 1.0, right)
+        self.truth["rooms"][0]["columnAreas"] = []
 
     def test_reports_of_one_drawing_are_read_with_and_without_their_frame(self):
         self.assertIs(judge.drawing_of(self.found), self.found)
@@ -199,6 +219,67 @@ class PlanTest(unittest.TestCase):
         for ring in rings:
             for segment, following in zip(ring, ring[1:] + ring[:1]):
                 self.assertEqual(segment.end, following.start)
+
+
+class TruthsTest(unittest.TestCase):
+    """What the example plans, and plans of others where they are, are said to show."""
+
+    def truths(self):
+        shared = os.environ.get("QUOIN_SHARED_DATA")
+        for file in sorted((ROOT / "tests" / "data" / "plans").glob("*.json")):
+            truth = judge.load(file)
+            drawing_file = ROOT / truth["drawing"]
+            if not drawing_file.exists() and shared:
+                drawing_file = pathlib.Path(shared) / truth["drawing"]
+            yield file.stem, truth, drawing_file if drawing_file.exists() else None
+
+    def test_the_files_are_what_the_readings_say(self):
+        for name, truth in (examples.truths() | readings.truths()).items():
+            file = ROOT / "tests" / "data" / "plans" / f"{name}.json"
+            self.assertEqual(file.read_text(encoding="utf-8"), command.truth_text(truth), name)
+
+    def test_each_is_perfect_by_itself(self):
+        for name, truth, _ in self.truths():
+            for what, score in scores(truth, truth).items():
+                with self.subTest(name, what=what):
+                    self.assertEqual((score.recall, score.precision), (1.0, 1.0))
+
+    def test_rooms_are_where_lines_are_drawn(self):
+        """Around every room there are lines but in openings."""
+        for name, truth, file in self.truths():
+            if not file:
+                continue
+            with self.subTest(name):
+                drawn = lines_of(recover.readfile(file)[0])
+                unit = truth["millimetersPerUnit"]
+                tolerance = judge.Tolerance(0.0, 0.01 / unit, 1.0, 0.0, 0.0)
+                sides = [judge.Line(a, b, 0.0, None) for room in truth["rooms"]
+                         for ring in [room["polygon"], *room.get("holes", [])]
+                         for a, b in zip(ring, ring[1:] + ring[:1])]
+                open_length = sum(line.length for line in sides) - \
+                    sum(judge.covered(sides, drawn, tolerance, 2000.0 / unit))
+                # An opening inside has two sides in rooms, one to the outside has one.
+                most = sum(2.0 * opening["width"] for opening in truth["openings"])
+                self.assertLessEqual(open_length, most + 1e-6 / unit)
+                self.assertGreater(open_length, 0.0)
+
+    def test_labels_of_the_flat_are_listed(self):
+        flat = judge.load(ROOT / "tests" / "data" / "plans" / "flat.json")
+        self.assertEqual(sum("label" in room for room in flat["rooms"]), 11)
+
+
+def lines_of(document):
+    """The straight lines of model space, as the judge's."""
+    found = []
+    for entity in document.modelspace():
+        if entity.dxftype() == "LINE":
+            found.append((entity.dxf.start, entity.dxf.end))
+        elif entity.dxftype() == "LWPOLYLINE":
+            points = list(entity.get_points("xy"))
+            points += points[:1] if entity.closed else []
+            found += zip(points, points[1:])
+    return [judge.Line(a[:2], b[:2], 0.0, None) for a, b in
+            (((p[0], p[1]), (q[0], q[1])) for p, q in found)]
 
 
 if __name__ == "__main__":
