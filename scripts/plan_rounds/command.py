@@ -6,7 +6,7 @@ import json
 import pathlib
 import sys
 
-from plan_rounds import drawing, dxf, judge, marks
+from plan_rounds import campaign, drawing, dxf, judge, marks
 
 TRUTHS = pathlib.Path(__file__).resolve().parents[2] / "tests" / "data" / "plans"
 
@@ -139,5 +139,22 @@ def main():
     one.add_argument("-o", "--output", default=str(TRUTHS), metavar="FOLDER")
     one.add_argument("--check", action="store_true", help="compare the files instead")
     one.set_defaults(run=write_truths)
+
+    one = commands.add_parser("rounds", help="make, read and judge many plans",
+                              description="Prints a table of recall / precision; ends with 1 where "
+                              "one is below its goal, or a plan cannot be read.")
+    one.add_argument("--quoin", required=True)
+    one.add_argument("--walls", default="10,100,1000", metavar="N,N", help="sizes (default %(default)s)")
+    one.add_argument("--seeds", type=int, default=5, help="plans of each size (default 5)")
+    one.add_argument("--first-seed", type=int, default=1)
+    one.add_argument("--noise", default="clean,noisy", metavar="WORDS", help="clean, noisy or both")
+    one.add_argument("--truths", metavar="FOLDER", help="also plans whose truth stands in this folder")
+    one.add_argument("--drawings", action="append", default=[str(TRUTHS.parents[2])], metavar="FOLDER",
+                     help="where those plans are (default: this tree); may be repeated")
+    one.add_argument("--variants", default="", metavar="N,N",
+                     help="also plans of these sizes shuffled, reversed, turned, mirrored, shifted")
+    one.add_argument("--no-rooms", action="store_true", help="judge walls and openings alone")
+    one.add_argument("--folder", default="plan-rounds", help="for what is made on the way")
+    one.set_defaults(run=campaign.campaign)
     arguments = parser.parse_args()
     return arguments.run(arguments)

@@ -176,4 +176,6 @@ def truths():
              "barcelona_plan_r2013": barcelona(False), "barcelona_pavilion_r2000": barcelona(True)}
     for name, truth in found.items():
         truth["drawing"] = f"{name}.dxf"
+    found["house_bishop_floorplan_r2004"]["arguments"] = ["--units", "in", "--layer", "*A-WALL"]
+    found["barcelona_pavilion_r2000"]["arguments"] = ["--units", "m"]
     return found

@@ -10,6 +10,7 @@ import math
 import os
 import pathlib
 import sys
+import tempfile
 import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
@@ -17,7 +18,7 @@ sys.path.insert(0, str(ROOT / "scripts"))
 
 from ezdxf import recover  # noqa: E402 - the line above is for what follows
 
-from plan_rounds import command, drawing, dxf, examples, judge, network, readings  # noqa: E402
+from plan_rounds import campaign, command, drawing, dxf, examples, judge, network, readings  # noqa: E402
 
 
 def scores(truth, found, tolerance=None):
@@ -219,6 +220,65 @@ class PlanTest(unittest.TestCase):
         for ring in rings:
             for segment, following in zip(ring, ring[1:] + ring[:1]):
                 self.assertEqual(segment.end, following.start)
+
+
+STAND_IN = """#!/usr/bin/python3
+import json, pathlib, sys
+folder = pathlib.Path(sys.argv[2]).parent
+truth = json.loads((folder / "truth.json").read_text())
+if sys.argv[1] == "walls" and "-o" in sys.argv:
+    pathlib.Path(sys.argv[sys.argv.index("-o") + 1]).write_text("")
+drop = {drop}
+if drop:
+    truth["walls"] = truth["walls"][drop:]
+    truth["openings"] = []
+print(json.dumps({{"drawings": [truth]}}))
+"""
+
+
+class CampaignTest(unittest.TestCase):
+    """Rounds with a program that says the truth, or leaves something out."""
+
+    def rounds(self, drop):
+        with tempfile.TemporaryDirectory() as folder:
+            program = pathlib.Path(folder, "quoin")
+            program.write_text(STAND_IN.format(drop=drop), encoding="utf-8")
+            program.chmod(0o755)
+            rows = list(campaign.random_rows(program, [30], [1, 2, 3], [("clean", ())],
+                                             pathlib.Path(folder)))
+            self.assertEqual(len(rows), 1)
+            return rows[0][1]
+
+    def test_a_program_that_finds_all_reaches_every_goal(self):
+        row = self.rounds(0)
+        self.assertEqual((row.plans, row.below(campaign.GOALS["clean"])), (3, []))
+        self.assertIn("1.0000 / 1.0000", campaign.as_markdown([row]))
+
+    def test_a_program_that_leaves_walls_out_does_not(self):
+        row = self.rounds(2)
+        below = row.below(campaign.GOALS["clean"])
+        self.assertTrue(any("walls" in line for line in below))
+        self.assertTrue(any("openings" in line for line in below))
+        self.assertEqual(row.scores["walls"].true - row.scores["walls"].true_right, 6)
+
+    def test_a_program_that_fails_counts_as_having_found_nothing(self):
+        with tempfile.TemporaryDirectory() as folder:
+            _, row = next(campaign.random_rows("/bin/false", [30], [1], [("clean", ())],
+                                               pathlib.Path(folder)))
+        self.assertEqual(row.scores["walls"].recall, 0.0)
+        self.assertEqual(len(row.failed), 1)
+
+    def test_variants_come_back_to_where_they_were(self):
+        primitives = drawing.make_plan(3, 40, drawing.ALL_NOISE).primitives
+        ends = sorted(p[2] for p in primitives if p[0] == "line")
+        for name, change, back in campaign.variants(1, 1.0):
+            with self.subTest(name):
+                again = change(primitives)
+                self.assertEqual(len(again), len(primitives))
+                found = sorted(back(p[3] if name == "reversed" else p[2])
+                               for p in again if p[0] == "line")
+                for one, other in zip(ends, found):
+                    self.assertAlmostEqual(one[0], other[0], 6)
 
 
 class TruthsTest(unittest.TestCase):
