@@ -79,6 +79,7 @@ class Draftsman:
         self.door_style = random.choice(("arc", "arc", "block", "leaf"))
         self.window_style = random.choice(("inside", "inside", "faces"))
         self.window_lines = random.choice((2, 3, 4))
+        self.faults = 1.0  # how much more often than usual
 
     # Entities, given in millimetres in the building's frame --------------------------------------
 
@@ -148,7 +149,7 @@ class Draftsman:
         if length > 60.0:
             low, high = self.end_noise(), length - self.end_noise()
         side = [0.0, 0.0]
-        if "skew" in noise and random.random() < 0.3:
+        if "skew" in noise and random.random() < 0.3 * self.faults:
             side = [random.uniform(-3, 3), random.uniform(-3, 3)]
 
         def at(t):
@@ -156,7 +157,7 @@ class Draftsman:
             return a[0] + dx * t - dy * s, a[1] + dy * t + dx * s
 
         cuts = [low, high]
-        if "pieces" in noise and high - low > 400 and random.random() < 0.2:
+        if "pieces" in noise and high - low > 400 and random.random() < 0.2 * self.faults:
             cuts[1:1] = sorted(random.uniform(low + 100, high - 100)
                                for _ in range(random.choice((1, 1, 2, 3))))
         for s, t in zip(cuts, cuts[1:]):
@@ -164,7 +165,7 @@ class Draftsman:
             t = t if t == high or random.random() < 0.5 else t + random.uniform(-8, 8)
             if t - s > 1.0:
                 self.line(WALL, at(s), at(t))
-        if "duplicates" in noise and random.random() < 0.08:
+        if "duplicates" in noise and random.random() < 0.08 * self.faults:
             how = random.random()
             if how < 0.4:
                 self.line(WALL, at(low), at(high))
@@ -177,9 +178,9 @@ class Draftsman:
     def end_noise(self):
         """How far before its corner a face ends; less than zero is past it."""
         random = self.random
-        if "gaps" in self.noise and random.random() < 0.12:
+        if "gaps" in self.noise and random.random() < 0.12 * self.faults:
             return random.uniform(1, 10)
-        if "overshoots" in self.noise and random.random() < 0.1:
+        if "overshoots" in self.noise and random.random() < 0.1 * self.faults:
             return -random.uniform(1, 15)
         return 0.0
 

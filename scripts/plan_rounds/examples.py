@@ -7,7 +7,7 @@ another one's face are brought to its reference line, and the network gives junc
 import math
 import re
 
-from drafting import flat, house, office
+from drafting import flat, house, office, received
 from drafting.sheet import Sheet, inset
 from plan_rounds.drawing import distance_to, inside
 from plan_rounds.network import Edge, Network, area, gross_polygon, net_polygon
@@ -234,10 +234,6 @@ def truth_of(sheet, room_layer, columns=(), optional=lambda room: False, doors=(
     sheet.doors += doors
     corners, loops = network.corners(), network.loops()
     digits = 9
-
-    def rounded(point):
-        return [round(point[0], digits) + 0.0, round(point[1], digits) + 0.0]
-
     walls, openings, rooms = [], [], []
     for index, edge in enumerate(network.edges):
         width = edge.left + edge.right
@@ -305,6 +301,17 @@ def truth_of(sheet, room_layer, columns=(), optional=lambda room: False, doors=(
             "columns": [{"polygon": box} for box in boxes]}
 
 
+def rounded(value):
+    """The same with coordinates of nine digits behind the point."""
+    if isinstance(value, float):
+        return round(value, 9) + 0.0
+    if isinstance(value, (tuple, list)):
+        return [rounded(part) for part in value]
+    if isinstance(value, dict):
+        return {name: rounded(part) for name, part in value.items()}
+    return value
+
+
 def recorded(module):
     """The sheet that the module draws."""
     original = module.Sheet
@@ -335,6 +342,8 @@ def truths():
     sliding = [(0.5 * (a[0] + b[0]), 0.5 * (a[1] + b[1]))
                for layer, a, b in sheet.boxes if layer == house.OPENING]
     found["house-gbk"] = truth_of(sheet, house.WORDS, (house.COLUMN,), doors=sliding)
+    found["received"] = {"drawing": "", "note": "", "noise": list(received.FAULTS)} | \
+        rounded(received.plan().truth())
     for name, truth in found.items():
         truth["drawing"] = f"examples/{name}/{name.split('-')[0]}.dxf"
         truth["note"] = "Exact: taken from the words by which the plan is drawn."

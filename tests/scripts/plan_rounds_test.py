@@ -307,7 +307,7 @@ class TruthsTest(unittest.TestCase):
     def test_rooms_are_where_lines_are_drawn(self):
         """Around every room there are lines but in openings."""
         for name, truth, file in self.truths():
-            if not file:
+            if not file or truth["noise"]:
                 continue
             with self.subTest(name):
                 drawn = lines_of(recover.readfile(file)[0])
