@@ -11,8 +11,10 @@ import sys
 from plan_rounds import drawing, dxf, judge
 
 # What of the scores is told, as recall and precision, and what has a goal.
-COLUMNS = ("walls", "walls, cut or joined", "walls, metres", "openings", "openings by kind", "rooms")
-GOALS = {"clean": {"walls": 0.999, "openings": 0.999, "rooms": 0.999},
+COLUMNS = ("walls", "walls, cut or joined", "walls, metres", "openings", "openings by kind", "rooms",
+           "rooms of reference lines")
+EXACT = {"walls": 0.999, "openings": 0.999, "rooms": 0.999, "rooms of reference lines": 0.999}
+GOALS = {"clean": EXACT, "outlined": EXACT,
          "noisy": {"walls": 0.98, "openings": 0.98, "rooms": 0.98},
          "by hand": {"walls": 0.95, "openings": 0.9, "rooms": 0.95}}
 SLOWEST = 600  # seconds
@@ -85,6 +87,25 @@ def write_plan(plan, path):
         dxf.write(stream, plan.primitives, plan.units, drawing.DOOR_BLOCK)
 
 
+def write_references(plan, path):
+    with open(path, "w", encoding="ascii", newline="") as stream:
+        dxf.write(stream, plan.references, plan.units)
+
+
+def add_reference_rooms(row, quoin, truth, file):
+    """Adds what `rooms` finds between reference lines with openings."""
+    unit = truth["millimetersPerUnit"]
+    try:
+        text, _ = run([quoin, "rooms", file, "--report", "json"])
+        found = judge.drawing_of(json.loads(text))["rooms"]
+    except (RuntimeError, subprocess.TimeoutExpired, KeyError, ValueError) as error:
+        row.failed.append(f"{file}: {error}")
+        found = []
+    exact = judge.tolerance_of(truth | {"noise": []}, unit)
+    table, _ = judge.scores(truth, rooms=found, tolerance=exact)
+    row.add(dataclasses.replace(score, what=f"{score.what} of reference lines") for score in table)
+
+
 def random_rows(quoin, sizes, seeds, noises, folder, rooms=True, units=tuple(dxf.UNITS)):
     """A row for every noise and size; the seeds take turns in units."""
     for name, noise in noises:
@@ -92,11 +113,22 @@ def random_rows(quoin, sizes, seeds, noises, folder, rooms=True, units=tuple(dxf
             row = Row(f"{name}, {size:,} walls")
             for seed in seeds:
                 plan = drawing.make_plan(seed, size, noise, units[seed % len(units)])
-                file = folder / "plan.dxf"
-                write_plan(plan, file)
+                file, references = folder / "plan.dxf", folder / "references.dxf"
+                if name in ("clean", "outlined"):
+                    write_references(plan, references)
+                arguments = ()
+                if name == "outlined":
+                    # What the program itself draws from the reference lines.
+                    run([quoin, "outline", references, "--layer", drawing.REFERENCE, "-o", file,
+                         "--out-layer", drawing.WALL])
+                    arguments = ("--layer", drawing.WALL)
+                else:
+                    write_plan(plan, file)
                 truth = {"seed": seed, "noise": list(noise)} | plan.truth()
                 (folder / "truth.json").write_text(json.dumps(truth), encoding="ascii")
-                add_to(row, quoin, truth, file, folder, (), rooms)
+                add_to(row, quoin, truth, file, folder, arguments, rooms)
+                if name == "clean" and rooms:
+                    add_reference_rooms(row, quoin, truth, references)
                 print(".", end="", file=sys.stderr, flush=True)
             yield name, row
     print(file=sys.stderr)
@@ -228,7 +260,7 @@ def campaign(arguments):
     rows, below = [], []
     folder = pathlib.Path(arguments.folder)
     folder.mkdir(parents=True, exist_ok=True)
-    noises = [(word, drawing.NOISES[word]) for word in arguments.noise.split(",") if word]
+    noises = [(word, drawing.NOISES.get(word, ())) for word in arguments.noise.split(",") if word]
     seeds = range(arguments.first_seed, arguments.first_seed + arguments.seeds)
     sizes = [int(size) for size in arguments.walls.split(",") if size]
     parts = [random_rows(arguments.quoin, sizes, seeds, noises, folder, not arguments.no_rooms)]

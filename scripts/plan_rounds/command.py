@@ -30,6 +30,9 @@ def make(arguments):
                              arguments.units, arguments.style)
     with open(arguments.output, "w", encoding="ascii", newline="") as stream:
         dxf.write(stream, plan.primitives, plan.units, drawing.DOOR_BLOCK)
+    if arguments.reference:
+        with open(arguments.reference, "w", encoding="ascii", newline="") as stream:
+            dxf.write(stream, plan.references, plan.units)
     if arguments.truth:
         with open(arguments.truth, "w", encoding="ascii") as stream:
             json.dump({"seed": arguments.seed, "noise": list(arguments.noise)} | plan.truth(), stream)
@@ -114,7 +117,8 @@ def main():
     one.add_argument("--style", choices=drawing.STYLES,
                      help="how faces are drawn (default: each building its own way)")
     one.add_argument("-o", "--output", required=True)
-    one.add_argument("--truth")
+    one.add_argument("--truth", help="the file for what is true")
+    one.add_argument("--reference", help="a drawing of the same walls by reference lines")
     one.set_defaults(run=make)
 
     one = commands.add_parser("judge", help="compare reports with the truth",
@@ -147,7 +151,8 @@ def main():
     one.add_argument("--walls", default="10,100,1000", metavar="N,N", help="sizes (default %(default)s)")
     one.add_argument("--seeds", type=int, default=5, help="plans of each size (default 5)")
     one.add_argument("--first-seed", type=int, default=1)
-    one.add_argument("--noise", default="clean,noisy", metavar="WORDS", help="clean, noisy or both")
+    one.add_argument("--noise", default="clean,noisy", metavar="WORDS",
+                     help="clean, noisy, outlined (by `quoin outline`), with commas between")
     one.add_argument("--truths", metavar="FOLDER", help="also plans whose truth stands in this folder")
     one.add_argument("--drawings", action="append", default=[str(TRUTHS.parents[2])], metavar="FOLDER",
                      help="where those plans are (default: this tree); may be repeated")

@@ -18,6 +18,7 @@ from plan_rounds import dxf
 from plan_rounds.buildings import random_building
 from plan_rounds.network import area, gross_polygon, net_polygon, outlines, piers
 
+REFERENCE, REFERENCE_OPENING = "QUOIN-WALL", "QUOIN-OPENING"
 WALL, DOOR, GLAZING = "A-WALL", "A-DOOR", "A-GLAZ"
 FURNITURE, WORDS, DIMENSIONS, COLUMN = "A-FURN", "A-AREA-IDEN", "A-ANNO-DIMS", "S-COLS"
 ALL_NOISE = ("gaps", "overshoots", "skew", "duplicates", "pieces", "furniture", "words", "same-layer")
@@ -54,6 +55,7 @@ class Plan:
         self.units = units
         self.unit = dxf.UNITS[units][2]
         self.primitives = []
+        self.references = []  # the walls by reference lines, with their openings, instead
         self.walls, self.openings, self.rooms, self.columns = [], [], [], []
 
     def truth(self):
@@ -248,6 +250,7 @@ class Draftsman:
             place = inner_point(net)
             self.text(WORDS, (place[0] - 400, place[1]), 150, name)
             self.text(WORDS, (place[0] - 400, place[1] - 250), 120, str(number))
+            self.plan.references += [("text", WORDS) + text[2:] for text in self.plan.primitives[-2:]]
             slack = sum(abs(self.network.left(half) - self.network.right(half))
                         * self.network.length(half >> 1) for half in loop)
             column = self.column(net, place) if self.random.random() < 0.04 else 0.0
@@ -348,7 +351,13 @@ class Draftsman:
             if any(slack):
                 wall["slack"] = slack
             self.plan.walls.append(wall)
+            self.plan.references.append((
+                "wall", REFERENCE, self.frame.point(network.nodes[edge.first]),
+                self.frame.point(network.nodes[edge.second]), edge.left / unit, edge.right / unit))
             for low, high, kind in edge.openings:
+                self.plan.references.append((
+                    "opening", REFERENCE_OPENING, self.frame.point(network.point(index, low, 0.0)),
+                    self.frame.point(network.point(index, high, 0.0)), kind))
                 self.plan.openings.append({
                     "start": self.frame.point(network.point(index, low, shift)),
                     "end": self.frame.point(network.point(index, high, shift)),

@@ -3,7 +3,9 @@
 A primitive is a tuple: ("line", layer, start, end), ("polyline", layer, points, closed),
 ("arc", layer, centre, radius, start angle, end angle) with angles in degrees,
 ("circle", layer, centre, radius), ("text", layer, place, height, text, degrees),
-("insert", layer, block, place, x scale, y scale, degrees), ("hatch", layer, points).
+("insert", layer, block, place, x scale, y scale, degrees), ("hatch", layer, points),
+("wall", layer, start, end, left, right) and ("opening", layer, start, end, kind): lines with the
+extended data by which the program's commands know them.
 """
 
 UNITS = {"mm": (4, 1, 1.0), "m": (6, 1, 1000.0), "in": (1, 0, 25.4)}  # $INSUNITS, $MEASUREMENT, mm
@@ -28,6 +30,11 @@ class _Writer:
             (ax, ay), (bx, by) = rest
             return self._entity("LINE", "AcDbLine", layer, owner,
                                 f"10\n{ax!r}\n20\n{ay!r}\n30\n0.0\n11\n{bx!r}\n21\n{by!r}\n31\n0.0\n")
+        if kind in ("wall", "opening"):
+            a, b, *data = rest
+            return self.text_of(("line", layer, a, b), owner) + "1001\nQUOIN\n" + "".join(
+                f"1000\n{value}\n" if isinstance(value, str) else f"1040\n{value!r}\n"
+                for value in data)
         if kind == "polyline":
             points, closed = rest
             return self._entity("LWPOLYLINE", "AcDbPolyline", layer, owner,
@@ -78,6 +85,11 @@ def _linetype(handle, name):
             f"AcDbLinetypeTableRecord\n2\n{name}\n70\n0\n3\n\n72\n65\n73\n0\n40\n0.0\n")
 
 
+def _application(handle, name):
+    return (f"0\nAPPID\n5\n{handle:X}\n330\n9\n100\nAcDbSymbolTableRecord\n100\n"
+            f"AcDbRegAppTableRecord\n2\n{name}\n70\n0\n")
+
+
 def _block_record(handle, name):
     return (f"0\nBLOCK_RECORD\n5\n{handle:X}\n330\n1\n100\nAcDbSymbolTableRecord\n100\n"
             f"AcDbBlockTableRecord\n2\n{name}\n")
@@ -108,6 +120,7 @@ def write(stream, primitives, units, blocks=None):
                                      _linetype(0x16, "CONTINUOUS")]))
     stream.write(_table("LAYER", 2, [_layer(0x10, "0")]
                         + [_layer(0x40 + i, name) for i, name in enumerate(layers)]))
+    stream.write(_table("APPID", 9, [_application(0x17, "ACAD"), _application(0x18, "QUOIN")]))
     stream.write(_table("BLOCK_RECORD", 1,
                         [_block_record(_SPACE, "*Model_Space"), _block_record(_PAPER, "*Paper_Space")]
                         + [_block_record(owner, name) for name, owner in parts.items()]))

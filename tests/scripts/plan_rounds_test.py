@@ -212,6 +212,20 @@ class PlanTest(unittest.TestCase):
             self.assertEqual(sum(s.what == "face" for s in segments), faces)
             self.assertEqual(sum(s.what == "step" for s in segments), steps)  # caps among them
 
+    def test_reference_lines_are_a_drawing_of_the_same_walls(self):
+        plan = drawing.make_plan(2, 60, units="m")
+        stream = io.StringIO()
+        dxf.write(stream, plan.references, "m")
+        document, auditor = recover.read(io.BytesIO(stream.getvalue().encode("ascii")))
+        self.assertEqual(auditor.errors, [])
+        walls = [line for line in document.modelspace().query("LINE")
+                 if line.dxf.layer == drawing.REFERENCE]
+        found = [{"start": line.dxf.start.xyz, "end": line.dxf.end.xyz, "left": data[0].value,
+                  "right": data[1].value}
+                 for line in walls for data in [line.get_xdata("QUOIN")]]
+        table, _ = judge.scores(plan.truth(), found, tolerance=judge.Tolerance.clean(1000.0, 1.0))
+        self.assertEqual((table[0].recall, table[0].precision), (1.0, 1.0))
+
     def test_outlines_are_closed_rings(self):
         plan_network, corners, loops = drawing.random_building(drawing.Random(4), 60)
         segments = network.outlines(plan_network, corners, loops)
@@ -266,7 +280,7 @@ class CampaignTest(unittest.TestCase):
             _, row = next(campaign.random_rows("/bin/false", [30], [1], [("clean", ())],
                                                pathlib.Path(folder)))
         self.assertEqual(row.scores["walls"].recall, 0.0)
-        self.assertEqual(len(row.failed), 1)
+        self.assertEqual(len(row.failed), 2)  # walls, and rooms of reference lines
 
     def test_variants_come_back_to_where_they_were(self):
         primitives = drawing.make_plan(3, 40, drawing.ALL_NOISE).primitives
