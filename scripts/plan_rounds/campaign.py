@@ -14,7 +14,7 @@ from plan_rounds import drawing, dxf, judge
 COLUMNS = ("walls", "walls, cut or joined", "walls, metres", "openings", "openings by kind", "rooms",
            "rooms of reference lines")
 EXACT = {"walls": 0.999, "openings": 0.999, "rooms": 0.999, "rooms of reference lines": 0.999}
-GOALS = {"clean": EXACT, "outlined": EXACT,
+GOALS = {"clean": EXACT, "outlined": EXACT, "wide": EXACT, "filled": EXACT,
          "noisy": {"walls": 0.98, "openings": 0.98, "rooms": 0.98},
          "by hand": {"walls": 0.95, "openings": 0.9, "rooms": 0.95}}
 SLOWEST = 600  # seconds
@@ -112,7 +112,8 @@ def random_rows(quoin, sizes, seeds, noises, folder, rooms=True, units=tuple(dxf
         for size in sizes:
             row = Row(f"{name}, {size:,} walls")
             for seed in seeds:
-                plan = drawing.make_plan(seed, size, noise, units[seed % len(units)])
+                plan = drawing.make_plan(seed, size, noise, units[seed % len(units)],
+                                         name if name in ("wide", "filled") else None)
                 file, references = folder / "plan.dxf", folder / "references.dxf"
                 if name in ("clean", "outlined"):
                     write_references(plan, references)
@@ -177,8 +178,10 @@ def changed(primitive, point, degrees, mirror):
     kind, layer, *rest = primitive
     if kind == "line":
         return (kind, layer, point(rest[0]), point(rest[1]))
-    if kind == "polyline":
+    if kind in ("polyline", "wide"):
         return (kind, layer, [point(p) for p in rest[0]], rest[1])
+    if kind == "hatch":
+        return (kind, layer, [[point(p) for p in ring] for ring in rest[0]])
     if kind == "circle":
         return (kind, layer, point(rest[0]), rest[1])
     if kind == "arc":
@@ -199,7 +202,7 @@ def reversed_line(primitive):
     kind, layer, *rest = primitive
     if kind == "line":
         return (kind, layer, rest[1], rest[0])
-    if kind == "polyline":
+    if kind in ("polyline", "wide"):
         return (kind, layer, rest[0][::-1], rest[1])
     return primitive
 

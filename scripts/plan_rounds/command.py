@@ -152,7 +152,8 @@ def main():
     one.add_argument("--seeds", type=int, default=5, help="plans of each size (default 5)")
     one.add_argument("--first-seed", type=int, default=1)
     one.add_argument("--noise", default="clean,noisy", metavar="WORDS",
-                     help="clean, noisy, outlined (by `quoin outline`), with commas between")
+                     help="clean, noisy, outlined (by `quoin outline`), wide (polylines), filled "
+                     "(hatches), with commas between")
     one.add_argument("--truths", metavar="FOLDER", help="also plans whose truth stands in this folder")
     one.add_argument("--drawings", action="append", default=[str(TRUTHS.parents[2])], metavar="FOLDER",
                      help="where those plans are (default: this tree); may be repeated")

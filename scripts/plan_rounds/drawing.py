@@ -24,7 +24,9 @@ FURNITURE, WORDS, DIMENSIONS, COLUMN = "A-FURN", "A-AREA-IDEN", "A-ANNO-DIMS", "
 ALL_NOISE = ("gaps", "overshoots", "skew", "duplicates", "pieces", "furniture", "words", "same-layer")
 NOISES = {"clean": (), "noisy": ALL_NOISE}
 
-STYLES = ("lines", "polylines", "mixed")  # how faces stand in the drawing
+# How walls stand in the drawing: by their faces, as polylines of their width along the reference
+# line, or as solid hatches without faces.
+STYLES = ("lines", "polylines", "mixed", "wide", "filled")
 
 ROOM_NAMES = ("KITCHEN", "BEDROOM", "BATH", "HALL", "OFFICE", "STORAGE", "WC", "LIVING ROOM",
               "MEETING", "CORRIDOR", "STUDY", "LAUNDRY")
@@ -112,7 +114,13 @@ class Draftsman:
     # Walls -------------------------------------------------------------------------------------
 
     def walls(self):
+        if self.style == "wide":
+            self.wide_walls()
+            return
         segments = outlines(self.network, self.corners, self.loops)
+        if self.style == "filled":
+            self.filled_walls(piers(segments))
+            return
         if self.style == "lines":
             for segment in segments:
                 self.face(segment)
@@ -123,6 +131,29 @@ class Draftsman:
                     self.face(segment)
             else:
                 self.polyline(WALL, self.ring_points(ring))
+
+    def wide_walls(self):
+        """Each wall as polylines with its width, between its openings."""
+        for index, edge in enumerate(self.network.edges):
+            middle = 0.5 * (edge.left - edge.right)
+            stops = [0.0, *(d for low, high, _ in edge.openings for d in (low, high)),
+                     self.network.length(index)]
+            for low, high in zip(stops[::2], stops[1::2]):
+                points = [self.frame.point(self.network.point(index, d, middle)) for d in (low, high)]
+                self.add("wide", WALL, points, (edge.left + edge.right) / self.frame.unit)
+
+    def filled_walls(self, rings):
+        """Every connected piece of wall as a hatch; rooms inside of it are its islands."""
+        polygons = [[segment.start for segment in ring] for ring in rings]
+        outer = [polygon for polygon in polygons if area(polygon) < 0.0]
+        islands = {id(polygon): [] for polygon in outer}
+        for polygon in polygons:
+            if area(polygon) > 0.0:
+                around = [other for other in outer if inside(other, polygon[0])]
+                islands[id(max(around, key=area))].append(polygon)  # the least
+        for polygon in outer:
+            self.add("hatch", WALL, [[self.frame.point(p) for p in ring]
+                                     for ring in [polygon, *islands[id(polygon)]]])
 
     def ring_points(self, ring):
         """The ring's corners, with what noise does to a polyline: corners off, points on sides."""

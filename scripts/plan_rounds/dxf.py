@@ -1,9 +1,9 @@
 """Writes primitives as a drawing of R2000, as text: libraries take longer than what is measured.
 
-A primitive is a tuple: ("line", layer, start, end), ("polyline", layer, points, closed),
+A primitive is a tuple: ("line", layer, start, end), ("polyline", layer, points, closed), ("wide", layer, points, width) for an open one with a width,
 ("arc", layer, centre, radius, start angle, end angle) with angles in degrees,
 ("circle", layer, centre, radius), ("text", layer, place, height, text, degrees),
-("insert", layer, block, place, x scale, y scale, degrees), ("hatch", layer, points),
+("insert", layer, block, place, x scale, y scale, degrees), ("hatch", layer, rings) for a solid one,
 ("wall", layer, start, end, left, right) and ("opening", layer, start, end, kind): lines with the
 extended data by which the program's commands know them.
 """
@@ -40,6 +40,11 @@ class _Writer:
             return self._entity("LWPOLYLINE", "AcDbPolyline", layer, owner,
                                 f"90\n{len(points)}\n70\n{int(closed)}\n"
                                 + "".join(f"10\n{x!r}\n20\n{y!r}\n" for x, y in points))
+        if kind == "wide":
+            points, width = rest
+            return self._entity("LWPOLYLINE", "AcDbPolyline", layer, owner,
+                                f"90\n{len(points)}\n70\n0\n43\n{width!r}\n"
+                                + "".join(f"10\n{x!r}\n20\n{y!r}\n" for x, y in points))
         if kind == "arc":
             (x, y), radius, start, end = rest
             return self._entity("ARC", "AcDbCircle", layer, owner,
@@ -60,13 +65,16 @@ class _Writer:
                                 f"2\n{block}\n10\n{x!r}\n20\n{y!r}\n30\n0.0\n41\n{sx!r}\n42\n{sy!r}\n"
                                 f"43\n1.0\n50\n{degrees!r}\n")
         if kind == "hatch":
-            (points,) = rest
+            (rings,) = rest
+            # The first ring is the outer one.
+            paths = "".join(
+                f"92\n{3 if i == 0 else 18}\n72\n0\n73\n1\n93\n{len(ring)}\n"
+                + "".join(f"10\n{x!r}\n20\n{y!r}\n" for x, y in ring) + "97\n0\n"
+                for i, ring in enumerate(rings))
             return self._entity(
                 "HATCH", "AcDbHatch", layer, owner,
                 "10\n0.0\n20\n0.0\n30\n0.0\n210\n0.0\n220\n0.0\n230\n1.0\n2\nSOLID\n70\n1\n71\n0\n"
-                f"91\n1\n92\n3\n72\n0\n73\n1\n93\n{len(points)}\n"
-                + "".join(f"10\n{x!r}\n20\n{y!r}\n" for x, y in points)
-                + "97\n0\n75\n0\n76\n1\n98\n0\n")
+                f"91\n{len(rings)}\n{paths}75\n0\n76\n1\n98\n0\n")
         raise ValueError(kind)
 
 
