@@ -106,12 +106,14 @@ def add_reference_rooms(row, quoin, truth, file):
     row.add(dataclasses.replace(score, what=f"{score.what} of reference lines") for score in table)
 
 
-def random_rows(quoin, sizes, seeds, noises, folder, rooms=True, units=tuple(dxf.UNITS)):
-    """A row for every noise and size; the seeds take turns in units."""
+def random_rows(quoin, sizes, seeds, noises, folder, rooms=True, units=tuple(dxf.UNITS), each=False):
+    """A row for every noise and size, or for each plan of them; the seeds take turns in units."""
     for name, noise in noises:
         for size in sizes:
             row = Row(f"{name}, {size:,} walls")
             for seed in seeds:
+                if each:
+                    row = Row(f"{name}, {size:,} walls, seed {seed} in {units[seed % len(units)]}")
                 plan = drawing.make_plan(seed, size, noise, units[seed % len(units)],
                                          name if name in ("wide", "filled") else None)
                 file, references = folder / "plan.dxf", folder / "references.dxf"
@@ -130,9 +132,10 @@ def random_rows(quoin, sizes, seeds, noises, folder, rooms=True, units=tuple(dxf
                 add_to(row, quoin, truth, file, folder, arguments, rooms)
                 if name == "clean" and rooms:
                     add_reference_rooms(row, quoin, truth, references)
-                print(".", end="", file=sys.stderr, flush=True)
-            yield name, row
-    print(file=sys.stderr)
+                if each:
+                    yield name, row
+            if not each:
+                yield name, row
 
 
 def truth_rows(quoin, truths, drawings, folder, rooms=True):
@@ -160,6 +163,15 @@ def as_markdown(rows):
         lines.append(f"| {row.plans} × {row.what} | {row.scores['walls'].true:,} | {row.seconds:.2f} | "
                      + " | ".join(cells) + " |")
     return "\n".join(lines)
+
+
+BEGIN, END = "<!-- plan rounds: begin -->", "<!-- plan rounds: end -->"
+
+
+def write_docs(file, table):
+    """Puts the table between the two marks of the document."""
+    before, rest = file.read_text(encoding="utf-8").split(BEGIN)
+    file.write_text(f"{before}{BEGIN}\n{table}\n{END}{rest.split(END)[1]}", encoding="utf-8")
 
 
 # Results do not hang on how a plan stands on its sheet -----------------------------------------
@@ -266,7 +278,8 @@ def campaign(arguments):
     noises = [(word, drawing.NOISES.get(word, ())) for word in arguments.noise.split(",") if word]
     seeds = range(arguments.first_seed, arguments.first_seed + arguments.seeds)
     sizes = [int(size) for size in arguments.walls.split(",") if size]
-    parts = [random_rows(arguments.quoin, sizes, seeds, noises, folder, not arguments.no_rooms)]
+    parts = [random_rows(arguments.quoin, sizes, seeds, noises, folder, not arguments.no_rooms,
+                         each=arguments.each)]
     if arguments.truths:
         parts.append(truth_rows(arguments.quoin, pathlib.Path(arguments.truths),
                                 [pathlib.Path(root) for root in arguments.drawings], folder,
@@ -275,8 +288,11 @@ def campaign(arguments):
         for goals, row in part:
             rows.append(row)
             below += row.below(GOALS[goals])
+            print(f"{row.what}: {', '.join(row.below(GOALS[goals])) or 'reached'}", file=sys.stderr)
     if rows:
         print(as_markdown(rows))
+    if arguments.write_docs:
+        write_docs(pathlib.Path(arguments.write_docs), as_markdown(rows))
     for size in [int(size) for size in arguments.variants.split(",") if size]:
         for name, noise in noises:
             for variant, walls, openings in compare_variants(

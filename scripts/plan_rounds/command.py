@@ -159,6 +159,8 @@ def main():
                      help="where those plans are (default: this tree); may be repeated")
     one.add_argument("--variants", default="", metavar="N,N",
                      help="also plans of these sizes shuffled, reversed, turned, mirrored, shifted")
+    one.add_argument("--each", action="store_true", help="a row for each plan, to find the bad ones")
+    one.add_argument("--write-docs", metavar="FILE.md", help="put the table between its marks there")
     one.add_argument("--no-rooms", action="store_true", help="judge walls and openings alone")
     one.add_argument("--folder", default="plan-rounds", help="for what is made on the way")
     one.set_defaults(run=campaign.campaign)

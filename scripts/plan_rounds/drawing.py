@@ -16,7 +16,7 @@ from random import Random
 
 from plan_rounds import dxf
 from plan_rounds.buildings import random_building
-from plan_rounds.network import area, gross_polygon, net_polygon, outlines, piers
+from plan_rounds.network import area, gross_polygon, net_polygon, outlines, piers, slack
 
 REFERENCE, REFERENCE_OPENING = "QUOIN-WALL", "QUOIN-OPENING"
 WALL, DOOR, GLAZING = "A-WALL", "A-DOOR", "A-GLAZ"
@@ -282,15 +282,15 @@ class Draftsman:
             self.text(WORDS, (place[0] - 400, place[1]), 150, name)
             self.text(WORDS, (place[0] - 400, place[1] - 250), 120, str(number))
             self.plan.references += [("text", WORDS) + text[2:] for text in self.plan.primitives[-2:]]
-            slack = sum(abs(self.network.left(half) - self.network.right(half))
-                        * self.network.length(half >> 1) for half in loop)
+            beside = sum(abs(self.network.left(half) - self.network.right(half))
+                         * self.network.length(half >> 1) for half in loop)
             column = self.column(net, place) if self.random.random() < 0.04 else 0.0
             self.plan.rooms.append({
                 "name": name, "number": str(number), "netArea": area(net) * 1e-6,
                 "grossArea": area(gross) * 1e-6, "columnAreas": [column * 1e-6] if column else [],
                 "polygon": [self.frame.point(p) for p in net]})
-            if slack > 0.0:
-                self.plan.rooms[-1]["grossSlack"] = slack * 1e-6
+            if beside > 0.0:
+                self.plan.rooms[-1]["grossSlack"] = beside * 1e-6
             if "furniture" in self.noise:
                 self.furniture(net, loop)
         return number
@@ -375,12 +375,9 @@ class Draftsman:
             wall = {"start": self.frame.point(network.point(index, 0.0, shift)),
                     "end": self.frame.point(network.point(index, length, shift)),
                     "left": 0.5 * width / unit, "right": 0.5 * width / unit, "width": width / unit}
-            # Where centre lines do not meet in one point, a wall may end at any of them.
-            slack = [max(abs(e.left - e.right) for e in (network.edges[h >> 1]
-                                                         for h in network.around[node])) / unit
-                     for node in (edge.first, edge.second)]
-            if any(slack):
-                wall["slack"] = slack
+            ends_off = [slack(network, node) / unit for node in (edge.first, edge.second)]
+            if any(ends_off):
+                wall["slack"] = ends_off
             self.plan.walls.append(wall)
             self.plan.references.append((
                 "wall", REFERENCE, self.frame.point(network.nodes[edge.first]),

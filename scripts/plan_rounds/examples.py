@@ -10,7 +10,7 @@ import re
 from drafting import flat, house, office, received
 from drafting.sheet import Sheet, inset
 from plan_rounds.drawing import distance_to, inside
-from plan_rounds.network import Edge, Network, area, gross_polygon, net_polygon
+from plan_rounds.network import Edge, Network, area, gross_polygon, net_polygon, slack
 
 FITS = 1e-6  # parts of a wall's width, within which ends meet
 
@@ -243,11 +243,9 @@ def truth_of(sheet, room_layer, columns=(), optional=lambda room: False, doors=(
                 "end": rounded(network.point(index, length, middle)),
                 "left": round(0.5 * width, digits), "right": round(0.5 * width, digits),
                 "width": round(width, digits), "layer": edge.kind}
-        slack = [max(abs(e.left - e.right) for e in (network.edges[half >> 1]
-                                                     for half in network.around[node]))
-                 for node in (edge.first, edge.second)]
-        if max(slack) > FITS * width:
-            wall["slack"] = [round(value, digits) for value in slack]
+        ends_off = [slack(network, node) for node in (edge.first, edge.second)]
+        if any(ends_off):
+            wall["slack"] = [round(value, digits) for value in ends_off]
         walls.append(wall)
         for opening in edge.openings:
             openings.append({"start": rounded(network.point(index, opening[0], middle)),
@@ -286,11 +284,11 @@ def truth_of(sheet, room_layer, columns=(), optional=lambda room: False, doors=(
             room["label"] = sum(labelled)
         if within:
             room["columnAreas"] = within
-        slack = sum(abs(network.left(half) - network.right(half)) * network.length(half >> 1)
-                    for half in loop_of[id(net)])
-        if slack > FITS * unit ** 2:
+        beside = sum(abs(network.left(half) - network.right(half)) * network.length(half >> 1)
+                     for half in loop_of[id(net)])
+        if beside > FITS * unit ** 2:
             # Where reference lines do not lie in the middle, the gross area hangs on the choice.
-            room["grossSlack"] = round(slack / unit ** 2, digits)
+            room["grossSlack"] = round(beside / unit ** 2, digits)
         if optional(room):
             room["optional"] = True
         rooms.append(room)

@@ -273,16 +273,21 @@ def scores(truth, walls=None, openings=None, rooms=None, tolerance=None, columns
         true = [wall_line(i, wall) for i, wall in enumerate(truth["walls"])]
         found = [wall_line(i, wall) for i, wall in enumerate(walls)]
         matched = match(true, found, tolerance)
-        table.append(of_matches("walls", truth["walls"], walls, matched))
-        must = [not wall.get("optional") for wall in truth["walls"]]
-        wrong += [("wall missed", truth["walls"][i]) for i in range(len(true))
-                  if i not in matched and must[i]]
-        right = set(matched.values())
-        wrong += [("wall made up", walls[j]) for j in range(len(found)) if j not in right]
-
         cell = 2000.0 / unit
         on_true = covered(true, found, tolerance, cell)
         on_found = covered(found, true, tolerance, cell)
+        # Where middle lines do not meet in one point, a stub of a wall may lead from one to another.
+        right = set(matched.values())
+        stubs = {j for j, (line, length) in enumerate(zip(found, on_found))
+                 if j not in right and line.length <= 0.5 * line.width
+                 and length >= line.length - 2.0 * tolerance.along}
+        score = of_matches("walls", truth["walls"], walls, matched)
+        table.append(dataclasses.replace(score, found=score.found - len(stubs)))
+        must = [not wall.get("optional") for wall in truth["walls"]]
+        wrong += [("wall missed", truth["walls"][i]) for i in range(len(true))
+                  if i not in matched and must[i]]
+        wrong += [("wall made up", walls[j]) for j in range(len(found)) if j not in right | stubs]
+
         spare = [2.0 * tolerance.along + sum(line.slack) for line in true]
         # Of a found wall the ends may stick out by half of the wall that it meets.
         widest = max((line.width for line in true), default=0.0)

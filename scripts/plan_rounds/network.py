@@ -132,6 +132,15 @@ class Network:
         return x + dx * distance - dy * offset, y + dy * distance + dx * offset
 
 
+def slack(network, node):
+    """How far a wall's end may be off along it, because middle lines do not meet at the node in one
+    point: as far as the faces of the walls there are from it. Zero where they do meet."""
+    around = [network.edges[half >> 1] for half in network.around[node]]
+    widest = max(edge.left + edge.right for edge in around)
+    beside = max(abs(edge.left - edge.right) for edge in around)
+    return beside + 0.5 * widest if beside > 1e-6 * widest else 0.0
+
+
 def area(polygon):
     """Signed area, positive counter-clockwise; exact sums for far away places."""
     ox, oy = polygon[0]
