@@ -111,11 +111,16 @@ class Places:
             self.things.setdefault(key, []).append(line)
 
     def near_line(self, line):
-        steps = max(1, math.ceil(line.length / (0.5 * self.cell)))
-        found = {}
+        """The lines of the cells that the line runs through, and of those beside them."""
+        steps = max(1, math.ceil(line.length / self.cell))
+        keys = set()
         for k in range(steps + 1):
-            for other in self.near((line.start[0] + line.dx * line.length * k / steps,
-                                    line.start[1] + line.dy * line.length * k / steps)):
+            x, y = self.key((line.start[0] + line.dx * line.length * k / steps,
+                             line.start[1] + line.dy * line.length * k / steps))
+            keys.update((i, j) for i in (x - 1, x, x + 1) for j in (y - 1, y, y + 1))
+        found = {}
+        for key in keys:
+            for other in self.things.get(key, ()):
                 found[id(other)] = other
         return found.values()
 
@@ -286,7 +291,8 @@ def scores(truth, walls=None, openings=None, rooms=None, tolerance=None, columns
         must = [not wall.get("optional") for wall in truth["walls"]]
         wrong += [("wall missed", truth["walls"][i]) for i in range(len(true))
                   if i not in matched and must[i]]
-        wrong += [("wall made up", walls[j]) for j in range(len(found)) if j not in right | stubs]
+        spared = right | stubs
+        wrong += [("wall made up", walls[j]) for j in range(len(found)) if j not in spared]
 
         spare = [2.0 * tolerance.along + sum(line.slack) for line in true]
         # Of a found wall the ends may stick out by half of the wall that it meets.
