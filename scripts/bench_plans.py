@@ -105,7 +105,8 @@ def programs(quoin, size, folder):
     found = {
         "walls, clean": ([quoin, "walls", names["clean"], "-o", out], None),
         "walls, noisy": ([quoin, "walls", names["noisy"], "-o", out], None),
-        "rooms": ([quoin, "rooms", names["references"], "-o", out], "shapely.ops.polygonize"),
+        "rooms": ([quoin, "rooms", names["references"], "--layer", drawing.REFERENCE, "-o", out],
+                  "shapely.ops.polygonize"),
         "clean": ([quoin, "clean", names["faults"], "-o", out], "GRASS v.clean"),
     }
     if importlib.util.find_spec("shapely"):

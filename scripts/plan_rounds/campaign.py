@@ -62,8 +62,14 @@ def read(quoin, plan, folder, arguments=(), rooms=True):
         return walls, None, seconds
     units = [word for i, word in enumerate(arguments)
              if word == "--units" or (i and arguments[i - 1] == "--units")]
-    text, _ = run([quoin, "rooms", found_walls, *units, "--report", "json"])
-    return walls, judge.drawing_of(json.loads(text))["rooms"], seconds
+    return walls, rooms_of(quoin, found_walls, units), seconds
+
+
+def rooms_of(quoin, references, arguments=()):
+    """What `rooms` finds between reference lines with openings."""
+    text, _ = run([quoin, "rooms", references, "--layer", drawing.REFERENCE, *arguments, "--dry-run",
+                   "--report", "json"])
+    return judge.drawing_of(json.loads(text))["rooms"]
 
 
 def add_to(row, quoin, truth, plan, folder, arguments, rooms):
@@ -96,8 +102,7 @@ def add_reference_rooms(row, quoin, truth, file):
     """Adds what `rooms` finds between reference lines with openings."""
     unit = truth["millimetersPerUnit"]
     try:
-        text, _ = run([quoin, "rooms", file, "--report", "json"])
-        found = judge.drawing_of(json.loads(text))["rooms"]
+        found = rooms_of(quoin, file)
     except (RuntimeError, subprocess.TimeoutExpired, KeyError, ValueError) as error:
         row.failed.append(f"{file}: {error}")
         found = []
