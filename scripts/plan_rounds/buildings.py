@@ -68,7 +68,9 @@ class Building:
         corners = [(0.0, 0.0), (width, 0.0), (width, depth), (0.0, depth)]
         if shape == "chamfered":
             cut = GRID * round(random.uniform(1200, 0.3 * min(width, depth) + 1200) / GRID)
-            other = cut if random.random() < 0.6 else GRID * round(cut * random.uniform(0.7, 1.3) / GRID)
+            other = cut
+            if random.random() >= 0.6:
+                other = GRID * round(cut * random.uniform(0.7, 1.3) / GRID)
             corners[2:3] = [(width, depth - cut), (width - other, depth)]
             if random.random() < 0.3:
                 corners[0:1] = [(0.0, cut), (other, 0.0)]
@@ -77,8 +79,8 @@ class Building:
             corners[2] = (width - lean, depth)
         elif shape == "hexagon":
             radius = math.sqrt(area * 1e6 / 2.598)
-            corners = [(radius * math.cos(math.radians(60 * i)), radius * math.sin(math.radians(60 * i)))
-                       for i in range(6)]
+            corners = [(radius * math.cos(turn), radius * math.sin(turn))
+                       for turn in (math.radians(60 * i) for i in range(6))]
         nodes = [self.node(*corner) for corner in corners]
         sides = []
         for a, b in zip(nodes, nodes[1:] + nodes[:1]):
@@ -117,8 +119,8 @@ class Building:
             first = (side, a, b)
         else:
             first = (self.line("outer", a, b), a, b)
-        self.cells.append([first, (self.line("outer", b, c), b, c), (self.line("outer", c, d), c, d),
-                           (line, d, a)])
+        self.cells.append([first, (self.line("outer", b, c), b, c),
+                           (self.line("outer", c, d), c, d), (line, d, a)])
 
     # The rooms ---------------------------------------------------------------------------------
 
@@ -127,7 +129,8 @@ class Building:
 
     def _area(self, cell):
         points = self._polygon(cell)
-        return 0.5e-6 * sum(ax * by - ay * bx for (ax, ay), (bx, by) in zip(points, points[1:] + points[:1]))
+        return 0.5e-6 * sum(ax * by - ay * bx
+                            for (ax, ay), (bx, by) in zip(points, points[1:] + points[:1]))
 
     def _foot(self, side, x, y, dx, dy):
         """Where the ray meets the side: distance along the ray, along the side; None if never."""
@@ -174,11 +177,14 @@ class Building:
             if self._near(cell[i], x, y)[0] < APART:
                 return None
             start = None
-        turn = math.radians(random.choice((-1, 1)) * random.uniform(15, 35)) if random.random() < oblique else 0.0
-        nx, ny = -dy, dx
-        nx, ny = nx * math.cos(turn) - ny * math.sin(turn), nx * math.sin(turn) + ny * math.cos(turn)
+        turn = 0.0
+        if random.random() < oblique:
+            turn = math.radians(random.choice((-1, 1)) * random.uniform(15, 35))
+        cosine, sine = math.cos(turn), math.sin(turn)
+        nx, ny = -dy * cosine - dx * sine, -dy * sine + dx * cosine
         hits = [(found, j) for j in range(len(cell)) if j != i
-                for found in [self._foot(cell[j], x, y, nx, ny)] if found and 0.0 <= found[1] <= found[2]]
+                for found in [self._foot(cell[j], x, y, nx, ny)]
+                if found and 0.0 <= found[1] <= found[2]]
         if len(hits) != 1:
             return None
         (t, u, length), j = hits[0]
@@ -198,7 +204,8 @@ class Building:
         cell[j][0].add(self.nodes, end)
         wall = self.line(kind, start, end)
         k = len(cell)
-        one = [(line, start, second)] + [cell[m % k] for m in range(i + 1, i + 1 + (j - i - 1) % k)] + \
+        one = [(line, start, second)] + \
+            [cell[m % k] for m in range(i + 1, i + 1 + (j - i - 1) % k)] + \
             [(cell[j][0], cell[j][1], end), (wall, end, start)]
         two = [(line, first, start), (wall, start, end), (cell[j][0], end, cell[j][2])] + \
             [cell[m % k] for m in range(j + 1, j + 1 + (i - j - 1) % k)]
@@ -236,13 +243,11 @@ class Building:
                 continue
             # The second wall beside the first.
             target = parts[self.random.randrange(2)]
-            sides = {id(side): side for side in target}
             wall = self.lines[-1]
             offset = GRID * round(self.random.uniform(1500, 2500) / GRID)
             other = [part for part in parts if part is not target]
             second = self._beside(target, wall, offset)
             self.cells = other + (list(second) if second else [target])
-            del sides
             return
 
     def _beside(self, cell, wall, offset):
@@ -287,7 +292,8 @@ class Building:
             x, y = ax + dx * distance, ay + dy * distance
             reach = GRID * round(random.uniform(600, 1400) / GRID)
             ends = [found for side in cell if side[0] is not line
-                    for found in [self._foot(side, x, y, -dy, dx)] if found and 0 <= found[1] <= found[2]]
+                    for found in [self._foot(side, x, y, -dy, dx)]
+                    if found and 0 <= found[1] <= found[2]]
             if self._near((line, first, second), x, y)[0] < APART or \
                     (len(ends) != 1 or ends[0][0] < reach + 1500):
                 continue
@@ -340,7 +346,8 @@ def add_openings(network, corners, loops, random, plenty):
                 entrance = True
                 wanted = [(random.choice((1010.0, 900.0, 1260.0)), "door")]
             else:
-                wanted = [(random.choice((600.0, 885.0, 1000.0, 1200.0, 1510.0, 1800.0, 2400.0)), "window")
+                widths = (600.0, 885.0, 1000.0, 1200.0, 1510.0, 1800.0, 2400.0)
+                wanted = [(random.choice(widths), "window")
                           for _ in range(random.choice((1, 1, 2, 3)))]
         else:
             wanted = [(random.choice((760.0, 885.0, 885.0, 1010.0, 700.0)), "door")

@@ -1,10 +1,10 @@
 """Writes primitives as a drawing of R2000, as text: libraries take longer than what is measured.
 
-A primitive is a tuple: ("line", layer, start, end), ("polyline", layer, points, closed), ("wide", layer, points, width) for an open one with a width,
-("arc", layer, centre, radius, start angle, end angle) with angles in degrees,
-("circle", layer, centre, radius), ("text", layer, place, height, text, degrees),
-("insert", layer, block, place, x scale, y scale, degrees), ("hatch", layer, rings) for a solid one,
-("wall", layer, start, end, left, right) and ("opening", layer, start, end, kind): lines with the
+A primitive is a tuple, angles in degrees: ("line", layer, start, end), ("polyline", layer, points,
+closed), ("wide", layer, points, width) for an open one with a width, ("arc", layer, centre, radius,
+start angle, end angle), ("circle", layer, centre, radius), ("text", layer, place, height, text,
+angle), ("insert", layer, block, place, x scale, y scale, angle), ("hatch", layer, rings) for a solid
+one, ("wall", layer, start, end, left, right) and ("opening", layer, start, end, kind): lines with the
 extended data by which the program's commands know them.
 """
 

@@ -292,7 +292,8 @@ def truth_of(sheet, room_layer, columns=(), optional=lambda room: False, doors=(
         if optional(room):
             room["optional"] = True
         rooms.append(room)
-    return {"drawing": "", "note": "", "units": {1000.0: "mm", 1.0: "m"}.get(unit, "in"), "millimetersPerUnit": 1000.0 / unit,
+    units = {1000.0: "mm", 1.0: "m"}.get(unit, "in")
+    return {"drawing": "", "note": "", "units": units, "millimetersPerUnit": 1000.0 / unit,
             "noise": [], "tolerance": {"along": 0.01, "across": 0.01, "width": 0.01, "area": 1e-6,
                                        "place": 300.0},
             "walls": walls, "openings": openings, "rooms": rooms,
