@@ -21,7 +21,7 @@ import ezdxf  # noqa: E402
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
 
-from drafting import flat, house, office, studio  # noqa: E402 - the line above finds it
+from drafting import flat, house, office, received, studio  # noqa: E402 - the line above finds it
 
 ezdxf.options.write_fixed_meta_data_for_testing = True  # no dates, no fresh identifiers
 
@@ -46,6 +46,7 @@ def drawings():
     yield "office/office.dxf", ascii_bytes(office.draw(), b"\r\n")
     yield "house-gbk/house.dxf", ascii_bytes(house.draw(), b"\r\n")
     yield "studio/studio.dxf", ascii_bytes(studio.draw(), b"\r\n")
+    yield "received/received.dxf", ascii_bytes(received.draw(), b"\r\n")
 
 
 def contents(data):

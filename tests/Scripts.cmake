@@ -12,6 +12,13 @@ add_test(NAME tree.bench.self_test
   COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/bench_table.py --self-test)
 add_test(NAME tree.bench_files.self_test
   COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/bench_files.py --self-test)
+# Random plans with their truth, and the judge of what was read from them.
+add_test(NAME tree.plan_rounds
+  COMMAND ${QUOIN_PYTHON} ${PROJECT_SOURCE_DIR}/tests/scripts/plan_rounds_test.py)
+set_tests_properties(tree.plan_rounds PROPERTIES ENVIRONMENT PYTHONDONTWRITEBYTECODE=1)
+add_test(NAME tree.bench_plans.self_test
+  COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/bench_plans.py --self-test)
+set_tests_properties(tree.bench_plans.self_test PROPERTIES ENVIRONMENT PYTHONDONTWRITEBYTECODE=1)
 # The shipped plans are what the script draws.
 add_test(NAME examples.drawn COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/make_examples.py --check)
 add_test(NAME examples.audit.self_test

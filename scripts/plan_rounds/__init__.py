@@ -1,0 +1,1 @@
+"""Random reference plans with their truth, and what judges a reading of them."""
