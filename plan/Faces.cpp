@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <map>
 #include <numbers>
 
@@ -12,6 +13,8 @@ namespace {
 constexpr double kHalfTurn = std::numbers::pi;
 /// So near are the directions of parallel lines, at least and, for short lines, at most.
 constexpr double kLeastTurn = 0.35 * kHalfTurn / 180.0;
+/// Up to this they are the same.
+constexpr double kSameTurn = 1e-7;
 constexpr double kGreatestTurn = 8.0 * kHalfTurn / 180.0;
 
 /// Long lines of one face that rise along the axis pass their middles so many tolerances apart at
@@ -52,7 +55,8 @@ std::vector<SortedLine> sortedLines(const std::vector<PlanLine>& lines) {
         first.x == lines[i].start.x && first.y == lines[i].start.y ? step : -step;
     double angle = std::atan2(way.y, way.x);
     angle = angle < 0.0 ? angle + kHalfTurn : angle;
-    sorted.push_back({length, angle >= kHalfTurn ? 0.0 : angle, first, i});
+    // Just below half a turn is level, too.
+    sorted.push_back({length, angle >= kHalfTurn - kSameTurn ? 0.0 : angle, first, i});
   }
   std::sort(sorted.begin(), sorted.end(), [](const SortedLine& a, const SortedLine& b) {
     if (a.length != b.length) {
@@ -69,14 +73,61 @@ std::vector<SortedLine> sortedLines(const std::vector<PlanLine>& lines) {
   return sorted;
 }
 
-/// Directions that long lines have; a shorter line takes one that is near its own.
+/// Directions that several lines have, or long ones; another line takes one that is near its own.
 class Directions {
  public:
+  /// Lines that are just parallel, and not all on one line, found a direction; those with most
+  /// length the first.
+  Directions(const std::vector<SortedLine>& lines, const AcGePoint2d& middle, double leastApart) {
+    std::vector<const SortedLine*> byAngle;
+    byAngle.reserve(lines.size());
+    for (const SortedLine& line : lines) {
+      byAngle.push_back(&line);
+    }
+    // Stable: of each direction the longest line comes first.
+    std::stable_sort(byAngle.begin(), byAngle.end(),
+                     [](const SortedLine* a, const SortedLine* b) { return a->angle < b->angle; });
+    struct Shared {
+      double length;
+      const SortedLine* longest;
+    };
+    std::vector<Shared> shared;
+    for (std::size_t first = 0; first < byAngle.size();) {
+      std::size_t last = first;
+      const SortedLine* longest = byAngle[first];
+      double length = 0.0;
+      double least = std::numeric_limits<double>::infinity();
+      double greatest = -least;
+      const AcGeVector2d across(-std::sin(longest->angle), std::cos(longest->angle));
+      for (; last < byAngle.size() && byAngle[last]->angle - byAngle[first]->angle <= kSameTurn;
+           ++last) {
+        length += byAngle[last]->length;
+        longest = byAngle[last]->length > longest->length ? byAngle[last] : longest;
+        const double offset = across.dotProduct(byAngle[last]->first - middle);
+        least = std::min(least, offset);
+        greatest = std::max(greatest, offset);
+      }
+      // The pieces of one line that is a little off are on one line.
+      if (greatest - least >= leastApart) {
+        shared.push_back({length, longest});
+      }
+      first = last;
+    }
+    std::stable_sort(shared.begin(), shared.end(),
+                     [](const Shared& a, const Shared& b) { return a.length > b.length; });
+    for (const Shared& direction : shared) {
+      found(*direction.longest);
+    }
+  }
+
+  /// Of each group the line that gives its direction.
+  const std::vector<const SortedLine*>& founders() const { return m_founders; }
+
   std::size_t groupOf(const SortedLine& line, double tolerance) {
     const double turn =
         std::clamp(std::asin(std::min(1.0, tolerance / line.length)), kLeastTurn, kGreatestTurn);
-    // Of those that are well within it, the one that the longest line has: what is a little off
-    // belongs to it rather than to another line that is.
+    // Of those that are well within it, the one that the longest line has, unless another is just
+    // the line's: what is a little off belongs to it rather than to another line that is.
     const double sure = std::max(kLeastTurn, 0.5 * turn);
     std::size_t first = Faces::kNone;
     std::size_t nearest = Faces::kNone;
@@ -96,15 +147,21 @@ class Directions {
     look(line.angle - turn, line.angle + turn, 0.0);
     look(0.0, line.angle + turn - kHalfTurn, kHalfTurn);
     look(line.angle - turn + kHalfTurn, kHalfTurn, -kHalfTurn);
-    nearest = first != Faces::kNone ? first : nearest;
+    nearest = first != Faces::kNone && least > kSameTurn ? first : nearest;
     if (nearest == Faces::kNone) {
-      nearest = m_groups.size();
-      m_groups.emplace(line.angle, nearest);
+      nearest = m_founders.size();
+      found(line);
     }
     return nearest;
   }
 
  private:
+  void found(const SortedLine& line) {
+    m_groups.emplace(line.angle, m_founders.size());
+    m_founders.push_back(&line);
+  }
+
+  std::vector<const SortedLine*> m_founders;
   std::map<double, std::size_t> m_groups;
 };
 
@@ -188,19 +245,24 @@ Faces makeFaces(const std::vector<PlanLine>& lines, const FindWallsOptions& opti
   result.faceOfLine.assign(lines.size(), Faces::kNone);
   const std::vector<SortedLine> sorted = sortedLines(lines);
   const AcGePoint2d middle = middleOf(sorted);
-  Directions directions;
+  Directions directions(sorted, middle, 0.5 * options.minWidth);
   std::vector<Face> pieces;
   pieces.reserve(sorted.size());
+  std::vector<std::size_t> groups;
+  groups.reserve(sorted.size());
   for (const SortedLine& line : sorted) {
-    const std::size_t group = directions.groupOf(line, options.tolerance);
+    groups.push_back(directions.groupOf(line, options.tolerance));
+  }
+  for (const SortedLine* const founder : directions.founders()) {
+    const PlanLine& ends = lines[founder->number];
+    const AcGeVector2d along = (ends.end - ends.start) / founder->length;
+    const bool isDown = along.y < 0.0 || (along.y == 0.0 && along.x < 0.0);
+    result.axes.push_back({middle, isDown ? -along : along});
+  }
+  for (std::size_t i = 0; i < sorted.size(); ++i) {
+    const SortedLine& line = sorted[i];
+    const std::size_t group = groups[i];
     const PlanLine& ends = lines[line.number];
-    if (group == result.axes.size()) {
-      const AcGePoint2d& other =
-          ends.start.x == line.first.x && ends.start.y == line.first.y ? ends.end : ends.start;
-      AcGeVector2d along = (other - line.first) / line.length;
-      along = along.y < 0.0 || (along.y == 0.0 && along.x < 0.0) ? -along : along;
-      result.axes.push_back({middle, along});
-    }
     const Axis& axis = result.axes[group];
     const double a = axis.alongOf(ends.start);
     const double b = axis.alongOf(ends.end);

@@ -83,6 +83,7 @@ class Sweep {
     strip.width = l - r;
     strip.middle = 0.5 * (l + r);
     strip.slope = 0.5 * (rightFace.slope + leftFace.slope);
+    strip.taper = std::fabs(leftFace.slope - rightFace.slope) * strip.length();
     const double slack = m_options.tolerance;
     if (strip.length() > slack && strip.width >= m_options.minWidth - slack &&
         strip.width <= m_options.maxWidth + slack) {

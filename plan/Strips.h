@@ -21,6 +21,8 @@ struct Strip {
   double middle = 0.0;  // the offset midway between the faces, at the strip's middle
   double slope = 0.0;   // by which that rises
   double width = 0.0;   // there
+  /// By how much the faces' distances differ between the ends.
+  double taper = 0.0;
 
   double length() const { return end - begin; }
   double middleAt(double at) const { return middle + slope * (at - 0.5 * (begin + end)); }

@@ -18,6 +18,8 @@ constexpr double kAcrossSine = 0.7;
 /// The part of a wall's width that a line across it must cover, and of a gap's length that a
 /// window's lines must.
 constexpr double kEnoughCover = 0.6;
+/// Up to this part of the tolerance numbers are the same.
+constexpr double kExact = 1e-4;
 /// Where one face runs on, the other may be interrupted so many times the greatest width.
 constexpr double kRecess = 5.0;
 /// A window between faces that run through is no narrower than this part of the greatest width: two
@@ -116,7 +118,8 @@ class RunMaker {
     const Axis line{axis.at(0.0, middle), axis.along};
     const std::vector<Interval> free = withoutCrossings(line, group, gap, width);
     if (free.empty()) {
-      return true;
+      // Two walls on one line up to what drawing by hand leaves, each exact in itself, are two.
+      return !areDrawnApart(a, b);
     }
     if (a.right == b.right && a.left == b.left) {
       const bool hasJambs =
@@ -164,6 +167,15 @@ class RunMaker {
     }
     openings.insert(openings.end(), found.begin(), found.end());
     return true;
+  }
+
+  bool areDrawnApart(const Strip& a, const Strip& b) const {
+    const double exact = kExact * m_options.tolerance;
+    const bool isExact = a.taper <= exact && b.taper <= exact &&
+                         std::fabs(a.slope - b.slope) * (a.length() + b.length()) <= exact;
+    const double at = 0.5 * (a.end + b.begin);
+    return isExact && (std::fabs(a.middleAt(at) - b.middleAt(at)) > exact ||
+                       std::fabs(a.width - b.width) > exact);
   }
 
   /// What the bodies of crossing walls leave of a gap.
@@ -235,7 +247,7 @@ class RunMaker {
   }
 
   /// The line midway between the faces, and the width, from the drawing's own numbers: those of the
-  /// longest faces where all others agree with them, else the best line through all.
+  /// longest faces where half of the others agree with them, else the best line through all.
   void fit(WallRun& run, const Axis& axis) const {
     const Strip* longest = &run.strips.front();
     for (const Strip& strip : run.strips) {
@@ -257,17 +269,21 @@ class RunMaker {
     double width = 0.0;
     const double middle = middleOf(*longest, at, width);
     run.axis = {axis.at(at, middle), along};
+    // Across the wall rather than across its group.
+    width *= along.dotProduct(axis.along);
     // Do all agree?
     double weight = 0.0;
     double meanAt = 0.0;
     double meanMiddle = 0.0;
     double meanWidth = 0.0;
-    double worst = 0.0;
+    double agreeing = 0.0;
     std::vector<std::array<double, 3>> points;
     for (const Strip& strip : run.strips) {
+      double worst = 0.0;
       for (const double place : {strip.begin, strip.end}) {
         double there = 0.0;
         const double offset = middleOf(strip, place, there);
+        there *= along.dotProduct(axis.along);
         worst = std::max(
             {worst, std::fabs(run.axis.leftOf(axis.at(place, offset))), std::fabs(there - width)});
         const double share = strip.length();
@@ -277,10 +293,11 @@ class RunMaker {
         meanMiddle += share * offset;
         meanWidth += share * there;
       }
+      agreeing += worst <= kExact * m_options.tolerance ? 2.0 * strip.length() : 0.0;
     }
     const double magnitude = std::fabs(axis.origin.x) + std::fabs(axis.origin.y) +
                              std::fabs(longest->begin) + std::fabs(longest->middle);
-    if (worst > 1e-4 * m_options.tolerance) {
+    if (agreeing < 0.5 * weight) {
       meanAt /= weight;
       meanMiddle /= weight;
       width = meanWidth / weight;
