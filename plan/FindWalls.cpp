@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <map>
 
 #include "plan/Faces.h"
@@ -185,33 +183,6 @@ FoundWalls findWalls(const PlanDrawing& drawing, const FindWallsOptions& options
   std::vector<StripChain> all = findStrips(faces, options);
   std::vector<StripChain> chains = chooseStrips(all, faces, options);
   const GapJudge judge(drawing, options);
-  if (getenv("QDBG")) {
-    double X = atof(getenv("QX")), Y = atof(getenv("QY")), R = atof(getenv("QR"));
-    for (auto& c : getenv("QALL") ? all : chains) {
-      bool show = false;
-      for (auto& s : c.strips) {
-        auto m = faces.axes[c.group].at(0.5 * (s.begin + s.end), s.middle);
-        show = show || (fabs(m.x - X) < R && fabs(m.y - Y) < R);
-      }
-      if (!show)
-        continue;
-      fprintf(stderr, "chain group %zu score %.0f share %.3f\n", c.group, c.score, c.share);
-      for (auto& s : c.strips) {
-        auto a = faces.axes[c.group].at(s.begin, s.middle),
-             b = faces.axes[c.group].at(s.end, s.middle);
-        fprintf(stderr, "   strip w %.2f len %.1f (%.0f,%.0f)-(%.0f,%.0f) faces %zu %zu\n", s.width,
-                s.length(), a.x, a.y, b.x, b.y, s.right, s.left);
-      }
-    }
-    for (auto& r : makeRuns(drawing, faces, chains, judge, options)) {
-      auto m = r.axis.at(0.5 * (r.from + r.to));
-      if (fabs(m.x - X) < 3 * R && fabs(m.y - Y) < 3 * R)
-        fprintf(stderr,
-                "run w %.2f len %.1f drawn %.0f (%.0f,%.0f)-(%.0f,%.0f) openings %zu share %.3f\n",
-                r.width(), r.length(), r.drawnLength(), r.start().x, r.start().y, r.end().x,
-                r.end().y, r.openings.size(), r.share);
-    }
-  }
   WallNetwork network = joinRuns(makeRuns(drawing, faces, chains, judge, options), judge, options);
   // Once more without what turned out to be no wall: it stood where walls are, hid openings and
   // parted walls.

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <limits>
 #include <numeric>
 
@@ -143,7 +141,7 @@ class Network {
     const WallRun& run = m_runs[end.run];
     const AcGePoint2d place = pointOf(end);
     const AcGeVector2d out = outOf(end);
-    const Box box = Box(place, place).grownBy(m_options.maxWidth + m_options.reach);
+    const Box box = Box(place, place).grownBy(0.5 * m_options.maxWidth + m_options.reach);
     m_grid.visitIn(box, [&](std::size_t other) {
       const WallRun& there = m_runs[other];
       if (other == end.run || std::fabs(sineOf(out, there.axis.along)) > kParallelSine) {
@@ -155,16 +153,6 @@ class Network {
       const double aside = run.axis.leftOf(pointOf(facing));
       const bool isBeside =
           std::fabs(aside) < 0.5 * (run.width() + there.width()) - m_options.tolerance;
-      const bool isFlush =
-          std::fabs(std::fabs(aside) - 0.5 * std::fabs(run.width() - there.width())) <=
-              m_options.tolerance &&
-          std::fabs(aside) > m_options.tolerance;
-      if (isBeside && isFlush && gap > m_options.reach &&
-          gap <= m_options.maxWidth + m_options.reach) {
-        // A third wall between them meets both on one line.
-        next[end.run].push_back({other, aside});
-        return;
-      }
       if (std::fabs(gap) > m_options.reach || !isBeside) {
         return;
       }
@@ -355,7 +343,8 @@ class Network {
     double begin = 0.0;
     double stop = least - std::max(there.left, there.right) / sine;
     const Axis line{place + run.axis.along.perpVector() * (0.5 * (run.left - run.right)), out};
-    m_judge.narrow(line, run.width(), begin, stop);
+    const double slack = 0.5 * m_options.reach;
+    narrow(m_judge.endsBetween(line, -slack, stop + slack, run.width()), begin, stop);
     const GapJudge::Drawn drawn = m_judge.drawnIn(line, begin, stop, run.width());
     if (stop - begin <= m_options.reach || !(drawn.isDoor || drawn.isWindow) ||
         !m_judge.hasEnd(line, 0.0, run.width())) {

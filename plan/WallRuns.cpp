@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <numbers>
 
 namespace quoin::plan {
@@ -116,7 +114,8 @@ class RunMaker {
     const double width = 0.5 * (a.width + b.width);
     const double middle = 0.5 * (a.middle + b.middle);
     const Axis line{axis.at(0.0, middle), axis.along};
-    const std::vector<Interval> free = withoutCrossings(line, group, gap, width);
+    double play = 0.0;
+    const std::vector<Interval> free = withoutCrossings(line, group, gap, width, play);
     if (free.empty()) {
       // Two walls on one line up to what drawing by hand leaves, each exact in itself, are two.
       return !areDrawnApart(a, b);
@@ -136,7 +135,10 @@ class RunMaker {
     for (Interval part : free) {
       const bool isAtStart = part.from == gap.from;
       const bool isAtEnd = part.to == gap.to;
-      m_judge.narrow(line, width, part.from, part.to);
+      const Interval all{std::max(gap.from, part.from - play), std::min(gap.to, part.to + play)};
+      const std::vector<double> jambs = m_judge.endsBetween(line, all.from - 0.5 * m_options.reach,
+                                                            all.to + 0.5 * m_options.reach, width);
+      narrow(jambs, part.from, part.to);
       const bool hasStart = isAtStart && m_judge.hasEnd(line, part.from, width);
       const bool hasEnd = isAtEnd && m_judge.hasEnd(line, part.to, width);
       const GapJudge::Drawn drawn = m_judge.drawnIn(line, part.from, part.to, width);
@@ -146,16 +148,6 @@ class RunMaker {
                             part.length() <= 0.5 * m_options.maxOpening;
       const bool isShown =
           isDrawn && (isAtStart || isAtEnd) && part.length() <= m_options.maxDrawnOpening;
-      if (getenv("QDBG")) {
-        auto pp = line.at(part.from);
-        if (fabs(pp.x - atof(getenv("QX"))) < atof(getenv("QR")) &&
-            fabs(pp.y - atof(getenv("QY"))) < atof(getenv("QR")))
-          fprintf(stderr,
-                  "PART %.1f..%.1f of %.1f..%.1f atstart %d atend %d hasstart %d hasend %d door %d "
-                  "win %d free %zu\n",
-                  part.from, part.to, gap.from, gap.to, isAtStart, isAtEnd, hasStart, hasEnd,
-                  drawn.isDoor, drawn.isWindow, free.size());
-      }
       if (isPlain || isBeside || isShown) {
         found.push_back({part.from, part.to, drawn.kind()});
         continue;
@@ -178,9 +170,10 @@ class RunMaker {
                        std::fabs(a.width - b.width) > exact);
   }
 
-  /// What the bodies of crossing walls leave of a gap.
+  /// What the bodies of crossing walls leave of a gap. Those of slanting ones may reach over a
+  /// jamb, as far as `play` says.
   std::vector<Interval> withoutCrossings(const Axis& line, std::size_t group, const Interval& gap,
-                                         double width) const {
+                                         double width, double& play) const {
     std::vector<Interval> bodies;
     const double margin = m_options.maxWidth + m_options.reach;
     const Box box = Box(line.at(gap.from), line.at(gap.to)).grownBy(margin);
@@ -207,6 +200,7 @@ class RunMaker {
       if (there >= entry.strip.begin - beyond && there <= entry.strip.end + beyond &&
           at + half > gap.from && at - half < gap.to) {
         bodies.push_back({at - half, at + half});
+        play = std::max(play, width * slant);
       }
     });
     std::sort(bodies.begin(), bodies.end(),
@@ -419,9 +413,7 @@ std::vector<double> GapJudge::endsBetween(const Axis& axis, double from, double 
   return ends;
 }
 
-void GapJudge::narrow(const Axis& axis, double width, double& from, double& to) const {
-  const double slack = 0.5 * m_options.reach;
-  const std::vector<double> ends = endsBetween(axis, from - slack, to + slack, width);
+void narrow(const std::vector<double>& ends, double& from, double& to) {
   const double first = ends.empty() ? to : ends.front();
   const double last = ends.empty() ? from : ends.back();
   const double middle = 0.5 * (from + to);

@@ -57,9 +57,6 @@ class GapJudge {
   bool hasEnd(const Axis& axis, double at, double width) const;
   /// Where lines close or part the wall between two places, ascending.
   std::vector<double> endsBetween(const Axis& axis, double from, double to, double width) const;
-  /// Narrows a gap that begins or ends at a crossing wall, or where a face breaks off, to the lines
-  /// within it that close the wall.
-  void narrow(const Axis& axis, double width, double& from, double& to) const;
 
  private:
   void lookAtArcs(const Axis& axis, double from, double to, double width, Drawn& drawn) const;
@@ -69,6 +66,10 @@ class GapJudge {
   SegmentGrid m_lines;    // of the drawing, then the symbols'
   SegmentGrid m_centers;  // of arcs
 };
+
+/// Narrows a gap to the first and the last line that closes the wall there (GapJudge::endsBetween),
+/// of those that are nearer to its beginning and to its end.
+void narrow(const std::vector<double>& ends, double& from, double& to);
 
 std::vector<WallRun> makeRuns(const PlanDrawing& drawing, const Faces& faces,
                               const std::vector<StripChain>& chains, const GapJudge& judge,
