@@ -5,12 +5,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <exception>
 #include <limits>
 #include <ostream>
 #include <streambuf>
+#include <utility>
+#include <vector>
 
 #include "commands/CommandError.h"
 #include "embedded/os/File.h"
@@ -28,9 +31,30 @@ struct Mesh {
   std::vector<float> normals;
   std::vector<std::uint32_t> indices;
 
+  /// The index of this corner: that of one of the last, where it is there already. Faces of one
+  /// plane share their corners, and those that stand side by side come one after another.
+  std::uint32_t corner(const std::array<float, 3>& position, const std::array<float, 3>& normal) {
+    constexpr std::size_t kLast = 64;
+    const std::size_t count = positions.size() / 3;
+    for (std::size_t i = count; i-- > count - std::min(count, kLast);) {
+      if (std::equal(position.begin(), position.end(), positions.begin() + offset(i)) &&
+          std::equal(normal.begin(), normal.end(), normals.begin() + offset(i))) {
+        return static_cast<std::uint32_t>(i);
+      }
+    }
+    positions.insert(positions.end(), position.begin(), position.end());
+    normals.insert(normals.end(), normal.begin(), normal.end());
+    return static_cast<std::uint32_t>(count);
+  }
+
   std::uint64_t bytes() const {
     return sizeof(float) * (positions.size() + normals.size()) +
            sizeof(std::uint32_t) * indices.size();
+  }
+
+ private:
+  static std::ptrdiff_t offset(std::size_t corner) {
+    return static_cast<std::ptrdiff_t>(3 * corner);
   }
 };
 
@@ -104,22 +128,26 @@ class MeshMaker {
       return;
     }
     const AcGeVector3d normal = normalOf(corners);
-    const auto first = static_cast<std::uint32_t>(mesh.positions.size() / 3);
-    for (const std::array<float, 3>& position : positions) {
-      mesh.positions.insert(mesh.positions.end(), position.begin(), position.end());
-      for (const double part : {normal.x, normal.y, normal.z}) {
-        mesh.normals.push_back(static_cast<float>(part) + 0.0F);
-      }
+    std::array<std::uint32_t, 4> numbers{};
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+      numbers[i] = mesh.corner(positions[i], rounded(normal));
     }
     // A quadrilateral is parted so that both halves look where it looks.
-    const bool isQuad = positions.size() == 4;
-    const std::uint32_t turn = isQuad && !looksAlong(corners, normal) ? 1 : 0;
-    for (std::uint32_t i = 1; i + 1 < positions.size(); ++i) {
-      for (const std::uint32_t corner : {std::uint32_t{0}, i, i + 1}) {
-        mesh.indices.push_back(first +
-                               (corner + turn) % static_cast<std::uint32_t>(positions.size()));
+    const std::size_t turn = positions.size() == 4 && !looksAlong(corners, normal) ? 1 : 0;
+    for (std::size_t i = 1; i + 1 < positions.size(); ++i) {
+      for (const std::size_t corner : {std::size_t{0}, i, i + 1}) {
+        mesh.indices.push_back(numbers[(corner + turn) % positions.size()]);
       }
     }
+  }
+
+  /// To some millionths, so that faces of one plane have one normal.
+  static std::array<float, 3> rounded(const AcGeVector3d& normal) {
+    constexpr double kSteps = 1048576.0;  // 2^20: exact in a float
+    const auto round = [](double part) {
+      return static_cast<float>(std::round(part * kSteps) / kSteps) + 0.0F;
+    };
+    return {round(normal.x), round(normal.y), round(normal.z)};
   }
 
   /// Whether the triangles 0 1 2 and 0 2 3 do.
@@ -144,10 +172,12 @@ double lightOf(double shown) {
 
 class GltfMaker {
  public:
-  GltfMaker(const Model& model, MeshMaker& maker) {
+  /// Takes the meshes out of the maker, so that there is one of each in memory.
+  GltfMaker(const Model& model, MeshMaker& maker, std::uint64_t bytes) {
     m_gltf.asset.version = "2.0";
     m_gltf.asset.generator = "quoin " QUOIN_VERSION;
     m_gltf.buffers.resize(1);
+    m_gltf.buffers[0].data.reserve(bytes);
     tinygltf::Node root;
     root.name = "model";
     root.translation = {maker.origin().x, maker.origin().y, maker.origin().z};
@@ -158,7 +188,6 @@ class GltfMaker {
     for (std::size_t i = 0; i < maker.meshes().size(); ++i) {
       addMaterial(model.materials[i]);
       addMesh(model.materials[i].layer, maker.meshes()[i]);
-      maker.meshes()[i] = {};
     }
     tinygltf::Scene scene;
     scene.nodes.push_back(0);
@@ -178,18 +207,19 @@ class GltfMaker {
     m_gltf.materials.push_back(std::move(made));
   }
 
-  void addMesh(const std::string& name, const Mesh& mesh) {
+  void addMesh(const std::string& name, Mesh& mesh) {
+    std::vector<double> least(3, std::numeric_limits<double>::infinity());
+    std::vector<double> greatest(3, -std::numeric_limits<double>::infinity());
+    for (std::size_t i = 0; i < mesh.positions.size(); ++i) {
+      const double value = mesh.positions[i];
+      least[i % 3] = std::min(least[i % 3], value);
+      greatest[i % 3] = std::max(greatest[i % 3], value);
+    }
     tinygltf::Primitive triangles;
     triangles.attributes["POSITION"] =
         addAccessor(mesh.positions, TINYGLTF_TYPE_VEC3, TINYGLTF_COMPONENT_TYPE_FLOAT);
-    tinygltf::Accessor& positions = m_gltf.accessors.back();
-    positions.minValues.assign(3, std::numeric_limits<double>::infinity());
-    positions.maxValues.assign(3, -std::numeric_limits<double>::infinity());
-    for (std::size_t i = 0; i < mesh.positions.size(); ++i) {
-      const double value = mesh.positions[i];
-      positions.minValues[i % 3] = std::min(positions.minValues[i % 3], value);
-      positions.maxValues[i % 3] = std::max(positions.maxValues[i % 3], value);
-    }
+    m_gltf.accessors.back().minValues = least;
+    m_gltf.accessors.back().maxValues = greatest;
     triangles.attributes["NORMAL"] =
         addAccessor(mesh.normals, TINYGLTF_TYPE_VEC3, TINYGLTF_COMPONENT_TYPE_FLOAT);
     triangles.indices =
@@ -206,8 +236,11 @@ class GltfMaker {
     m_gltf.nodes.push_back(std::move(node));
   }
 
+  /// Empties the values.
   template <class Value>
-  int addAccessor(const std::vector<Value>& values, int type, int componentType) {
+  int addAccessor(std::vector<Value>& taken, int type, int componentType) {
+    const std::vector<Value> values = std::move(taken);
+    taken = {};
     std::vector<unsigned char>& buffer = m_gltf.buffers[0].data;
     tinygltf::BufferView view;
     view.buffer = 0;
@@ -273,7 +306,7 @@ void writeGlb(const Model& model, const ModelForm& form, const std::filesystem::
     throw CommandError(ExitCode::OutputUnwritable,
                        file.string() + ": the model is larger than the 4 GB of a .glb file");
   }
-  const GltfMaker gltf(model, maker);
+  const GltfMaker gltf(model, maker, bytes);
   try {
     os::AtomicFile output(file.string());
     FileBuffer buffer(output);

@@ -116,7 +116,10 @@ class Cutter {
     while (leaveOutEdges(cuts, prism.height)) {
     }
     prism.holes = holesOf(cuts);
-    if (!prism.holes.empty() && prism.faces().empty()) {
+    const std::vector<WallSlab> slabs = slabsBetween(prism.holes, prism.height);
+    const bool mayBeGone = std::all_of(slabs.begin(), slabs.end(),
+                                       [](const WallSlab& slab) { return slab.solid.empty(); });
+    if (!slabs.empty() && mayBeGone && prism.faces().empty()) {
       leaveOutWhere(cuts, "would, with others, leave nothing of its wall",
                     [](const WallHole&) { return true; });
       prism.holes.clear();

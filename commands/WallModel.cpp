@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <map>
+#include <iterator>
 #include <set>
 #include <unordered_map>
 
@@ -99,14 +99,14 @@ std::string objText(const Model& model, const ModelForm& form, const std::string
       for (std::size_t i = 0; i < face.size(); ++i) {
         // A corner that falls on the one before it makes the quadrilateral a triangle.
         if (corners[i] != corners[(i + 3) % 4]) {
-          faces += fmt::format(" {}", corners[i]);
+          fmt::format_to(std::back_inserter(faces), " {}", corners[i]);
         }
       }
       faces += "\n";
     }
     for (const AcGePoint3d& corner : numbers.corners()) {
       const AcGePoint3d point = form.place(corner);
-      text += fmt::format("v {} {} {}\n", point.x, point.y, point.z);
+      fmt::format_to(std::back_inserter(text), "v {} {} {}\n", point.x, point.y, point.z);
     }
     text += faces;
     vertexCount += numbers.corners().size();
@@ -169,28 +169,19 @@ void writeDxf(const Model& model, const ModelForm& form, const std::filesystem::
   }
 }
 
-/// The colours of all layers that are there.
-std::map<std::string, std::array<double, 3>> colorsOf(Drawing& drawing) {
-  std::map<std::string, std::array<double, 3>> colors;
-  AcDbLayerTable* table = nullptr;
-  if (drawing.database().getLayerTable(table, AcDb::kForRead) != Acad::eOk) {
-    return colors;
+/// The layer's colour; white where it cannot be read.
+std::array<double, 3> colorOf(AcDbLayerTable& table, const std::string& layer) {
+  AcDbObjectId id;
+  if (table.getAt(os::fromUtf8(layer).c_str(), id) != Acad::eOk) {
+    return {1.0, 1.0, 1.0};
   }
-  for (const LayerContent& layer : drawing.layers()) {
-    AcDbObjectId id;
-    if (table->getAt(layer.name.c_str(), id) != Acad::eOk) {
-      continue;
-    }
-    const AcDbObjectPointer<AcDbLayerTableRecord> record(id, AcDb::kForRead);
-    if (record.openStatus() == Acad::eOk) {
-      const AcCmColor color = record->color();
-      constexpr double kMost = 255.0;
-      colors[os::toUtf8(layer.name)] = {color.red() / kMost, color.green() / kMost,
-                                        color.blue() / kMost};
-    }
+  const AcDbObjectPointer<AcDbLayerTableRecord> record(id, AcDb::kForRead);
+  if (record.openStatus() != Acad::eOk) {
+    return {1.0, 1.0, 1.0};
   }
-  table->close();
-  return colors;
+  const AcCmColor color = record->color();
+  constexpr double kMost = 255.0;
+  return {color.red() / kMost, color.green() / kMost, color.blue() / kMost};
 }
 
 }  // namespace
@@ -210,13 +201,15 @@ void Model::forEachBody(const std::function<void(const Body&)>& visit) const {
 
 std::vector<ModelMaterial> materialsOf(Drawing& drawing, const Model& model) {
   std::vector<ModelMaterial> materials;
+  AcDbLayerTable* table = nullptr;
+  if (drawing.database().getLayerTable(table, AcDb::kForRead) != Acad::eOk) {
+    throw CommandError(ExitCode::InputUnreadable,
+                       drawing.file().string() + ": its layers cannot be read");
+  }
   std::set<std::string> seen;
-  const std::map<std::string, std::array<double, 3>> colors = colorsOf(drawing);
   const auto add = [&](const std::string& layer) {
     if (seen.insert(layer).second) {
-      const auto color = colors.find(layer);
-      materials.push_back(
-          {layer, color != colors.end() ? color->second : std::array<double, 3>{1.0, 1.0, 1.0}});
+      materials.push_back({layer, colorOf(*table, layer)});
     }
   };
   for (const WallPrism& wall : model.walls) {
@@ -225,6 +218,7 @@ std::vector<ModelMaterial> materialsOf(Drawing& drawing, const Model& model) {
   for (const FloorSlab& slab : model.slabs) {
     add(slab.layer);
   }
+  table->close();
   return materials;
 }
 

@@ -39,6 +39,7 @@ struct Model {
 };
 
 /// A material for every layer with bodies, in its layer's colour.
+/// Fails: throws CommandError (InputUnreadable) for a drawing without a layer table.
 std::vector<ModelMaterial> materialsOf(Drawing& drawing, const Model& model);
 
 /// How a drawing's coordinates become the model's.
