@@ -196,7 +196,7 @@ class SolidTest(SolidCase):
         self.fails(4, *base, "--height", "9", "--openings", "NONE")
 
 
-class OpeningsTest(SolidCase):
+class SolidOpeningsTest(SolidCase):
     def plan(self):
         """Two walls that meet in a corner, 5 m and 4 m long, with openings."""
         self.walls("o.dxf", [((0, 0), (5000, 0)), ((5000, 0), (5000, 4000))])
@@ -298,7 +298,7 @@ class OpeningsTest(SolidCase):
                 self.assertAlmostEqual(a, b, delta=1e-6 * b)
 
 
-class SlabsTest(SolidCase):
+class SolidSlabsTest(SolidCase):
     def plan(self):
         space = self.walls("s.dxf", [((0, 0), (8000, 0))])
         room = {"layer": "QUOIN-ROOM"}
@@ -337,7 +337,7 @@ class SlabsTest(SolidCase):
         self.assertIn("is not closed", text)
 
 
-class GlbTest(SolidCase):
+class SolidGlbTest(SolidCase):
     def plan(self, far=0.0, name="g.dxf"):
         """A wall with a door and a window, another wall, a floor."""
         space = self.walls(name, [((far, far), (far + 5000, far)),
