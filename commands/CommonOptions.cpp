@@ -44,7 +44,8 @@ void checkDrawingName(const std::string& plan, const std::string& file) {
                                    "not as {}{}",
                                    file, ending.substr(1), hint));
   };
-  for (const std::string_view other : {".png", ".svg", ".pdf", ".jpg", ".jpeg", ".obj", ".json"}) {
+  for (const std::string_view other :
+       {".png", ".svg", ".pdf", ".jpg", ".jpeg", ".obj", ".glb", ".json"}) {
     if (ending == other) {
       refuse(isPictureFile(file) ? "; --picture makes pictures" : "");
     }

@@ -17,9 +17,13 @@ void declareReferenceWalls(CLI::App& command, CommonOptions& options, WidthOptio
 }
 
 ReferenceWalls collectReferenceWalls(Drawing& drawing, const CommonOptions& options,
-                                     const WidthOptions& widths) {
+                                     const WidthOptions& widths,
+                                     const std::set<std::wstring>& others) {
   ReferenceWalls reference;
   reference.layers = chooseLayers(drawing.layers(), options.layers, drawing);
+  for (const std::wstring& other : others) {
+    reference.layers.erase(other);
+  }
   reference.found = collectWallLines(drawing, reference.layers, options.takesInside);
   checkAnyWallLine(drawing, reference.layers, reference.found);
   reference.capture = setCapture(options.capture, drawing);

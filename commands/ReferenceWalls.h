@@ -25,10 +25,12 @@ struct ReferenceWalls {
 /// Adds --layer, which is required, --scale and its like, --in-blocks and the widths.
 void declareReferenceWalls(CLI::App& command, CommonOptions& options, WidthOptions& widths);
 
-/// Collects the lines and sets the project's scale.
-/// Fails: throws CommandError (NothingToDo where there is no line; as makeWalls and setCapture do).
+/// Collects the lines and sets the project's scale. Layers of `others` hold something else,
+/// whatever the options say. Fails: throws CommandError (NothingToDo where there is no line; as
+/// makeWalls and setCapture do).
 ReferenceWalls collectReferenceWalls(Drawing& drawing, const CommonOptions& options,
-                                     const WidthOptions& widths);
+                                     const WidthOptions& widths,
+                                     const std::set<std::wstring>& others = {});
 
 /// Names what was left out, and warns of lines and units that do not look like reference lines'.
 void tellReferenceWalls(Drawing& drawing, const CommonOptions& options,

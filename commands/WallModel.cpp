@@ -3,146 +3,255 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
+#include <set>
+#include <unordered_map>
 
 #include "commands/CommandError.h"
+#include "commands/GlbModel.h"
 #include "commands/OutputFile.h"
 #include "dbents.h"
 #include "dbobjptr.h"
 #include "dbsymtb.h"
+#include "embedded/os/File.h"
 #include "embedded/os/Utf8.h"
 
 namespace quoin::commands {
 
 namespace {
 
-/// Wavefront OBJ: vertices counted through the file from 1, one group a wall.
-std::string objText(const std::vector<WallPrism>& prisms) {
-  std::string text = "# walls as closed prisms, one group a wall\n";
-  std::size_t vertexCount = 0;
-  for (const WallPrism& prism : prisms) {
-    text += "g " + prism.name + "\n";
-    // The twelve corners, each once, so that the faces share them.
-    std::vector<AcGePoint3d> corners;
-    std::vector<std::array<std::size_t, 4>> faces;
-    for (const WallPrism::Face& face : prism.faces()) {
-      std::array<std::size_t, 4> numbers{};
-      for (std::size_t i = 0; i < face.size(); ++i) {
-        const auto found =
-            std::find_if(corners.begin(), corners.end(), [&](const AcGePoint3d& corner) {
-              return corner.x == face[i].x && corner.y == face[i].y && corner.z == face[i].z;
-            });
-        numbers[i] = vertexCount + 1 + static_cast<std::size_t>(found - corners.begin());
-        if (found == corners.end()) {
-          corners.push_back(face[i]);
-        }
+/// Numbers the corners of a body by where they are, in the order in which they come.
+class CornerNumbers {
+ public:
+  explicit CornerNumbers(std::size_t most) { m_numbers.reserve(most); }
+
+  std::size_t of(const AcGePoint3d& corner) {
+    const auto [place, isNew] = m_numbers.emplace(corner, m_corners.size());
+    if (isNew) {
+      m_corners.push_back(corner);
+    }
+    return place->second;
+  }
+  const std::vector<AcGePoint3d>& corners() const { return m_corners; }
+
+ private:
+  struct Hash {
+    std::size_t operator()(const AcGePoint3d& corner) const {
+      constexpr std::size_t kMix = 0x9E3779B97F4A7C15ULL;
+      const std::hash<double> hash;  // the same for both zeros
+      return (hash(corner.x) * kMix + hash(corner.y)) * kMix + hash(corner.z);
+    }
+  };
+  struct Same {
+    bool operator()(const AcGePoint3d& a, const AcGePoint3d& b) const {
+      return a.x == b.x && a.y == b.y && a.z == b.z;
+    }
+  };
+  std::unordered_map<AcGePoint3d, std::size_t, Hash, Same> m_numbers;
+  std::vector<AcGePoint3d> m_corners;
+};
+
+/// Names of the materials in an OBJ file, where a blank would end a name: "A WALL" is A_WALL, or
+/// A_WALL_2 where another layer has that name.
+std::vector<std::string> materialNames(const Model& model) {
+  std::set<std::string> taken;
+  for (const ModelMaterial& material : model.materials) {
+    if (material.layer.find(' ') == std::string::npos) {
+      taken.insert(material.layer);
+    }
+  }
+  std::vector<std::string> names;
+  for (const ModelMaterial& material : model.materials) {
+    std::string name = material.layer;
+    if (name.find(' ') != std::string::npos) {
+      std::replace(name.begin(), name.end(), ' ', '_');
+      const std::string plain = name;
+      for (int i = 2; !taken.insert(name).second; ++i) {
+        name = fmt::format("{}_{}", plain, i);
       }
-      faces.push_back(numbers);
     }
-    for (const AcGePoint3d& corner : corners) {
-      text += fmt::format("v {} {} {}\n", corner.x, corner.y, corner.z);
+    names.push_back(std::move(name));
+  }
+  return names;
+}
+
+/// Wavefront OBJ: vertices counted through the file from 1, one group a body.
+std::string objText(const Model& model, const ModelForm& form, const std::string& materialFile,
+                    const std::vector<std::string>& materials) {
+  std::string text = "# walls as closed prisms, one group a wall\nmtllib " + materialFile + "\n";
+  std::size_t vertexCount = 0;
+  std::size_t material = materials.size();
+  model.forEachBody([&](const Model::Body& body) {
+    text += "g " + body.name + "\n";
+    if (body.material != material) {
+      material = body.material;
+      text += "usemtl " + materials[material] + "\n";
     }
-    for (const std::array<std::size_t, 4>& face : faces) {
-      text += "f";
+    // The corners, each once, so that the faces share them.
+    CornerNumbers numbers(2 * body.faces.size());
+    std::string faces;
+    for (const WallPrism::Face& face : body.faces) {
+      std::array<std::size_t, 4> corners{};
+      for (std::size_t i = 0; i < face.size(); ++i) {
+        corners[i] = vertexCount + 1 + numbers.of(face[i]);
+      }
+      faces += "f";
       for (std::size_t i = 0; i < face.size(); ++i) {
         // A corner that falls on the one before it makes the quadrilateral a triangle.
-        if (face[i] != face[(i + 3) % 4]) {
-          text += fmt::format(" {}", face[i]);
+        if (corners[i] != corners[(i + 3) % 4]) {
+          fmt::format_to(std::back_inserter(faces), " {}", corners[i]);
         }
       }
-      text += "\n";
+      faces += "\n";
     }
-    vertexCount += corners.size();
+    for (const AcGePoint3d& corner : numbers.corners()) {
+      const AcGePoint3d point = form.place(corner);
+      fmt::format_to(std::back_inserter(text), "v {} {} {}\n", point.x, point.y, point.z);
+    }
+    text += faces;
+    vertexCount += numbers.corners().size();
+  });
+  return text;
+}
+
+std::string mtlText(const Model& model, const std::vector<std::string>& names) {
+  std::string text = "# a material a layer, in its colour\n";
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    const auto& [red, green, blue] = model.materials[i].color;
+    text +=
+        fmt::format("newmtl {}\nKd {:.4f} {:.4f} {:.4f}\nillum 1\n", names[i], red, green, blue);
   }
   return text;
 }
 
+/// Both files are written before either gets its name, the materials first: no model names
+/// materials that are not there.
+void writeObj(const Model& model, const ModelForm& form, const std::filesystem::path& file) {
+  const std::filesystem::path materialFile = materialFileOf(file);
+  const std::vector<std::string> names = materialNames(model);
+  const std::string text = objText(model, form, materialFile.filename().string(), names);
+  try {
+    os::AtomicFile materials(materialFile.string());
+    os::AtomicFile output(file.string());
+    materials.write(mtlText(model, names));
+    output.write(text);
+    materials.commit();
+    output.commit();
+  } catch (const os::FileFailure& failure) {
+    throw CommandError(ExitCode::OutputUnwritable,
+                       fmt::format("{}: cannot write the model: {}", failure.path, failure.what()));
+  }
+}
+
 /// A new drawing with a 3DFACE for every face.
-void writeDxf(const std::vector<WallPrism>& prisms, const std::filesystem::path& file) {
+void writeDxf(const Model& model, const ModelForm& form, const std::filesystem::path& file) {
   AcDbDatabase database(true, true);
+  if (form.units) {
+    database.setInsunits(*form.units);
+  }
   AcDbObjectPointer<AcDbBlockTableRecord> modelSpace(modelSpaceOf(database), AcDb::kForWrite);
-  for (const WallPrism& prism : prisms) {
-    for (const WallPrism::Face& face : prism.faces()) {
-      auto entity = std::make_unique<AcDbFace>(face[0], face[1], face[2], face[3]);
+  model.forEachBody([&](const Model::Body& body) {
+    for (const WallPrism::Face& face : body.faces) {
+      auto entity = std::make_unique<AcDbFace>(form.place(face[0]), form.place(face[1]),
+                                               form.place(face[2]), form.place(face[3]));
       entity->setDatabaseDefaults(&database);
-      entity->setLayer(os::fromUtf8(prism.layer).c_str());
+      entity->setLayer(os::fromUtf8(body.layer).c_str());
       if (modelSpace.openStatus() != Acad::eOk ||
           modelSpace->appendAcDbEntity(entity.get()) != Acad::eOk) {
         throw CommandError(ExitCode::EntityFailed, "cannot add a face to the model");
       }
       entity.release()->close();
     }
-  }
+  });
   modelSpace.close();
   if (database.saveAs(os::fromUtf8(file.string()).c_str()) != Acad::eOk) {
     throw CommandError(ExitCode::OutputUnwritable, os::toUtf8(hostx::lastFileError(&database)));
   }
 }
 
+/// The layer's colour; white where it cannot be read.
+std::array<double, 3> colorOf(AcDbLayerTable& table, const std::string& layer) {
+  AcDbObjectId id;
+  if (table.getAt(os::fromUtf8(layer).c_str(), id) != Acad::eOk) {
+    return {1.0, 1.0, 1.0};
+  }
+  const AcDbObjectPointer<AcDbLayerTableRecord> record(id, AcDb::kForRead);
+  if (record.openStatus() != Acad::eOk) {
+    return {1.0, 1.0, 1.0};
+  }
+  const AcCmColor color = record->color();
+  constexpr double kMost = 255.0;
+  return {color.red() / kMost, color.green() / kMost, color.blue() / kMost};
+}
+
 }  // namespace
 
-std::vector<WallPrism::Face> WallPrism::faces() const {
-  const AcGeVector3d up(0.0, 0.0, height);
-  const std::array<AcGePoint3d, 6> floor{startLeft, startMid, startRight,
-                                         endRight,  endMid,   endLeft};
-  std::vector<Face> faces;
-  // Each half of the floor lies between the middle line and one side.
-  const std::array<std::array<std::size_t, 4>, 2> halves{{{0, 1, 4, 5}, {1, 2, 3, 4}}};
-  for (const std::array<std::size_t, 4>& half : halves) {
-    // Counter-clockwise from above: the ceiling as it is, the floor turned round.
-    faces.push_back(
-        {floor[half[0]] + up, floor[half[1]] + up, floor[half[2]] + up, floor[half[3]] + up});
-    faces.push_back({floor[half[3]], floor[half[2]], floor[half[1]], floor[half[0]]});
+void Model::forEachBody(const std::function<void(const Body&)>& visit) const {
+  std::unordered_map<std::string, std::size_t> materialOf;
+  for (std::size_t i = 0; i < materials.size(); ++i) {
+    materialOf.emplace(materials[i].layer, i);
   }
-  for (std::size_t i = 0; i < floor.size(); ++i) {
-    const AcGePoint3d& from = floor[i];
-    const AcGePoint3d& to = floor[(i + 1) % floor.size()];
-    faces.push_back({from, to, to + up, from + up});
+  for (const WallPrism& wall : walls) {
+    visit({wall.name, wall.layer, materialOf.at(wall.layer), wall.faces()});
   }
-  return faces;
+  for (const FloorSlab& slab : slabs) {
+    visit({slab.name, slab.layer, materialOf.at(slab.layer), slab.faces()});
+  }
 }
 
-bool WallPrism::isHiddenInJoint(std::size_t face) const {
-  // Behind the four halves of floor and ceiling the sides follow in the outline's order.
-  constexpr std::size_t kFirstSide = 4;
-  const bool isAtStart = face == kFirstSide || face == kFirstSide + 1;
-  const bool isAtEnd = face == kFirstSide + 3 || face == kFirstSide + 4;
-  return (isAtStart && !isStartFree) || (isAtEnd && !isEndFree);
+std::vector<ModelMaterial> materialsOf(Drawing& drawing, const Model& model) {
+  std::vector<ModelMaterial> materials;
+  AcDbLayerTable* table = nullptr;
+  if (drawing.database().getLayerTable(table, AcDb::kForRead) != Acad::eOk) {
+    throw CommandError(ExitCode::InputUnreadable,
+                       drawing.file().string() + ": its layers cannot be read");
+  }
+  std::set<std::string> seen;
+  const auto add = [&](const std::string& layer) {
+    if (seen.insert(layer).second) {
+      materials.push_back({layer, colorOf(*table, layer)});
+    }
+  };
+  for (const WallPrism& wall : model.walls) {
+    add(wall.layer);
+  }
+  for (const FloorSlab& slab : model.slabs) {
+    add(slab.layer);
+  }
+  table->close();
+  return materials;
 }
 
-WallPrism makePrism(const BodyWall& wall, const PrepareFrom2dTo3dData& ends, double height) {
-  WallPrism prism;
-  prism.source = wall.line.entity;
-  prism.layer = os::toUtf8(wall.line.layer());
-  prism.name = prism.layer + "_" + handleText(wall.line.entity);
-  if (wall.line.within) {
-    prism.name += "_in_" + handleText(wall.line.within->entity);
-  }
-  if (wall.line.isPolylineSegment()) {
-    prism.name += fmt::format("_{}", wall.line.segment);
-  }
-  std::replace(prism.name.begin(), prism.name.end(), ' ', '_');
-  prism.startLeft = ends.ptStartLeft;
-  prism.startMid = ends.ptStartMid;
-  prism.startRight = ends.ptStartRight;
-  prism.endRight = ends.ptEndRight;
-  prism.endMid = ends.ptEndMid;
-  prism.endLeft = ends.ptEndLeft;
-  prism.height = height;
-  prism.isStartFree = ends.bHasStartWall;
-  prism.isEndFree = ends.bHasEndWall;
-  return prism;
+AcGePoint3d ModelForm::place(const AcGePoint3d& point) const {
+  const AcGePoint3d sized(scale * point.x, scale * point.y, scale * point.z);
+  return isYUp ? AcGePoint3d(sized.x, sized.z, 0.0 - sized.y) : sized;
 }
 
 bool isModelFile(const std::filesystem::path& file) {
   const std::string extension = lowerCaseExtension(file);
-  return extension == ".dxf" || extension == ".obj";
+  return extension == ".dxf" || extension == ".obj" || extension == ".glb";
 }
 
-void writeModel(const std::vector<WallPrism>& prisms, const std::filesystem::path& file) {
-  if (lowerCaseExtension(file) == ".obj") {
-    writeWholeFile(objText(prisms), file, "write the model");
+bool isGltfFile(const std::filesystem::path& file) {
+  return lowerCaseExtension(file) == ".glb";
+}
+
+bool hasMaterialFile(const std::filesystem::path& file) {
+  return lowerCaseExtension(file) == ".obj";
+}
+
+std::filesystem::path materialFileOf(const std::filesystem::path& file) {
+  return std::filesystem::path(file).replace_extension(".mtl");
+}
+
+void writeModel(const Model& model, const ModelForm& form, const std::filesystem::path& file) {
+  const std::string extension = lowerCaseExtension(file);
+  if (extension == ".obj") {
+    writeObj(model, form, file);
+  } else if (extension == ".glb") {
+    writeGlb(model, form, file);
   } else {
-    writeDxf(prisms, file);
+    writeDxf(model, form, file);
   }
 }
 

@@ -46,6 +46,7 @@ COMMANDS = {
     "outline": ("rooms", ["outline", "{plan}", *WIDTHS], "dxf", True),
     "outline, JSON": ("rooms", ["outline", "{plan}", *WIDTHS, "--report", "json"], "dxf", False),
     "solid, OBJ": ("rooms", ["solid", "{plan}", *WIDTHS, "--height", "2800"], "obj", True),
+    "solid, GLB": ("rooms", ["solid", "{plan}", *WIDTHS, "--height", "2800"], "glb", False),
     "solid, DXF": ("rooms", ["solid", "{plan}", *WIDTHS, "--height", "2800"], "dxf", False),
     "style dim": ("rooms", ["style", "dim", "{plan}", "--name", "ARCH-100", "--scale", "100"],
                   "dxf", True),

@@ -248,11 +248,15 @@ class DwgCommandsTest(DwgCase):
                 changed, added, erased = self.difference(plan, out)
                 self.assertLessEqual(changed, {document.layers.head.dxf.handle})
                 self.assertEqual((added, erased), (drawn | {layer}, set()))
-                self.run_ok("solid", plan, *words, "--height", "9", "-o", self.path("o.obj"))
-                self.run_ok("solid", self.copy(plan), *words, "--height", "9", "-o",
-                            self.path("twin.obj"))
-                self.assertEqual(self.path("o.obj").read_bytes(),
-                                 self.path("twin.obj").read_bytes())
+                self.path("twin").mkdir(exist_ok=True)
+                twin = self.copy(plan)
+                for model in ("o.obj", "o.glb"):
+                    self.run_ok("solid", plan, *words, "--height", "9", "-o", self.path(model))
+                    self.run_ok("solid", twin, *words, "--height", "9", "-o",
+                                self.path("twin") / model)
+                for model in ("o.obj", "o.mtl", "o.glb"):
+                    self.assertEqual(self.path(model).read_bytes(),
+                                     (self.path("twin") / model).read_bytes())
 
     def copy(self, plan):
         copy = self.path("copy.dxf")
