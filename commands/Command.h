@@ -29,6 +29,7 @@ std::unique_ptr<Command> makeTrimAxesCommand();
 std::unique_ptr<Command> makeOutlineCommand();
 std::unique_ptr<Command> makeSolidCommand();
 std::unique_ptr<Command> makeWallsCommand();
+std::unique_ptr<Command> makeRoomsCommand();
 std::unique_ptr<Command> makeStyleCommand();
 std::unique_ptr<Command> makePaintCommand();
 std::unique_ptr<Command> makeMatchPropertiesCommand();

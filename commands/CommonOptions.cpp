@@ -257,6 +257,54 @@ std::vector<DrawingJob> CommonOptions::drawingJobs() const {
   return made;
 }
 
+std::string CommonOptions::tableOf(const DrawingJob& job, const std::string& place,
+                                   const std::string& ending) const {
+  if (isResultFolder(place)) {
+    makeFolder(place);
+  }
+  return place.empty() ? place : placeFor(job.input, place, ending);
+}
+
+void CommonOptions::checkTables(const std::vector<std::string>& places) const {
+  std::set<std::string> taken;
+  for (const std::string& plan : plans) {
+    taken.insert(fileKey(plan));
+  }
+  for (const DrawingJob& job : drawingJobs()) {
+    for (const std::string& file : {job.output, job.picture}) {
+      if (!file.empty() && !isStandardStream(file)) {
+        taken.insert(fileKey(file));
+      }
+    }
+  }
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    std::error_code ignored;
+    const bool isFile = isSeveral() && isResultFolder(places[i]) &&
+                        !std::filesystem::is_directory(places[i], ignored) &&
+                        (std::filesystem::exists(places[i], ignored) ||
+                         std::filesystem::path(places[i]).has_extension());
+    if (isFile) {
+      throw CommandError(ExitCode::Usage,
+                         fmt::format("{} is one file for {} drawings; name a folder, or put {} "
+                                     "into the name",
+                                     places[i], plans.size(), kNamePlace));
+    }
+    for (const std::string& plan : plans) {
+      if (places[i].empty()) {
+        continue;
+      }
+      // Tables of several kinds in one folder differ by their ending.
+      const std::string file = placeFor(plan, places[i], fmt::format(".table{}", i));
+      if (isStandardStream(file) || !taken.insert(fileKey(file)).second) {
+        throw CommandError(ExitCode::Usage,
+                           fmt::format("{}: a table needs a file of its own for every drawing: "
+                                       "name a folder, or put {} into the name",
+                                       file, kNamePlace));
+      }
+    }
+  }
+}
+
 void CommonOptions::makeFolders() const {
   if (isResultFolder(output) && !isDryRun) {
     makeFolder(output);

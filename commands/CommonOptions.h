@@ -52,6 +52,15 @@ struct CommonOptions {
   /// drawing that is read (unless asked for) and no other's place, and pictures have a known
   /// ending.
   std::vector<DrawingJob> drawingJobs() const;
+  /// Where a table that `place` asks for goes for this drawing; empty where none is asked for. The
+  /// folder is made.
+  /// Fails: throws CommandError (OutputUnwritable).
+  std::string tableOf(const DrawingJob& job, const std::string& place,
+                      const std::string& ending) const;
+  /// Looks at the places of tables before any drawing is read.
+  /// Fails: throws CommandError (Usage) unless each drawing has one for each table, which is no
+  /// drawing that is read and no other result.
+  void checkTables(const std::vector<std::string>& places) const;
   /// Makes the folders for results and pictures that are not there.
   /// Fails: throws CommandError (OutputUnwritable).
   void makeFolders() const;

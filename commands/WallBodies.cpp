@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <functional>
@@ -16,7 +15,7 @@
 #include "commands/ReportFields.h"
 #include "dbobjptr.h"
 #include "embedded/os/Utf8.h"
-#include "plan/PointIndex.h"
+#include "plan/WallOutlines.h"
 
 namespace quoin::commands {
 
@@ -73,47 +72,6 @@ std::optional<WallWidths> widthsOfEntity(const AcDbObjectId& id) {
   return WallWidths{numbers[0], numbers[1]};
 }
 
-/// Which walls can matter to which. The algorithm looks at walls only to find those that meet the
-/// show wall: one of their ends is at a computed distance below the capture distance from one of
-/// its own. All others it passes over, and what it finds it takes in the order of the list. So a
-/// list of the walls with such an end, in the order of the plan, gives the same results bit for
-/// bit; that it holds a few more does not matter.
-class NearWalls {
- public:
-  NearWalls(const std::vector<BodyWall>& walls, double captureDistance)
-      : m_walls(walls), m_captureDistance(captureDistance), m_ends(endsOf(walls)) {}
-
-  /// The numbers of the walls near this one, in order and without itself.
-  std::vector<std::size_t> of(std::size_t wall) const {
-    std::vector<std::size_t> near;
-    for (const AcGePoint3d& end : {m_walls[wall].line.start, m_walls[wall].line.end}) {
-      m_ends.visitIn(plan::PointBox(end, m_captureDistance), [&](std::size_t point) {
-        if (point / 2 != wall) {
-          near.push_back(point / 2);
-        }
-      });
-    }
-    std::sort(near.begin(), near.end());
-    near.erase(std::unique(near.begin(), near.end()), near.end());
-    return near;
-  }
-
- private:
-  static std::vector<AcGePoint3d> endsOf(const std::vector<BodyWall>& walls) {
-    std::vector<AcGePoint3d> ends;
-    ends.reserve(2 * walls.size());
-    for (const BodyWall& wall : walls) {
-      ends.push_back(wall.line.start);
-      ends.push_back(wall.line.end);
-    }
-    return ends;
-  }
-
-  const std::vector<BodyWall>& m_walls;
-  double m_captureDistance;
-  plan::PointIndex m_ends;
-};
-
 /// Runs `compute` for each wall with an algorithm object that holds it and all that can matter.
 void forEachWall(const std::vector<BodyWall>& walls, double captureDistance,
                  const std::function<void(CShowWallLikeAlgorithm&)>& compute) {
@@ -122,21 +80,14 @@ void forEachWall(const std::vector<BodyWall>& walls, double captureDistance,
   for (const BodyWall& wall : walls) {
     records.push_back({wall.line.start, wall.line.end, wall.widths.left, wall.widths.right});
   }
-  const NearWalls nearWalls(walls, captureDistance);
   Progress progress("Computing walls");
-  for (std::size_t i = 0; i < walls.size(); ++i) {
-    if (!progress.report(static_cast<double>(i) / static_cast<double>(walls.size()))) {
-      Progress::checkInterrupt();
-    }
-    CShowWallLikeAlgorithm algorithm;
-    *algorithm.GetShowWall() = records[i];
-    for (const std::size_t near : nearWalls.of(i)) {
-      algorithm.GetAllWallRect().push_back(&records[near]);
-    }
-    compute(algorithm);
-    // The records are ours; the show wall is released with the array.
-    algorithm.GetAllWallRect() = {algorithm.GetShowWall()};
-  }
+  plan::showEachWall(
+      records, captureDistance, [&](std::size_t i, CShowWallLikeAlgorithm& algorithm) {
+        if (!progress.report(static_cast<double>(i) / static_cast<double>(walls.size()))) {
+          Progress::checkInterrupt();
+        }
+        compute(algorithm);
+      });
 }
 
 }  // namespace

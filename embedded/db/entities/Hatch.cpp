@@ -2,6 +2,8 @@
 #include <array>
 #include <cmath>
 
+#include "dbhatch.h"
+#include "embedded/db/core/ObjectImpl.h"
 #include "embedded/db/core/PlaneFields.h"
 #include "embedded/db/entities/EntityKinds.h"
 #include "embedded/db/entities/HatchBoundaries.h"
@@ -9,6 +11,75 @@
 #include "embedded/db/geometry/EntityGeometry.h"
 #include "embedded/db/geometry/PlaneTransform.h"
 #include "embedded/db/geometry/TransformSchema.h"
+
+ACRX_DXF_CONS_DEFINE_MEMBERS(AcDbHatch, AcDbEntity, L"HATCH", L"ObjectDBX Classes")
+
+using namespace quoin::db;
+namespace dxf = quoin::dxf;
+
+namespace {
+
+constexpr int kLoopCount = 91;
+constexpr int kLoopType = 92;
+constexpr int kStyleOfIslands = 75;
+constexpr int kElevationPoint = 10;
+
+constexpr std::array kHatchOrder{10, 20, 30, 210, 220, 230, 2, 70, 71, 91};
+constexpr SubclassLayout kHatchLayout{"AcDbHatch", kHatchOrder};
+
+/// One boundary as its tags: a polyline without arcs, closed, of no other objects.
+std::string loopBytes(const AcArray<AcGePoint2d>& vertices, Adesk::Int32 type,
+                      const dxf::Format& format, RecordEdit& edit) {
+  std::string bytes;
+  dxf::putInteger(bytes, kLoopType, type | AcDbHatch::kPolyline, format);
+  dxf::putInteger(bytes, 72, 0, format);
+  dxf::putInteger(bytes, 73, 1, format);
+  dxf::putInteger(bytes, 93, vertices.length(), format);
+  for (const AcGePoint2d& vertex : vertices) {
+    edit.noteNumber(vertex.x);
+    edit.noteNumber(vertex.y);
+    dxf::putDouble(bytes, 10, vertex.x, format);
+    dxf::putDouble(bytes, 20, vertex.y, format);
+  }
+  dxf::putInteger(bytes, 97, 0, format);
+  return bytes;
+}
+
+}  // namespace
+
+AcDbHatch::AcDbHatch() = default;
+
+double AcDbHatch::elevation() const {
+  return pointOf(*this, kHatchLayout, kElevationPoint).z;
+}
+
+Acad::ErrorStatus AcDbHatch::setElevation(double elevation) {
+  return setPoint(*this, kHatchLayout, kElevationPoint, AcGePoint3d(0.0, 0.0, elevation));
+}
+
+int AcDbHatch::numLoops() const {
+  return static_cast<int>(integerOf(*this, kHatchLayout, kLoopCount));
+}
+
+Acad::ErrorStatus AcDbHatch::appendLoop(Adesk::Int32 type, const AcArray<AcGePoint2d>& vertices) {
+  constexpr int kFewestVertices = 3;
+  const Acad::ErrorStatus status = checkWritable(*this);
+  if (status != Acad::eOk) {
+    return status;
+  }
+  if (vertices.length() < kFewestVertices) {
+    return Acad::eInvalidInput;
+  }
+  const int count = numLoops();
+  return change(*this, [&](RecordEdit& edit) {
+    const TagList& tags = edit.tags();
+    const TagRange range = kHatchLayout.in(tags);
+    std::size_t at = tags.find(kStyleOfIslands, range);
+    at = at == TagList::kNone ? range.last : at;
+    edit.insertBefore(at, loopBytes(vertices, type, tags.format(), edit));
+    edit.setInteger(kHatchLayout, kLoopCount, count + 1);
+  });
+}
 
 namespace quoin::db {
 namespace {
@@ -300,9 +371,17 @@ Acad::ErrorStatus transformHatch(RecordEdit& edit, const AcGeMatrix3d& matrix) {
 
 constexpr std::array kOwnCodes{330};  // the objects that bound it
 
+constexpr std::array kSubclasses{kEntitySubclass, Subclass{"AcDbHatch", kNoCodes}};
+// Solid, of no other object's making, islands by nesting, no seeds.
+constexpr std::array kClasses{classRow<AcDbHatch>(
+    "0 HATCH 100 AcDbEntity 8 0 100 AcDbHatch 10 0.0 20 0.0 30 0.0 210 0.0 220 0.0 230 1.0 2 SOLID "
+    "70 1 71 0 91 0 75 0 76 1 98 0",
+    kSubclasses)};
+
 constexpr std::array kKinds{
     RecordKind{.name = "HATCH",
                .since = Version::R14,
+               .classes = kClasses,
                .ownCodes = kOwnCodes,
                .isSelfContained = true,
                .extents = extentsOfHatch,

@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "dbhatch.h"
 #include "support/Drawings.h"
 #include "support/Entities.h"
 
@@ -61,6 +62,39 @@ TEST(EntityTransforms, AHatchTurnsItsPatternAndMirrorsItsArcs) {
   ASSERT_EQ(other.transform(AcGeMatrix3d().setToScaling(2.0)), Acad::eOk);
   EXPECT_EQ(other.numbers(41)[0], 4.0);
   EXPECT_EQ(other.numbers(49)[0], 6.0);
+}
+
+AcArray<AcGePoint2d> square(double low, double high) {
+  AcArray<AcGePoint2d> corners;
+  for (const AcGePoint2d& corner : {AcGePoint2d(low, low), AcGePoint2d(high, low),
+                                    AcGePoint2d(high, high), AcGePoint2d(low, high)}) {
+    corners.append(corner);
+  }
+  return corners;
+}
+
+TEST(Hatch, ANewOneTakesBoundaries) {
+  AcDbHatch hatch;
+  EXPECT_EQ(hatch.numLoops(), 0);
+  EXPECT_EQ(hatch.setElevation(7.0), Acad::eOk);
+  EXPECT_EQ(hatch.appendLoop(AcDbHatch::kExternal, square(0.0, 10.0)), Acad::eOk);
+  EXPECT_EQ(hatch.appendLoop(AcDbHatch::kDefault, square(2.0, 3.0)), Acad::eOk);
+  EXPECT_EQ(hatch.numLoops(), 2);
+  EXPECT_EQ(hatch.elevation(), 7.0);
+  AcDbExtents box;
+  ASSERT_EQ(hatch.getGeomExtents(box), Acad::eOk);
+  EXPECT_TRUE(box.minPoint().isEqualTo(AcGePoint3d(0.0, 0.0, 7.0)));
+  EXPECT_TRUE(box.maxPoint().isEqualTo(AcGePoint3d(10.0, 10.0, 7.0)));
+}
+
+TEST(Hatch, BoundariesWithoutAreaOrWithNumbersThatAreNoneAreRefused) {
+  AcDbHatch hatch;
+  AcArray<AcGePoint2d> line;
+  line.append(AcGePoint2d(0.0, 0.0));
+  line.append(AcGePoint2d(1.0, 0.0));
+  EXPECT_EQ(hatch.appendLoop(AcDbHatch::kDefault, line), Acad::eInvalidInput);
+  EXPECT_NE(hatch.appendLoop(AcDbHatch::kDefault, square(0.0, HUGE_VAL)), Acad::eOk);
+  EXPECT_EQ(hatch.numLoops(), 0);
 }
 
 }  // namespace
