@@ -128,6 +128,7 @@ class Cutter {
 
   static std::vector<WallHole> holesOf(const std::vector<WallCut>& cuts) {
     std::vector<WallHole> holes;
+    holes.reserve(cuts.size());
     for (const WallCut& cut : cuts) {
       holes.push_back(cut.hole);
     }

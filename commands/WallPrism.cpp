@@ -40,6 +40,7 @@ bool covers(const Intervals& intervals, double low, double high) {
 
 std::vector<WallSlab> slabsBetween(const std::vector<WallHole>& holes, double height) {
   std::vector<double> jambs;
+  jambs.reserve(2 * holes.size());
   for (const WallHole& hole : holes) {
     jambs.push_back(hole.from);
     jambs.push_back(hole.to);
