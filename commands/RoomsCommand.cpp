@@ -82,12 +82,20 @@ class RoomsCommand : public DrawingCommand {
     if (job.hasPicture()) {
       picture = roomsPicture(drawing, plan, reference.capture.distance, summaryOf(drawing, plan));
     }
-    const std::vector<RoomEntities> entities =
-        appendRooms(drawing, plan, m_layer, reference.walls.front().line.start.z);
+    std::vector<RoomEntities> entities;
+    if (!job.isDryRun) {
+      entities = appendRooms(drawing, plan, m_layer, reference.walls.front().line.start.z);
+    }
     job.save(drawing);
     job.render(picture, report);
-    writeTable(m_options.tableOf(job, m_csv, ".csv"), roomsCsv(drawing, plan));
-    writeTable(m_options.tableOf(job, m_geoJson, ".geojson"), roomsGeoJson(drawing, plan));
+    if (!m_csv.empty()) {
+      writeWholeFile(roomsCsv(drawing, plan), m_options.tableOf(job, m_csv, ".csv"),
+                     "write the table");
+    }
+    if (!m_geoJson.empty()) {
+      writeWholeFile(roomsGeoJson(drawing, plan), m_options.tableOf(job, m_geoJson, ".geojson"),
+                     "write the table");
+    }
     tell(drawing, reference, plan, openings, report);
     tellLeftOut(drawing, reference.found, true, report);
     warnOfUnits(m_options.capture, drawing, reference.found.lines, report);
@@ -124,12 +132,6 @@ class RoomsCommand : public DrawingCommand {
     return fmt::format("{}, {:.1f} m\u00B2 net, {}", countText(plan.found.rooms.size(), "room"),
                        totalNetArea(drawing, plan),
                        countText(plan.walls.openings.size(), "opening"));
-  }
-
-  static void writeTable(const std::string& file, const std::string& text) {
-    if (!file.empty()) {
-      writeWholeFile(text, file, "write the table");
-    }
   }
 
   void tell(const Drawing& drawing, const ReferenceWalls& reference, const RoomPlan& plan,

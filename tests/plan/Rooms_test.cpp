@@ -413,6 +413,101 @@ TEST_F(RoomsTest, RoomsAreTheHolesOfTheUnionOfAllBodies) {
   }
 }
 
+TEST_F(RoomsTest, EndsOffBySomeMillimetresKeepTheRooms) {
+  for (unsigned seed = 1; seed <= 20; ++seed) {
+    SCOPED_TRACE(seed);
+    std::vector<Wall> walls = randomPlan(seed);
+    const Signature expected = signatureOf(find({walls, {}}));
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<double> off(-4.0, 4.0);
+    const double turn = 0.1 * seed;
+    for (std::size_t i = 0; i < walls.size(); ++i) {
+      const AcGeVector2d along = walls[i].direction();
+      // Partitions end at faces, some 25 to 150 from the reference lines.
+      const double shortened = i < 4 || seed % 2 == 0 ? 0.0 : 20.0;
+      walls[i].start += along * (shortened + off(random));
+      walls[i].end -= along * (shortened + off(random));
+      for (AcGePoint2d* point : {&walls[i].start, &walls[i].end}) {
+        *point = {std::cos(turn) * point->x - std::sin(turn) * point->y,
+                  std::sin(turn) * point->x + std::cos(turn) * point->y};
+      }
+    }
+    const Signature found = signatureOf(find({walls, {}}));
+    ASSERT_EQ(found.size(), expected.size());
+    double net = 0.0;
+    double expectedNet = 0.0;
+    for (std::size_t i = 0; i < found.size(); ++i) {
+      net += std::get<0>(found[i]);
+      expectedNet += std::get<0>(expected[i]);
+    }
+    EXPECT_NEAR(net, expectedNet, 1e-4 * expectedNet);
+  }
+}
+
+TEST_F(RoomsTest, HeapsOfWallsLeaveFreeWhatTheUnionOfTheirBodiesDoes) {
+  for (unsigned seed = 1; seed <= 30; ++seed) {
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<double> place(0.0, 20000.0);
+    std::uniform_real_distribution<double> width(0.0, 400.0);
+    std::vector<Wall> walls;
+    for (int i = 0; i < 40; ++i) {
+      // Some from corner to corner of a coarse grid, some anywhere.
+      AcGePoint2d start(place(random), place(random));
+      AcGePoint2d end(place(random), place(random));
+      if (i % 2 == 0) {
+        for (AcGePoint2d* point : {&start, &end}) {
+          *point = {std::round(point->x / 4000.0) * 4000.0, std::round(point->y / 4000.0) * 4000.0};
+        }
+      }
+      walls.push_back({start, end, width(random), width(random)});
+    }
+    const WallNet net = makeNet(walls, kCapture);
+    double free = 0.0;
+    for (const FreeRegion& region : freeRegions(net, {}, kCapture)) {
+      Ring ring;
+      for (const FreeEdge& edge : region.outer) {
+        ring.push_back(edge.from);
+      }
+      free += areaOf(ring);
+      for (const FreeRing& hole : region.holes) {
+        ring.clear();
+        for (const FreeEdge& edge : hole) {
+          ring.push_back(edge.from);
+        }
+        free += areaOf(ring);
+      }
+    }
+    double expected = 0.0;
+    // A body that crosses itself covers all that it goes around.
+    std::vector<Polygon> simple;
+    for (const Polygon& body : bodiesOf(net, {}, kCapture)) {
+      for (Polygon& face : facesOf({body.outer}, 1e-7)) {
+        if (windingAround(body.outer, labelPoint(face)) != 0) {
+          simple.push_back(std::move(face));
+        }
+      }
+    }
+    const std::vector<Polygon> bodies = unionOf(simple);
+    for (const Polygon& part : bodies) {
+      for (const Ring& hole : part.holes) {
+        expected -= areaOf(hole);
+      }
+    }
+    // What stands in a hole is no part of it, with all that is in it.
+    for (const Polygon& part : bodies) {
+      bool isInHole = false;
+      for (const Polygon& around : bodies) {
+        for (const Ring& hole : around.holes) {
+          isInHole = isInHole || (&around != &part && windingAround(hole, labelPoint(part)) != 0);
+        }
+      }
+      expected -= isInHole ? areaOf(part.outer) : 0.0;
+    }
+    EXPECT_NEAR(free, expected, 1e-6 * expected);
+  }
+}
+
 TEST_F(RoomsTest, AGridOf100000WallsTakesAboutASecond) {
   constexpr int kCells = 223;
   constexpr double kSize = 4000.0;
