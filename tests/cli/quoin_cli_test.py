@@ -241,7 +241,7 @@ class ErrorTest(CliTest):
 
     def test_help_names_the_commands_and_exit_codes(self):
         text = self.run_ok("--help")
-        for word in ("break", "info", "draw", "merge", "trim-axes", "outline", "solid",
+        for word in ("break", "clean", "info", "draw", "merge", "trim-axes", "outline", "solid",
                      "130", "interrupted"):
             self.assertIn(word, text)
         self.assertIn("--picture", self.run_ok("break", "--help"))
