@@ -24,6 +24,7 @@ std::unique_ptr<Command> makeBreakCommand();
 std::unique_ptr<Command> makeInfoCommand();
 std::unique_ptr<Command> makeConvertCommand();
 std::unique_ptr<Command> makeDrawCommand();
+std::unique_ptr<Command> makeCleanCommand();
 std::unique_ptr<Command> makeMergeCommand();
 std::unique_ptr<Command> makeTrimAxesCommand();
 std::unique_ptr<Command> makeOutlineCommand();

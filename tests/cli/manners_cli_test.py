@@ -51,7 +51,7 @@ class JsonTest(cli.CliTest):
     """Every report that any test asks for is held against its schema (cli.quoin)."""
 
     RUNS = {
-        "break": [], "merge": [], "trim-axes": ["--layer", "WALL"], "info": None, "extents": None,
+        "break": [], "clean": [], "merge": [], "trim-axes": ["--layer", "WALL"], "info": None, "extents": None,
         "to-origin": ["--at", "center"],
         "outline": ["--layer", "WALL", "--left", "50", "--right", "50"],
         "solid": ["--layer", "WALL", "--left", "50", "--right", "50", "--height", "2800"],
