@@ -27,19 +27,25 @@ AcGePoint2d flat(const AcGePoint3d& point) {
   return {point.x, point.y};
 }
 
+/// Whether a name has one of the words in it.
+template <std::size_t N>
+bool hasWord(std::wstring_view name, const std::array<const wchar_t*, N>& words) {
+  const std::wstring folded = os::foldCase(name);
+  return std::any_of(words.begin(), words.end(), [&](const wchar_t* word) {
+    return folded.find(os::foldCase(word)) != std::wstring::npos;
+  });
+}
+
 /// What the name of a layer or a block says of what stands there.
 plan::OpeningKind hintOf(std::wstring_view name) {
-  constexpr std::array kDoors{L"door", L"tür",   L"tuer", L"porte", L"puerta", L"porta",
-                              L"deur", L"дверь", L"двер", L"门",    L"門"};
-  constexpr std::array kWindows{L"wind",    L"glaz",   L"fenster",  L"fenêtre", L"fenetre",
-                                L"ventana", L"janela", L"finestra", L"raam",    L"окно",
-                                L"окна",    L"窗",     L"crystal",  L"glass"};
-  const std::wstring folded = os::foldCase(name);
-  const auto isIn = [&](const wchar_t* word) {
-    return folded.find(os::foldCase(word)) != std::wstring::npos;
-  };
-  const bool isDoor = std::any_of(kDoors.begin(), kDoors.end(), isIn);
-  const bool isWindow = std::any_of(kWindows.begin(), kWindows.end(), isIn);
+  constexpr std::array<const wchar_t*, 11> kDoors{L"door",   L"tür",   L"tuer", L"porte",
+                                                  L"puerta", L"porta", L"deur", L"дверь",
+                                                  L"двер",   L"门",    L"門"};
+  constexpr std::array<const wchar_t*, 14> kWindows{
+      L"wind",     L"glaz", L"fenster", L"fenêtre", L"fenetre", L"ventana", L"janela",
+      L"finestra", L"raam", L"окно",    L"окна",    L"窗",      L"crystal", L"glass"};
+  const bool isDoor = hasWord(name, kDoors);
+  const bool isWindow = hasWord(name, kWindows);
   // A layer for both says nothing of either.
   if (isDoor == isWindow) {
     return plan::OpeningKind::Opening;
@@ -97,7 +103,13 @@ class SymbolReader {
         addLine(line->startPoint(), line->endPoint(), hintOf(layer));
       }
     } else if (isPolyline(*entity.object())) {
-      addPolyline(readPolyline(*entity.object()), isFace, hintOf(layer));
+      const PolylineShape shape = readPolyline(*entity.object());
+      addPolyline(shape, isFace, hintOf(layer));
+      addOutline(shape, isFace, looksLikeColumns(layer));
+    } else if (const AcDbCircle* circle = AcDbCircle::cast(entity.object())) {
+      if (looksLikeColumns(layer)) {
+        addRound(flat(circle->center()), circle->radius());
+      }
     } else if (const AcDbBlockReference* insert = AcDbBlockReference::cast(entity.object())) {
       addInsert(*insert, layer);
     }
@@ -124,10 +136,45 @@ class SymbolReader {
     }
   }
 
+  /// Straight closed polylines.
+  void addOutline(const PolylineShape& shape, bool isFace, bool isColumn) {
+    if (!shape.isClosed || shape.isCurveFit || shape.vertices.size() < 3 || !(isFace || isColumn)) {
+      return;
+    }
+    plan::PlanOutline outline;
+    for (const PolylineVertex& vertex : shape.vertices) {
+      if (vertex.bulge != 0.0) {
+        return;
+      }
+      outline.push_back(flat(vertex.world));
+    }
+    (isColumn ? m_drawing.columns : m_drawing.outlines).push_back(std::move(outline));
+  }
+
+  /// A polygon of the circle's area.
+  void addRound(const AcGePoint2d& center, double radius) {
+    constexpr int kSides = 64;
+    if (!(radius > 0.0) || !std::isfinite(radius)) {
+      return;
+    }
+    const double step = kTurn / kSides;
+    const double reach = radius * std::sqrt(step / std::sin(step));
+    plan::PlanOutline outline;
+    for (int i = 0; i < kSides; ++i) {
+      outline.push_back(plan::PlanArc{center, reach, 0.0, kTurn}.at(step * i));
+    }
+    m_drawing.columns.push_back(std::move(outline));
+  }
+
   void addInsert(const AcDbBlockReference& insert, const std::wstring& layer) {
     AcDbExtents box;
     if (insert.getGeomExtents(box) != Acad::eOk) {
       return;
+    }
+    if (looksLikeColumns(layer)) {
+      const AcGePoint2d least = flat(box.minPoint());
+      const AcGePoint2d greatest = flat(box.maxPoint());
+      m_drawing.columns.push_back({least, {greatest.x, least.y}, greatest, {least.x, greatest.y}});
     }
     plan::OpeningKind hint = hintOf(os::fromUtf8(blockName(insert.blockTableRecord())));
     if (hint == plan::OpeningKind::Opening) {
@@ -227,6 +274,13 @@ std::set<std::wstring> chooseFaceLayers(Drawing& drawing,
     layers.erase(os::fromUtf8(kWallLayer));
   }
   return layers;
+}
+
+bool looksLikeColumns(std::wstring_view name) {
+  constexpr std::array<const wchar_t*, 12> kColumns{L"column",  L"cols",   L"pillar", L"stütze",
+                                                    L"stuetze", L"poteau", L"pilar",  L"pilastr",
+                                                    L"kolom",   L"колонн", L"柱",     L"기둥"};
+  return hasWord(name, kColumns);
 }
 
 ReadPlan readPlan(Drawing& drawing, const std::set<std::wstring>& layers) {

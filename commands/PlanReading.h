@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "commands/CommonOptions.h"
@@ -39,6 +40,9 @@ struct ReadPlan {
 /// The wall layers: those that the patterns name, else those that look like walls, without the one
 /// that found walls are put on.
 std::set<std::wstring> chooseFaceLayers(Drawing& drawing, const std::vector<std::string>& patterns);
+
+/// Whether the name of a layer says that columns stand on it.
+bool looksLikeColumns(std::wstring_view name);
 
 /// Reads model space: lines on the layers as faces, all else that can be drawn in an opening as
 /// symbols.

@@ -1,6 +1,7 @@
 // quoin rooms: the rooms that walls enclose, with areas, names and the ways between them.
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 
@@ -8,6 +9,7 @@
 #include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
 #include "commands/OutputFile.h"
+#include "commands/PlanReading.h"
 #include "commands/ReferenceWalls.h"
 #include "commands/ReportFields.h"
 #include "commands/RoomOutputs.h"
@@ -25,6 +27,13 @@ class RoomsCommand : public DrawingCommand {
         "rooms", "Find the rooms that walls enclose: areas, names, doors between them");
     m_options.declareFiles(*command);
     declareReferenceWalls(*command, m_options, m_widths);
+    command->get_option("--layer")->required(false)->description(
+        "Layers with the walls, * and ? allowed; may be repeated. Default: QUOIN-WALL, "
+        "else those whose name has a word for wall");
+    command->add_flag(
+        "--faces", m_takesFaces,
+        "The lines are the walls' faces, as 'quoin walls' reads them; so are lines of "
+        "which none has a width");
     addRepeated(*command, "--openings", m_openings,
                 fmt::format("Layers with the openings, * and ? allowed; may be repeated. Default: "
                             "{}, where there is one",
@@ -48,10 +57,14 @@ class RoomsCommand : public DrawingCommand {
                         "Write the rooms' polygons in the drawing's own coordinates; of several "
                         "drawings: as --csv");
     command->footer(
+        "Reads reference lines with widths; from a plan that draws walls as two faces it finds "
+        "them\n"
+        "first, with their openings (see 'quoin walls').\n\n"
         "Walls meet where their reference lines end or cross, and where one ends at the face of\n"
         "another; gaps below the tolerance close. Net areas lie between faces, gross areas\n"
         "between reference lines. Texts in a room give its name and number.\n\n"
         "Examples:\n"
+        "  quoin rooms flat.dxf -o rooms.dxf --csv rooms.csv\n"
         "  quoin rooms studio.dxf --layer 'W-*' --width W-EXT=300 --width W-INT=120 \\\n"
         "        -o rooms.dxf --picture rooms.png\n"
         "  quoin rooms walls.dxf --layer QUOIN-WALL --dry-run --csv rooms.csv --report json");
@@ -71,20 +84,17 @@ class RoomsCommand : public DrawingCommand {
   }
 
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
-    const ReferenceWalls reference = collectReferenceWalls(drawing, m_options, m_widths);
-    RoomPlan plan;
-    plan.walls.walls = planWalls(reference.walls);
-    FoundOpenings openings = findOpenings(drawing, plan.walls.walls, reference.capture.distance);
-    plan.walls.openings = openings.openings;
-    findRooms(drawing, roomOptions(drawing, reference.capture.distance, m_leastArea, m_leastWidth),
+    const Source source = readWalls(drawing);
+    RoomPlan plan = source.plan;
+    findRooms(drawing, roomOptions(drawing, source.capture.distance, m_leastArea, m_leastWidth),
               m_layer, plan);
     Picture picture;
     if (job.hasPicture()) {
-      picture = roomsPicture(drawing, plan, reference.capture.distance, summaryOf(drawing, plan));
+      picture = roomsPicture(drawing, plan, source.capture.distance, summaryOf(drawing, plan));
     }
     std::vector<RoomEntities> entities;
     if (!job.isDryRun) {
-      entities = appendRooms(drawing, plan, m_layer, reference.walls.front().line.start.z);
+      entities = appendRooms(drawing, plan, m_layer, source.found.lines.front().start.z);
     }
     job.save(drawing);
     job.render(picture, report);
@@ -96,20 +106,102 @@ class RoomsCommand : public DrawingCommand {
       writeWholeFile(roomsGeoJson(drawing, plan), m_options.tableOf(job, m_geoJson, ".geojson"),
                      "write the table");
     }
-    tell(drawing, reference, plan, openings, report);
-    tellLeftOut(drawing, reference.found, true, report);
-    warnOfUnits(m_options.capture, drawing, reference.found.lines, report);
+    tell(drawing, source, plan, report);
+    tellLeftOut(drawing, source.found, !source.isFromFaces, report);
+    warnOfUnits(m_options.capture, drawing, source.found.lines, report);
     if (report.isJson()) {
-      const std::vector<nlohmann::json> results(reference.walls.size(), nlohmann::json::object());
-      addReferenceWalls(drawing, reference, results, report.json);
-      addRooms(drawing, plan, entities, openings.entities, report.json);
+      addWalls(drawing, source, report.json);
+      addRooms(drawing, plan, entities, source.openings.entities, report.json);
       report.json.update({{"outLayer", m_layer},
                           {"wallsLeftOut", plan.found.wallsLeftOut},
-                          {"skippedOpenings", skippedJson(drawing, openings.skipped)}});
+                          {"skippedOpenings", skippedJson(drawing, source.openings.skipped)}});
     }
   }
 
  private:
+  /// Where the walls come from.
+  struct Source {
+    bool isFromFaces = false;
+    std::set<std::wstring> layers;
+    WallLines found;
+    Capture capture;
+    RoomPlan plan;
+    FoundOpenings openings;    // of reference lines
+    ReferenceWalls reference;  // as above
+    plan::FoundWalls fromFaces;
+  };
+
+  Source readWalls(Drawing& drawing) const {
+    CommonOptions options = m_options;
+    if (options.layers.empty() && !m_takesFaces && hasLines(drawing, kWallLayer)) {
+      options.layers = {kWallLayer};
+    }
+    const std::set<std::wstring> layers = chooseFaceLayers(drawing, options.layers);
+    Source source;
+    source.isFromFaces = m_takesFaces || !hasWidths(drawing, layers);
+    if (source.isFromFaces) {
+      source.capture = setCapture(options.capture, drawing);
+      ReadPlan read = readPlan(drawing, layers);
+      source.fromFaces = plan::findWalls(read.drawing, ReadingOptions().inUnitsOf(drawing));
+      source.plan.walls = source.fromFaces.plan;
+      for (const plan::PlanOutline& column : source.fromFaces.columns) {
+        source.plan.columns.push_back({column, {}});
+      }
+      source.layers = std::move(read.layers);
+      source.found = std::move(read.found);
+      return source;
+    }
+    for (const std::wstring& layer : layers) {
+      options.layers.push_back(os::toUtf8(layer));
+    }
+    source.reference = collectReferenceWalls(drawing, options, m_widths);
+    source.layers = source.reference.layers;
+    source.found = source.reference.found;
+    source.capture = source.reference.capture;
+    source.plan.walls.walls = planWalls(source.reference.walls);
+    source.openings = findOpenings(drawing, source.plan.walls.walls, source.capture.distance);
+    source.plan.walls.openings = source.openings.openings;
+    return source;
+  }
+
+  static bool hasLines(Drawing& drawing, const char* name) {
+    const std::vector<LayerContent> layers = drawing.layers();
+    return std::any_of(layers.begin(), layers.end(), [&](const LayerContent& layer) {
+      return layer.name == os::fromUtf8(name) && layer.count() > 0;
+    });
+  }
+  /// Whether options or any line say how wide walls are.
+  bool hasWidths(Drawing& drawing, const std::set<std::wstring>& layers) const {
+    if (m_widths.left || m_widths.right || !m_widths.ofLayer.empty()) {
+      return true;
+    }
+    bool isAny = false;
+    drawing.forEachEntity(drawing.modelSpaceId(), [&](const AcDbObjectId& id) {
+      isAny = isAny || (layers.count(hostx::layerName(id)) != 0 && carriesWidths(id));
+    });
+    return isAny;
+  }
+
+  void addWalls(const Drawing& drawing, const Source& source, nlohmann::json& report) const {
+    if (!source.isFromFaces) {
+      const std::vector<nlohmann::json> results(source.reference.walls.size(),
+                                                nlohmann::json::object());
+      addReferenceWalls(drawing, source.reference, results, report);
+      return;
+    }
+    report.update({{"capture", captureJson(source.capture)},
+                   {"layers", namesJson(source.layers)},
+                   {"lines", source.found.lines.size()},
+                   {"walls", nlohmann::json::array()}});
+    for (const plan::Wall& wall : source.plan.walls.walls) {
+      nlohmann::json json =
+          lineJson("", {wall.start.x, wall.start.y, 0.0}, {wall.end.x, wall.end.y, 0.0});
+      json.update({{"left", wall.left}, {"right", wall.right}, {"confidence", wall.confidence}});
+      report["walls"].push_back(std::move(json));
+    }
+    addLeftOut(drawing, source.found, report);
+  }
+
   FoundOpenings findOpenings(Drawing& drawing, const std::vector<plan::Wall>& walls,
                              double captureDistance) const {
     std::set<std::wstring> layers;
@@ -134,11 +226,15 @@ class RoomsCommand : public DrawingCommand {
                        countText(plan.walls.openings.size(), "opening"));
   }
 
-  void tell(const Drawing& drawing, const ReferenceWalls& reference, const RoomPlan& plan,
-            const FoundOpenings& openings, Report& report) const {
-    report.line("layers: {}", namesText(reference.layers));
-    report.line("ends closer than {} meet", captureText(reference.capture, drawing));
-    report.line("{} with {}, outlined on {}", countText(reference.walls.size(), "wall"),
+  void tell(const Drawing& drawing, const Source& source, const RoomPlan& plan,
+            Report& report) const {
+    report.line("layers: {}", namesText(source.layers));
+    report.line("ends closer than {} meet", captureText(source.capture, drawing));
+    if (source.isFromFaces) {
+      report.line("walls found from {}; {} left over", countText(source.found.lines.size(), "face"),
+                  countText(source.fromFaces.leftOver.size(), "line"));
+    }
+    report.line("{} with {}, outlined on {}", countText(plan.walls.walls.size(), "wall"),
                 summaryOf(drawing, plan), m_layer);
     report.list(plan.found.rooms.size(), [&](std::size_t i) {
       const plan::Room& room = plan.found.rooms[i];
@@ -157,9 +253,10 @@ class RoomsCommand : public DrawingCommand {
       report.line("left out: {} no longer than the distance at which ends meet",
                   countText(plan.found.wallsLeftOut, "wall"));
     }
-    report.list(openings.skipped.size(), [&](std::size_t i) {
-      return fmt::format("opening left out: {} {}", describe(drawing, openings.skipped[i].entity),
-                         openings.skipped[i].reason);
+    const std::vector<SkippedEntity>& skipped = source.openings.skipped;
+    report.list(skipped.size(), [&](std::size_t i) {
+      return fmt::format("opening left out: {} {}", describe(drawing, skipped[i].entity),
+                         skipped[i].reason);
     });
   }
 
@@ -168,6 +265,7 @@ class RoomsCommand : public DrawingCommand {
   }
 
   WidthOptions m_widths;
+  bool m_takesFaces = false;
   std::vector<std::string> m_openings;
   std::string m_layer = kRoomLayer;
   double m_leastArea = kLeastRoomSquareMeters;

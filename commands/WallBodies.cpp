@@ -109,6 +109,10 @@ nlohmann::json wallJson(const Drawing& drawing, const BodyWall& wall) {
   return json;
 }
 
+bool carriesWidths(const AcDbObjectId& entity) {
+  return widthsOfEntity(entity).has_value();
+}
+
 std::vector<BodyWall> makeWalls(const Drawing& drawing, const std::vector<WallLine>& lines,
                                 const WidthOptions& options) {
   std::vector<LayerWidth> ofLayer;

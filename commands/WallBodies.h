@@ -45,6 +45,9 @@ nlohmann::json wallJson(const Drawing& drawing, const BodyWall& wall);
 /// The name under which entities carry their widths.
 inline constexpr const wchar_t* kWidthApplication = L"QUOIN";
 
+/// Whether the entity carries widths as extended data.
+bool carriesWidths(const AcDbObjectId& entity);
+
 /// Gives every line its widths.
 /// Fails: throws CommandError (Usage for options that make no sense or leave a wall without
 /// widths).

@@ -98,6 +98,11 @@ std::vector<std::size_t> facesOf(const WallPiece& piece, const WallRun& run, con
   return found;
 }
 
+bool isUsable(const PlanLine& line) {
+  return std::isfinite(line.start.x) && std::isfinite(line.start.y) && std::isfinite(line.end.x) &&
+         std::isfinite(line.end.y);
+}
+
 /// Lines of which both ends lie in the body of a wall, or on its faces.
 std::vector<std::size_t> outsideOf(const std::vector<Wall>& walls, const PlanDrawing& drawing,
                                    const FindWallsOptions& options) {
@@ -126,12 +131,59 @@ std::vector<std::size_t> outsideOf(const std::vector<Wall>& walls, const PlanDra
   std::vector<std::size_t> outside;
   for (std::size_t i = 0; i < drawing.lines.size(); ++i) {
     const PlanLine& line = drawing.lines[i];
-    const bool isUsable = std::isfinite(line.start.x + line.start.y + line.end.x + line.end.y);
-    if (!isUsable || !isInside(line.start) || !isInside(line.end)) {
+    if (!isUsable(line) || !isInside(line.start) || !isInside(line.end)) {
       outside.push_back(i);
     }
   }
   return outside;
+}
+
+/// So much of the lines may be left over for closed outlines among them to be columns, and so large
+/// they may be by the greatest width of a wall.
+constexpr double kFewLeftOver = 0.1;
+constexpr double kGreatestColumn = 2.5;
+
+/// Outlines of which no more than one side is a wall's face.
+std::vector<PlanOutline> columnsAmong(const PlanDrawing& drawing, const FoundWalls& found,
+                                      const FindWallsOptions& options) {
+  std::vector<PlanOutline> columns = drawing.columns;
+  const auto few = kFewLeftOver * static_cast<double>(drawing.lines.size());
+  if (static_cast<double>(found.leftOver.size()) > few) {
+    return columns;
+  }
+  std::vector<PlanLine> outside;
+  SegmentGrid grid;
+  for (const std::size_t number : found.leftOver) {
+    const PlanLine& line = drawing.lines[number];
+    if (isUsable(line)) {
+      outside.push_back(line);
+      grid.add(line.start, line.end);
+    }
+  }
+  grid.arrange(4.0 * options.maxWidth);
+  for (const PlanOutline& outline : drawing.outlines) {
+    std::size_t sidesLeft = 0;
+    Box box(outline.front(), outline.front());
+    for (std::size_t i = 0; i < outline.size(); ++i) {
+      const AcGePoint2d& start = outline[i];
+      const AcGePoint2d& end = outline[(i + 1) % outline.size()];
+      box.least.set(std::min(box.least.x, start.x), std::min(box.least.y, start.y));
+      box.greatest.set(std::max(box.greatest.x, start.x), std::max(box.greatest.y, start.y));
+      bool isLeft = false;
+      grid.visitIn(Box(start, end), [&](std::size_t line) {
+        const PlanLine& other = outside[line];
+        isLeft = isLeft || (other.start == start && other.end == end) ||
+                 (other.start == end && other.end == start);
+      });
+      sidesLeft += isLeft ? 1 : 0;
+    }
+    const double size = std::max(box.greatest.x - box.least.x, box.greatest.y - box.least.y);
+    if (outline.size() >= 4 && sidesLeft + 1 >= outline.size() &&
+        size <= kGreatestColumn * options.maxWidth) {
+      columns.push_back(outline);
+    }
+  }
+  return columns;
 }
 
 /// Lengths by width; widths are one where they differ by less than the tolerance, and called by the
@@ -204,6 +256,7 @@ FoundWalls findWalls(const PlanDrawing& drawing, const FindWallsOptions& options
     found.faces.push_back(facesOf(piece, run, faces.axes[run.group], lines, drawing));
   }
   found.leftOver = outsideOf(found.plan.walls, drawing, options);
+  found.columns = columnsAmong(drawing, found, options);
   found.widths = widthsOf(found.plan.walls, options.tolerance);
   return found;
 }

@@ -36,12 +36,19 @@ struct Symbol {
   OpeningKind hint = OpeningKind::Opening;
 };
 
+/// A closed outline, without its first corner at the end.
+using PlanOutline = std::vector<AcGePoint2d>;
+
 struct PlanDrawing {
   /// What may be a face of a wall, a jamb, an end; other lines may be among them.
   std::vector<PlanLine> lines;
   /// Of the walls' layers and of all others: faces of curved walls, door swings.
   std::vector<PlanArc> arcs;
   std::vector<Symbol> symbols;
+  /// Closed outlines whose sides are among the lines too.
+  std::vector<PlanOutline> outlines;
+  /// What is drawn as a column, whatever else it looks like.
+  std::vector<PlanOutline> columns;
 };
 
 /// Lengths in drawing units. The defaults are those of a plan in millimetres.
@@ -66,16 +73,6 @@ struct FindWallsOptions {
   static FindWallsOptions inUnitsOf(double millimetersPerUnit);
 };
 
-/// A closed outline that is no wall: four corners of a rectangle, or a circle.
-struct Column {
-  AcGePoint2d center;
-  /// Sides of a rectangle, along `angle` and across; both are the diameter of a round one.
-  double width = 0.0;
-  double depth = 0.0;
-  double angle = 0.0;
-  bool isRound = false;
-};
-
 /// A wall between two concentric arcs; its chords stand among the plan's walls.
 struct CurvedWall {
   PlanArc arc;  // the reference line, midway between the faces
@@ -87,7 +84,9 @@ struct CurvedWall {
 struct FoundWalls {
   WallPlan plan;
   std::vector<CurvedWall> curved;
-  std::vector<Column> columns;
+  /// Those of the drawing; and closed outlines on the walls' layers that are no wall, where few
+  /// other lines are left over: with much furniture on a layer its outlines are no columns.
+  std::vector<PlanOutline> columns;
   /// Of each wall, the lines that are its faces: indices into PlanDrawing::lines, ascending.
   std::vector<std::vector<std::size_t>> faces;
   /// Lines that are no part of a wall, an opening or a column.
