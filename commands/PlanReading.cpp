@@ -238,7 +238,7 @@ void ReadingOptions::declare(CLI::App& command) {
   addLength("--min-width", minWidth, "The least width of a wall; default 50 mm");
   addLength("--max-width", maxWidth, "The greatest width of a wall; default 600 mm");
   addLength("--max-opening", maxOpening,
-            "The widest gap that counts as an opening with nothing drawn in it; default 2600 mm");
+            "The widest gap that counts as an opening with nothing drawn in it; default 4000 mm");
   command
       .add_option("--min-confidence", minConfidence,
                   "Leave walls over that are less sure than this, 0 to 1")

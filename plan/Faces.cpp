@@ -17,6 +17,9 @@ constexpr double kLeastTurn = 0.35 * kHalfTurn / 180.0;
 constexpr double kSameTurn = 1e-7;
 constexpr double kGreatestTurn = 8.0 * kHalfTurn / 180.0;
 
+/// Lines with less than this part of the length of those that are parallel up to a little are just
+/// parallel by chance.
+constexpr double kLeastShare = 0.02;
 /// Long lines of one face that rise along the axis pass their middles so many tolerances apart at
 /// most.
 constexpr double kDrift = 8.0;
@@ -115,8 +118,16 @@ class Directions {
     }
     std::stable_sort(shared.begin(), shared.end(),
                      [](const Shared& a, const Shared& b) { return a.length > b.length; });
+    std::map<double, double> lengths;  // of founded directions, by their angle
     for (const Shared& direction : shared) {
-      found(*direction.longest);
+      const double angle = direction.longest->angle;
+      const auto near = lengths.lower_bound(angle - kLeastTurn);
+      const bool isChance = near != lengths.end() && near->first <= angle + kLeastTurn &&
+                            direction.length < kLeastShare * near->second;
+      if (!isChance) {
+        lengths.emplace(angle, direction.length);
+        found(*direction.longest);
+      }
     }
   }
 

@@ -61,7 +61,7 @@ struct FindWallsOptions {
   /// How far faces may end before or behind the wall that they meet.
   double reach = 50.0;
   /// The widest gap that is an opening with nothing in it.
-  double maxOpening = 2600.0;
+  double maxOpening = 4000.0;
   /// The widest gap that is an opening where a window or a door is drawn in it.
   double maxDrawnOpening = 6500.0;
   /// Walls of a lower confidence are left over.

@@ -14,6 +14,11 @@ namespace {
 
 constexpr double kCrossingSine = 0.1;
 constexpr double kParallelSine = 0.02;
+/// A wall that stands free is longer than so many times its width.
+constexpr double kFreeSlender = 16.0;
+/// Walls that hang together and are no longer in all than so many times the greatest width may be
+/// furniture.
+constexpr double kSmallGroup = 40.0;
 constexpr double kNowhere = std::numeric_limits<double>::infinity();
 
 /// Where two reference lines cross, and how far beyond its own body each wall may end for them to
@@ -383,11 +388,17 @@ double Network::confidenceOf(std::size_t number) const {
   const double drawn = run.drawnLength();
   const double slender = std::min(1.0, drawn / (4.0 * run.width()));
   const double common = std::min(1.0, run.share / 0.08);
-  const double alone = m_componentLength[number] < 12.0 * m_options.maxWidth ? 0.15 : 0.0;
+  const double alone = m_componentLength[number] < kSmallGroup * m_options.maxWidth ? 0.3 : 0.0;
+  // A long wall may stand by itself, closed at both ends.
+  const double half = 0.5 * (run.left - run.right);
+  const Axis middle{run.axis.at(0.0, half), run.axis.along};
+  const bool isFree = joinedEnds(number) == 0.0 && drawn >= kFreeSlender * run.width() &&
+                      m_judge.hasEnd(middle, run.from, run.width()) &&
+                      m_judge.hasEnd(middle, run.to, run.width());
   // Ends that meet others say little of what is neither common nor much longer than wide.
   const double joined = joinedEnds(number) * std::max(slender, common);
   return std::clamp(0.1 + 0.2 * joined + 0.3 * common + 0.2 * slender +
-                        (run.openings.empty() ? 0.0 : 0.05) - alone,
+                        (run.openings.empty() ? 0.0 : 0.05) + (isFree ? 0.6 : 0.0) - alone,
                     0.0, 1.0);
 }
 
