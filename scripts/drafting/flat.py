@@ -103,11 +103,11 @@ def _furniture(sheet):
 
 def _words(sheet):
     for name, x, y, area in (
-            ("LIVING ROOM", 9900, 700, "30.6 m²"), ("DINING", 12800, 3500, ""),
-            ("KITCHEN", 12500, 8600, "9.1 m²"), ("HALL", 10500, 7500, "17.4 m²"),
+            ("LIVING ROOM", 9900, 700, "31.4 m²"), ("DINING", 12800, 3500, ""),
+            ("KITCHEN", 12500, 8600, "9.1 m²"), ("HALL", 10500, 7500, "13.0 m²"),
             ("CORRIDOR", 4700, 4950, "7.3 m²"), ("STORAGE", 900, 4950, "1.4 m²"),
             ("MASTER BEDROOM", 1900, 9030, "13.5 m²"), ("ENSUITE", 4950, 7300, "6.5 m²"),
-            ("BATHROOM", 7100, 6900, "8.3 m²"), ("WC", 8960, 8400, "4.0 m²"),
+            ("BATHROOM", 7100, 6900, "7.8 m²"), ("WC", 8960, 8400, "4.0 m²"),
             ("BEDROOM 2", 3050, 2300, "14.0 m²"), ("BEDROOM 3", 4850, 2700, "14.3 m²")):
         if area:
             sheet.room(ROOMS, (x, y), name, area)
