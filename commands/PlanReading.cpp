@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
@@ -16,6 +17,7 @@
 #include "dbobjptr.h"
 #include "embedded/os/CaseFold.h"
 #include "embedded/os/Utf8.h"
+#include "plan/SegmentGrid.h"
 
 namespace quoin::commands {
 
@@ -189,12 +191,20 @@ class SymbolReader {
   plan::PlanDrawing& m_drawing;
 };
 
-/// The two sides of a polyline's segment with a width, and its ends across.
-void addWideSegments(ReadPlan& plan) {
+/// A straight segment with a width.
+struct WideSegment {
+  std::size_t line;  // of WallLines
+  AcGePoint2d start;
+  AcGePoint2d end;
+  double width;
+};
+
+std::vector<WideSegment> wideSegments(const WallLines& found) {
+  std::vector<WideSegment> wide;
   AcDbObjectId last;
   PolylineShape shape;
-  for (std::size_t i = 0; i < plan.found.lines.size(); ++i) {
-    const WallLine& line = plan.found.lines[i];
+  for (std::size_t i = 0; i < found.lines.size(); ++i) {
+    const WallLine& line = found.lines[i];
     if (!line.isPolylineSegment() || line.within) {
       continue;
     }
@@ -208,20 +218,50 @@ void addWideSegments(ReadPlan& plan) {
       continue;
     }
     const PolylineVertex& vertex = shape.vertices[segment];
-    if (!(vertex.startWidth > 0.0) || vertex.startWidth != vertex.endWidth) {
-      continue;
+    if (vertex.startWidth > 0.0 && vertex.startWidth == vertex.endWidth) {
+      wide.push_back({i, flat(line.start), flat(line.end), vertex.startWidth});
     }
-    const AcGePoint2d start = flat(line.start);
-    const AcGePoint2d end = flat(line.end);
-    const AcGeVector2d aside =
-        (end - start).perpVector() / start.distanceTo(end) * (0.5 * vertex.startWidth);
+  }
+  return wide;
+}
+
+/// The two sides of every segment with a width, and an end across where it meets no other: there
+/// may be an opening.
+void addWideSegments(ReadPlan& plan) {
+  const std::vector<WideSegment> wide = wideSegments(plan.found);
+  plan::SegmentGrid grid;
+  double widest = 0.0;
+  for (const WideSegment& segment : wide) {
+    grid.add(segment.start, segment.end);
+    widest = std::max(widest, segment.width);
+  }
+  grid.arrange(4.0 * widest);
+  const auto meetsOther = [&](std::size_t mine, const AcGePoint2d& point) {
+    bool isMet = false;
+    const double near = 0.25 * wide[mine].width;
+    grid.visitIn(plan::Box(point, point).grownBy(near), [&](std::size_t other) {
+      const WideSegment& segment = wide[other];
+      const AcGeVector2d way = segment.end - segment.start;
+      const double part =
+          std::clamp(way.dotProduct(point - segment.start) / way.lengthSqrd(), 0.0, 1.0);
+      isMet = isMet || (other != mine && point.distanceTo(segment.start + way * part) <= near);
+    });
+    return isMet;
+  };
+  for (std::size_t i = 0; i < wide.size(); ++i) {
+    const auto& [line, start, end, width] = wide[i];
+    const AcGeVector2d aside = (end - start).perpVector() / start.distanceTo(end) * (0.5 * width);
+    const auto add = [&](const AcGePoint2d& from, const AcGePoint2d& to) {
+      plan.drawing.lines.push_back({from, to});
+      plan.sourceOf.push_back(line);
+    };
     // The middle line is no face.
-    plan.drawing.lines[i] = {start + aside, end + aside};
-    for (const plan::PlanLine& side :
-         {plan::PlanLine{start - aside, end - aside}, plan::PlanLine{start - aside, start + aside},
-          plan::PlanLine{end - aside, end + aside}}) {
-      plan.drawing.lines.push_back(side);
-      plan.sourceOf.push_back(i);
+    plan.drawing.lines[line] = {start + aside, end + aside};
+    add(start - aside, end - aside);
+    for (const AcGePoint2d& point : {start, end}) {
+      if (!meetsOther(i, point)) {
+        add(point - aside, point + aside);
+      }
     }
   }
 }
