@@ -41,9 +41,9 @@ struct Sheet {
   Sheet& wallWithGap(double to) {
     return faces(0, 2000, 0, 200).faces(to, 5000, 0, 200).jamb(2000, 0, 200).jamb(to, 0, 200);
   }
-  /// What is found with doubtful walls: few are as sure as one that others meet at both ends.
+  /// What is found with all walls that are in doubt, as those are that meet few others.
   FoundWalls find(FindWallsOptions options = {}) const {
-    options.minConfidence = 0.1;
+    options.minConfidence = 0.0;
     return findWalls(drawing, options);
   }
 };
