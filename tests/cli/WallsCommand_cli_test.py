@@ -203,6 +203,15 @@ class WallsOfPlansTest(cli.CliTest):
                 self.assertEqual([wall["left"] for wall in again["walls"]],
                                  [wall["left"] for wall in found[1]["walls"]])
 
+    def test_rooms_finds_the_walls_by_itself(self):
+        rooms = self.report("rooms", example("flat"), "--dry-run")["rooms"]
+        labelled = [room for room in rooms if room["statedArea"] is not None]
+        self.assertEqual(len(labelled), 11)
+        # Labels have one digit after the point.
+        for room in labelled:
+            self.assertAlmostEqual(room["netArea"], room["statedArea"], delta=0.055,
+                                   msg=room["name"])
+
     def test_a_clean_random_plan_is_read(self):
         plan, truth = self.path("r.dxf"), self.path("r.json")
         subprocess.run([sys.executable, ROUNDS, "make", "--walls", "100", "--seed", "2", "-o", plan,
