@@ -63,15 +63,18 @@ class WallsCommand : public DrawingCommand {
     }
     std::vector<std::string> walls;
     std::vector<std::string> openings;
-    if (!job.output.empty() && !job.isDryRun) {
+    // Nothing is added in a dry run, and no handle told.
+    walls.resize(found.plan.walls.size());
+    openings.resize(found.plan.openings.size());
+    if (!job.isDryRun) {
       makeLayer(drawing, m_outLayer, 1);
       makeLayer(drawing, m_openingLayer, 4);
-    }
-    for (const plan::Wall& wall : found.plan.walls) {
-      walls.push_back(appendWall(drawing, wall, m_outLayer));
-    }
-    for (const plan::Opening& opening : found.plan.openings) {
-      openings.push_back(appendOpening(drawing, found.plan, opening, m_openingLayer));
+      for (std::size_t i = 0; i < walls.size(); ++i) {
+        walls[i] = appendWall(drawing, found.plan.walls[i], m_outLayer);
+      }
+      for (std::size_t i = 0; i < openings.size(); ++i) {
+        openings[i] = appendOpening(drawing, found.plan, found.plan.openings[i], m_openingLayer);
+      }
     }
     job.save(drawing);
     job.render(picture, report);

@@ -131,7 +131,8 @@ std::vector<std::size_t> outsideOf(const std::vector<Wall>& walls, const PlanDra
   std::vector<std::size_t> outside;
   for (std::size_t i = 0; i < drawing.lines.size(); ++i) {
     const PlanLine& line = drawing.lines[i];
-    if (!isUsable(line) || !isInside(line.start) || !isInside(line.end)) {
+    const bool hasLength = line.start.x != line.end.x || line.start.y != line.end.y;
+    if (!isUsable(line) || !hasLength || !isInside(line.start) || !isInside(line.end)) {
       outside.push_back(i);
     }
   }

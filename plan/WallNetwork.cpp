@@ -111,7 +111,7 @@ class Network {
         for (const Continuation& link : next[from]) {
           if (!isDone[link.other]) {
             isDone[link.other] = true;
-            takeLine(m_runs[link.other], m_runs[from]);
+            takeLine(link.other, m_runs[from]);
             open.push_back(link.other);
           }
         }
@@ -120,7 +120,8 @@ class Network {
   }
 
   /// The run's reference line becomes the other's, its body stays.
-  void takeLine(WallRun& run, const WallRun& other) const {
+  void takeLine(std::size_t number, const WallRun& other) {
+    WallRun& run = m_runs[number];
     const AcGePoint2d middle = run.axis.at(0.5 * (run.from + run.to));
     const double aside = other.axis.leftOf(middle);
     if (aside == 0.0 || std::fabs(aside) > 0.5 * run.width() + m_options.tolerance) {
@@ -135,6 +136,8 @@ class Network {
       gap.from += move;
       gap.to += move;
     }
+    m_joints[2 * number].at += move;
+    m_joints[2 * number + 1].at += move;
     run.to = axis.alongOf(run.end());
     run.from = start;
     run.axis = axis;

@@ -55,7 +55,7 @@ class JsonTest(cli.CliTest):
         "to-origin": ["--at", "center"],
         "outline": ["--layer", "WALL", "--left", "50", "--right", "50"],
         "solid": ["--layer", "WALL", "--left", "50", "--right", "50", "--height", "2800"],
-        "rooms": ["--layer", "WALL", "--left", "50", "--right", "50"],
+        "walls": [], "rooms": ["--layer", "WALL", "--left", "50", "--right", "50"],
         "draw": ["--from", "200,500", "--to", "900,500", "--layer", "WALL"],
         "style mline": ["--name", "W"], "style dim": ["--name", "D", "--scale", "1"],
         "paint": ["--layer", "WALL", "--rgb", "1,2,3"],
