@@ -249,8 +249,11 @@ void addWideSegments(ReadPlan& plan) {
     return isMet;
   };
   for (std::size_t i = 0; i < wide.size(); ++i) {
-    const auto& [line, start, end, width] = wide[i];
-    const AcGeVector2d aside = (end - start).perpVector() / start.distanceTo(end) * (0.5 * width);
+    const std::size_t line = wide[i].line;
+    const AcGePoint2d& start = wide[i].start;
+    const AcGePoint2d& end = wide[i].end;
+    const AcGeVector2d aside =
+        (end - start).perpVector() / start.distanceTo(end) * (0.5 * wide[i].width);
     const auto add = [&](const AcGePoint2d& from, const AcGePoint2d& to) {
       plan.drawing.lines.push_back({from, to});
       plan.sourceOf.push_back(line);

@@ -148,6 +148,7 @@ class WallsCommand : public DrawingCommand {
   static std::vector<std::string> facesOf(const Drawing& drawing, const ReadPlan& read,
                                           const std::vector<std::size_t>& lines) {
     std::vector<std::string> names;
+    names.reserve(lines.size());
     for (const std::size_t line : lines) {
       names.push_back(nameText(drawing, read.found.lines[read.sourceOf[line]].entity));
     }

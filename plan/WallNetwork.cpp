@@ -16,9 +16,10 @@ constexpr double kCrossingSine = 0.1;
 constexpr double kParallelSine = 0.02;
 /// A wall that stands free is longer than so many times its width.
 constexpr double kFreeSlender = 16.0;
-/// Walls that hang together and are no longer in all than so many times the greatest width may be
-/// furniture.
+/// Walls that hang together may be furniture where they are no longer in all than so many times the
+/// greatest width, and one side of their box is no longer than so many.
 constexpr double kSmallGroup = 40.0;
+constexpr double kSmallSide = 5.0;
 constexpr double kNowhere = std::numeric_limits<double>::infinity();
 
 /// Where two reference lines cross, and how far beyond its own body each wall may end for them to
@@ -383,7 +384,7 @@ class Network {
   std::vector<Joint> m_joints;  // of every end
   std::vector<double> m_ends;   // where it goes
   std::vector<std::pair<std::size_t, std::size_t>> m_continued;
-  std::vector<double> m_componentLength;  // of each run's
+  std::vector<bool> m_isInSmallGroup;
 };
 
 double Network::confidenceOf(std::size_t number) const {
@@ -391,7 +392,7 @@ double Network::confidenceOf(std::size_t number) const {
   const double drawn = run.drawnLength();
   const double slender = std::min(1.0, drawn / (4.0 * run.width()));
   const double common = std::min(1.0, run.share / 0.08);
-  const double alone = m_componentLength[number] < kSmallGroup * m_options.maxWidth ? 0.3 : 0.0;
+  const double alone = m_isInSmallGroup[number] ? 0.3 : 0.0;
   // A long wall may stand by itself, closed at both ends.
   const double half = 0.5 * (run.left - run.right);
   const Axis middle{run.axis.at(0.0, half), run.axis.along};
@@ -425,12 +426,23 @@ void Network::measureComponents() {
     unite(a, b);
   }
   std::vector<double> lengths(m_runs.size(), 0.0);
+  std::vector<Box> boxes;
+  for (const WallRun& run : m_runs) {
+    boxes.emplace_back(run.start(), run.end());
+  }
   for (std::size_t i = 0; i < m_runs.size(); ++i) {
     lengths[find(i)] += m_runs[i].drawnLength();
+    Box& all = boxes[find(i)];
+    for (const AcGePoint2d& end : {m_runs[i].start(), m_runs[i].end()}) {
+      all.least.set(std::min(all.least.x, end.x), std::min(all.least.y, end.y));
+      all.greatest.set(std::max(all.greatest.x, end.x), std::max(all.greatest.y, end.y));
+    }
   }
-  m_componentLength.resize(m_runs.size());
+  m_isInSmallGroup.resize(m_runs.size());
   for (std::size_t i = 0; i < m_runs.size(); ++i) {
-    m_componentLength[i] = lengths[find(i)];
+    const AcGeVector2d sides = boxes[find(i)].greatest - boxes[find(i)].least;
+    m_isInSmallGroup[i] = lengths[find(i)] < kSmallGroup * m_options.maxWidth &&
+                          std::min(sides.x, sides.y) < kSmallSide * m_options.maxWidth;
   }
 }
 
