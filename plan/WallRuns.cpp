@@ -16,6 +16,8 @@ constexpr double kAcrossSine = 0.7;
 /// The part of a wall's width that a line across it must cover, and of a gap's length that a
 /// window's lines must.
 constexpr double kEnoughCover = 0.6;
+/// A door's or a window's block is no larger than so many times its gap.
+constexpr double kLargeBlock = 2.2;
 /// Up to this part of the tolerance numbers are the same.
 constexpr double kExact = 1e-4;
 /// Where one face runs on, the other may be interrupted so many times the greatest width.
@@ -459,9 +461,12 @@ GapJudge::Drawn GapJudge::drawnIn(const Axis& axis, double from, double to, doub
     const double l = axis.leftOf(line.start);
     const double r = axis.leftOf(line.end);
     if (symbol && symbol->isBox) {
-      // A block's box lies over most of the gap, and is not much larger.
-      const bool isOver = high - low >= 0.5 * length && std::min(l, r) <= half &&
-                          std::max(l, r) >= -half && std::fabs(b - a) <= 2.0 * length;
+      // A block's box holds the gap's middle, or has it on its border, and is not much larger.
+      const Box block = Box(line.start, line.end).grownBy(half);
+      const AcGePoint2d middle = axis.at(0.5 * (from + to));
+      const bool isOver = block.meets(Box(middle, middle)) &&
+                          std::fabs(line.end.x - line.start.x) <= kLargeBlock * length &&
+                          std::fabs(line.end.y - line.start.y) <= kLargeBlock * length;
       drawn.isDoor = drawn.isDoor || (isOver && hint == OpeningKind::Door);
       drawn.isWindow = drawn.isWindow || (isOver && hint == OpeningKind::Window);
       return;
