@@ -135,8 +135,8 @@ class RunMaker {
     }
     std::vector<WallRun::Gap> found;
     for (Interval part : free) {
-      const bool isAtStart = part.from == gap.from;
-      const bool isAtEnd = part.to == gap.to;
+      const bool isAtStart = part.from <= gap.from + play;
+      const bool isAtEnd = part.to >= gap.to - play;
       const Interval all{std::max(gap.from, part.from - play), std::min(gap.to, part.to + play)};
       const std::vector<double> jambs = m_judge.endsBetween(line, all.from - 0.5 * m_options.reach,
                                                             all.to + 0.5 * m_options.reach, width);
