@@ -55,7 +55,7 @@ class JsonTest(cli.CliTest):
         "to-origin": ["--at", "center"],
         "outline": ["--layer", "WALL", "--left", "50", "--right", "50"],
         "solid": ["--layer", "WALL", "--left", "50", "--right", "50", "--height", "2800"],
-        "rooms": ["--layer", "WALL", "--left", "50", "--right", "50"],
+        "rooms": ["--layer", "WALL", "--left", "50", "--right", "50"], "survey": [],
         "draw": ["--from", "200,500", "--to", "900,500", "--layer", "WALL"],
         "style mline": ["--name", "W"], "style dim": ["--name", "D", "--scale", "1"],
         "paint": ["--layer", "WALL", "--rgb", "1,2,3"],
@@ -79,7 +79,7 @@ class JsonTest(cli.CliTest):
                 plan, handle = self.plan()
                 words = [option.format(handle=handle) for option in options or []]
                 if options is not None:
-                    ending = ".obj" if command == "solid" else ".dxf"
+                    ending = {"solid": ".obj", "survey": "-folder"}.get(command, ".dxf")
                     words += ["-o", self.path("o" + ending)]
                 if command == "restore":
                     self.path("plan.dxf.bak").write_bytes(plan.read_bytes() + b"\n")
