@@ -55,7 +55,7 @@ class JsonTest(cli.CliTest):
         "to-origin": ["--at", "center"],
         "outline": ["--layer", "WALL", "--left", "50", "--right", "50"],
         "solid": ["--layer", "WALL", "--left", "50", "--right", "50", "--height", "2800"],
-        "rooms": ["--layer", "WALL", "--left", "50", "--right", "50"], "survey": [],
+        "rooms": ["--layer", "WALL", "--left", "50", "--right", "50"],
         "draw": ["--from", "200,500", "--to", "900,500", "--layer", "WALL"],
         "style mline": ["--name", "W"], "style dim": ["--name", "D", "--scale", "1"],
         "paint": ["--layer", "WALL", "--rgb", "1,2,3"],
@@ -72,14 +72,14 @@ class JsonTest(cli.CliTest):
         return self.save("plan.dxf"), line.dxf.handle
 
     def test_every_command_reports_as_its_schema_says(self):
-        # run has its own (RunCommand_cli_test.py), with a module.
-        self.assertEqual({*self.RUNS, "run"}, set(cli.SCHEMA.schema["properties"]["command"]["enum"]))
+        # run has its own (RunCommand_cli_test.py), with a module; survey too, on walls with faces.
+        self.assertEqual({*self.RUNS, "run", "survey"}, set(cli.SCHEMA.schema["properties"]["command"]["enum"]))
         for command, options in self.RUNS.items():
             with self.subTest(command=command):
                 plan, handle = self.plan()
                 words = [option.format(handle=handle) for option in options or []]
                 if options is not None:
-                    ending = {"solid": ".obj", "survey": "-folder"}.get(command, ".dxf")
+                    ending = ".obj" if command == "solid" else ".dxf"
                     words += ["-o", self.path("o" + ending)]
                 if command == "restore":
                     self.path("plan.dxf.bak").write_bytes(plan.read_bytes() + b"\n")
