@@ -31,7 +31,6 @@
 #include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/Render.h"
-#include "embedded/os/File.h"
 #include "embedded/os/Utf8.h"
 
 namespace quoin::commands {
@@ -97,6 +96,10 @@ struct Survey {
   SurveySchedule schedule;
   Picture wallsShown;
   Picture roomsShown;
+  Picture modelShown;
+  std::string wallsSvg;  // the files' bytes
+  std::string roomsSvg;
+  std::string modelSvg;
 
   // What stands for them in the drawing.
   std::vector<std::string> wallHandles;
@@ -216,9 +219,10 @@ class SurveyCommand : public DrawingCommand {
     append(drawing, survey);
     build(drawing, survey);
     drawing.saveAs(files.surveyed, false);
-    renderPicture(survey.wallsShown, files.walls);
-    renderPicture(survey.roomsShown, files.rooms);
-    renderPicture(modelPicture(drawing, survey), files.solid);
+    survey.modelShown = modelPicture(drawing, survey);
+    survey.wallsSvg = writePicture(survey.wallsShown, files.walls);
+    survey.roomsSvg = writePicture(survey.roomsShown, files.rooms);
+    survey.modelSvg = writePicture(survey.modelShown, files.solid);
     writeModel(survey.model,
                {drawing.millimetersPerUnit() / kMillimetersPerMeter, true, AcDb::kUnitsMeters},
                files.model);
@@ -395,6 +399,13 @@ class SurveyCommand : public DrawingCommand {
     }
     survey.model.materials = materialsOf(drawing, survey.model);
     Progress::checkInterrupt();
+  }
+
+  /// Returns the file's bytes.
+  static std::string writePicture(const Picture& picture, const std::filesystem::path& file) {
+    std::string bytes = pictureBytes(picture, file);
+    writeWholeFile(bytes, file, "write the picture");
+    return bytes;
   }
 
   static Picture modelPicture(const Drawing& drawing, const Survey& survey) {
@@ -575,12 +586,13 @@ class SurveyCommand : public DrawingCommand {
     return table;
   }
 
-  static std::string fileText(const std::filesystem::path& file) {
-    try {
-      return os::readFile(file.string());
-    } catch (const os::FileFailure& failure) {
-      throw CommandError(ExitCode::OutputUnwritable, failure.message());
-    }
+  /// For the page: as SVG where that is small, else with a size that is bounded.
+  static SurveyPage::Picture embedded(const Picture& picture, const std::string& svg,
+                                      const std::string& alt) {
+    constexpr std::size_t kMostSvgBytes = 1U << 20U;
+    return svg.size() <= kMostSvgBytes
+               ? SurveyPage::Picture{"image/svg+xml", svg, alt}
+               : SurveyPage::Picture{"image/png", pictureBytes(picture, "page.png"), alt};
   }
 
   SurveyPage pageOf(const Drawing& drawing, const DrawingJob& job, const SurveyFiles& files,
@@ -597,19 +609,22 @@ class SurveyCommand : public DrawingCommand {
         {fmt::format("{:.1f} m", meters(drawing, lengthOf(survey.found.plan))), "of wall"},
         {std::to_string(survey.count(plan::OpeningKind::Door)), "doors"},
         {std::to_string(survey.count(plan::OpeningKind::Window)), "windows"}};
-    page.sections.push_back({"Rooms",
-                             {{fileText(files.rooms), "The rooms of " + page.title}},
-                             {roomTable(drawing, survey)},
-                             {},
-                             {}});
-    page.sections.push_back({"Walls",
-                             {{fileText(files.walls), "The walls of " + page.title}},
-                             {wallTable(survey)},
-                             {},
-                             {}});
+    page.sections.push_back(
+        {"Rooms",
+         {embedded(survey.roomsShown, survey.roomsSvg, "The rooms of " + page.title)},
+         {roomTable(drawing, survey)},
+         {},
+         {}});
+    page.sections.push_back(
+        {"Walls",
+         {embedded(survey.wallsShown, survey.wallsSvg, "The walls of " + page.title)},
+         {wallTable(survey)},
+         {},
+         {}});
     page.sections.push_back({"Openings", {}, {openingTable(survey)}, {}, {}});
     page.sections.push_back({"Model",
-                             {{fileText(files.solid), "The walls of " + page.title + " as bodies"}},
+                             {embedded(survey.modelShown, survey.modelSvg,
+                                       "The walls of " + page.title + " as bodies")},
                              {},
                              {fmt::format("Walls {} high with {} of {} cut out, and {}.", m_height,
                                           survey.cuts.cuts.size(),

@@ -124,8 +124,8 @@ void addSection(std::string& html, const SurveyPage::Section& section) {
     html += fmt::format("<p>{}</p>\n", escaped(sentence));
   }
   for (const SurveyPage::Picture& picture : section.pictures) {
-    html += fmt::format("<figure><img alt=\"{}\" src=\"data:image/svg+xml;base64,{}\"></figure>\n",
-                        escaped(picture.alt), base64(picture.svg));
+    html += fmt::format("<figure><img alt=\"{}\" src=\"data:{};base64,{}\"></figure>\n",
+                        escaped(picture.alt), picture.type, base64(picture.bytes));
   }
   for (const SurveyPage::Table& table : section.tables) {
     addTable(html, table);

@@ -13,7 +13,8 @@ struct SurveyPage {
     std::string what;
   };
   struct Picture {
-    std::string svg;  // the file's bytes
+    std::string type;   // "image/svg+xml"
+    std::string bytes;  // the file's
     std::string alt;
   };
   struct Table {

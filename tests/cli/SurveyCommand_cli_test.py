@@ -164,6 +164,16 @@ class SurveyTest(cli.CliTest):
         for text in ("flat.dxf", "KITCHEN", "A-WALL", "10.38", "door", "900"):
             self.assertIn(text, page.texts)
 
+    def test_large_pictures_are_embedded_as_png(self):
+        plan = cli.SOURCE / "examples" / "office" / "office.dxf"
+        self.run_ok("survey", plan, "-o", self.path("out"))
+        sources = [attributes["src"] for tag, attributes in self.page().elements if tag == "img"]
+        self.assertEqual(len(sources), 3)
+        kind, data = sources[2].split(",", 1)
+        self.assertEqual(kind, "data:image/png;base64")
+        self.assertEqual(base64.b64decode(data, validate=True)[:8], b"\x89PNG\r\n\x1a\n")
+        self.assertLess(sum(map(len, sources)), 5e6)
+
     def test_texts_of_the_drawing_are_texts_of_the_page(self):
         plan = self.flat(layer="WALL &'x' é", room=NASTY)
         nasty = self.path("<i>&'n'.dxf")

@@ -73,7 +73,8 @@ class JsonTest(cli.CliTest):
 
     def test_every_command_reports_as_its_schema_says(self):
         # run has its own (RunCommand_cli_test.py), with a module; survey too, on walls with faces.
-        self.assertEqual({*self.RUNS, "run", "survey"}, set(cli.SCHEMA.schema["properties"]["command"]["enum"]))
+        self.assertEqual({*self.RUNS, "run", "survey"},
+                         set(cli.SCHEMA.schema["properties"]["command"]["enum"]))
         for command, options in self.RUNS.items():
             with self.subTest(command=command):
                 plan, handle = self.plan()
