@@ -510,7 +510,7 @@ class SurveyCommand : public DrawingCommand {
     addLeftOut(drawing, survey.read.found, report);
   }
 
-  /// The file's text: it does not depend on where the drawing and the folder are.
+  /// The file's text; of names of folders it has those in warnings alone.
   std::string reportText(const Drawing& drawing, const Survey& survey, const Report& report) const {
     nlohmann::json json;
     // The openings are those of the walls, with their handles.
