@@ -6,8 +6,8 @@
 #include <array>
 #include <set>
 
-#include "commands/CleanMarks.h"
 #include "commands/CleanSources.h"
+#include "commands/Cleaning.h"
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
@@ -29,26 +29,6 @@ using plan::CleanStep;
 using plan::UndecidedKind;
 
 constexpr const char* kOff = "off";
-/// A mark is to be seen beside a wall, and not hide it.
-constexpr double kMarkMillimeters = 100.0;
-
-/// What JSON reports call a step, and what the text report says was done.
-struct StepWords {
-  const char* name;
-  const char* told;
-};
-constexpr std::array<StepWords, plan::kCleanSteps> kStepWords{{
-    {"duplicate", "duplicates removed"},
-    {"overlap", "overlapping lines joined"},
-    {"snap", "ends snapped"},
-    {"extend", "ends extended to corners and junctions"},
-    {"trim", "ends trimmed to corners and junctions"},
-    {"spur", "spurs removed"},
-    {"join", "collinear pieces joined"},
-}};
-const StepWords& wordsOf(CleanStep step) {
-  return kStepWords[static_cast<std::size_t>(step)];
-}
 
 struct UndecidedWords {
   const char* name;
@@ -59,16 +39,9 @@ constexpr std::array<UndecidedWords, 3> kUndecidedWords{{
     {"severalPlaces", "it meets lines at several places"},
     {"otherProperties", "it lies on a line with other properties, or on a polyline"},
 }};
-const UndecidedWords& wordsOf(UndecidedKind kind) {
+const UndecidedWords& undecidedWords(UndecidedKind kind) {
   return kUndecidedWords[static_cast<std::size_t>(kind)];
 }
-
-/// One height, cleaned.
-struct CleanedLevel {
-  double height;
-  const CleanLevel* level;
-  plan::CleanResult result;
-};
 
 std::string checkLengthOrOff(const std::string& text) {
   return text == kOff || parseLength(text)
@@ -121,7 +94,7 @@ class CleanCommand : public DrawingCommand {
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     const std::set<std::wstring> layers = chooseLayers(drawing.layers(), m_options.layers, drawing);
     // The merge takes ends for touching at the distance at which ends snap.
-    m_options.capture.tolerance = m_snap == kOff ? kDefaultSnap : m_snap;
+    m_options.capture.tolerance = m_snap == kOff ? kCleanSnap : m_snap;
     setCapture(m_options.capture, drawing);
     const plan::CleanOptions options = optionsFor(drawing);
     const CleanSources found = collectCleanSources(drawing, layers, options.removesDuplicates);
@@ -131,13 +104,7 @@ class CleanCommand : public DrawingCommand {
           fmt::format("{}: no LINE and no straight polyline segment on {}; what is there: {}",
                       drawing.file().string(), namesText(layers), leftOutText(found)));
     }
-    std::vector<CleanedLevel> levels;
-    Progress::during("Cleaning lines", [&] {
-      for (const auto& [height, level] : found.levels) {
-        levels.push_back({height, &level, plan::cleanLines(level.lines, options, level.anchors)});
-      }
-    });
-    Progress::checkInterrupt();
+    const std::vector<CleanedLevel> levels = cleanLevels(found, options);
     Picture picture;
     if (job.hasPicture()) {
       picture = paint(drawing, found, levels);
@@ -148,16 +115,14 @@ class CleanCommand : public DrawingCommand {
       addJson(drawing, layers, found, levels, options, report.json);
     }
     warnOfDoubtfulUnits(drawing, found, report);
-    apply(drawing, found, levels);
-    const CleanMarks marks = mark(drawing, levels, options);
+    applyCleaning(drawing, found, levels);
+    const CleanMarks marks = markUndecided(drawing, levels, options, m_markLayer);
     tellMarks(marks, levels, report);
     job.save(drawing);
     job.render(picture, report);
   }
 
  private:
-  static constexpr const char* kDefaultSnap = "5mm";
-
   /// In a wrong unit the lengths are many times too large or too small.
   void warnOfDoubtfulUnits(Drawing& drawing, const CleanSources& found, Report& report) const {
     std::vector<WallLine> walls;
@@ -203,83 +168,6 @@ class CleanCommand : public DrawingCommand {
     return options;
   }
 
-  static AcGePoint3d inSpace(const AcGePoint2d& at, double height) { return {at.x, at.y, height}; }
-
-  static std::array<std::size_t, plan::kCleanSteps> countsOf(
-      const CleanSources& found, const std::vector<CleanedLevel>& levels) {
-    std::array<std::size_t, plan::kCleanSteps> counts{};
-    for (const CleanedLevel& level : levels) {
-      for (const plan::CleanAction& action : level.result.actions) {
-        ++counts[static_cast<std::size_t>(action.step)];
-      }
-    }
-    counts[static_cast<std::size_t>(CleanStep::Duplicate)] += found.doubled.size();
-    return counts;
-  }
-  static std::size_t undecidedCount(const std::vector<CleanedLevel>& levels) {
-    std::size_t count = 0;
-    for (const CleanedLevel& level : levels) {
-      count += level.result.undecided.size();
-    }
-    return count;
-  }
-
-  static bool isMoved(const AcGePoint3d& old, const AcGePoint2d& now) {
-    return old.x != now.x || old.y != now.y;
-  }
-
-  /// The lines of a level that are gone.
-  static std::vector<std::size_t> goneOf(const CleanedLevel& cleaned) {
-    std::vector<std::size_t> gone;
-    auto left = cleaned.result.lines.begin();
-    for (std::size_t i = 0; i < cleaned.level->lines.size(); ++i) {
-      if (left != cleaned.result.lines.end() && left->line == i) {
-        ++left;
-      } else {
-        gone.push_back(i);
-      }
-    }
-    return gone;
-  }
-
-  static void apply(Drawing& drawing, const CleanSources& found,
-                    const std::vector<CleanedLevel>& levels) {
-    Progress progress("Changing the drawing");
-    std::size_t done = 0;
-    for (const CleanedLevel& cleaned : levels) {
-      for (const plan::CleanedLine& line : cleaned.result.lines) {
-        if (!progress.step(++done, found.lines + found.segments)) {
-          Progress::checkInterrupt();
-        }
-        const CleanSource& source = cleaned.level->sources[line.line];
-        if (isMoved(source.start, line.start)) {
-          moveCleanEnd(drawing, source, false, line.start);
-        }
-        if (isMoved(source.end, line.end)) {
-          moveCleanEnd(drawing, source, true, line.end);
-        }
-      }
-      for (const std::size_t line : goneOf(cleaned)) {
-        eraseEntity(drawing, cleaned.level->sources[line].entity);
-      }
-    }
-    for (const DoubledPolyline& polyline : found.doubled) {
-      eraseEntity(drawing, polyline.entity);
-    }
-  }
-
-  CleanMarks mark(Drawing& drawing, const std::vector<CleanedLevel>& levels,
-                  const plan::CleanOptions& options) const {
-    std::vector<AcGePoint3d> places;
-    for (const CleanedLevel& cleaned : levels) {
-      for (const plan::UndecidedPlace& place : cleaned.result.undecided) {
-        places.push_back(inSpace(place.at, cleaned.height));
-      }
-    }
-    return markPlaces(drawing, places, m_markLayer, kMarkMillimeters / drawing.millimetersPerUnit(),
-                      options.snap);
-  }
-
   static std::string lengthText(double length, const Drawing& drawing) {
     return length > 0.0 ? numberText(length) + " " + drawing.unitName() : kOff;
   }
@@ -292,9 +180,9 @@ class CleanCommand : public DrawingCommand {
                 lengthText(options.reach, drawing), lengthText(options.spur, drawing));
     report.line("{} and {} of polylines", countText(found.lines, "line"),
                 countText(found.segments, "segment"));
-    const auto counts = countsOf(found, levels);
+    const auto counts = cleanCounts(found, levels);
     for (std::size_t step = 0; step < counts.size(); ++step) {
-      report.line("{:6} {}", counts[step], kStepWords[step].told);
+      report.line("{:6} {}", counts[step], wordsOf(static_cast<CleanStep>(step)).told);
     }
     for (const CleanedLevel& cleaned : levels) {
       tellLevel(drawing, cleaned, report);
@@ -323,7 +211,8 @@ class CleanCommand : public DrawingCommand {
     report.list(result.undecided.size(), [&](std::size_t i) {
       const plan::UndecidedPlace& place = result.undecided[i];
       return fmt::format("undecided: {} at {}: {}{}", nameOf(place.line),
-                         pointText(inSpace(place.at, cleaned.height)), wordsOf(place.kind).told,
+                         pointText(inSpace(place.at, cleaned.height)),
+                         undecidedWords(place.kind).told,
                          place.other == place.line ? "" : " (" + nameOf(place.other) + ")");
     });
     if (result.keptOverlaps > 0) {
@@ -374,9 +263,9 @@ class CleanCommand : public DrawingCommand {
                    {"changes", nlohmann::json::array()},
                    {"removed", nlohmann::json::array()},
                    {"undecided", nlohmann::json::array()}});
-    const auto counts = countsOf(found, levels);
+    const auto counts = cleanCounts(found, levels);
     for (std::size_t step = 0; step < counts.size(); ++step) {
-      report["counts"][kStepWords[step].name] = counts[step];
+      report["counts"][wordsOf(static_cast<CleanStep>(step)).name] = counts[step];
     }
     std::size_t keptOverlaps = 0;
     for (const CleanedLevel& cleaned : levels) {
@@ -422,7 +311,7 @@ class CleanCommand : public DrawingCommand {
     }
     for (const plan::UndecidedPlace& place : cleaned.result.undecided) {
       nlohmann::json json = entityJson(drawing, sources[place.line]);
-      json["why"] = wordsOf(place.kind).name;
+      json["why"] = undecidedWords(place.kind).name;
       json["at"] = pointJson(inSpace(place.at, cleaned.height));
       if (place.other != place.line) {
         json["other"] = handleText(sources[place.other].entity);
@@ -493,9 +382,9 @@ class CleanCommand : public DrawingCommand {
     }
   }
 
-  std::string m_snap = kDefaultSnap;
-  std::string m_reach = "20mm";
-  std::string m_spur = "20mm";
+  std::string m_snap = kCleanSnap;
+  std::string m_reach = kCleanReach;
+  std::string m_spur = kCleanSpur;
   std::string m_duplicates = "same";
   bool m_isJoinOff = false;
   std::string m_markLayer = kMarkLayer;

@@ -31,6 +31,7 @@ std::unique_ptr<Command> makeOutlineCommand();
 std::unique_ptr<Command> makeSolidCommand();
 std::unique_ptr<Command> makeWallsCommand();
 std::unique_ptr<Command> makeRoomsCommand();
+std::unique_ptr<Command> makeSurveyCommand();
 std::unique_ptr<Command> makeStyleCommand();
 std::unique_ptr<Command> makePaintCommand();
 std::unique_ptr<Command> makeMatchPropertiesCommand();

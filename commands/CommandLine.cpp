@@ -41,14 +41,28 @@ using Commands = std::vector<std::pair<CLI::App*, std::unique_ptr<Command>>>;
 
 Commands declareCommands(CLI::App& app) {
   Commands commands;
-  for (std::unique_ptr<Command> (*make)() :
-       {&makeCleanCommand,    &makeWallsCommand,    &makeRoomsCommand,
-        &makeBreakCommand,    &makeDrawCommand,     &makeMergeCommand,
-        &makeTrimAxesCommand, &makeOutlineCommand,  &makeSolidCommand,
-        &makeStyleCommand,    &makePaintCommand,    &makeMatchPropertiesCommand,
-        &makeExtentsCommand,  &makeToOriginCommand, &makeRescaleCommand,
-        &makeConvertCommand,  &makeRestoreCommand,  &makeRunCommand,
-        &makeInfoCommand,     &makeHelpCommand,     &makeCompletionCommand}) {
+  for (std::unique_ptr<Command> (*make)() : {&makeSurveyCommand,
+                                             &makeCleanCommand,
+                                             &makeWallsCommand,
+                                             &makeRoomsCommand,
+                                             &makeBreakCommand,
+                                             &makeDrawCommand,
+                                             &makeMergeCommand,
+                                             &makeTrimAxesCommand,
+                                             &makeOutlineCommand,
+                                             &makeSolidCommand,
+                                             &makeStyleCommand,
+                                             &makePaintCommand,
+                                             &makeMatchPropertiesCommand,
+                                             &makeExtentsCommand,
+                                             &makeToOriginCommand,
+                                             &makeRescaleCommand,
+                                             &makeConvertCommand,
+                                             &makeRestoreCommand,
+                                             &makeRunCommand,
+                                             &makeInfoCommand,
+                                             &makeHelpCommand,
+                                             &makeCompletionCommand}) {
     std::unique_ptr<Command> command = make();
     CLI::App* const declared = command->declare(app);
     commands.emplace_back(declared, std::move(command));

@@ -249,17 +249,6 @@ nlohmann::json roomJson(const Drawing& drawing, const plan::Room& room) {
           {"neighbours", neighboursJson(room)}};
 }
 
-std::string csvField(const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == text.npos) {
-    return text;
-  }
-  std::string quoted = "\"";
-  for (const char letter : text) {
-    quoted += letter == '"' ? "\"\"" : std::string(1, letter);
-  }
-  return quoted + "\"";
-}
-
 std::string indicesText(const std::vector<std::size_t>& indices) {
   std::string text;
   for (const std::size_t index : indices) {

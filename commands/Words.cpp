@@ -26,4 +26,15 @@ std::string kindsText(const std::map<std::wstring, std::size_t>& countOfKind) {
   return text;
 }
 
+std::string csvField(const std::string& text) {
+  if (text.find_first_of(",\"\r\n") == text.npos) {
+    return text;
+  }
+  std::string quoted = "\"";
+  for (const char letter : text) {
+    quoted += letter == '"' ? "\"\"" : std::string(1, letter);
+  }
+  return quoted + "\"";
+}
+
 }  // namespace quoin::commands

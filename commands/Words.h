@@ -20,4 +20,7 @@ std::string countText(std::size_t count, const std::string& one, const std::stri
 /// "3 ARC, 12 LINE", from counts of kinds of entities.
 std::string kindsText(const std::map<std::wstring, std::size_t>& countOfKind);
 
+/// A field of a table with commas between fields, in quotes where it needs them (RFC 4180).
+std::string csvField(const std::string& text);
+
 }  // namespace quoin::commands

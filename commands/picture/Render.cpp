@@ -362,7 +362,7 @@ bool isPictureFile(const std::filesystem::path& file) {
   return extension == ".png" || extension == ".svg" || extension == ".pdf";
 }
 
-void renderPicture(const Picture& picture, const std::filesystem::path& file) {
+std::string pictureBytes(const Picture& picture, const std::filesystem::path& file) {
   const Box view = viewOf(picture);
   const double planWidth = kSheetWidth - 2.0 * kMargin;
   const double planHeight =
@@ -392,7 +392,11 @@ void renderPicture(const Picture& picture, const std::filesystem::path& file) {
   if (status != CAIRO_STATUS_SUCCESS) {
     fail(file, cairo_status_to_string(status));
   }
-  writeWholeFile(bytes, file, "write the picture");
+  return bytes;
+}
+
+void renderPicture(const Picture& picture, const std::filesystem::path& file) {
+  writeWholeFile(pictureBytes(picture, file), file, "write the picture");
 }
 
 }  // namespace quoin::commands

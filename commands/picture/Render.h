@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 
 #include "commands/picture/Picture.h"
 
@@ -9,6 +10,10 @@ namespace quoin::commands {
 
 /// Whether the file's ending is one that renderPicture writes: .png, .svg, .pdf.
 bool isPictureFile(const std::filesystem::path& file);
+
+/// What renderPicture writes to a file of this name.
+/// Fails: as it does.
+std::string pictureBytes(const Picture& picture, const std::filesystem::path& file);
 
 /// Writes the picture in the format of the file's ending, 1600 points wide; the file appears
 /// whole or not at all.
