@@ -6,7 +6,6 @@
 #include <array>
 #include <cmath>
 #include <filesystem>
-#include <numbers>
 #include <set>
 #include <utility>
 
@@ -307,34 +306,14 @@ class SurveyCommand : public DrawingCommand {
                       drawing.unitName()));
     }
     survey.rooms.walls = survey.found.plan;
-    for (const plan::Column& column : survey.found.columns) {
-      survey.rooms.columns.push_back(outlineOf(column));
+    for (const plan::PlanOutline& column : survey.found.columns) {
+      survey.rooms.columns.push_back({column, {}});
     }
     findRooms(drawing, roomOptions(drawing, survey.capture.distance), kRoomLayer, survey.rooms);
     survey.schedule = makeSchedule(drawing, survey.read, survey.found);
     survey.wallsShown = wallsPicture(drawing, survey.read, survey.found);
     survey.roomsShown =
         roomsPicture(drawing, survey.rooms, survey.capture.distance, roomsText(drawing, survey));
-  }
-
-  static plan::Polygon outlineOf(const plan::Column& column) {
-    constexpr int kSides = 64;
-    plan::Polygon polygon;
-    if (column.isRound) {
-      for (int i = 0; i < kSides; ++i) {
-        const double angle = 2.0 * std::numbers::pi * i / kSides;
-        polygon.outer.push_back(column.center + AcGeVector2d(std::cos(angle), std::sin(angle)) *
-                                                    (0.5 * column.width));
-      }
-      return polygon;
-    }
-    const AcGeVector2d along =
-        AcGeVector2d(std::cos(column.angle), std::sin(column.angle)) * (0.5 * column.width);
-    const AcGeVector2d across =
-        AcGeVector2d(-std::sin(column.angle), std::cos(column.angle)) * (0.5 * column.depth);
-    polygon.outer = {column.center - along - across, column.center + along - across,
-                     column.center + along + across, column.center - along + across};
-    return polygon;
   }
 
   static void append(Drawing& drawing, Survey& survey) {
