@@ -67,21 +67,22 @@ bool addArc(const AcGePoint3d& center, const AcGeVector3d& normal, double radius
   return true;
 }
 
-/// The arc of a polyline's segment with a bulge.
-void addBulge(const AcGePoint3d& from, const AcGePoint3d& to, double bulge,
+/// The arc of a polyline's segment with a bulge; false where it has no length.
+bool addBulge(const AcGePoint3d& from, const AcGePoint3d& to, double bulge,
               std::vector<plan::PlanArc>& arcs) {
   const AcGePoint2d a = flat(from);
   const AcGePoint2d b = flat(to);
   const AcGeVector2d chord = b - a;
   const double length = chord.length();
   if (!(length > 0.0) || !std::isfinite(length) || !std::isfinite(bulge)) {
-    return;
+    return false;
   }
   const double apothem = 0.25 * (1.0 / bulge - bulge);
   const AcGePoint2d center = a + chord * 0.5 + chord.perpVector() * apothem;
   const double sweep = 4.0 * std::atan(std::fabs(bulge));
   const AcGeVector2d first = (bulge > 0.0 ? a : b) - center;
   arcs.push_back({center, first.length(), std::atan2(first.y, first.x), sweep});
+  return true;
 }
 
 class SymbolReader {
@@ -98,8 +99,11 @@ class SymbolReader {
     const bool isFace = m_layers.count(layer) != 0;
     if (const AcDbArc* arc = AcDbArc::cast(entity.object())) {
       const double sweep = std::remainder(arc->endAngle() - arc->startAngle(), kTurn);
-      addArc(arc->center(), arc->normal(), arc->radius(), arc->startAngle(),
-             sweep > 0.0 ? sweep : sweep + kTurn, m_drawing.arcs);
+      const bool isSeen = addArc(arc->center(), arc->normal(), arc->radius(), arc->startAngle(),
+                                 sweep > 0.0 ? sweep : sweep + kTurn, m_drawing.arcs);
+      if (isSeen && isFace) {
+        m_drawing.faceArcs.push_back(m_drawing.arcs.back());
+      }
     } else if (const AcDbLine* line = AcDbLine::cast(entity.object())) {
       if (!isFace) {
         addLine(line->startPoint(), line->endPoint(), hintOf(layer));
@@ -131,7 +135,11 @@ class SymbolReader {
       const AcGePoint3d& end = shape.segmentEnd(i).world;
       if (shape.vertices[i].bulge != 0.0) {
         const double bulge = shape.vertices[i].bulge;
-        addBulge(start, end, shape.normal.z < 0.0 ? -bulge : bulge, m_drawing.arcs);
+        const bool isArc =
+            addBulge(start, end, shape.normal.z < 0.0 ? -bulge : bulge, m_drawing.arcs);
+        if (isArc && isFace) {
+          m_drawing.faceArcs.push_back(m_drawing.arcs.back());
+        }
       } else if (!isFace) {
         addLine(start, end, hint);
       }
@@ -340,6 +348,9 @@ ReadPlan readPlan(Drawing& drawing, const std::set<std::wstring>& layers) {
   addWideSegments(plan);
   SymbolReader reader(plan.layers, plan.drawing);
   drawing.forEachEntity(drawing.modelSpaceId(), [&](const AcDbObjectId& id) { reader.add(id); });
+  // Arcs are read: as faces, or as what is drawn in openings.
+  plan.found.countOfKind.erase(L"ARC");
+  plan.found.arcSegments = 0;
   return plan;
 }
 

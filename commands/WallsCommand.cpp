@@ -1,6 +1,8 @@
 // quoin walls: finds the walls of a plan that draws them as two faces, and the openings in them.
 #include <fmt/format.h>
 
+#include <cmath>
+
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
 #include "commands/LeftOut.h"
@@ -79,17 +81,22 @@ class WallsCommand : public DrawingCommand {
   }
 
  private:
+  /// Nobody draws finer than this.
+  static std::string shortText(double value) {
+    constexpr double kParts = 1000.0;
+    return numberText(std::round(value * kParts) / kParts);
+  }
+
   void tell(const Drawing& drawing, const ReadPlan& read, const plan::FoundWalls& found,
             Report& report) const {
     report.line("layers: {}", namesText(read.layers));
     report.line("{} of {}: {}, {} {} long, with {}", countText(found.plan.walls.size(), "wall"),
                 countText(read.drawing.lines.size(), "line"), m_outLayer,
-                numberText(lengthOf(found.plan)), drawing.unitName(),
+                shortText(lengthOf(found.plan)), drawing.unitName(),
                 countText(found.plan.openings.size(), "opening"));
     report.list(found.widths.size(), [&](std::size_t i) {
-      return fmt::format("  {} {} wide: {} {}", numberText(found.widths[i].width),
-                         drawing.unitName(), numberText(found.widths[i].length),
-                         drawing.unitName());
+      return fmt::format("  {} {} wide: {} {}", shortText(found.widths[i].width),
+                         drawing.unitName(), shortText(found.widths[i].length), drawing.unitName());
     });
     report.line("{} left over", countText(found.leftOver.size(), "line"));
   }

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <numbers>
 
 #include "commands/ReportFields.h"
 #include "commands/Words.h"
@@ -83,7 +84,7 @@ Picture wallsPicture(Drawing& drawing, const ReadPlan& read, const plan::FoundWa
 void addFoundWalls(const Drawing& drawing, const ReadPlan& read, const plan::FoundWalls& found,
                    const std::vector<std::string>& walls, const std::vector<std::string>& openings,
                    nlohmann::json& report) {
-  for (const char* list : {"walls", "openings", "widths", "leftOver"}) {
+  for (const char* list : {"walls", "openings", "curved", "widths", "leftOver"}) {
     report[list] = nlohmann::json::array();
   }
   for (std::size_t i = 0; i < found.plan.walls.size(); ++i) {
@@ -104,6 +105,16 @@ void addFoundWalls(const Drawing& drawing, const ReadPlan& read, const plan::Fou
     json.update(
         {{"width", opening.width()}, {"wall", opening.wall}, {"kind", plan::nameOf(opening.kind)}});
     report["openings"].push_back(std::move(json));
+  }
+  for (const plan::CurvedWall& wall : found.curved) {
+    constexpr double kDegrees = 180.0 / std::numbers::pi;
+    report["curved"].push_back({{"center", pointJson(high(wall.arc.center))},
+                                {"radius", wall.arc.radius},
+                                {"startAngle", wall.arc.startAngle * kDegrees},
+                                {"sweep", wall.arc.sweep * kDegrees},
+                                {"width", wall.width},
+                                {"length", wall.arc.radius * wall.arc.sweep},
+                                {"walls", wall.chords}});
   }
   for (const plan::FoundWalls::Width& width : found.widths) {
     report["widths"].push_back({{"width", width.width}, {"length", width.length}});

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <map>
 
+#include "plan/CurvedWalls.h"
 #include "plan/Faces.h"
 #include "plan/Strips.h"
 #include "plan/WallNetwork.h"
@@ -255,6 +256,15 @@ FoundWalls findWalls(const PlanDrawing& drawing, const FindWallsOptions& options
     }
     found.plan.walls.push_back(piece.wall);
     found.faces.push_back(facesOf(piece, run, faces.axes[run.group], lines, drawing));
+  }
+  found.curved = findCurvedWalls(drawing.faceArcs, options);
+  for (CurvedWall& wall : found.curved) {
+    const std::vector<AcGePoint2d> corners = chordsOf(wall.arc, options.deviation);
+    for (std::size_t i = 1; i < corners.size(); ++i) {
+      wall.chords.push_back(found.plan.walls.size());
+      found.plan.walls.push_back({corners[i - 1], corners[i], 0.5 * wall.width, 0.5 * wall.width});
+      found.faces.emplace_back();
+    }
   }
   found.leftOver = outsideOf(found.plan.walls, drawing, options);
   found.columns = columnsAmong(drawing, found, options);

@@ -42,8 +42,10 @@ using PlanOutline = std::vector<AcGePoint2d>;
 struct PlanDrawing {
   /// What may be a face of a wall, a jamb, an end; other lines may be among them.
   std::vector<PlanLine> lines;
-  /// Of the walls' layers and of all others: faces of curved walls, door swings.
+  /// Of the walls' layers and of all others: door swings.
   std::vector<PlanArc> arcs;
+  /// What may be a face of a curved wall.
+  std::vector<PlanArc> faceArcs;
   std::vector<Symbol> symbols;
   /// Closed outlines whose sides are among the lines too.
   std::vector<PlanOutline> outlines;
@@ -73,7 +75,7 @@ struct FindWallsOptions {
   static FindWallsOptions inUnitsOf(double millimetersPerUnit);
 };
 
-/// A wall between two concentric arcs; its chords stand among the plan's walls.
+/// A wall between two concentric arcs, without openings; its chords stand among the plan's walls.
 struct CurvedWall {
   PlanArc arc;  // the reference line, midway between the faces
   double width = 0.0;

@@ -592,27 +592,24 @@ WallNetwork joinRuns(std::vector<WallRun> runs, const GapJudge& judge,
   dropInner(runs, options);
   shareWidths(runs, judge, options);
   // Without the doubtful ones others may be doubtful that met them.
-  for (int round = 0; round < 3; ++round) {
-    std::vector<WallRun> trial = runs;
-    Network network(trial, judge, options);
+  constexpr int kRounds = 3;
+  WallNetwork result;
+  for (int round = 0; round <= kRounds; ++round) {
+    result.runs = runs;
+    Network network(result.runs, judge, options);
     network.join();
     std::vector<WallRun> kept;
     for (std::size_t i = 0; i < runs.size(); ++i) {
       if (network.confidenceOf(i) >= options.minConfidence) {
-        kept.push_back(runs[i]);
+        kept.push_back(std::move(runs[i]));
       }
     }
-    const bool isSame = kept.size() == runs.size();
-    runs = std::move(kept);
-    if (isSame) {
+    if (kept.size() == runs.size() || round == kRounds) {
+      result.pieces = network.pieces();
       break;
     }
+    runs = std::move(kept);
   }
-  WallNetwork result;
-  result.runs = std::move(runs);
-  Network network(result.runs, judge, options);
-  network.join();
-  result.pieces = network.pieces();
   snapEnds(result.pieces, 2.0 * options.tolerance);
   return result;
 }
