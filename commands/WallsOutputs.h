@@ -18,8 +18,8 @@ double lengthOf(const plan::WallPlan& plan);
 /// Faces, walls, openings and what was left over, above the rest of the plan.
 Picture wallsPicture(Drawing& drawing, const ReadPlan& read, const plan::FoundWalls& found);
 
-/// Adds the fields walls, openings, curved (angles in degrees), widths and leftOver of a report. `walls` and `openings` are the
-/// handles of what stands for each in the drawing.
+/// Adds the fields walls, openings, curved (angles in degrees), widths and leftOver of a report.
+/// `walls` and `openings` are the handles of what stands for each in the drawing.
 void addFoundWalls(const Drawing& drawing, const ReadPlan& read, const plan::FoundWalls& found,
                    const std::vector<std::string>& walls, const std::vector<std::string>& openings,
                    nlohmann::json& report);
