@@ -6,9 +6,11 @@
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
 #include "commands/LeftOut.h"
+#include "commands/OutputFile.h"
 #include "commands/PlanReading.h"
 #include "commands/PlannedWalls.h"
 #include "commands/ReportFields.h"
+#include "commands/SurveySchedule.h"
 #include "commands/WallsOutputs.h"
 #include "commands/Words.h"
 
@@ -34,6 +36,10 @@ class WallsCommand : public DrawingCommand {
     command->add_option("--opening-layer", m_openingLayer, "The layer of the openings")
         ->type_name("NAME")
         ->capture_default_str();
+    command->add_option("--csv", m_csv,
+                        "Write the schedule as a table: walls by layer and width with length and "
+                        "area, openings by kind and width; of several drawings: a folder, or a "
+                        "name with {name} in it");
     command->footer(
         "A reference line stands midway between two faces, with its widths as extended data that\n"
         "'quoin outline', 'rooms' and 'solid' read. Lines in blocks and multilines count too.\n\n"
@@ -44,6 +50,7 @@ class WallsCommand : public DrawingCommand {
   }
 
   std::string name() const override { return "walls"; }
+  void prepare() override { m_options.checkTables({m_csv}); }
 
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     const std::set<std::wstring> layers = chooseFaceLayers(drawing, m_options.layers);
@@ -72,6 +79,10 @@ class WallsCommand : public DrawingCommand {
     }
     job.save(drawing);
     job.render(picture, report);
+    if (!m_csv.empty()) {
+      writeWholeFile(scheduleCsv(drawing, makeSchedule(drawing, read, found), RoomPlan()),
+                     m_options.tableOf(job, m_csv, ".csv"), "write the schedule");
+    }
     tell(drawing, read, found, report);
     tellLeftOut(drawing, read.found, false, report);
     warnOfUnits(m_options.capture, drawing, read.found.lines, report);
@@ -113,6 +124,7 @@ class WallsCommand : public DrawingCommand {
     addLeftOut(drawing, read.found, report);
   }
 
+  std::string m_csv;
   ReadingOptions m_reading;
   std::string m_outLayer = kWallLayer;
   std::string m_openingLayer = kOpeningLayer;

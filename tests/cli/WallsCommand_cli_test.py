@@ -6,6 +6,7 @@ The environment is that of quoin_cli_test.py, whose helpers it uses.
 """
 
 import collections
+import csv
 import json
 import math
 import subprocess
@@ -153,6 +154,17 @@ class WallsTest(cli.CliTest):
                         ["--min-width", "500", "--max-width", "100"], ["--max-opening", "0"]):
             with self.subTest(options=options):
                 self.fails(2, "walls", plan, "--dry-run", *options)
+
+    def test_the_schedule_is_a_table(self):
+        table = self.folder / "schedule.csv"
+        self.run_ok("walls", self.plan(), "--dry-run", "--csv", table)
+        rows = list(csv.DictReader(table.read_text("utf-8").splitlines()))
+        self.assertEqual([row["item"] for row in rows], ["wall", "door", "window"])
+        self.assertEqual(rows[0]["width_mm"], "200")
+        self.assertAlmostEqual(float(rows[0]["length_m"]), 2 * (4.8 + 2.8), 3)
+        self.assertAlmostEqual(float(rows[0]["area_m2"]), 0.2 * 2 * (4.8 + 2.8), 3)
+        self.assertEqual((rows[1]["width_mm"], rows[1]["count"]), ("900", "1"))
+        self.assertEqual((rows[2]["width_mm"], rows[2]["count"]), ("1500", "1"))
 
     def test_a_picture_shows_the_plan(self):
         self.run_ok("walls", self.plan(), "--dry-run", "--picture", self.path("p.svg"))
