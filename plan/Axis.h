@@ -2,7 +2,6 @@
 #pragma once
 
 #include "gepnt2d.h"
-#include "plan/WallPlan.h"
 
 namespace quoin::plan {
 

@@ -12,6 +12,7 @@ namespace quoin::plan {
 
 namespace {
 
+/// Walls cross at more than this sine, and continue one another at less than that.
 constexpr double kCrossingSine = 0.1;
 constexpr double kParallelSine = 0.02;
 /// A wall that stands free is longer than so many times its width.
@@ -80,13 +81,8 @@ class Network {
   }
 
   // --- runs that continue one another -------------------------------------------------
-  struct Continuation {
-    std::size_t other;
-    double aside;  // the other's line, to the left of this one's
-  };
-
   void continueRuns() {
-    std::vector<std::vector<Continuation>> next(m_runs.size());
+    std::vector<std::vector<std::size_t>> next(m_runs.size());
     m_joints.assign(2 * m_runs.size(), Joint());
     for (std::size_t run = 0; run < m_runs.size(); ++run) {
       for (const bool isTo : {false, true}) {
@@ -109,11 +105,11 @@ class Network {
       while (!open.empty()) {
         const std::size_t from = open.back();
         open.pop_back();
-        for (const Continuation& link : next[from]) {
-          if (!isDone[link.other]) {
-            isDone[link.other] = true;
-            takeLine(link.other, m_runs[from]);
-            open.push_back(link.other);
+        for (const std::size_t other : next[from]) {
+          if (!isDone[other]) {
+            isDone[other] = true;
+            takeLine(other, m_runs[from]);
+            open.push_back(other);
           }
         }
       }
@@ -146,7 +142,7 @@ class Network {
     run.right -= left;
   }
 
-  void linkEnd(const End& end, std::vector<std::vector<Continuation>>& next) {
+  void linkEnd(const End& end, std::vector<std::vector<std::size_t>>& next) {
     const WallRun& run = m_runs[end.run];
     const AcGePoint2d place = pointOf(end);
     const AcGeVector2d out = outOf(end);
@@ -165,7 +161,7 @@ class Network {
       if (std::fabs(gap) > m_options.reach || !isBeside) {
         return;
       }
-      next[end.run].push_back({other, aside});
+      next[end.run].push_back(other);
       m_continued.emplace_back(end.run, other);
       const AcGePoint2d joint = place + out * (0.5 * gap);
       m_joints[numberOf(end)] = {true, run.axis.alongOf(joint)};
