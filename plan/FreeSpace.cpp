@@ -378,15 +378,6 @@ class Chain {
   std::vector<bool> m_isUsed;
 };
 
-Ring pointsOf(const FreeRing& ring) {
-  Ring points;
-  points.reserve(ring.size());
-  for (const FreeEdge& edge : ring) {
-    points.push_back(edge.from);
-  }
-  return points;
-}
-
 /// The boundary rings of the union of the bodies, with the bodies on their left.
 class Overlay {
  public:
@@ -736,6 +727,15 @@ FreeRing reversed(const FreeRing& ring) {
 }
 
 }  // namespace
+
+Ring pointsOf(const FreeRing& ring) {
+  Ring points;
+  points.reserve(ring.size());
+  for (const FreeEdge& edge : ring) {
+    points.push_back(edge.from);
+  }
+  return points;
+}
 
 double areaOf(const Ring& ring) {
   double sum = 0.0;

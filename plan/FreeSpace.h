@@ -29,6 +29,8 @@ struct FreeEdge {
 
 /// The edges of a ring, each beginning where the one before ends.
 using FreeRing = std::vector<FreeEdge>;
+/// The corners of a ring, in order.
+Ring pointsOf(const FreeRing& ring);
 
 struct FreeRegion {
   FreeRing outer;               // counter-clockwise

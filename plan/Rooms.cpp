@@ -14,15 +14,6 @@ namespace quoin::plan {
 
 namespace {
 
-Ring pointsOf(const FreeRing& ring) {
-  Ring points;
-  points.reserve(ring.size());
-  for (const FreeEdge& edge : ring) {
-    points.push_back(edge.from);
-  }
-  return points;
-}
-
 double lengthOf(const Ring& ring) {
   double length = 0.0;
   for (std::size_t i = 0; i < ring.size(); ++i) {
