@@ -21,6 +21,9 @@ constexpr double kFreeSlender = 16.0;
 /// greatest width, and one side of their box is no longer than so many.
 constexpr double kSmallGroup = 40.0;
 constexpr double kSmallSide = 5.0;
+/// What a wall that meets no other counts among those that say which widths are common, beside 2
+/// for one that meets others at both ends.
+constexpr double kLeastWeight = 0.05;
 constexpr double kNowhere = std::numeric_limits<double>::infinity();
 
 /// Where two reference lines cross, and how far beyond its own body each wall may end for them to
@@ -573,7 +576,7 @@ void shareWidths(std::vector<WallRun>& runs, const GapJudge& judge,
   for (std::size_t i = 0; i < runs.size(); ++i) {
     const double drawn = runs[i].drawnLength();
     const double slender = std::min(1.0, drawn / (10.0 * runs[i].width()));
-    lengths.emplace_back(runs[i].width(), drawn * slender * network.joinedEnds(i));
+    lengths.emplace_back(runs[i].width(), drawn * slender * (kLeastWeight + network.joinedEnds(i)));
   }
   const LengthsByWidth all(std::move(lengths));
   for (WallRun& run : runs) {

@@ -617,6 +617,24 @@ INSTANTIATE_TEST_SUITE_P(TidyAndNot, FindWallsLaws, ::testing::Values(0.0, 6.0),
                            return untidy.param == 0.0 ? "Tidy" : "EndsOff";
                          });
 
+// No wall has a face outside, and none ends at another.
+TEST(FindWalls, RoomsDrawnAsRectanglesHaveWallsBetweenThem) {
+  Sheet sheet;
+  for (int row = 0; row < 4; ++row) {
+    for (int column = 0; column < 4; ++column) {
+      const double x = 4120.0 * column;
+      const double y = 3120.0 * row;
+      sheet.rectangle(x, y, x + 4000.0, y + 3000.0);
+    }
+  }
+  const FoundWalls found = findWalls(sheet.drawing, {});
+  // Three lines each way, parted where they cross.
+  EXPECT_EQ(found.plan.walls.size(), 24U);
+  for (const Wall& wall : found.plan.walls) {
+    EXPECT_EQ(wall.width(), 120.0) << text(wall);
+  }
+}
+
 TEST(FindWalls, EndsOfARandomBuildingMeetBitForBit) {
   for (unsigned seed = 1; seed <= 40; ++seed) {
     std::mt19937 random(seed);
