@@ -211,8 +211,8 @@ class Collector {
     }
     const std::size_t key = keyOf(entity, id, layer, shape.thickness, 0.0,
                                   shape.vertices.front().world, shape.vertices.back().world);
-    const auto [found, isNew] = m_polylines.emplace(
-        std::pair(key, isPlain ? std::min(forward, backward) : std::move(forward)), id);
+    const auto [found, isNew] =
+        m_polylines.emplace(std::pair(key, isPlain ? std::min(forward, backward) : forward), id);
     if (!isNew) {
       result.doubled.push_back({id, found->second});
     }

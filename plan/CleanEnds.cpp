@@ -155,6 +155,7 @@ class Snapping : public Ends {
       return false;
     }
     std::vector<std::uint32_t> ends;
+    ends.reserve(group.size());
     for (const std::uint32_t index : group) {
       ends.push_back(mainEnd(index));
     }

@@ -172,6 +172,7 @@ class Bodies {
       return;
     }
     std::vector<Box> boxes;
+    boxes.reserve(columns.size());
     for (const Polygon& column : columns) {
       boxes.push_back(column.outer.empty() ? Box({NAN, NAN}, {NAN, NAN}) : boxOf(column.outer));
     }
@@ -685,6 +686,8 @@ class Nest {
 void placeIslands(std::vector<FreeRegion>& regions, std::vector<FreeRing> islands) {
   std::vector<Ring> outer;
   std::vector<Ring> shores;
+  outer.reserve(regions.size());
+  shores.reserve(islands.size());
   for (const FreeRegion& region : regions) {
     outer.push_back(pointsOf(region.outer));
   }

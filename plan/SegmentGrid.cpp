@@ -9,6 +9,8 @@ namespace {
 
 /// Cells a segment, on average, at most: beyond that cells are made larger.
 constexpr double kMostCells = 8.0;
+/// Columns an entry, at most, for which their places are kept.
+constexpr std::size_t kMostColumns = 4;
 
 std::uint64_t keyOf(std::int64_t column, std::int64_t row) {
   return (static_cast<std::uint64_t>(column) << 32U) ^
@@ -35,7 +37,7 @@ bool Box::meets(const Box& other) const {
 }
 
 void SegmentGrid::add(const AcGePoint2d& start, const AcGePoint2d& end) {
-  m_segments.push_back({start, end});
+  m_segments.push_back({start, end, Box(start, end)});
 }
 
 std::int64_t SegmentGrid::cellOf(double coordinate, double origin) const {
@@ -77,7 +79,7 @@ void SegmentGrid::arrange(double cellSize) {
   m_origin = m_segments.front().start;
   Box all(m_origin, m_origin);
   for (const Segment& segment : m_segments) {
-    const Box box(segment.start, segment.end);
+    const Box& box = segment.box;
     total += (box.greatest.x - box.least.x) + (box.greatest.y - box.least.y);
     all.least.set(std::min(all.least.x, box.least.x), std::min(all.least.y, box.least.y));
     all.greatest.set(std::max(all.greatest.x, box.greatest.x),
@@ -96,6 +98,16 @@ void SegmentGrid::arrange(double cellSize) {
   std::sort(m_entries.begin(), m_entries.end(), [](const Entry& a, const Entry& b) {
     return a.cell != b.cell ? a.cell < b.cell : a.segment < b.segment;
   });
+  m_columns.clear();
+  const auto columns = static_cast<std::size_t>(cellOf(m_greatest.x, m_origin.x)) + 1;
+  if (columns <= kMostColumns * m_entries.size()) {
+    m_columns.reserve(columns + 1);
+    for (std::size_t i = 0; i < m_entries.size(); ++i) {
+      const auto column = static_cast<std::size_t>(m_entries[i].cell >> 32U);
+      m_columns.resize(std::max(m_columns.size(), column + 1), i);
+    }
+    m_columns.resize(columns + 1, m_entries.size());
+  }
 }
 
 std::vector<std::size_t> SegmentGrid::collect(const Box& box) const {
@@ -108,11 +120,17 @@ std::vector<std::size_t> SegmentGrid::collect(const Box& box) const {
   const std::int64_t lastRow = cellOf(std::min(box.greatest.y, m_greatest.y), m_origin.y);
   for (std::int64_t column = cellOf(std::max(box.least.x, m_origin.x), m_origin.x);
        column <= lastColumn; ++column) {
-    auto entry = std::lower_bound(m_entries.begin(), m_entries.end(), keyOf(column, firstRow),
+    auto first = m_entries.begin();
+    auto last = m_entries.end();
+    if (!m_columns.empty()) {
+      const auto number = static_cast<std::size_t>(column);
+      last = first + static_cast<std::ptrdiff_t>(m_columns[number + 1]);
+      first += static_cast<std::ptrdiff_t>(m_columns[number]);
+    }
+    auto entry = std::lower_bound(first, last, keyOf(column, firstRow),
                                   [](const Entry& e, std::uint64_t key) { return e.cell < key; });
-    for (; entry != m_entries.end() && entry->cell <= keyOf(column, lastRow); ++entry) {
-      const Segment& segment = m_segments[entry->segment];
-      if (Box(segment.start, segment.end).meets(box)) {
+    for (; entry != last && entry->cell <= keyOf(column, lastRow); ++entry) {
+      if (m_segments[entry->segment].box.meets(box)) {
         found.push_back(entry->segment);
       }
     }

@@ -42,6 +42,7 @@ class SegmentGrid {
   struct Segment {
     AcGePoint2d start;
     AcGePoint2d end;
+    Box box;
   };
   struct Entry {
     std::uint64_t cell;
@@ -54,6 +55,9 @@ class SegmentGrid {
 
   std::vector<Segment> m_segments;
   std::vector<Entry> m_entries;
+  /// Of each column where its entries begin, and their end; empty where there are far more columns
+  /// than entries.
+  std::vector<std::size_t> m_columns;
   AcGePoint2d m_origin;
   AcGePoint2d m_greatest;
   double m_cellSize = 1.0;

@@ -506,8 +506,9 @@ TEST_F(Clean, DISABLED_Measure) {
   for (const std::size_t wanted : {100'000U, 1'000'000U}) {
     std::vector<CleanLine> lines;
     for (std::uint64_t seed = 1; lines.size() < wanted; ++seed) {
+      const std::uint64_t row = seed / 100;
       const AcGeVector2d shift(static_cast<double>(seed % 100) * 20000.0,
-                               static_cast<double>(seed / 100) * 20000.0);
+                               static_cast<double>(row) * 20000.0);
       for (CleanLine line : RandomPlan(seed, 4.0).make()) {
         line.start += shift;
         line.end += shift;
