@@ -126,10 +126,12 @@ Geometry polygonOf(const Context& context, const Polygon& polygon) {
   };
   Geometry outer = linearRing(polygon.outer);
   std::vector<Geometry> owned;
+  owned.reserve(polygon.holes.size());
   for (const Ring& hole : polygon.holes) {
     owned.push_back(linearRing(hole));
   }
   std::vector<GEOSGeometry*> holes;
+  holes.reserve(owned.size());
   for (Geometry& hole : owned) {
     holes.push_back(hole.release());
   }

@@ -10,7 +10,6 @@
 namespace {
 
 using quoin::commands::slabsBetween;
-using quoin::commands::WallHole;
 using quoin::commands::WallPrism;
 using quoin::commands::WallSlab;
 using quoin::test::expectClosed;
@@ -203,7 +202,7 @@ TEST(WallPrism, IsClosedWhateverItsEndsAndOpenings) {
       jambs.back() = straightTo;
     }
     for (int i = 0; i < count; ++i) {
-      const auto hole = static_cast<std::size_t>(2 * i);
+      const std::size_t hole = 2 * static_cast<std::size_t>(i);
       if (i > 0 && random() % 4 == 0) {
         jambs[hole] = jambs[hole - 1];
       }
