@@ -235,18 +235,23 @@ class FaceMaker {
   std::vector<double> m_longest;
 };
 
-/// The middle of the plan: numbers near it keep their digits.
+/// Halfway through the lines: numbers near it keep their digits, and lines far off do not move it.
 AcGePoint2d middleOf(const std::vector<SortedLine>& lines) {
   if (lines.empty()) {
     return {};
   }
-  AcGePoint2d least = lines.front().first;
-  AcGePoint2d greatest = least;
+  std::vector<double> x;
+  std::vector<double> y;
+  x.reserve(lines.size());
+  y.reserve(lines.size());
   for (const SortedLine& line : lines) {
-    least.set(std::min(least.x, line.first.x), std::min(least.y, line.first.y));
-    greatest.set(std::max(greatest.x, line.first.x), std::max(greatest.y, line.first.y));
+    x.push_back(line.first.x);
+    y.push_back(line.first.y);
   }
-  return least + (greatest - least) * 0.5;
+  const auto half = static_cast<std::ptrdiff_t>(lines.size() / 2);
+  std::nth_element(x.begin(), x.begin() + half, x.end());
+  std::nth_element(y.begin(), y.begin() + half, y.end());
+  return {x[lines.size() / 2], y[lines.size() / 2]};
 }
 
 }  // namespace

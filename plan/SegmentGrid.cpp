@@ -9,8 +9,11 @@ namespace {
 
 /// Cells a segment, on average, at most: beyond that cells are made larger.
 constexpr double kMostCells = 8.0;
-/// Columns an entry, at most, for which their places are kept.
-constexpr std::size_t kMostColumns = 4;
+/// Segments are long that would pass so many cells, and are so many times the usual length.
+constexpr double kLongCells = 4096.0;
+constexpr double kLongTimes = 256.0;
+/// Cells further from the origin than this count as one: numbers of columns and rows fit 31 bits.
+constexpr std::int64_t kFurthest = std::int64_t{1} << 29U;
 
 std::uint64_t keyOf(std::int64_t column, std::int64_t row) {
   return (static_cast<std::uint64_t>(column) << 32U) ^
@@ -41,7 +44,9 @@ void SegmentGrid::add(const AcGePoint2d& start, const AcGePoint2d& end) {
 }
 
 std::int64_t SegmentGrid::cellOf(double coordinate, double origin) const {
-  return static_cast<std::int64_t>(std::floor((coordinate - origin) / m_cellSize));
+  constexpr auto kMost = static_cast<double>(kFurthest);
+  const double cell = std::floor((coordinate - origin) / m_cellSize);
+  return static_cast<std::int64_t>(std::clamp(cell, -kMost, kMost)) + kFurthest;
 }
 
 template <class Add>
@@ -55,7 +60,7 @@ void SegmentGrid::cellsOf(const Segment& segment, Add add) const {
   for (std::int64_t column = first; column <= last; ++column) {
     double yThere = right.y;
     if (column < last) {
-      const double x = m_origin.x + static_cast<double>(column + 1) * m_cellSize;
+      const double x = m_origin.x + static_cast<double>(column + 1 - kFurthest) * m_cellSize;
       const double part = std::clamp((x - left.x) / (right.x - left.x), 0.0, 1.0);
       yThere = left.y + (right.y - left.y) * part;
     }
@@ -72,67 +77,72 @@ void SegmentGrid::cellsOf(const Segment& segment, Add add) const {
 
 void SegmentGrid::arrange(double cellSize) {
   m_entries.clear();
+  m_long.clear();
   if (m_segments.empty()) {
     return;
   }
-  double total = 0.0;
-  m_origin = m_segments.front().start;
-  Box all(m_origin, m_origin);
-  for (const Segment& segment : m_segments) {
-    const Box& box = segment.box;
-    total += (box.greatest.x - box.least.x) + (box.greatest.y - box.least.y);
-    all.least.set(std::min(all.least.x, box.least.x), std::min(all.least.y, box.least.y));
-    all.greatest.set(std::max(all.greatest.x, box.greatest.x),
-                     std::max(all.greatest.y, box.greatest.y));
+  const auto sizeOf = [](const Segment& segment) {
+    const AcGeVector2d sides = segment.box.greatest - segment.box.least;
+    return sides.x + sides.y;
+  };
+  // Halfway through the segments: far ones do not move it.
+  std::vector<double> sizes;
+  std::vector<double> x;
+  std::vector<double> y;
+  for (std::vector<double>* const numbers : {&sizes, &x, &y}) {
+    numbers->reserve(m_segments.size());
   }
-  const double span = std::max(all.greatest.x - all.least.x, all.greatest.y - all.least.y);
-  // The numbers of columns and rows fit 31 bits.
-  m_cellSize = std::max({cellSize, total / (kMostCells * static_cast<double>(m_segments.size())),
-                         span / 1e9, 1e-300});
-  // One cell further, so that rounding leads to no number below zero.
-  m_origin = all.least - AcGeVector2d(m_cellSize, m_cellSize);
-  m_greatest = all.greatest + AcGeVector2d(m_cellSize, m_cellSize);
+  for (const Segment& segment : m_segments) {
+    sizes.push_back(sizeOf(segment));
+    x.push_back(segment.start.x);
+    y.push_back(segment.start.y);
+  }
+  const auto middleOf = [](std::vector<double>& numbers) {
+    const auto middle = numbers.begin() + static_cast<std::ptrdiff_t>(numbers.size() / 2);
+    std::nth_element(numbers.begin(), middle, numbers.end());
+    return *middle;
+  };
+  m_origin.set(middleOf(x), middleOf(y));
+  const double most = std::max(kLongCells * cellSize, kLongTimes * middleOf(sizes));
+  double total = 0.0;
   for (std::size_t i = 0; i < m_segments.size(); ++i) {
-    cellsOf(m_segments[i], [&](std::uint64_t key) { m_entries.push_back({key, i}); });
+    const double size = sizeOf(m_segments[i]);
+    if (size <= most) {
+      total += size;
+    } else {
+      m_long.push_back(i);
+    }
+  }
+  m_cellSize =
+      std::max({cellSize, total / (kMostCells * static_cast<double>(m_segments.size())), 1e-300});
+  for (std::size_t i = 0; i < m_segments.size(); ++i) {
+    if (sizeOf(m_segments[i]) <= most) {
+      cellsOf(m_segments[i], [&](std::uint64_t key) { m_entries.push_back({key, i}); });
+    }
   }
   std::sort(m_entries.begin(), m_entries.end(), [](const Entry& a, const Entry& b) {
     return a.cell != b.cell ? a.cell < b.cell : a.segment < b.segment;
   });
-  m_columns.clear();
-  const auto columns = static_cast<std::size_t>(cellOf(m_greatest.x, m_origin.x)) + 1;
-  if (columns <= kMostColumns * m_entries.size()) {
-    m_columns.reserve(columns + 1);
-    for (std::size_t i = 0; i < m_entries.size(); ++i) {
-      const auto column = static_cast<std::size_t>(m_entries[i].cell >> 32U);
-      m_columns.resize(std::max(m_columns.size(), column + 1), i);
-    }
-    m_columns.resize(columns + 1, m_entries.size());
-  }
 }
 
 std::vector<std::size_t> SegmentGrid::collect(const Box& box) const {
   std::vector<std::size_t> found;
-  if (m_entries.empty() || !box.meets(Box(m_origin, m_greatest))) {
-    return found;
-  }
-  const std::int64_t lastColumn = cellOf(std::min(box.greatest.x, m_greatest.x), m_origin.x);
-  const std::int64_t firstRow = cellOf(std::max(box.least.y, m_origin.y), m_origin.y);
-  const std::int64_t lastRow = cellOf(std::min(box.greatest.y, m_greatest.y), m_origin.y);
-  for (std::int64_t column = cellOf(std::max(box.least.x, m_origin.x), m_origin.x);
-       column <= lastColumn; ++column) {
-    auto first = m_entries.begin();
-    auto last = m_entries.end();
-    if (!m_columns.empty()) {
-      const auto number = static_cast<std::size_t>(column);
-      last = first + static_cast<std::ptrdiff_t>(m_columns[number + 1]);
-      first += static_cast<std::ptrdiff_t>(m_columns[number]);
+  const auto take = [&](std::size_t segment) {
+    if (m_segments[segment].box.meets(box)) {
+      found.push_back(segment);
     }
-    auto entry = std::lower_bound(first, last, keyOf(column, firstRow),
-                                  [](const Entry& e, std::uint64_t key) { return e.cell < key; });
-    for (; entry != last && entry->cell <= keyOf(column, lastRow); ++entry) {
-      if (m_segments[entry->segment].box.meets(box)) {
-        found.push_back(entry->segment);
-      }
+  };
+  std::for_each(m_long.begin(), m_long.end(), take);
+  const std::int64_t lastColumn = cellOf(box.greatest.x, m_origin.x);
+  const std::int64_t firstRow = cellOf(box.least.y, m_origin.y);
+  const std::int64_t lastRow = cellOf(box.greatest.y, m_origin.y);
+  auto entry = m_entries.begin();
+  for (std::int64_t column = cellOf(box.least.x, m_origin.x);
+       column <= lastColumn && entry != m_entries.end(); ++column) {
+    entry = std::lower_bound(entry, m_entries.end(), keyOf(column, firstRow),
+                             [](const Entry& e, std::uint64_t key) { return e.cell < key; });
+    for (; entry != m_entries.end() && entry->cell <= keyOf(column, lastRow); ++entry) {
+      take(entry->segment);
     }
   }
   std::sort(found.begin(), found.end());

@@ -26,7 +26,8 @@ class SegmentGrid {
   /// Adds a segment under the next number; coordinates must be finite.
   void add(const AcGePoint2d& start, const AcGePoint2d& end);
   /// Arranges what was added in cells of at least this size; larger where many segments are long
-  /// beside it, so that time and memory grow with the number of segments alone.
+  /// beside it, so that time and memory grow with the number of segments. A few that are far longer
+  /// than the others, or far away, change nothing for the rest.
   void arrange(double cellSize);
 
   /// Calls visit(number) once for each segment whose box meets this box, and which passes a cell
@@ -55,11 +56,8 @@ class SegmentGrid {
 
   std::vector<Segment> m_segments;
   std::vector<Entry> m_entries;
-  /// Of each column where its entries begin, and their end; empty where there are far more columns
-  /// than entries.
-  std::vector<std::size_t> m_columns;
+  std::vector<std::size_t> m_long;  // in no cell: looked at by every search
   AcGePoint2d m_origin;
-  AcGePoint2d m_greatest;
   double m_cellSize = 1.0;
 };
 
