@@ -617,6 +617,19 @@ INSTANTIATE_TEST_SUITE_P(TidyAndNot, FindWallsLaws, ::testing::Values(0.0, 6.0),
                            return untidy.param == 0.0 ? "Tidy" : "EndsOff";
                          });
 
+TEST(FindWalls, ALineFarOffChangesNothing) {
+  Sheet sheet;
+  sheet.wallWithGap(2900);
+  const FoundWalls near = sheet.find();
+  sheet.line(1e15, 1e15, 1.001e15, 1e15).line(-1e15, 0, 1e15, 1e14);
+  const FoundWalls far = sheet.find();
+  ASSERT_EQ(near.plan.walls.size(), 1U);
+  ASSERT_EQ(far.plan.walls.size(), 1U);
+  EXPECT_TRUE(isNear(far.plan.walls[0].start, near.plan.walls[0].start, 1e-9));
+  EXPECT_EQ(far.plan.walls[0].width(), 200.0);
+  EXPECT_EQ(far.plan.openings.size(), near.plan.openings.size());
+}
+
 // No wall has a face outside, and none ends at another.
 TEST(FindWalls, RoomsDrawnAsRectanglesHaveWallsBetweenThem) {
   Sheet sheet;
