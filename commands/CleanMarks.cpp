@@ -70,6 +70,7 @@ std::vector<OldMark> oldMarks(Drawing& drawing, const std::wstring& layer) {
 template <class Marks>
 plan::PointIndex indexOf(const Marks& marks) {
   std::vector<AcGePoint3d> points;
+  points.reserve(marks.size());
   for (const auto& mark : marks) {
     points.push_back(mark.at);
   }
