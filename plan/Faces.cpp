@@ -6,6 +6,8 @@
 #include <map>
 #include <numbers>
 
+#include "plan/SegmentGrid.h"
+
 namespace quoin::plan {
 
 namespace {
@@ -23,6 +25,9 @@ constexpr double kLeastShare = 0.02;
 /// Long lines of one face that rise along the axis pass their middles so many tolerances apart at
 /// most.
 constexpr double kDrift = 8.0;
+
+/// Lines no further off than so many times the greatest width are around a line.
+constexpr double kAround = 4.0;
 
 struct SortedLine {
   double length;
@@ -134,7 +139,13 @@ class Directions {
   /// Of each group the line that gives its direction.
   const std::vector<const SortedLine*>& founders() const { return m_founders; }
 
-  std::size_t groupOf(const SortedLine& line, double tolerance) {
+  /// Of a line the group that it takes by its direction, and others that it might.
+  struct Choice {
+    std::size_t group;
+    std::vector<std::size_t> others;
+  };
+
+  Choice choose(const SortedLine& line, double tolerance) {
     const double turn =
         std::clamp(std::asin(std::min(1.0, tolerance / line.length)), kLeastTurn, kGreatestTurn);
     // Of those that are well within it, the one that the longest line has, unless another is just
@@ -143,9 +154,11 @@ class Directions {
     std::size_t first = Faces::kNone;
     std::size_t nearest = Faces::kNone;
     double least = turn;
+    Choice choice{Faces::kNone, {}};
     const auto look = [&](double from, double to, double shift) {
       for (auto at = m_groups.lower_bound(from); at != m_groups.end() && at->first <= to; ++at) {
         const double off = std::fabs(at->first + shift - line.angle);
+        choice.others.push_back(at->second);
         if (off <= sure) {
           first = std::min(first, at->second);
         }
@@ -158,12 +171,17 @@ class Directions {
     look(line.angle - turn, line.angle + turn, 0.0);
     look(0.0, line.angle + turn - kHalfTurn, kHalfTurn);
     look(line.angle - turn + kHalfTurn, kHalfTurn, -kHalfTurn);
-    nearest = first != Faces::kNone && least > kSameTurn ? first : nearest;
     if (nearest == Faces::kNone) {
-      nearest = m_founders.size();
+      choice.group = m_founders.size();
       found(line);
+      return choice;
     }
-    return nearest;
+    const bool isExact = least <= kSameTurn;
+    choice.group = first != Faces::kNone && !isExact ? first : nearest;
+    if (isExact || choice.others.size() == 1) {
+      choice.others.clear();
+    }
+    return choice;
   }
 
  private:
@@ -235,6 +253,54 @@ class FaceMaker {
   std::vector<double> m_longest;
 };
 
+/// The group of every line. One that is a little off two directions takes that of the lines around
+/// it: buildings stand at angles of their own.
+std::vector<std::size_t> groupsOf(const std::vector<SortedLine>& sorted,
+                                  const std::vector<PlanLine>& lines, Directions& directions,
+                                  const FindWallsOptions& options) {
+  std::vector<Directions::Choice> choices;
+  choices.reserve(sorted.size());
+  for (const SortedLine& line : sorted) {
+    choices.push_back(directions.choose(line, options.tolerance));
+  }
+  std::vector<std::size_t> certain;
+  SegmentGrid grid;
+  for (std::size_t i = 0; i < sorted.size(); ++i) {
+    if (choices[i].others.empty()) {
+      const PlanLine& line = lines[sorted[i].number];
+      grid.add(line.start, line.end);
+      certain.push_back(i);
+    }
+  }
+  grid.arrange(4.0 * options.maxWidth);
+  std::vector<std::size_t> groups;
+  groups.reserve(sorted.size());
+  for (std::size_t i = 0; i < sorted.size(); ++i) {
+    std::size_t group = choices[i].group;
+    if (!choices[i].others.empty()) {
+      const PlanLine& line = lines[sorted[i].number];
+      std::vector<std::size_t> near;
+      grid.visitIn(Box(line.start, line.end).grownBy(kAround * options.maxWidth),
+                   [&](std::size_t other) { near.push_back(other); });
+      std::sort(near.begin(), near.end());
+      double most = 0.0;
+      for (const std::size_t candidate : choices[i].others) {
+        double length = 0.0;
+        for (const std::size_t other : near) {
+          const std::size_t its = certain[other];
+          length += choices[its].group == candidate ? sorted[its].length : 0.0;
+        }
+        if (length > most) {
+          most = length;
+          group = candidate;
+        }
+      }
+    }
+    groups.push_back(group);
+  }
+  return groups;
+}
+
 /// Halfway through the lines: numbers near it keep their digits, and lines far off do not move it.
 AcGePoint2d middleOf(const std::vector<SortedLine>& lines) {
   if (lines.empty()) {
@@ -264,11 +330,7 @@ Faces makeFaces(const std::vector<PlanLine>& lines, const FindWallsOptions& opti
   Directions directions(sorted, middle, 0.5 * options.minWidth);
   std::vector<Face> pieces;
   pieces.reserve(sorted.size());
-  std::vector<std::size_t> groups;
-  groups.reserve(sorted.size());
-  for (const SortedLine& line : sorted) {
-    groups.push_back(directions.groupOf(line, options.tolerance));
-  }
+  const std::vector<std::size_t> groups = groupsOf(sorted, lines, directions, options);
   for (const SortedLine* const founder : directions.founders()) {
     const PlanLine& ends = lines[founder->number];
     const AcGeVector2d along = (ends.end - ends.start) / founder->length;

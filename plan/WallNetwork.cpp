@@ -24,6 +24,10 @@ constexpr double kSmallSide = 5.0;
 /// What a wall that meets no other counts among those that say which widths are common, beside 2
 /// for one that meets others at both ends.
 constexpr double kLeastWeight = 0.05;
+/// What hangs on other walls by one alone is furniture where it is of widths that are less common
+/// than this, and its confidence is less by that.
+constexpr double kHangCommon = 0.5;
+constexpr double kHangLoss = 0.3;
 constexpr double kNowhere = std::numeric_limits<double>::infinity();
 
 /// Where two reference lines cross, and how far beyond its own body each wall may end for them to
@@ -53,6 +57,7 @@ class Network {
     chooseEnds();
     extendToFacing();
     measureComponents();
+    findHanging();
   }
   double joinedEnds(std::size_t run) const {
     return (m_joints[2 * run].isJoined ? 1.0 : 0.0) + (m_joints[2 * run + 1].isJoined ? 1.0 : 0.0);
@@ -367,6 +372,7 @@ class Network {
   }
 
   void measureComponents();
+  void findHanging();
   /// Whether the crossing lies on that side's run, as far as it goes in the end.
   bool isMet(const Crossing& crossing, std::size_t side) const {
     const double slack = m_options.tolerance;
@@ -384,14 +390,21 @@ class Network {
   std::vector<double> m_ends;   // where it goes
   std::vector<std::pair<std::size_t, std::size_t>> m_continued;
   std::vector<bool> m_isInSmallGroup;
+  std::vector<bool> m_isHanging;
 };
+
+/// How common the width of a run is, from 0 to 1.
+double commonnessOf(const WallRun& run) {
+  return std::min(1.0, run.share / 0.08);
+}
 
 double Network::confidenceOf(std::size_t number) const {
   const WallRun& run = m_runs[number];
   const double drawn = run.drawnLength();
   const double slender = std::min(1.0, drawn / (4.0 * run.width()));
-  const double common = std::min(1.0, run.share / 0.08);
-  const double alone = m_isInSmallGroup[number] ? 0.3 : 0.0;
+  const double common = commonnessOf(run);
+  const double alone =
+      m_isInSmallGroup[number] ? kHangLoss : (m_isHanging[number] ? kHangLoss : 0.0);
   // A long wall may stand by itself, closed at both ends.
   const double half = 0.5 * (run.left - run.right);
   const Axis middle{run.axis.at(0.0, half), run.axis.along};
@@ -442,6 +455,88 @@ void Network::measureComponents() {
     const AcGeVector2d sides = boxes[find(i)].greatest - boxes[find(i)].least;
     m_isInSmallGroup[i] = lengths[find(i)] < kSmallGroup * m_options.maxWidth &&
                           std::min(sides.x, sides.y) < kSmallSide * m_options.maxWidth;
+  }
+}
+
+/// Which runs are in a group that hangs on the others by one run alone, is short in all, and of
+/// widths that are not common.
+void Network::findHanging() {
+  const std::size_t count = m_runs.size();
+  std::vector<std::vector<std::size_t>> next(count);
+  const auto link = [&](std::size_t a, std::size_t b) {
+    next[a].push_back(b);
+    next[b].push_back(a);
+  };
+  for (const Crossing& crossing : m_crossings) {
+    if (isMet(crossing, 0) && isMet(crossing, 1)) {
+      link(crossing.run[0], crossing.run[1]);
+    }
+  }
+  for (const auto& [a, b] : m_continued) {
+    link(a, b);
+  }
+  std::vector<std::size_t> order(count);
+  std::iota(order.begin(), order.end(), 0U);
+  std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+    return m_runs[a].drawnLength() > m_runs[b].drawnLength();
+  });
+  // A walk in depth from the longest: what was visited behind a run and reaches nothing before it
+  // hangs on it.
+  constexpr std::size_t kNot = static_cast<std::size_t>(-1);
+  std::vector<std::size_t> visited(count, kNot);  // when
+  std::vector<std::size_t> reached(count);        // the earliest that it or those behind it meet
+  std::vector<std::size_t> sequence;
+  m_isHanging.assign(count, false);
+  struct Step {
+    std::size_t run;
+    std::size_t nextLink;
+  };
+  std::vector<Step> path;
+  const auto visit = [&](std::size_t run) {
+    visited[run] = reached[run] = sequence.size();
+    sequence.push_back(run);
+    path.push_back({run, 0});
+  };
+  for (const std::size_t root : order) {
+    if (visited[root] != kNot) {
+      continue;
+    }
+    visit(root);
+    while (!path.empty()) {
+      Step& step = path.back();
+      const std::size_t run = step.run;
+      if (step.nextLink < next[run].size()) {
+        const std::size_t other = next[run][step.nextLink++];
+        if (visited[other] == kNot) {
+          visit(other);
+        } else {
+          reached[run] = std::min(reached[run], visited[other]);
+        }
+        continue;
+      }
+      path.pop_back();
+      if (path.empty()) {
+        break;
+      }
+      const std::size_t before = path.back().run;
+      reached[before] = std::min(reached[before], reached[run]);
+      if (reached[run] < visited[before]) {
+        continue;
+      }
+      double length = 0.0;
+      double common = 0.0;
+      for (std::size_t i = visited[run];
+           i < sequence.size() && length < kSmallGroup * m_options.maxWidth; ++i) {
+        const double drawn = m_runs[sequence[i]].drawnLength();
+        length += drawn;
+        common += drawn * commonnessOf(m_runs[sequence[i]]);
+      }
+      if (length < kSmallGroup * m_options.maxWidth && common < kHangCommon * length) {
+        for (std::size_t i = visited[run]; i < sequence.size(); ++i) {
+          m_isHanging[sequence[i]] = true;
+        }
+      }
+    }
   }
 }
 
@@ -529,14 +624,15 @@ void dropInner(std::vector<WallRun>& runs, const FindWallsOptions& options) {
         const double left = run.axis.leftOf(point);
         return left > run.left + options.tolerance || left < -run.right - options.tolerance;
       };
-      if (other != outer && std::min(a, b) >= from - slack && std::max(a, b) <= to + slack &&
-          there.length() < run.length() && !isAside(there.start()) && !isAside(there.end())) {
+      if (other != outer && std::min(a, b) >= run.from - slack &&
+          std::max(a, b) <= run.to + slack && there.length() < run.length() &&
+          !isAside(there.start()) && !isAside(there.end())) {
         isInner[other] = true;
       }
       if (other != outer && there.group == run.group && there.drawnLength() < run.drawnLength()) {
         const AcGePoint2d middle = there.axis.at(0.5 * (there.from + there.to));
         const double aside = std::fabs(run.axis.leftOf(middle));
-        const double shared = std::min(to, std::max(a, b)) - std::max(from, std::min(a, b));
+        const double shared = std::min(run.to, std::max(a, b)) - std::max(run.from, std::min(a, b));
         if (std::fabs(aside - 0.5 * (run.width() + there.width())) <= 2.0 * options.tolerance &&
             shared >= 0.5 * there.length()) {
           isInner[other] = true;
@@ -548,9 +644,8 @@ void dropInner(std::vector<WallRun>& runs, const FindWallsOptions& options) {
     const double step = 8.0 * options.maxWidth;
     const auto parts = static_cast<std::size_t>(runs[i].length() / step) + 1;
     for (std::size_t part = 0; part < parts; ++part) {
-      // Each part with so much of the next that what lies across their border is in one of them.
       const double from = runs[i].from + step * static_cast<double>(part);
-      look(i, from, std::min(runs[i].to, from + 1.5 * step));
+      look(i, from, std::min(runs[i].to, from + step));
     }
   }
   std::size_t kept = 0;
