@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <numeric>
 
 #include "plan/PointIndex.h"
@@ -28,6 +29,12 @@ constexpr double kLeastWeight = 0.05;
 /// than this, and its confidence is less by that.
 constexpr double kHangCommon = 0.5;
 constexpr double kHangLoss = 0.3;
+/// What an end that nothing closes takes of a wall's confidence: of a long wall less by that part,
+/// and of one that others cross or end at, which adds some.
+constexpr double kOpenLoss = 0.35;
+constexpr double kLongWall = 0.5;
+constexpr double kBorneGain = 0.2;
+constexpr std::size_t kMostBorne = 4;
 constexpr double kNowhere = std::numeric_limits<double>::infinity();
 
 /// Where two reference lines cross, and how far beyond its own body each wall may end for them to
@@ -58,11 +65,16 @@ class Network {
     extendToFacing();
     measureComponents();
     findHanging();
+    countBorne();
   }
   double joinedEnds(std::size_t run) const {
     return (m_joints[2 * run].isJoined ? 1.0 : 0.0) + (m_joints[2 * run + 1].isJoined ? 1.0 : 0.0);
   }
   double confidenceOf(std::size_t run) const;
+  /// Whether another run begins about where this end is, and goes on the same way.
+  bool continues(const End& end) const;
+  /// The same for runs that hang together.
+  std::size_t groupOf(std::size_t run) const { return m_group[run]; }
   std::vector<WallPiece> pieces() const;
 
  private:
@@ -373,6 +385,17 @@ class Network {
 
   void measureComponents();
   void findHanging();
+  /// How many others each run passes, or bears the ends of.
+  void countBorne() {
+    m_borne.assign(m_runs.size(), 0);
+    for (const Crossing& crossing : m_crossings) {
+      for (const std::size_t side : {0U, 1U}) {
+        if (isMet(crossing, 1 - side) && isMet(crossing, side) && !isChosen(crossing, side)) {
+          ++m_borne[crossing.run[side]];
+        }
+      }
+    }
+  }
   /// Whether the crossing lies on that side's run, as far as it goes in the end.
   bool isMet(const Crossing& crossing, std::size_t side) const {
     const double slack = m_options.tolerance;
@@ -389,13 +412,32 @@ class Network {
   std::vector<Joint> m_joints;  // of every end
   std::vector<double> m_ends;   // where it goes
   std::vector<std::pair<std::size_t, std::size_t>> m_continued;
+  std::vector<std::size_t> m_group;
   std::vector<bool> m_isInSmallGroup;
   std::vector<bool> m_isHanging;
+  std::vector<std::size_t> m_borne;
 };
 
 /// How common the width of a run is, from 0 to 1.
 double commonnessOf(const WallRun& run) {
   return std::min(1.0, run.share / 0.08);
+}
+
+bool Network::continues(const End& end) const {
+  const WallRun& run = m_runs[end.run];
+  const AcGePoint2d place = pointOf(end);
+  const AcGeVector2d out = outOf(end);
+  const double farthest = m_options.maxWidth;
+  bool isMet = false;
+  m_grid.visitIn(Box(place, place).grownBy(farthest), [&](std::size_t other) {
+    const WallRun& there = m_runs[other];
+    const AcGePoint2d begin = out.dotProduct(there.axis.along) < 0.0 ? there.end() : there.start();
+    isMet =
+        isMet || (other != end.run && std::fabs(sineOf(out, there.axis.along)) <= kParallelSine &&
+                  std::fabs(out.dotProduct(begin - place)) <= farthest &&
+                  std::fabs(run.axis.leftOf(begin)) <= 0.5 * (run.width() + there.width()));
+  });
+  return isMet;
 }
 
 double Network::confidenceOf(std::size_t number) const {
@@ -411,10 +453,23 @@ double Network::confidenceOf(std::size_t number) const {
   const bool isFree = joinedEnds(number) == 0.0 && drawn >= kFreeSlender * run.width() &&
                       m_judge.hasEnd(middle, run.from, run.width()) &&
                       m_judge.hasEnd(middle, run.to, run.width());
+  const double others =
+      static_cast<double>(std::min(m_borne[number], kMostBorne)) / static_cast<double>(kMostBorne);
+  const double borne = kBorneGain * others;
+  double open = 0.0;
+  const double whole = kOpenLoss * (1.0 - others) *
+                       (1.0 - kLongWall * std::min(1.0, drawn / (kFreeSlender * run.width())));
+  for (const bool isTo : {false, true}) {
+    const bool isOpen = !m_joints[numberOf({number, isTo})].isJoined &&
+                        !m_judge.hasEnd(middle, isTo ? run.to : run.from, run.width()) &&
+                        !continues({number, isTo});
+    open += isOpen ? whole : 0.0;
+  }
   // Ends that meet others say little of what is neither common nor much longer than wide.
   const double joined = joinedEnds(number) * std::max(slender, common);
   return std::clamp(0.1 + 0.2 * joined + 0.3 * common + 0.2 * slender +
-                        (run.openings.empty() ? 0.0 : 0.05) + (isFree ? 0.6 : 0.0) - alone,
+                        (run.openings.empty() ? 0.0 : 0.05) + (isFree ? 0.6 : 0.0) + borne - alone -
+                        open,
                     0.0, 1.0);
 }
 
@@ -451,7 +506,9 @@ void Network::measureComponents() {
     }
   }
   m_isInSmallGroup.resize(m_runs.size());
+  m_group.resize(m_runs.size());
   for (std::size_t i = 0; i < m_runs.size(); ++i) {
+    m_group[i] = find(i);
     const AcGeVector2d sides = boxes[find(i)].greatest - boxes[find(i)].least;
     m_isInSmallGroup[i] = lengths[find(i)] < kSmallGroup * m_options.maxWidth &&
                           std::min(sides.x, sides.y) < kSmallSide * m_options.maxWidth;
@@ -673,9 +730,26 @@ void shareWidths(std::vector<WallRun>& runs, const GapJudge& judge,
     const double slender = std::min(1.0, drawn / (10.0 * runs[i].width()));
     lengths.emplace_back(runs[i].width(), drawn * slender * (kLeastWeight + network.joinedEnds(i)));
   }
-  const LengthsByWidth all(std::move(lengths));
-  for (WallRun& run : runs) {
-    run.share = all.shareOf(run.width(), options.tolerance);
+  // Each building has widths of its own.
+  std::map<std::size_t, std::vector<std::size_t>> groups;
+  for (std::size_t i = 0; i < runs.size(); ++i) {
+    groups[network.groupOf(i)].push_back(i);
+  }
+  const LengthsByWidth all(lengths);
+  for (const auto& [number, group] : groups) {
+    double drawn = 0.0;
+    std::vector<std::pair<double, double>> its;
+    for (const std::size_t run : group) {
+      its.push_back(lengths[run]);
+      drawn += runs[run].drawnLength();
+    }
+    const LengthsByWidth here(std::move(its));
+    const bool isBuilding = drawn >= kSmallGroup * options.maxWidth;
+    for (const std::size_t run : group) {
+      const double width = runs[run].width();
+      runs[run].share = std::max(all.shareOf(width, options.tolerance),
+                                 isBuilding ? here.shareOf(width, options.tolerance) : 0.0);
+    }
   }
 }
 
