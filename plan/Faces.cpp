@@ -134,6 +134,7 @@ class Directions {
         found(*direction.longest);
       }
     }
+    m_shared = m_founders.size();
   }
 
   /// Of each group the line that gives its direction.
@@ -158,7 +159,9 @@ class Directions {
     const auto look = [&](double from, double to, double shift) {
       for (auto at = m_groups.lower_bound(from); at != m_groups.end() && at->first <= to; ++at) {
         const double off = std::fabs(at->first + shift - line.angle);
-        choice.others.push_back(at->second);
+        if (at->second < m_shared) {
+          choice.others.push_back(at->second);
+        }
         if (off <= sure) {
           first = std::min(first, at->second);
         }
@@ -168,17 +171,20 @@ class Directions {
         }
       }
     };
-    look(line.angle - turn, line.angle + turn, 0.0);
-    look(0.0, line.angle + turn - kHalfTurn, kHalfTurn);
-    look(line.angle - turn + kHalfTurn, kHalfTurn, -kHalfTurn);
+    const double wide = std::min(kGreatestTurn, 2.0 * turn);
+    look(line.angle - wide, line.angle + wide, 0.0);
+    look(0.0, line.angle + wide - kHalfTurn, kHalfTurn);
+    look(line.angle - wide + kHalfTurn, kHalfTurn, -kHalfTurn);
     if (nearest == Faces::kNone) {
       choice.group = m_founders.size();
       found(line);
       return choice;
     }
-    const bool isExact = least <= kSameTurn;
+    // A direction of one line's own says nothing.
+    const bool isExact = least <= kSameTurn && nearest < m_shared;
     choice.group = first != Faces::kNone && !isExact ? first : nearest;
-    if (isExact || choice.others.size() == 1) {
+    const bool isOnly = choice.others.size() == 1 && choice.others.front() == choice.group;
+    if (isExact || isOnly) {
       choice.others.clear();
     }
     return choice;
@@ -191,6 +197,7 @@ class Directions {
   }
 
   std::vector<const SortedLine*> m_founders;
+  std::size_t m_shared = 0;  // of them, the directions of several lines
   std::map<double, std::size_t> m_groups;
 };
 

@@ -32,8 +32,8 @@ struct Interval {
   double length() const { return to - from; }
 };
 
-/// The offset of a line's point above this place of the axis, or of the end that is nearest: a short
-/// line that is a little turned says nothing of places far from it.
+/// The offset of a line's point above this place of the axis, or of the end that is nearest: a
+/// short line that is a little turned says nothing of places far from it.
 double offsetAt(const PlanLine& line, const Axis& axis, double at) {
   const double a = axis.alongOf(line.start);
   const double b = axis.alongOf(line.end);
@@ -140,8 +140,8 @@ class RunMaker {
       const bool isAtStart = part.from <= gap.from + play;
       const bool isAtEnd = part.to >= gap.to - play;
       const Interval all{std::max(gap.from, part.from - play), std::min(gap.to, part.to + play)};
-      const std::vector<double> jambs = m_judge.endsBetween(line, all.from - m_options.reach,
-                                                            all.to + m_options.reach, width);
+      const std::vector<double> jambs =
+          m_judge.endsBetween(line, all.from - m_options.reach, all.to + m_options.reach, width);
       narrow(jambs, part.from, part.to);
       const bool hasStart = isAtStart && m_judge.hasEnd(line, part.from, width);
       const bool hasEnd = isAtEnd && m_judge.hasEnd(line, part.to, width);
