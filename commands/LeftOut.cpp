@@ -117,4 +117,11 @@ std::string leftOutText(const LeftOut& leftOut) {
   return parts.empty() ? "nothing" : fmt::format("{}", fmt::join(parts, ", "));
 }
 
+void tellLeftOutOf(const Drawing& drawing, const std::vector<SkippedEntity>& leftOut,
+                   Report& report) {
+  report.list(leftOut.size(), [&](std::size_t i) {
+    return fmt::format("left out: {} {}", describe(drawing, leftOut[i].entity), leftOut[i].reason);
+  });
+}
+
 }  // namespace quoin::commands

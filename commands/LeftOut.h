@@ -47,6 +47,9 @@ struct LeftOut {
 /// option.
 void tellLeftOut(const Drawing& drawing, const LeftOut& leftOut, bool canTakeInside,
                  Report& report);
+/// A line of a report for each of them.
+void tellLeftOutOf(const Drawing& drawing, const std::vector<SkippedEntity>& leftOut,
+                   Report& report);
 /// For reports: each as sourceJson says it, with its reason.
 nlohmann::json skippedJson(const Drawing& drawing, const std::vector<SkippedEntity>& skipped);
 /// The fields skipped, arcSegments, otherEntities, insideBlocks and multilines.

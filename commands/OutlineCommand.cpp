@@ -7,6 +7,8 @@
 
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
+#include "commands/OpeningLayers.h"
+#include "commands/OutlineGaps.h"
 #include "commands/Progress.h"
 #include "commands/ReferenceWalls.h"
 #include "commands/ReportFields.h"
@@ -23,10 +25,11 @@ namespace quoin::commands {
 
 namespace {
 
-enum class LineRole { Left, Right, Start, End, Connection };
+enum class LineRole { Left, Right, Start, End, Connection, Jamb };
 
 const char* nameOf(LineRole role) {
-  constexpr std::array<const char*, 5> kNames{"left", "right", "start", "end", "connection"};
+  constexpr std::array<const char*, 6> kNames{"left", "right",      "start",
+                                              "end",  "connection", "jamb"};
   return kNames[static_cast<std::size_t>(role)];
 }
 
@@ -45,12 +48,15 @@ class OutlineCommand : public DrawingCommand {
         "outline", "Draw the outline of walls given by reference lines and widths");
     m_options.declareFiles(*command);
     declareReferenceWalls(*command, m_options, m_widths);
+    m_openings.declare(*command, "Draw walls without gaps");
     command->add_option("--out-layer", m_outLayer, "The layer of the outline")
         ->type_name("NAME")
         ->capture_default_str();
     command->footer(
         "Left and right are seen along a line from its start to its end. Where walls meet, side\n"
-        "lines are mitred; faces at less than 5 degrees get a short connecting line instead.\n\n"
+        "lines are mitred; faces at less than 5 degrees get a short connecting line instead.\n"
+        "An opening is a LINE along a reference line from jamb to jamb, as 'quoin walls' writes\n"
+        "it: the faces have a gap there, closed by a line across at each jamb.\n\n"
         "Examples:\n"
         "  quoin outline axes.dxf --layer WALL-AXIS --left 120 --right 120 -o walls.dxf\n"
         "  quoin outline axes.dxf --layer 'W-*' --width W-EXT=300 --width 'W-INT*=60,60' \\\n"
@@ -60,10 +66,18 @@ class OutlineCommand : public DrawingCommand {
 
   std::string name() const override { return "outline"; }
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
-    const ReferenceWalls reference = collectReferenceWalls(drawing, m_options, m_widths);
+    const std::set<std::wstring> openingLayers = m_openings.in(drawing);
+    const ReferenceWalls reference =
+        collectReferenceWalls(drawing, m_options, m_widths, openingLayers);
     const std::vector<BodyWall>& walls = reference.walls;
     const Capture& capture = reference.capture;
-    std::vector<OutlineLine> lines = flatten(showWalls(walls, capture.distance));
+    const std::vector<WallOutline> outlines = showWalls(walls, capture.distance);
+    FoundOpenings openings;
+    if (!openingLayers.empty()) {
+      openings = collectOpenings(drawing, openingLayers, planWalls(walls), capture.distance);
+    }
+    const OutlineGaps gaps = openOutlines(walls, outlines, openings, capture.distance);
+    std::vector<OutlineLine> lines = flatten(outlines, gaps);
     Picture picture;
     if (job.hasPicture()) {
       picture = paint(drawing, walls, lines, capture);
@@ -82,9 +96,17 @@ class OutlineCommand : public DrawingCommand {
     job.save(drawing);
     job.render(picture, report);
     tell(drawing, reference, lines, report);
+    tellOpenings(drawing, openingLayers, openings, gaps, report);
     tellReferenceWalls(drawing, m_options, reference, report);
     if (report.isJson()) {
       addJson(drawing, reference, lines, report.json);
+      std::vector<SkippedEntity> leftOut = openings.skipped;
+      leftOut.insert(leftOut.end(), gaps.leftOut.begin(), gaps.leftOut.end());
+      report.json.update(
+          {{"openingLayers", namesJson(openingLayers)},
+           {"openingCounts",
+            {{"cut", gaps.opened}, {"shortened", gaps.shortened}, {"leftOut", leftOut.size()}}},
+           {"openingsLeftOut", skippedJson(drawing, leftOut)}});
     }
   }
 
@@ -138,7 +160,8 @@ class OutlineCommand : public DrawingCommand {
     std::size_t m_next = 0;
   };
 
-  static std::vector<OutlineLine> flatten(const std::vector<WallOutline>& outlines) {
+  static std::vector<OutlineLine> flatten(const std::vector<WallOutline>& outlines,
+                                          const OutlineGaps& gaps) {
     std::vector<OutlineLine> lines;
     Connections connections(outlines);
     const auto add = [&](std::size_t wall, LineRole role, const WallDrawingSeg& seg) {
@@ -147,18 +170,23 @@ class OutlineCommand : public DrawingCommand {
         lines.push_back({wall, role, seg, ""});
       }
     };
+    const auto addAll = [&](std::size_t wall, LineRole role,
+                            const std::vector<WallDrawingSeg>& segs) {
+      for (const WallDrawingSeg& seg : segs) {
+        add(wall, role, seg);
+      }
+    };
     for (std::size_t i = 0; i < outlines.size(); ++i) {
-      add(i, LineRole::Left, outlines[i].left);
-      add(i, LineRole::Right, outlines[i].right);
+      addAll(i, LineRole::Left, gaps.outlines[i].left);
+      addAll(i, LineRole::Right, gaps.outlines[i].right);
+      addAll(i, LineRole::Jamb, gaps.outlines[i].jambs);
       if (outlines[i].start) {
         add(i, LineRole::Start, *outlines[i].start);
       }
       if (outlines[i].end) {
         add(i, LineRole::End, *outlines[i].end);
       }
-      for (const WallDrawingSeg& seg : outlines[i].connections) {
-        add(i, LineRole::Connection, seg);
-      }
+      addAll(i, LineRole::Connection, outlines[i].connections);
     }
     return lines;
   }
@@ -166,6 +194,20 @@ class OutlineCommand : public DrawingCommand {
   static std::size_t count(const std::vector<OutlineLine>& lines, LineRole role) {
     return static_cast<std::size_t>(std::count_if(
         lines.begin(), lines.end(), [&](const OutlineLine& line) { return line.role == role; }));
+  }
+
+  static Color colorOf(LineRole role) {
+    switch (role) {
+      case LineRole::Left:
+      case LineRole::Right:
+        return palette::kWall;
+      case LineRole::Connection:
+        return palette::kMark;
+      case LineRole::Jamb:
+        return palette::kThird;
+      default:
+        return palette::kFirst;
+    }
   }
 
   static Picture paint(Drawing& drawing, const std::vector<BodyWall>& walls,
@@ -182,9 +224,7 @@ class OutlineCommand : public DrawingCommand {
     }
     for (const OutlineLine& line : lines) {
       const bool isSide = line.role == LineRole::Left || line.role == LineRole::Right;
-      const bool isConnection = line.role == LineRole::Connection;
-      addLine(picture, line.seg.ptStart, line.seg.ptEnd,
-              isSide ? palette::kWall : (isConnection ? palette::kMark : palette::kFirst),
+      addLine(picture, line.seg.ptStart, line.seg.ptEnd, colorOf(line.role),
               isSide ? kWallWidth : kPieceWidth);
       if (isSide) {
         addMark(picture, line.seg.ptStart, MarkShape::Dot, palette::kThird, 2.6);
@@ -194,6 +234,7 @@ class OutlineCommand : public DrawingCommand {
     picture.legend = {{"side line", palette::kWall, false, MarkShape::Dot, kWallWidth},
                       {"end of a free wall", palette::kFirst, false, MarkShape::Dot, kPieceWidth},
                       {"connection", palette::kMark, false, MarkShape::Dot, kPieceWidth},
+                      {"jamb", palette::kThird, false, MarkShape::Dot, kPieceWidth},
                       {"corner", palette::kThird, true},
                       {"reference line", palette::kSecond, false, MarkShape::Dot, 1.0},
                       {"rest of the plan", palette::kPlan}};
@@ -211,6 +252,23 @@ class OutlineCommand : public DrawingCommand {
                 countText(count(lines, LineRole::Connection), "connection"));
   }
 
+  static void tellOpenings(const Drawing& drawing, const std::set<std::wstring>& layers,
+                           const FoundOpenings& openings, const OutlineGaps& gaps, Report& report) {
+    if (layers.empty()) {
+      return;
+    }
+    std::string text =
+        fmt::format("{} of {} left open", countText(gaps.opened, "opening"), namesText(layers));
+    const auto add = [&](std::size_t count, const char* what) {
+      text += count > 0 ? fmt::format(", {} {}", count, what) : "";
+    };
+    add(gaps.shortened, "shortened at joints");
+    add(openings.skipped.size() + gaps.leftOut.size(), "left out");
+    report.line("{}", text);
+    tellLeftOutOf(drawing, openings.skipped, report);
+    tellLeftOutOf(drawing, gaps.leftOut, report);
+  }
+
   void addJson(const Drawing& drawing, const ReferenceWalls& reference,
                const std::vector<OutlineLine>& lines, nlohmann::json& report) const {
     std::vector<nlohmann::json> results(reference.walls.size(),
@@ -225,6 +283,7 @@ class OutlineCommand : public DrawingCommand {
   }
 
   WidthOptions m_widths;
+  OpeningLayers m_openings;
   std::string m_outLayer = "WALL-OUTLINE";
 };
 

@@ -146,19 +146,11 @@ class SymbolReader {
     }
   }
 
-  /// Straight closed polylines.
   void addOutline(const PolylineShape& shape, bool isFace, bool isColumn) {
-    if (!shape.isClosed || shape.isCurveFit || shape.vertices.size() < 3 || !(isFace || isColumn)) {
-      return;
+    plan::PlanOutline outline = straightOutline(shape);
+    if (!outline.empty() && (isFace || isColumn)) {
+      (isColumn ? m_drawing.columns : m_drawing.outlines).push_back(std::move(outline));
     }
-    plan::PlanOutline outline;
-    for (const PolylineVertex& vertex : shape.vertices) {
-      if (vertex.bulge != 0.0) {
-        return;
-      }
-      outline.push_back(flat(vertex.world));
-    }
-    (isColumn ? m_drawing.columns : m_drawing.outlines).push_back(std::move(outline));
   }
 
   /// A polygon of the circle's area.

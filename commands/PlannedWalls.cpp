@@ -7,9 +7,11 @@
 #include "acutmem.h"
 #include "adsdef.h"
 #include "commands/CommandError.h"
+#include "commands/Polylines.h"
 #include "commands/WallChanges.h"
 #include "dbents.h"
 #include "dbobjptr.h"
+#include "dbpl.h"
 #include "dbsymtb.h"
 #include "embedded/os/Utf8.h"
 #include "plan/PointIndex.h"
@@ -224,6 +226,63 @@ std::string appendOpening(Drawing& drawing, const plan::WallPlan& plan,
     data.addReal(*opening.head);
   }
   return append(drawing, plan.startOf(opening), plan.endOf(opening), elevation, layer, data);
+}
+
+bool hasLightPolylines(const Drawing& drawing) {
+  const std::wstring& version = drawing.info().acadVersion;
+  return version.substr(0, 3) == L"AC1" && version >= L"AC1014" &&
+         version.find(L'.') == version.npos;
+}
+
+std::string appendOutline(Drawing& drawing, const std::vector<AcGePoint2d>& corners,
+                          const std::string& layer, double elevation) {
+  if (hasLightPolylines(drawing)) {
+    auto polyline = std::make_unique<AcDbPolyline>(static_cast<unsigned int>(corners.size()));
+    for (const AcGePoint2d& corner : corners) {
+      polyline->addVertexAt(polyline->numVerts(), corner);
+    }
+    polyline->setClosed(Adesk::kTrue);
+    polyline->setElevation(elevation);
+    polyline->setDatabaseDefaults(&drawing.database());
+    polyline->setLayer(os::fromUtf8(layer).c_str());
+    return appendEntity(drawing, drawing.modelSpaceId(), std::move(polyline));
+  }
+  AcGePoint3dArray points;
+  for (const AcGePoint2d& corner : corners) {
+    points.append(AcGePoint3d(corner.x, corner.y, elevation));
+  }
+  auto polyline = std::make_unique<AcDb2dPolyline>(points, elevation, true);
+  polyline->setDatabaseDefaults(&drawing.database());
+  polyline->setLayer(os::fromUtf8(layer).c_str());
+  return appendEntity(drawing, drawing.modelSpaceId(), std::move(polyline));
+}
+
+std::vector<plan::PlanOutline> collectColumns(Drawing& drawing) {
+  std::vector<plan::PlanOutline> columns;
+  const std::wstring layer = os::fromUtf8(kColumnLayer);
+  drawing.forEachEntity(drawing.modelSpaceId(), [&](const AcDbObjectId& id) {
+    AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+    if (hostx::layerName(id) == layer && entity.openStatus() == Acad::eOk &&
+        isPolyline(*entity.object())) {
+      plan::PlanOutline outline = straightOutline(readPolyline(*entity.object()));
+      if (!outline.empty()) {
+        columns.push_back(std::move(outline));
+      }
+    }
+  });
+  return columns;
+}
+
+plan::PlanOutline straightOutline(const PolylineShape& shape) {
+  plan::PlanOutline outline;
+  const bool isStraight = std::all_of(shape.vertices.begin(), shape.vertices.end(),
+                                      [](const PolylineVertex& v) { return v.bulge == 0.0; });
+  if (shape.isClosed && !shape.isCurveFit && isStraight && shape.vertices.size() >= 3) {
+    for (const PolylineVertex& vertex : shape.vertices) {
+      outline.emplace_back(vertex.world.x, vertex.world.y);
+    }
+  }
+  return outline;
 }
 
 }  // namespace quoin::commands

@@ -11,7 +11,9 @@
 
 #include "commands/Drawing.h"
 #include "commands/LeftOut.h"
+#include "commands/Polylines.h"
 #include "commands/WallBodies.h"
+#include "plan/FindWalls.h"
 #include "plan/WallPlan.h"
 
 namespace quoin::commands {
@@ -23,6 +25,10 @@ inline constexpr const char* kOpeningLayer = "QUOIN-OPENING";
 inline constexpr const char* kColumnLayer = "QUOIN-COLUMN";
 inline constexpr const char* kRoomLayer = "QUOIN-ROOM";
 inline constexpr const char* kMarkLayer = "QUOIN-MARK";
+/// Colour indices of new layers.
+inline constexpr int kWallColor = 1;
+inline constexpr int kOpeningColor = 4;
+inline constexpr int kColumnColor = 3;
 
 /// The walls as plan reading takes them, in the same order, seen from above.
 std::vector<plan::Wall> planWalls(const std::vector<BodyWall>& walls);
@@ -53,5 +59,16 @@ std::string appendWall(Drawing& drawing, const plan::Wall& wall, const std::stri
 std::string appendOpening(Drawing& drawing, const plan::WallPlan& plan,
                           const plan::Opening& opening, const std::string& layer,
                           double elevation = 0.0);
+
+/// Whether the drawing's version has light polylines and hatches: from R14 on.
+bool hasLightPolylines(const Drawing& drawing);
+/// As appendWall, for a closed outline: a light polyline, or a heavy one where there are none.
+std::string appendOutline(Drawing& drawing, const std::vector<AcGePoint2d>& corners,
+                          const std::string& layer, double elevation = 0.0);
+
+/// The corners of a closed polyline of straight sides; none for another one.
+plan::PlanOutline straightOutline(const PolylineShape& shape);
+/// The outlines of columns on QUOIN-COLUMN.
+std::vector<plan::PlanOutline> collectColumns(Drawing& drawing);
 
 }  // namespace quoin::commands

@@ -147,37 +147,9 @@ LabelPlace labelPlace(const Drawing& drawing, const plan::Room& room, std::size_
   return place;
 }
 
-/// Drawings before R14 have neither light polylines nor hatches.
-bool hasLightPolylines(const Drawing& drawing) {
-  const std::wstring& version = drawing.info().acadVersion;
-  return version.substr(0, 3) == L"AC1" && version >= L"AC1014" &&
-         version.find(L'.') == version.npos;
-}
-
 void putOn(AcDbEntity& entity, Drawing& drawing, const std::wstring& layer) {
   entity.setDatabaseDefaults(&drawing.database());
   entity.setLayer(layer.c_str());
-}
-
-std::string appendOutline(Drawing& drawing, const plan::Ring& ring, const std::wstring& layer,
-                          double elevation) {
-  if (hasLightPolylines(drawing)) {
-    auto polyline = std::make_unique<AcDbPolyline>(static_cast<unsigned int>(ring.size()));
-    for (const AcGePoint2d& corner : ring) {
-      polyline->addVertexAt(polyline->numVerts(), corner);
-    }
-    polyline->setClosed(Adesk::kTrue);
-    polyline->setElevation(elevation);
-    putOn(*polyline, drawing, layer);
-    return appendEntity(drawing, drawing.modelSpaceId(), std::move(polyline));
-  }
-  AcGePoint3dArray corners;
-  for (const AcGePoint2d& corner : ring) {
-    corners.append(AcGePoint3d(corner.x, corner.y, elevation));
-  }
-  auto polyline = std::make_unique<AcDb2dPolyline>(corners, elevation, true);
-  putOn(*polyline, drawing, layer);
-  return appendEntity(drawing, drawing.modelSpaceId(), std::move(polyline));
 }
 
 /// "" for a drawing that knows no hatches.
@@ -216,14 +188,6 @@ std::string appendText(Drawing& drawing, const AcGePoint2d& middle, const std::s
   entity->setAlignmentPoint(place);
   putOn(*entity, drawing, layer);
   return appendEntity(drawing, drawing.modelSpaceId(), std::move(entity));
-}
-
-nlohmann::json ringJson(const plan::Ring& ring) {
-  nlohmann::json json = nlohmann::json::array();
-  for (const AcGePoint2d& corner : ring) {
-    json.push_back({corner.x, corner.y});
-  }
-  return json;
 }
 
 nlohmann::json neighboursJson(const plan::Room& room) {
@@ -280,6 +244,14 @@ constexpr Color kBody{0.62, 0.63, 0.66};
 
 }  // namespace
 
+nlohmann::json ringJson(const plan::Ring& ring) {
+  nlohmann::json json = nlohmann::json::array();
+  for (const AcGePoint2d& corner : ring) {
+    json.push_back({corner.x, corner.y});
+  }
+  return json;
+}
+
 plan::RoomOptions roomOptions(const Drawing& drawing, double captureDistance,
                               double leastSquareMeters, double leastMillimeters) {
   const double unit = drawing.millimetersPerUnit();
@@ -323,7 +295,7 @@ std::vector<RoomEntities> appendRooms(Drawing& drawing, const RoomPlan& plan,
     RoomEntities entities;
     // Behind the outline and the label.
     entities.hatch = appendHatch(drawing, room.polygon, name, elevation);
-    entities.outline = appendOutline(drawing, room.polygon.outer, name, elevation);
+    entities.outline = appendOutline(drawing, room.polygon.outer, layer, elevation);
     const std::vector<std::string> lines = labelLines(drawing, room);
     const LabelPlace place = labelPlace(drawing, room, lines.size());
     for (std::size_t i = 0; i < lines.size(); ++i) {

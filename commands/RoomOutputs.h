@@ -32,6 +32,9 @@ plan::RoomOptions roomOptions(const Drawing& drawing, double captureDistance,
                               double leastSquareMeters = kLeastRoomSquareMeters,
                               double leastMillimeters = kLeastRoomMillimeters);
 
+/// A polygon's corners for reports: [x, y] of each.
+nlohmann::json ringJson(const plan::Ring& ring);
+
 /// Finds the rooms of `walls` and `columns` and names them by the drawing's texts: TEXT, MTEXT line
 /// by line, and the attributes of inserts in model space, but not those on `ownLayer`, nor on
 /// layers that are off or frozen. Fails: throws CommandError (EntityFailed) where the walls cannot

@@ -8,8 +8,10 @@
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
+#include "commands/OpeningLayers.h"
 #include "commands/OutputFile.h"
 #include "commands/PlanReading.h"
+#include "commands/Progress.h"
 #include "commands/ReferenceWalls.h"
 #include "commands/ReportFields.h"
 #include "commands/RoomOutputs.h"
@@ -34,11 +36,7 @@ class RoomsCommand : public DrawingCommand {
         "--faces", m_takesFaces,
         "The lines are the walls' faces, as 'quoin walls' reads them; so are lines of "
         "which none has a width");
-    addRepeated(*command, "--openings", m_openings,
-                fmt::format("Layers with the openings, * and ? allowed; may be repeated. Default: "
-                            "{}, where there is one",
-                            kOpeningLayer),
-                "GLOB");
+    m_openings.declare(*command, "Bridge nothing");
     command->add_option("--room-layer", m_layer, "The layer of outlines, hatches and labels")
         ->type_name("NAME")
         ->capture_default_str();
@@ -142,7 +140,10 @@ class RoomsCommand : public DrawingCommand {
     if (source.isFromFaces) {
       source.capture = setCapture(options.capture, drawing);
       ReadPlan read = readPlan(drawing, layers);
-      source.fromFaces = plan::findWalls(read.drawing, ReadingOptions().inUnitsOf(drawing));
+      Progress::during("Finding walls", [&] {
+        source.fromFaces = plan::findWalls(read.drawing, ReadingOptions().inUnitsOf(drawing));
+      });
+      Progress::checkInterrupt();
       source.plan.walls = source.fromFaces.plan;
       for (const plan::PlanOutline& column : source.fromFaces.columns) {
         source.plan.columns.push_back({column, {}});
@@ -161,6 +162,9 @@ class RoomsCommand : public DrawingCommand {
     source.plan.walls.walls = planWalls(source.reference.walls);
     source.openings = findOpenings(drawing, source.plan.walls.walls, source.capture.distance);
     source.plan.walls.openings = source.openings.openings;
+    for (const plan::PlanOutline& column : collectColumns(drawing)) {
+      source.plan.columns.push_back({column, {}});
+    }
     return source;
   }
 
@@ -204,13 +208,7 @@ class RoomsCommand : public DrawingCommand {
 
   FoundOpenings findOpenings(Drawing& drawing, const std::vector<plan::Wall>& walls,
                              double captureDistance) const {
-    std::set<std::wstring> layers;
-    if (!m_openings.empty()) {
-      layers = chooseLayers(drawing.layers(), m_openings, drawing);
-    } else {
-      layers.insert(os::fromUtf8(kOpeningLayer));
-    }
-    return collectOpenings(drawing, layers, walls, captureDistance);
+    return collectOpenings(drawing, m_openings.in(drawing), walls, captureDistance);
   }
 
   static double totalNetArea(const Drawing& drawing, const RoomPlan& plan) {
@@ -266,7 +264,7 @@ class RoomsCommand : public DrawingCommand {
 
   WidthOptions m_widths;
   bool m_takesFaces = false;
-  std::vector<std::string> m_openings;
+  OpeningLayers m_openings;
   std::string m_layer = kRoomLayer;
   double m_leastArea = kLeastRoomSquareMeters;
   double m_leastWidth = kLeastRoomMillimeters;

@@ -9,6 +9,8 @@
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
+#include "commands/LeftOut.h"
+#include "commands/OpeningLayers.h"
 #include "commands/PlannedWalls.h"
 #include "commands/ReferenceWalls.h"
 #include "commands/ReportFields.h"
@@ -136,13 +138,7 @@ class SolidCommand : public DrawingCommand {
 
  private:
   void declareOpenings(CLI::App& command) {
-    CLI::Option* const openings =
-        addRepeated(command, "--openings", m_openings,
-                    std::string("Layers with the openings, * and ? allowed; may be repeated "
-                                "(default: ") +
-                        kOpeningLayer + ", where it has lines)",
-                    "GLOB");
-    command.add_flag("--no-openings", m_hasNoOpenings, "Cut nothing out")->excludes(openings);
+    m_openings.declare(command, "Cut nothing out");
     command.add_option("--sill", m_sill,
                        "Lower edge of windows that do not say theirs, above the floor, drawing "
                        "units (default: 900 mm)");
@@ -162,28 +158,10 @@ class SolidCommand : public DrawingCommand {
         ->needs(layers);
   }
 
-  std::set<std::wstring> openingLayers(Drawing& drawing) const {
-    const std::vector<LayerContent> layers = drawing.layers();
-    if (m_hasNoOpenings) {
-      return {};
-    }
-    if (!m_openings.empty()) {
-      return chooseLayers(layers, m_openings, drawing);
-    }
-    std::set<std::wstring> chosen;
-    for (const LayerContent& layer : layers) {
-      if (layer.countOfKind.count(L"LINE") > 0 &&
-          matchesGlob(layer.name, os::fromUtf8(kOpeningLayer))) {
-        chosen.insert(layer.name);
-      }
-    }
-    return chosen;
-  }
-
   SolidParts build(Drawing& drawing) const {
     SolidParts parts;
     const double unit = 1.0 / drawing.millimetersPerUnit();
-    parts.openingLayers = openingLayers(drawing);
+    parts.openingLayers = m_openings.in(drawing);
     if (!m_slabLayers.empty()) {
       parts.slabLayers = chooseLayers(drawing.layers(), m_slabLayers, drawing);
     }
@@ -272,14 +250,6 @@ class SolidCommand : public DrawingCommand {
     if (hasMaterialFile(job.output)) {
       report.line("materials: {}", materialFileOf(job.output).string());
     }
-  }
-
-  static void tellLeftOutOf(const Drawing& drawing, const std::vector<SkippedEntity>& leftOut,
-                            Report& report) {
-    report.list(leftOut.size(), [&](std::size_t i) {
-      return fmt::format("left out: {} {}", describe(drawing, leftOut[i].entity),
-                         leftOut[i].reason);
-    });
   }
 
   static void tellOpenings(const Drawing& drawing, const SolidParts& parts, Report& report) {
@@ -392,8 +362,7 @@ class SolidCommand : public DrawingCommand {
 
   WidthOptions m_widths;
   double m_height = 0.0;
-  std::vector<std::string> m_openings;
-  bool m_hasNoOpenings = false;
+  OpeningLayers m_openings;
   std::optional<double> m_sill;
   std::optional<double> m_head;
   std::optional<double> m_doorHead;

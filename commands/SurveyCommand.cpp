@@ -102,6 +102,7 @@ struct Survey {
 
   // What stands for them in the drawing.
   std::vector<std::string> wallHandles;
+  std::vector<std::string> columnHandles;
   std::vector<std::string> openingHandles;
   std::vector<RoomEntities> roomEntities;
   std::vector<AcDbObjectId> added;  // the walls, then all else
@@ -318,14 +319,20 @@ class SurveyCommand : public DrawingCommand {
 
   static void append(Drawing& drawing, Survey& survey) {
     const std::size_t before = drawing.entities(drawing.modelSpaceId()).size();
-    makeLayer(drawing, kWallLayer, 1);
-    makeLayer(drawing, kOpeningLayer, 4);
+    makeLayer(drawing, kWallLayer, kWallColor);
+    makeLayer(drawing, kOpeningLayer, kOpeningColor);
     for (const plan::Wall& wall : survey.found.plan.walls) {
       survey.wallHandles.push_back(appendWall(drawing, wall, kWallLayer));
     }
     for (const plan::Opening& opening : survey.found.plan.openings) {
       survey.openingHandles.push_back(
           appendOpening(drawing, survey.found.plan, opening, kOpeningLayer));
+    }
+    if (!survey.found.columns.empty()) {
+      makeLayer(drawing, kColumnLayer, kColumnColor);
+    }
+    for (const plan::PlanOutline& column : survey.found.columns) {
+      survey.columnHandles.push_back(appendOutline(drawing, column, kColumnLayer));
     }
     if (!survey.rooms.found.rooms.empty()) {
       survey.roomEntities = appendRooms(drawing, survey.rooms, kRoomLayer);
@@ -494,8 +501,8 @@ class SurveyCommand : public DrawingCommand {
     nlohmann::json json;
     // The openings are those of the walls, with their handles.
     addRooms(drawing, survey.rooms, survey.roomEntities, {}, json);
-    addFoundWalls(drawing, survey.read, survey.found, survey.wallHandles, survey.openingHandles,
-                  json);
+    addFoundWalls(drawing, survey.read, survey.found,
+                  {survey.wallHandles, survey.openingHandles, survey.columnHandles}, json);
     json.update({{"drawing", drawing.file().filename().string()},
                  {"units", drawing.unitName()},
                  {"capture", captureJson(survey.capture)},

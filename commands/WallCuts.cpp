@@ -9,9 +9,6 @@ namespace quoin::commands {
 
 namespace {
 
-/// A hundredth of a millimetre, as the project scale goes.
-constexpr double kNoLengthShare = 1.0e-3;
-
 class Cutter {
  public:
   Cutter(std::vector<WallPrism>& prisms, const FoundOpenings& found, const OpeningHeights& heights,
@@ -19,7 +16,7 @@ class Cutter {
       : m_prisms(prisms),
         m_found(found),
         m_heights(heights),
-        m_tolerance(kNoLengthShare * captureDistance) {
+        m_tolerance(noLength(captureDistance)) {
     m_reasons.resize(found.openings.size());
     for (WallPrism& prism : prisms) {
       prism.tolerance = m_tolerance;
@@ -56,25 +53,18 @@ class Cutter {
   std::optional<WallCut> cutFor(std::size_t index) {
     const plan::Opening& opening = m_found.openings[index];
     const WallPrism& prism = m_prisms[opening.wall];
-    const double straightFrom = prism.straightFrom();
-    const double straightTo = prism.straightTo();
+    const OpeningPlace place =
+        placeOf(opening, prism.straightFrom(), prism.straightTo(), m_tolerance);
     const bool isWindow = opening.kind == plan::OpeningKind::Window;
     const double sill = opening.sill.value_or(isWindow ? m_heights.windowSill : 0.0);
     const double head = opening.head.value_or(isWindow ? m_heights.windowHead : m_heights.doorHead);
-    const WallHole hole{std::max(opening.from, straightFrom), std::min(opening.to, straightTo),
-                        std::max(sill, 0.0), std::min(head, prism.height)};
-    const auto leaveOut = [&](const char* reason) {
+    const WallHole hole{place.from, place.to, std::max(sill, 0.0), std::min(head, prism.height)};
+    const auto leaveOut = [&](const std::string& reason) {
       m_reasons[index] = reason;
       return std::nullopt;
     };
-    if (!(straightTo - straightFrom > m_tolerance)) {
-      return leaveOut("stands in a wall that has no straight part between its ends");
-    }
-    if (opening.to - opening.from > straightTo - straightFrom + m_tolerance) {
-      return leaveOut("is wider than the straight part of its wall");
-    }
-    if (!(hole.to - hole.from > m_tolerance)) {
-      return leaveOut("lies in the joint at the end of its wall");
+    if (!place.reason.empty()) {
+      return leaveOut(place.reason);
     }
     if (!(prism.height - sill > m_tolerance)) {
       return leaveOut("begins above its wall");
@@ -82,8 +72,7 @@ class Cutter {
     if (!(hole.head - hole.sill > m_tolerance)) {
       return leaveOut("has its head no higher than its sill");
     }
-    return WallCut{index, hole,
-                   hole.from - opening.from > m_tolerance || opening.to - hole.to > m_tolerance,
+    return WallCut{index, hole, place.isShortened,
                    head - hole.head > m_tolerance || hole.sill - sill > m_tolerance};
   }
 
@@ -206,6 +195,26 @@ class Cutter {
 };
 
 }  // namespace
+
+double noLength(double captureDistance) {
+  constexpr double kShare = 1.0e-3;
+  return kShare * captureDistance;
+}
+
+OpeningPlace placeOf(const plan::Opening& opening, double straightFrom, double straightTo,
+                     double tolerance) {
+  OpeningPlace place{
+      std::max(opening.from, straightFrom), std::min(opening.to, straightTo), false, {}};
+  if (!(straightTo - straightFrom > tolerance)) {
+    place.reason = "stands in a wall that has no straight part between its ends";
+  } else if (opening.to - opening.from > straightTo - straightFrom + tolerance) {
+    place.reason = "is wider than the straight part of its wall";
+  } else if (!(place.to - place.from > tolerance)) {
+    place.reason = "lies in the joint at the end of its wall";
+  }
+  place.isShortened = place.from - opening.from > tolerance || opening.to - place.to > tolerance;
+  return place;
+}
 
 WallCuts cutOpenings(std::vector<WallPrism>& prisms, const FoundOpenings& found,
                      const OpeningHeights& heights, double captureDistance) {

@@ -17,6 +17,22 @@ struct OpeningHeights {
   double doorHead = 0.0;  // of plain openings too
 };
 
+/// Lengths up to this do not count where openings are cut, for this capture distance: a hundredth
+/// of a millimetre, as the project scale goes.
+double noLength(double captureDistance);
+
+/// Where an opening has room in the straight part of its wall.
+struct OpeningPlace {
+  double from = 0.0;
+  double to = 0.0;
+  /// It reached into the joint at an end of its wall.
+  bool isShortened = false;
+  /// Why it has none; empty where it has.
+  std::string reason;
+};
+OpeningPlace placeOf(const plan::Opening& opening, double straightFrom, double straightTo,
+                     double tolerance);
+
 /// An opening that is cut out.
 struct WallCut {
   std::size_t opening;  // index into FoundOpenings::openings

@@ -9,6 +9,7 @@
 #include "commands/OutputFile.h"
 #include "commands/PlanReading.h"
 #include "commands/PlannedWalls.h"
+#include "commands/Progress.h"
 #include "commands/ReportFields.h"
 #include "commands/SurveySchedule.h"
 #include "commands/WallsOutputs.h"
@@ -36,6 +37,9 @@ class WallsCommand : public DrawingCommand {
     command->add_option("--opening-layer", m_openingLayer, "The layer of the openings")
         ->type_name("NAME")
         ->capture_default_str();
+    command->add_option("--column-layer", m_columnLayer, "The layer of the columns' outlines")
+        ->type_name("NAME")
+        ->capture_default_str();
     command->add_option("--csv", m_csv,
                         "Write the schedule as a table: walls by layer and width with length and "
                         "area, openings by kind and width; of several drawings: a folder, or a "
@@ -57,24 +61,31 @@ class WallsCommand : public DrawingCommand {
     const Capture capture = setCapture(m_options.capture, drawing);
     const ReadPlan read = readPlan(drawing, layers);
     const plan::FindWallsOptions options = m_reading.inUnitsOf(drawing);
-    const plan::FoundWalls found = plan::findWalls(read.drawing, options);
+    plan::FoundWalls found;
+    Progress::during("Finding walls", [&] { found = plan::findWalls(read.drawing, options); });
+    Progress::checkInterrupt();
     Picture picture;
     if (job.hasPicture()) {
       picture = wallsPicture(drawing, read, found);
     }
-    std::vector<std::string> walls;
-    std::vector<std::string> openings;
     // Nothing is added in a dry run, and no handle told.
-    walls.resize(found.plan.walls.size());
-    openings.resize(found.plan.openings.size());
+    std::vector<std::string> walls(found.plan.walls.size());
+    std::vector<std::string> openings(found.plan.openings.size());
+    std::vector<std::string> columns(found.columns.size());
     if (!job.isDryRun) {
-      makeLayer(drawing, m_outLayer, 1);
-      makeLayer(drawing, m_openingLayer, 4);
+      makeLayer(drawing, m_outLayer, kWallColor);
+      makeLayer(drawing, m_openingLayer, kOpeningColor);
       for (std::size_t i = 0; i < walls.size(); ++i) {
         walls[i] = appendWall(drawing, found.plan.walls[i], m_outLayer);
       }
       for (std::size_t i = 0; i < openings.size(); ++i) {
         openings[i] = appendOpening(drawing, found.plan, found.plan.openings[i], m_openingLayer);
+      }
+      if (!columns.empty()) {
+        makeLayer(drawing, m_columnLayer, kColumnColor);
+      }
+      for (std::size_t i = 0; i < columns.size(); ++i) {
+        columns[i] = appendOutline(drawing, found.columns[i], m_columnLayer);
       }
     }
     job.save(drawing);
@@ -87,7 +98,7 @@ class WallsCommand : public DrawingCommand {
     tellLeftOut(drawing, read.found, false, report);
     warnOfUnits(m_options.capture, drawing, read.found.lines, report);
     if (report.isJson()) {
-      addJson(drawing, read, found, capture, walls, openings, report.json);
+      addJson(drawing, read, found, capture, {walls, openings, columns}, report.json);
     }
   }
 
@@ -109,18 +120,21 @@ class WallsCommand : public DrawingCommand {
       return fmt::format("  {} {} wide: {} {}", shortText(found.widths[i].width),
                          drawing.unitName(), shortText(found.widths[i].length), drawing.unitName());
     });
+    if (!found.columns.empty()) {
+      report.line("{} on {}", countText(found.columns.size(), "column"), m_columnLayer);
+    }
     report.line("{} left over", countText(found.leftOver.size(), "line"));
   }
 
   void addJson(const Drawing& drawing, const ReadPlan& read, const plan::FoundWalls& found,
-               const Capture& capture, const std::vector<std::string>& walls,
-               const std::vector<std::string>& openings, nlohmann::json& report) const {
+               const Capture& capture, const FoundHandles& handles, nlohmann::json& report) const {
     report.update({{"capture", captureJson(capture)},
                    {"layers", namesJson(read.layers)},
                    {"lines", read.drawing.lines.size()},
                    {"outLayer", m_outLayer},
-                   {"openingLayer", m_openingLayer}});
-    addFoundWalls(drawing, read, found, walls, openings, report);
+                   {"openingLayer", m_openingLayer},
+                   {"columnLayer", m_columnLayer}});
+    addFoundWalls(drawing, read, found, handles, report);
     addLeftOut(drawing, read.found, report);
   }
 
@@ -128,6 +142,7 @@ class WallsCommand : public DrawingCommand {
   ReadingOptions m_reading;
   std::string m_outLayer = kWallLayer;
   std::string m_openingLayer = kOpeningLayer;
+  std::string m_columnLayer = kColumnLayer;
 };
 
 }  // namespace

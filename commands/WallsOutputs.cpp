@@ -6,6 +6,7 @@
 #include <numbers>
 
 #include "commands/ReportFields.h"
+#include "commands/RoomOutputs.h"
 #include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
@@ -14,6 +15,8 @@
 namespace quoin::commands {
 
 namespace {
+
+constexpr Color kColumnFill{0.78, 0.90, 0.83};
 
 AcGePoint3d high(const AcGePoint2d& point) {
   return {point.x, point.y, 0.0};
@@ -54,6 +57,16 @@ Picture wallsPicture(Drawing& drawing, const ReadPlan& read, const plan::FoundWa
                   countText(found.plan.openings.size(), "opening"),
                   countText(found.leftOver.size(), "line")));
   addPlanShapes(picture, drawing, {});
+  for (const plan::PlanOutline& column : found.columns) {
+    Path path;
+    path.points = column;
+    path.isClosed = true;
+    path.color = palette::kThird;
+    path.width = kWallWidth;
+    path.isFilled = true;
+    path.fill = kColumnFill;
+    picture.paths.push_back(std::move(path));
+  }
   std::vector<bool> isLeft(read.drawing.lines.size(), false);
   for (const std::size_t line : found.leftOver) {
     isLeft[line] = true;
@@ -76,20 +89,20 @@ Picture wallsPicture(Drawing& drawing, const ReadPlan& read, const plan::FoundWa
   picture.legend = {{"face", palette::kWall, false, MarkShape::Dot, 1.0},
                     {"wall", palette::kFirst, false, MarkShape::Dot, kPieceWidth},
                     {"opening", palette::kMark, false, MarkShape::Dot, kWallWidth + 1.0},
+                    {"column", palette::kThird, false, MarkShape::Dot, kWallWidth},
                     {"left over", palette::kSecond, false, MarkShape::Dot, 1.6},
                     {"rest of the plan", palette::kPlan}};
   return picture;
 }
 
 void addFoundWalls(const Drawing& drawing, const ReadPlan& read, const plan::FoundWalls& found,
-                   const std::vector<std::string>& walls, const std::vector<std::string>& openings,
-                   nlohmann::json& report) {
-  for (const char* list : {"walls", "openings", "curved", "widths", "leftOver"}) {
+                   const FoundHandles& handles, nlohmann::json& report) {
+  for (const char* list : {"walls", "openings", "columns", "curved", "widths", "leftOver"}) {
     report[list] = nlohmann::json::array();
   }
   for (std::size_t i = 0; i < found.plan.walls.size(); ++i) {
     const plan::Wall& wall = found.plan.walls[i];
-    nlohmann::json json = lineJson(walls[i], high(wall.start), high(wall.end));
+    nlohmann::json json = lineJson(handles.walls[i], high(wall.start), high(wall.end));
     json.update({{"left", wall.left},
                  {"right", wall.right},
                  {"width", wall.width()},
@@ -100,11 +113,15 @@ void addFoundWalls(const Drawing& drawing, const ReadPlan& read, const plan::Fou
   }
   for (std::size_t i = 0; i < found.plan.openings.size(); ++i) {
     const plan::Opening& opening = found.plan.openings[i];
-    nlohmann::json json =
-        lineJson(openings[i], high(found.plan.startOf(opening)), high(found.plan.endOf(opening)));
+    nlohmann::json json = lineJson(handles.openings[i], high(found.plan.startOf(opening)),
+                                   high(found.plan.endOf(opening)));
     json.update(
         {{"width", opening.width()}, {"wall", opening.wall}, {"kind", plan::nameOf(opening.kind)}});
     report["openings"].push_back(std::move(json));
+  }
+  for (std::size_t i = 0; i < found.columns.size(); ++i) {
+    report["columns"].push_back(
+        {{"handle", handles.columns[i]}, {"polygon", ringJson(found.columns[i])}});
   }
   for (const plan::CurvedWall& wall : found.curved) {
     constexpr double kDegrees = 180.0 / std::numbers::pi;

@@ -18,10 +18,15 @@ double lengthOf(const plan::WallPlan& plan);
 /// Faces, walls, openings and what was left over, above the rest of the plan.
 Picture wallsPicture(Drawing& drawing, const ReadPlan& read, const plan::FoundWalls& found);
 
-/// Adds the fields walls, openings, curved (angles in degrees), widths and leftOver of a report.
-/// `walls` and `openings` are the handles of what stands for each in the drawing.
+/// The handles of what stands for each in the drawing.
+struct FoundHandles {
+  const std::vector<std::string>& walls;
+  const std::vector<std::string>& openings;
+  const std::vector<std::string>& columns;
+};
+/// Adds the fields walls, openings, columns, curved (angles in degrees), widths and leftOver of a
+/// report.
 void addFoundWalls(const Drawing& drawing, const ReadPlan& read, const plan::FoundWalls& found,
-                   const std::vector<std::string>& walls, const std::vector<std::string>& openings,
-                   nlohmann::json& report);
+                   const FoundHandles& handles, nlohmann::json& report);
 
 }  // namespace quoin::commands

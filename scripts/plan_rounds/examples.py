@@ -9,7 +9,7 @@ import re
 
 from drafting import flat, house, office, received
 from drafting.sheet import Sheet, inset
-from plan_rounds.drawing import distance_to, inside
+from plan_rounds.drawing import inside
 from plan_rounds.network import Edge, Network, area, gross_polygon, net_polygon, slack
 
 FITS = 1e-6  # parts of a wall's width, within which ends meet
@@ -78,6 +78,9 @@ class Recorder(Sheet):
         if x is not None:
             place = position[0] + x * math.cos(turn), position[1] + x * math.sin(turn)
             (self.doors if name == "DOOR-090" else self.windows).append(place)
+        if name == "COLUMN-40":
+            (x, y), half = position, 0.2
+            self.boxes.append((layer, (x - half, y - half), (x + half, y + half)))
         super().insert(layer, name, position, rotation, xscale, yscale)
 
     def box(self, layer, corner, opposite, where=None):
@@ -272,8 +275,8 @@ def truth_of(sheet, room_layer, columns=(), optional=lambda room: False, doors=(
                  and not any(inside(hole, position) for hole, _ in holes)]
         names = [text for _, text in inner if is_label(text)]
         labelled = [float(text.split()[0]) for _, text in inner if "m²" in text]
-        within = [round(abs(area(box)) / unit ** 2, digits) for box in boxes
-                  if all(inside(net, p) or distance_to(net, p) < FITS * unit for p in box)]
+        within = [part for part in (round(area_within(net, box) / unit ** 2, digits)
+                                    for box in boxes) if part > 0.0]
         room = {"name": " ".join(names), "names": names,
                 "netArea": round((area(net) + sum(area(hole) for hole, _ in holes)) / unit ** 2, 9),
                 "grossArea": round((area(gross) + sum(area(g) for _, g in holes)) / unit ** 2, 9),
@@ -298,6 +301,21 @@ def truth_of(sheet, room_layer, columns=(), optional=lambda room: False, doors=(
                                        "place": 300.0},
             "walls": walls, "openings": openings, "rooms": rooms,
             "columns": [{"polygon": box} for box in boxes]}
+
+
+def area_within(polygon, box):
+    """The area of a polygon inside a box along the axes."""
+    for axis, limit, sign in ((0, box[0][0], 1.0), (0, box[2][0], -1.0),
+                              (1, box[0][1], 1.0), (1, box[2][1], -1.0)):
+        kept = []
+        for p, q in zip(polygon, polygon[1:] + polygon[:1]):
+            a, b = sign * (p[axis] - limit), sign * (q[axis] - limit)
+            if a >= 0.0:
+                kept.append(p)
+            if a * b < 0.0:
+                kept.append(tuple(u + (v - u) * (a / (a - b)) for u, v in zip(p, q)))
+        polygon = kept
+    return abs(area(polygon)) if polygon else 0.0
 
 
 def rounded(value):
@@ -335,7 +353,7 @@ def truths():
     sheet = recorded(flat)
     found["flat"] = truth_of(sheet, flat.ROOMS, (flat.COLUMNS, flat.INSIDE))
     sheet = recorded(office)
-    found["office"] = truth_of(sheet, office.ROOMS,
+    found["office"] = truth_of(sheet, office.ROOMS, (office.COLUMNS,),
                                 optional=lambda room: room["netArea"] > 1000.0)  # the court
     sheet = recorded(house)
     sliding = [(0.5 * (a[0] + b[0]), 0.5 * (a[1] + b[1]))

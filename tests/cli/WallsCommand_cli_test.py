@@ -52,6 +52,25 @@ class WallsTest(cli.CliTest):
             space.add_line((2000, y), (3500, y), dxfattribs={"layer": "GLASS"})
         return self.save(name)
 
+    def test_columns_are_drawn_and_taken_out_of_rooms(self):
+        plan = self.plan()
+        space = self.documents["plan.dxf"].modelspace()
+        space.add_lwpolyline([(2000, 1000), (2400, 1000), (2400, 1500), (2000, 1500)], close=True,
+                             dxfattribs={"layer": "COLUMNS"})
+        self.save("plan.dxf")
+        report = self.report("walls", plan, "-o", self.path("o.dxf"))
+        self.assertEqual(report["columnLayer"], "QUOIN-COLUMN")
+        (column,) = report["columns"]
+        self.assertEqual(column["polygon"], [[2000, 1000], [2400, 1000], [2400, 1500],
+                                             [2000, 1500]])
+        after, findings = cli.read(self.path("o.dxf"))
+        self.assertEqual(findings, [])
+        drawn = after.entitydb[column["handle"]]
+        self.assertEqual((drawn.dxftype(), drawn.dxf.layer, drawn.closed),
+                         ("LWPOLYLINE", "QUOIN-COLUMN", True))
+        rooms = self.report("rooms", self.path("o.dxf"), "--layer", "QUOIN-WALL", "--dry-run")
+        self.assertAlmostEqual(rooms["rooms"][0]["netArea"], 4.6 * 2.6 - 0.4 * 0.5, 9)
+
     def test_walls_and_openings_of_a_room(self):
         report = self.report("walls", self.plan(), "-o", self.path("o.dxf"))
         self.assertEqual(report["layers"], ["WALL"])
@@ -123,8 +142,10 @@ class WallsTest(cli.CliTest):
         outlined = self.report("outline", plan, "--layer", "QUOIN-WALL", "-o", self.path("o.dxf"))
         self.assertEqual(len(outlined["walls"]), 4)
         outlines = cli.lines_of(cli.read(self.path("o.dxf"))[0], "WALL-OUTLINE")
-        self.assertEqual(sorted(math.dist(start, end) for start, end, _ in outlines),
-                         [2600, 2600, 3000, 3000, 4600, 4600, 5000, 5000])
+        lengths = sorted(math.dist(start, end) for start, end, _ in outlines)
+        # Four jambs; a door 900 wide in the south and a window 1500 wide in the north.
+        self.assertEqual(lengths, [200, 200, 200, 200, 800, 1000, 1300, 1500, 1800, 2000, 2600, 2600,
+                                   2900, 3000, 3000, 3100])
 
     def test_widths_are_told(self):
         plan = self.plan()
