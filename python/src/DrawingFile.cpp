@@ -20,6 +20,7 @@
 #include "commands/LayerChoice.h"
 #include "commands/OutputFile.h"
 #include "commands/Polylines.h"
+#include "commands/Progress.h"
 #include "commands/SingleLines.h"
 #include "commands/SpaceChange.h"
 #include "commands/WallChanges.h"
@@ -79,14 +80,19 @@ class Document {
     return at->second;
   }
 
-  /// Fails: throws CommandError (EntityFailed) for a name that no entity has.
-  AcDbObjectId entityWith(std::uint64_t name) {
+  /// Of whatever object has the name; null for none.
+  AcDbObjectId objectWith(std::uint64_t name) {
     AcDbObjectId id;
     if (name >= kFirstNumber && name - kFirstNumber < m_unnamed.size()) {
-      id = m_unnamed[name - kFirstNumber];
-    } else {
-      drawing.database().getAcDbObjectId(id, false, AcDbHandle(name));
+      return m_unnamed[name - kFirstNumber];
     }
+    drawing.database().getAcDbObjectId(id, false, AcDbHandle(name));
+    return id;
+  }
+
+  /// Fails: throws CommandError (EntityFailed) for a name that no entity has.
+  AcDbObjectId entityWith(std::uint64_t name) {
+    const AcDbObjectId id = objectWith(name);
     if (id.isNull() || id.isErased() || hostx::layerName(id).empty()) {
       throw CommandError(ExitCode::EntityFailed,
                          fmt::format("{}: it has no entity {:X}", drawing.file().string(), name));
@@ -189,8 +195,16 @@ class Replacer {
     collect();
     std::vector<WallChange> changes;
     std::vector<const std::vector<std::size_t>*> rowsOf;
+    commands::Progress progress("Changing the drawing");
+    std::size_t done = 0;
     for (const auto& [first, sources] : m_order) {
+      if (!progress.step(++done, m_order.size())) {
+        commands::Progress::checkInterrupt();
+      }
       for (const auto& [segment, rows] : *sources) {
+        if (rows.size() == 1 && segment == WallLine::kWholeEntity && moveLine(first, rows[0])) {
+          continue;
+        }
         if (std::optional<WallChange> change = changeFor(first, segment, rows)) {
           changes.push_back(std::move(*change));
           rowsOf.push_back(&rows);
@@ -220,6 +234,41 @@ class Replacer {
     }
   }
 
+  /// A LINE that stays one is opened once; false where it is none.
+  bool moveLine(std::uint64_t handle, std::size_t row) {
+    const AcDbObjectId id = m_document.objectWith(handle);
+    AcDbObjectPointer<AcDbLine> line(id, AcDb::kForRead);
+    if (line.openStatus() != Acad::eOk) {
+      return false;
+    }
+    const WallLine source{
+        line->startPoint(), line->endPoint(), id, WallLine::kWholeEntity, false, {}};
+    const AcGePoint3d start = placed(m_lines.start(row), source, row);
+    const AcGePoint3d end = placed(m_lines.end(row), source, row);
+    const bool isStartSame = isSamePoint(start, source.start);
+    const bool isEndSame = isSamePoint(end, source.end);
+    m_results[row] = handle;
+    if (isStartSame && isEndSame) {
+      return true;
+    }
+    if (isOnLockedLayer(id)) {
+      m_results[row] = 0;
+      return true;
+    }
+    commands::check(line->upgradeOpen(), m_drawing, id, "open the line");
+    if (!isStartSame) {
+      commands::check(line->setStartPoint(start), m_drawing, id, "move the line's start");
+    }
+    if (!isEndSame) {
+      commands::check(line->setEndPoint(end), m_drawing, id, "move the line's end");
+    }
+    return true;
+  }
+
+  bool isOnLockedLayer(const AcDbObjectId& id) const {
+    return !m_locked.empty() && m_locked.count(hostx::layerName(id)) != 0;
+  }
+
   /// Nothing where the line stays as it is.
   std::optional<WallChange> changeFor(std::uint64_t handle, std::int32_t segment,
                                       const std::vector<std::size_t>& rows) {
@@ -244,7 +293,7 @@ class Replacer {
     const AcDbObjectId id = m_document.entityWith(handle);
     const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
     commands::check(entity.openStatus(), m_drawing, id, "open the entity");
-    WallLine line{{}, {}, id, segment, m_locked.count(hostx::layerName(id)) != 0, {}};
+    WallLine line{{}, {}, id, segment, isOnLockedLayer(id), {}};
     const AcDbLine* const single = AcDbLine::cast(entity.object());
     if (single && segment == WallLine::kWholeEntity) {
       line.start = single->startPoint();
