@@ -36,6 +36,8 @@ if(QUOIN_PYTHON_PACKAGE)
   set(CPACK_DEBIAN_${PYTHON3}_DESCRIPTION "wall geometry toolkit: the Python package
  Arrays of lines in and out, and drawings as documents.")
   set(CPACK_DEBIAN_${PYTHON3}_PACKAGE_SECTION python)
+  set(CPACK_DEBIAN_${PYTHON3}_PACKAGE_CONTROL_EXTRA
+    ${PROJECT_SOURCE_DIR}/cmake/debian/postinst;${PROJECT_SOURCE_DIR}/cmake/debian/prerm)
   set(CPACK_DEBIAN_${PYTHON3}_PACKAGE_DEPENDS
     "quoin (= ${PROJECT_VERSION}), python3 (>= ${Python_VERSION_MAJOR}.${Python_VERSION_MINOR}), python3 (<< ${Python_VERSION_MAJOR}.${NEXT_MINOR}), python3-numpy")
 endif()

@@ -50,7 +50,7 @@ class Saved(NamedTuple):
 class Moved(NamedTuple):
     """How many entities followed, and those that stayed with the reason."""
 
-    count: int
+    moved: int
     left: List[Tuple[str, str]]
 
 

@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from typing import Any, Tuple
+from typing import Tuple
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray

@@ -18,6 +18,7 @@ KINDS = ("opening", "door", "window")
 #: an index into KINDS, and the heights of sill and head above the floor, or nan.
 OPENINGS = np.dtype([("wall", "i8"), ("start", "f8"), ("end", "f8"), ("kind", "u1"),
                      ("sill", "f8"), ("head", "f8")])
+_COLUMNS = ("wall", "start", "end", "kind", "sill", "head")
 
 
 class Outline(NamedTuple):
@@ -59,13 +60,13 @@ def openings_to_rows(openings: Any, walls: int) -> NDArray[np.float64]:
     for name in ("sill", "head"):
         for i in np.flatnonzero(np.isinf(array[name]))[:1]:
             raise Error(f"openings[{i}]: {name} is {array[name][i]}")
-    return np.column_stack([array[name].astype(np.float64) for name in OPENINGS.names])
+    return np.column_stack([array[name].astype(np.float64) for name in _COLUMNS])
 
 
 def rows_to_openings(rows: NDArray[np.float64]) -> NDArray[Any]:
     """The other way round."""
     openings = np.zeros(len(rows), dtype=OPENINGS)
-    for column, name in enumerate(OPENINGS.names):
+    for column, name in enumerate(_COLUMNS):
         openings[name] = rows[:, column]
     return openings
 
@@ -101,9 +102,9 @@ def solid(lines: ArrayLike, left: ArrayLike, right: ArrayLike, height: float,
     ((12, 3), (10, 4))
     """
     array = _arrays.lines(lines)
-    heights = [_arrays.length(value, name) for value, name in
-               ((sill, "sill"), (head, "head"), (door_head, "door_head"))]
     return Mesh(*_quoin.solid(array, _arrays.widths(left, right, len(array)),
                               _arrays.length(height, "height", excluded=True),
                               _arrays.length(capture, "capture", excluded=True),
-                              openings_to_rows(openings, len(array)), *heights, progress))
+                              openings_to_rows(openings, len(array)),
+                              _arrays.length(sill, "sill"), _arrays.length(head, "head"),
+                              _arrays.length(door_head, "door_head"), progress))

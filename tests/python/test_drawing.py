@@ -8,7 +8,7 @@ import numpy as np
 import pytest
 
 import quoin
-from conftest import EXAMPLES, ROOT, SHARED, run
+from conftest import EXAMPLES, SHARED, run
 
 FLAT = "examples/flat/flat.dxf"
 
@@ -144,7 +144,7 @@ def test_extents_and_moves_are_the_program_s(tmp_path):
         least, greatest = drawing.extents()
         assert (least <= greatest).all()
         moved = drawing.transform(move=-least[:2])
-        assert moved.count == len(drawing.entities()) and moved.left == []
+        assert moved.moved == len(drawing.entities()) and moved.left == []
         assert np.abs(drawing.extents()[0][:2]).max() < 1e-9
         drawing.save(path)
         for wrong in ({"factor": 0}, {"factor": np.nan}, {"move": (1, np.inf)},
