@@ -1,10 +1,12 @@
 """Builds the extension module with CMake and lays Quoin's libraries beside it.
 
-QUOIN_BUILD names a build tree to use, configured with QUOIN_PYTHON_PACKAGE; else one is made.
+QUOIN_BUILD names a build tree to use, configured with QUOIN_PYTHON_PACKAGE; else one is made, with
+what CMAKE_ARGS adds. QUOIN_JOBS says how many compilers run at a time.
 """
 
 import os
 import pathlib
+import shlex
 import shutil
 import subprocess
 import sys
@@ -27,7 +29,8 @@ class CMakeBuild(build_ext):
             subprocess.run(["cmake", "-S", ROOT, "-B", tree, *generator, "--log-level=WARNING",
                             "-DCMAKE_BUILD_TYPE=Release", "-DQUOIN_TESTS=OFF",
                             "-DQUOIN_INSTALL=OFF", "-DQUOIN_PYTHON_PACKAGE=ON",
-                            f"-DPython_EXECUTABLE={sys.executable}"], check=True)
+                            f"-DPython_EXECUTABLE={sys.executable}",
+                            *shlex.split(os.environ.get("CMAKE_ARGS", ""))], check=True)
         jobs = os.environ.get("QUOIN_JOBS", str(os.cpu_count() or 1))
         subprocess.run(["cmake", "--build", tree, "--target", "quoin_python", "-j", jobs],
                        check=True)

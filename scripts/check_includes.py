@@ -64,10 +64,10 @@ COMPILER = {
 HEADERS_ALLOWED = {
     ("embedded/dwg/container", "embedded/dxf"): {"embedded/dxf/FileError.h",
                                                  "embedded/dxf/Format.h"},
-    # Drawings, lines and walls as the commands see them; neither options nor reports.
+    # Drawings, lines, walls and plans as the commands see them; not their frame, not their reports.
     ("python", "commands"): {"commands/" + name + ".h" for name in (
         "AxisOverhang", "CommandError", "Drawing", "LayerChoice", "OutlineLines", "OutputFile",
-        "Polylines", "Progress", "ProgressListener", "SingleLines", "SpaceChange", "WallBodies",
+        "PlanReading", "Polylines", "Progress", "ProgressListener", "SingleLines", "SpaceChange", "WallBodies",
         "WallChanges", "WallCuts", "WallLines", "WallPrism", "WallWords", "picture/PictureParts",
         "picture/PlanShapes", "picture/Render")},
 }

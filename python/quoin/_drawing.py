@@ -10,6 +10,7 @@ from numpy.typing import ArrayLike, NDArray
 
 from . import _arrays, _quoin
 from ._errors import Error
+from ._reading import Walls, reading_lengths, walls_of
 
 #: A handle as a number, or in hexadecimal as drawing files spell it.
 Handle = Union[int, str]
@@ -221,6 +222,13 @@ class Drawing:
         """Adds LINEs to model space, on a layer that is made where it is missing; returns their
         handles."""
         return self._file.append(_arrays.lines(lines), str(layer))
+
+    def find_walls(self, layers: Union[str, Iterable[str], None] = None,
+                   **lengths: float) -> Walls:
+        """The walls of a plan that draws each as two faces, as ``quoin walls`` finds them: with the
+        lines of blocks and multilines, and what other layers show in openings. Options are those
+        of quoin.find_walls(); `layers` as for lines()."""
+        return walls_of(self._file.find_walls(_patterns(layers), reading_lengths(lengths)))
 
     # --- the whole ----------------------------------------------------------------------------
 

@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 from dataclasses import dataclass, field
-from typing import Any, List, Sequence, Tuple
+from typing import Any, Dict, List, Sequence, Tuple
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
@@ -19,9 +19,9 @@ class Walls:
     """Walls that were found, by their reference lines.
 
     `lines` has the shape (n, 4); `left` and `right` are the distances of the faces, `confidence`
-    goes from 0 to 1. `openings` has the dtype quoin.OPENINGS. `faces` are the indices of the lines
-    that each wall was found from, `left_over` those that are part of nothing, `columns` closed
-    outlines that are none of a wall.
+    goes from 0 to 1. `openings` has the dtype quoin.OPENINGS. `face_lines` are the lines that were
+    read; `faces` are the indices of those that each wall was found from, `left_over` those that are
+    part of nothing, `columns` closed outlines that are none of a wall.
     """
 
     lines: NDArray[np.float64]
@@ -30,6 +30,7 @@ class Walls:
     confidence: NDArray[np.float64]
     openings: NDArray[Any]
     faces: List[NDArray[np.int64]]
+    face_lines: NDArray[np.float64]
     left_over: NDArray[np.int64]
     columns: List[NDArray[np.float64]]
 
@@ -64,6 +65,21 @@ class Room:
         return {"type": "Polygon", "coordinates": [[tuple(p) for p in ring] for ring in rings]}
 
 
+def reading_lengths(lengths: Dict[str, float]) -> Dict[str, float]:
+    """The options of plan reading, checked."""
+    known = {"min_width", "max_width", "max_opening", "reach", "min_confidence"}
+    for name in lengths.keys() - known:
+        raise TypeError(f"find_walls() has no argument '{name}'")
+    return {name: _arrays.length(value, name) for name, value in lengths.items()}
+
+
+def walls_of(found: Dict[str, Any]) -> Walls:
+    """What the extension module has found."""
+    widths = found.pop("widths")
+    found["openings"] = rows_to_openings(found["openings"])
+    return Walls(left=widths[:, 0], right=widths[:, 1], **found)
+
+
 def find_walls(lines: ArrayLike, mm_per_unit: float = 1.0, arcs: ArrayLike | None = None,
                symbols: ArrayLike | None = None, **lengths: float) -> Walls:
     """Finds the walls of a plan that draws each as two faces, and the openings in them.
@@ -80,9 +96,6 @@ def find_walls(lines: ArrayLike, mm_per_unit: float = 1.0, arcs: ArrayLike | Non
     >>> walls.lines.tolist(), (walls.left + walls.right).tolist()
     ([[0.0, 100.0, 4000.0, 100.0]], [200.0])
     """
-    known = {"min_width", "max_width", "max_opening", "reach", "min_confidence"}
-    for name in lengths.keys() - known:
-        raise TypeError(f"find_walls() has no argument '{name}'")
     turns = np.empty((0, 5)) if arcs is None else _arrays.numbers(arcs, "arcs")
     if turns.ndim != 2 or turns.shape[1] != 5 or not np.isfinite(turns).all():
         raise Error("arcs: rows of five finite numbers are wanted: x, y, radius, begin, turn")
@@ -90,10 +103,8 @@ def find_walls(lines: ArrayLike, mm_per_unit: float = 1.0, arcs: ArrayLike | Non
     found = _quoin.find_walls(
         _arrays.lines(lines), turns, _arrays.lines(drawn, "symbols"),
         _arrays.length(mm_per_unit, "mm_per_unit", excluded=True),
-        {name: _arrays.length(value, name) for name, value in lengths.items()})
-    widths = found.pop("widths")
-    found["openings"] = rows_to_openings(found["openings"])
-    return Walls(left=widths[:, 0], right=widths[:, 1], **found)
+        reading_lengths(lengths))
+    return walls_of(found)
 
 
 def find_rooms(lines: "ArrayLike | Walls", left: ArrayLike | None = None,

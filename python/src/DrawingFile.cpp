@@ -19,6 +19,7 @@
 #include "commands/Drawing.h"
 #include "commands/LayerChoice.h"
 #include "commands/OutputFile.h"
+#include "commands/PlanReading.h"
 #include "commands/Polylines.h"
 #include "commands/Progress.h"
 #include "commands/SingleLines.h"
@@ -35,6 +36,7 @@
 #include "python/src/Arrays.h"
 #include "python/src/Bindings.h"
 #include "python/src/Engine.h"
+#include "python/src/FoundWalls.h"
 
 namespace quoin::python {
 
@@ -531,6 +533,25 @@ py::tuple save(const DrawingFile& file, const std::string& path, bool keepsBacku
   return py::make_tuple(os::toUtf8(saved.backup), saved.isUnchanged);
 }
 
+/// As `quoin walls` reads the drawing.
+py::dict findWalls(const DrawingFile& file, const std::vector<std::string>& layers,
+                   const Lengths& lengths) {
+  struct Read {
+    plan::FoundWalls found;
+    std::vector<plan::PlanLine> faceLines;
+  };
+  const Read read = file.with([layers, lengths](Document& document) {
+    Drawing& drawing = document.drawing;
+    chooseLayers(drawing, layers);  // for its words where there is none
+    const plan::FindWallsOptions options = findWallsOptions(drawing.millimetersPerUnit(), lengths);
+    commands::ReadPlan plan =
+        commands::readPlan(drawing, commands::chooseFaceLayers(drawing, layers));
+    plan::FoundWalls found = plan::findWalls(plan.drawing, options);
+    return Read{std::move(found), std::move(plan.drawing.lines)};
+  });
+  return dictOf(read.found, read.faceLines);
+}
+
 }  // namespace
 
 void addDrawing(py::module_& module) {
@@ -600,6 +621,7 @@ void addDrawing(py::module_& module) {
             }));
           },
           py::arg("lines"), py::arg("layer"))
+      .def("find_walls", &findWalls, py::arg("layers"), py::arg("lengths"))
       .def("extents", &extentsOf, py::arg("all"))
       .def("transform", &transform, py::arg("factor"), py::arg("x"), py::arg("y"), py::arg("z"),
            py::arg("leave_behind"), py::arg("progress"))

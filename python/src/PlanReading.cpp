@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "commands/CommandError.h"
@@ -15,6 +16,7 @@
 #include "python/src/Arrays.h"
 #include "python/src/Bindings.h"
 #include "python/src/Engine.h"
+#include "python/src/FoundWalls.h"
 
 namespace quoin::python {
 
@@ -80,8 +82,13 @@ py::tuple wallsOf(const std::vector<plan::Wall>& walls) {
                         toArray(std::move(confidence)));
 }
 
-plan::FoundWalls findWalls(const Lines& lines, const Numbers& arcs, const Lines& symbols,
-                           const plan::FindWallsOptions& options) {
+struct ReadWalls {
+  plan::FoundWalls found;
+  std::vector<plan::PlanLine> faceLines;
+};
+
+ReadWalls findWalls(const Lines& lines, const Numbers& arcs, const Lines& symbols,
+                    const plan::FindWallsOptions& options) {
   plan::PlanDrawing drawing;
   drawing.lines.reserve(lines.count());
   for (std::size_t i = 0; i < lines.count(); ++i) {
@@ -95,28 +102,8 @@ plan::FoundWalls findWalls(const Lines& lines, const Numbers& arcs, const Lines&
     drawing.symbols.push_back(
         {{inPlan(symbols.start(i)), inPlan(symbols.end(i))}, false, plan::OpeningKind::Opening});
   }
-  return plan::findWalls(drawing, options);
-}
-
-py::dict dictOf(const plan::FoundWalls& found) {
-  py::list faces;
-  for (const std::vector<std::size_t>& lines : found.faces) {
-    faces.append(indicesOf(lines));
-  }
-  py::list columns;
-  for (const plan::PlanOutline& column : found.columns) {
-    columns.append(cornersOf(column));
-  }
-  py::dict result;
-  const py::tuple walls = wallsOf(found.plan.walls);
-  result["lines"] = walls[0];
-  result["widths"] = walls[1];
-  result["confidence"] = walls[2];
-  result["openings"] = openingsOf(found.plan.openings);
-  result["faces"] = faces;
-  result["columns"] = columns;
-  result["left_over"] = indicesOf(found.leftOver);
-  return result;
+  plan::FoundWalls found = plan::findWalls(drawing, options);
+  return {std::move(found), std::move(drawing.lines)};
 }
 
 plan::FoundRooms findRooms(const Lines& lines, const Numbers& widths, const Numbers& openings,
@@ -216,32 +203,65 @@ FoundLines cleanLines(const Lines& lines, const Rows<std::int64_t>& keys, double
 
 }  // namespace
 
+plan::FindWallsOptions findWallsOptions(double millimetersPerUnit, const Lengths& given) {
+  plan::FindWallsOptions options = plan::FindWallsOptions::inUnitsOf(millimetersPerUnit);
+  const auto set = [&](const char* name, double& value) {
+    if (const auto length = given.find(name); length != given.end()) {
+      value = length->second;
+    }
+  };
+  set("min_width", options.minWidth);
+  set("max_width", options.maxWidth);
+  set("max_opening", options.maxOpening);
+  set("reach", options.reach);
+  set("min_confidence", options.minConfidence);
+  if (!(options.minWidth < options.maxWidth)) {
+    throw commands::CommandError(commands::ExitCode::Usage,
+                                 "min_width, max_width: no width is between them");
+  }
+  // A thin wall's faces must stay two.
+  options.tolerance = std::min(options.tolerance, 0.25 * options.minWidth);
+  return options;
+}
+
+py::dict dictOf(const plan::FoundWalls& found, const std::vector<plan::PlanLine>& faceLines) {
+  py::list faces;
+  for (const std::vector<std::size_t>& lines : found.faces) {
+    faces.append(indicesOf(lines));
+  }
+  py::list columns;
+  for (const plan::PlanOutline& column : found.columns) {
+    columns.append(cornersOf(column));
+  }
+  std::vector<double> read;
+  read.reserve(kLineColumns * faceLines.size());
+  for (const plan::PlanLine& line : faceLines) {
+    read.insert(read.end(), {line.start.x, line.start.y, line.end.x, line.end.y});
+  }
+  py::dict result;
+  result["face_lines"] = toArray(std::move(read), kLineColumns);
+  const py::tuple walls = wallsOf(found.plan.walls);
+  result["lines"] = walls[0];
+  result["widths"] = walls[1];
+  result["confidence"] = walls[2];
+  result["openings"] = openingsOf(found.plan.openings);
+  result["faces"] = faces;
+  result["columns"] = columns;
+  result["left_over"] = indicesOf(found.leftOver);
+  return result;
+}
+
 void addPlanReading(py::module_& module) {
   using Array = Lines::Array;
   module.def(
       "find_walls",
       [](const Array& lines, const Array& arcs, const Array& symbols, double millimetersPerUnit,
-         const std::map<std::string, double>& lengths) {
-        plan::FindWallsOptions options = plan::FindWallsOptions::inUnitsOf(millimetersPerUnit);
-        const auto set = [&](const char* name, double& value) {
-          if (const auto given = lengths.find(name); given != lengths.end()) {
-            value = given->second;
-          }
-        };
-        set("min_width", options.minWidth);
-        set("max_width", options.maxWidth);
-        set("max_opening", options.maxOpening);
-        set("reach", options.reach);
-        set("min_confidence", options.minConfidence);
-        if (!(options.minWidth < options.maxWidth)) {
-          throw commands::CommandError(commands::ExitCode::Usage,
-                                       "min_width, max_width: no width is between them");
-        }
-        // A thin wall's faces must stay two.
-        options.tolerance = std::min(options.tolerance, 0.25 * options.minWidth);
-        return dictOf(
+         const Lengths& lengths) {
+        const plan::FindWallsOptions options = findWallsOptions(millimetersPerUnit, lengths);
+        const ReadWalls read =
             onQuoinThread([lines = Lines(lines), arcs = Numbers(arcs), symbols = Lines(symbols),
-                           options] { return findWalls(lines, arcs, symbols, options); }));
+                           options] { return findWalls(lines, arcs, symbols, options); });
+        return dictOf(read.found, read.faceLines);
       },
       py::arg("lines"), py::arg("arcs"), py::arg("symbols"), py::arg("mm_per_unit"),
       py::arg("lengths"));

@@ -198,6 +198,25 @@ def test_walls_are_the_program_s(tmp_path):
     assert len(walls.openings) == len(found["openings"])
 
 
+@pytest.mark.parametrize("plan", [plan for plan in EXAMPLES if "studio" not in plan])
+def test_walls_of_drawings_are_the_program_s(plan):
+    found = report("walls", plan, "--dry-run")
+    with quoin.Drawing(plan) as drawing:
+        walls = drawing.find_walls()
+        unit = drawing.mm_per_unit
+    assert len(walls) == len(found["walls"]) > 5
+    assert len(walls.face_lines) >= found["lines"]
+    assert [[*wall["start"][:2], *wall["end"][:2]] for wall in found["walls"]] == \
+        walls.lines.tolist()
+    assert [opening["kind"] for opening in found["openings"]] == \
+        [quoin.KINDS[kind] for kind in walls.openings["kind"]]
+    rooms = quoin.find_rooms(walls, capture=10.0 / unit, min_area=0.25e6 / unit**2,
+                             min_width=150.0 / unit)
+    told = report("rooms", plan, "--faces", "--dry-run")["rooms"]
+    assert [room.net_area * (unit * unit / 1e6) for room in rooms] == \
+        [room["netArea"] for room in told]
+
+
 def test_rooms_are_the_program_s(tmp_path):
     with quoin.Drawing("examples/flat/flat.dxf") as drawing:
         lines, _ = drawing.lines()
