@@ -5,6 +5,9 @@
 #   Quoin::frame   what every module links in: version stamp, load and unload hooks
 include(CMakePackageConfigHelpers)
 
+# What is no part of the program and its libraries is for developers (cmake/Package.cmake).
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME libquoin-dev)
+
 set(QUOIN_HEADERS ${CMAKE_INSTALL_INCLUDEDIR}/quoin)
 set(QUOIN_PACKAGE ${CMAKE_INSTALL_LIBDIR}/cmake/Quoin)
 
@@ -68,10 +71,11 @@ target_include_directories(quoin_plan INTERFACE $<INSTALL_INTERFACE:${QUOIN_HEAD
 set_target_properties(quoin_plan PROPERTIES EXPORT_NAME plan)
 
 install(TARGETS quoinhost_api quoinhost quoin_module quoin_plan quoinframe EXPORT QuoinTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT quoin
   OBJECTS DESTINATION ${CMAKE_INSTALL_LIBDIR}/quoin)
 install(TARGETS quoin_app quoin_commands
-  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT quoin
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT quoin)
 install(EXPORT QuoinTargets NAMESPACE Quoin:: DESTINATION ${QUOIN_PACKAGE})
 
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/QuoinConfig.cmake.in

@@ -11,7 +11,7 @@ function(quoin_self_made FILE FOLDER)
     COMMAND $<TARGET_FILE:quoin_app> ${ARGN} > ${OUTPUT}
     DEPENDS quoin_app quoin_commands quoin_module quoinhost VERBATIM)
   set_property(TARGET quoin_app APPEND PROPERTY QUOIN_SELF_MADE ${OUTPUT})
-  install(FILES ${OUTPUT} DESTINATION ${FOLDER})
+  install(FILES ${OUTPUT} DESTINATION ${FOLDER} COMPONENT quoin)
 endfunction()
 
 quoin_self_made(quoin.1 ${CMAKE_INSTALL_MANDIR}/man1 help --man)

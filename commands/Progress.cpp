@@ -7,8 +7,10 @@
 #include <cstdio>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 #include "commands/CommandError.h"
+#include "commands/ProgressListener.h"
 #include "embedded/os/Process.h"
 
 namespace quoin::commands {
@@ -18,6 +20,8 @@ namespace {
 constexpr std::chrono::milliseconds kPatience{700};
 constexpr std::chrono::milliseconds kInterval{100};
 constexpr std::size_t kStepsPerLook = 1024;
+
+std::function<void(double)> s_listener;
 
 /// Back to the begin of a line that is empty: another work's line may have been longer.
 constexpr const char* kNewLine = "\r\033[K";
@@ -77,6 +81,9 @@ Progress::~Progress() {
 }
 
 bool Progress::report(double fraction) {
+  if (s_listener) {
+    s_listener(fraction);
+  }
   const auto now = std::chrono::steady_clock::now();
   if (!s_isSilent && now - m_begin > kPatience && now - m_shown > kInterval &&
       os::isErrorStreamTerminal()) {
@@ -110,6 +117,10 @@ void Progress::checkInterrupt() {
 
 void Progress::silence() {
   s_isSilent = true;
+}
+
+void tellProgress(std::function<void(double)> listener) {
+  s_listener = std::move(listener);
 }
 
 }  // namespace quoin::commands

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "AxisLineCutAlg.h"
+#include "commands/AxisOverhang.h"
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
@@ -85,14 +86,6 @@ class TrimAxesCommand : public DrawingCommand {
   }
 
  private:
-  /// The crossing, moved by the overhang towards the end that the line had, and not beyond it.
-  static AcGePoint3d withOverhang(const AcGePoint3d& crossing, const AcGePoint3d& end,
-                                  double overhang) {
-    const AcGeVector3d cutOff = end - crossing;
-    const double length = cutOff.length();
-    return length <= overhang ? end : crossing + cutOff * (overhang / length);
-  }
-
   static std::vector<TrimmedAxis> trim(const std::vector<SingleLine>& lines, double overhang) {
     AxisLineCutAlg algorithm;
     for (const SingleLine& line : lines) {
@@ -103,12 +96,8 @@ class TrimAxesCommand : public DrawingCommand {
     std::vector<TrimmedAxis> axes;
     for (std::size_t i = 0; i < lines.size(); ++i) {
       const AxisLikeLineSeg& trimmed = *algorithm.GetDestAxisLines()[i];
-      if (overhang > 0.0) {
-        axes.push_back({&lines[i], withOverhang(trimmed.ptStart, lines[i].start, overhang),
-                        withOverhang(trimmed.ptEnd, lines[i].end, overhang)});
-      } else {
-        axes.push_back({&lines[i], trimmed.ptStart, trimmed.ptEnd});
-      }
+      axes.push_back({&lines[i], withOverhang(trimmed.ptStart, lines[i].start, overhang),
+                      withOverhang(trimmed.ptEnd, lines[i].end, overhang)});
     }
     return axes;
   }

@@ -121,7 +121,11 @@ def main():
         self_test()
         return 0
     environment = dict(os.environ, LC_ALL="C.UTF-8")
-    environment["PATH"] = f"{arguments.quoin.resolve().parent}:{environment['PATH']}"
+    folder = arguments.quoin.resolve().parent
+    # Debian's interpreter is the one that sees Debian's libraries.
+    environment["PATH"] = f"{folder}:/usr/bin:{environment['PATH']}"
+    environment["PYTHONPATH"] = str(folder.parent / "python")
+    environment["PYTHONDONTWRITEBYTECODE"] = "1"
     wrong = ran = 0
     pages = documents()
     for document in pages:

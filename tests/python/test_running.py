@@ -1,0 +1,202 @@
+"""Threads, processes, Ctrl-C, progress, and memory over many calls."""
+
+import concurrent.futures
+import gc
+import multiprocessing
+import os
+import resource
+import signal
+import subprocess
+import sys
+import threading
+import time
+
+import numpy as np
+import pytest
+
+import quoin
+
+FLAT = "examples/flat/flat.dxf"
+
+
+def town(count, seed=1):
+    """Long walls with stems on them."""
+    random = np.random.default_rng(seed)
+    rows = np.arange(count) // 10
+    lines = np.empty((count, 4))
+    stem = np.arange(count) % 10 != 0
+    x = random.integers(0, 40_000, count).astype(float)
+    lines[:, 0] = np.where(stem, x, 0)
+    lines[:, 1] = rows * 5000.0
+    lines[:, 2] = np.where(stem, x, 40_000)
+    lines[:, 3] = np.where(stem, rows * 5000.0 + 3000, rows * 5000.0)
+    return lines
+
+
+def work(seed):
+    pieces, source = quoin.break_lines(town(2000, seed), capture=10 + seed)
+    with quoin.Drawing(FLAT) as drawing:
+        lines, _ = drawing.lines()
+    return len(pieces), int(source.sum()), len(lines)
+
+
+def test_threads_take_turns_and_find_the_same():
+    expected = [work(seed) for seed in range(8)]
+    with concurrent.futures.ThreadPoolExecutor(8) as pool:
+        for _ in range(3):
+            assert list(pool.map(work, range(8))) == expected
+
+
+@pytest.mark.parametrize("method", ["fork", "spawn"])
+def test_processes_work_side_by_side(method):
+    expected = [work(seed) for seed in range(4)]
+    with multiprocessing.get_context(method).Pool(2) as pool:
+        assert pool.map(work, range(4)) == expected
+
+
+def test_a_fork_while_a_thread_works_is_whole():
+    done = threading.Event()
+
+    def keep_working():
+        while not done.is_set():
+            quoin.break_lines(town(20_000))
+
+    thread = threading.Thread(target=keep_working)
+    thread.start()
+    try:
+        for _ in range(5):
+            child = os.fork()
+            if child == 0:
+                os._exit(0 if len(quoin.break_lines(town(100))[0]) > 100 else 1)
+            assert os.waitpid(child, 0)[1] == 0
+    finally:
+        done.set()
+        thread.join()
+
+
+def test_other_threads_run_while_quoin_works():
+    counted = 0
+    done = threading.Event()
+
+    def count():
+        nonlocal counted
+        while not done.is_set():
+            counted += 1
+            time.sleep(0.001)
+
+    thread = threading.Thread(target=count)
+    thread.start()
+    begin = counted
+    quoin.break_lines(town(300_000))
+    during = counted - begin
+    done.set()
+    thread.join()
+    assert during > 5
+
+
+SCRIPT = """
+import os, signal, sys, threading, time
+import numpy as np
+import quoin
+sys.path.insert(0, "tests/python")
+import test_running
+lines = test_running.town(%d)
+quoin.break_lines(lines[:10])
+print("ready", flush=True)
+begin = time.monotonic()
+try:
+    for _ in range(1000):
+        quoin.break_lines(lines)
+except KeyboardInterrupt:
+    print("stopped", flush=True)
+print(len(quoin.break_lines(lines[:1000])[0]) > 1000, flush=True)
+"""
+
+
+def test_ctrl_c_stops_a_calculation_and_leaves_the_package_usable():
+    process = subprocess.Popen([sys.executable, "-c", SCRIPT % 200_000], stdout=subprocess.PIPE,
+                               text=True)
+    assert process.stdout.readline() == "ready\n"
+    time.sleep(0.5)
+    process.send_signal(signal.SIGINT)
+    words, _ = process.communicate(timeout=60)
+    assert words == "stopped\nTrue\n" and process.returncode == 0
+
+
+def large_drawing(path, count):
+    with quoin.Drawing(FLAT) as drawing:
+        drawing.append(town(count), "WALL")
+        drawing.save(path)
+
+
+def test_progress_is_told_and_may_stop_the_work(tmp_path):
+    path = tmp_path / "large.dxf"
+    large_drawing(path, 60_000)
+    before = path.read_bytes()
+    told = []
+    with quoin.Drawing(path, progress=told.append) as drawing:
+        lines, handles = drawing.lines("WALL", progress=told.append)
+        assert told and told[-1] == 1.0 and all(0.0 <= share <= 1.0 for share in told)
+        drawing.append([[0, 0, 1, 1]], "NEW")
+
+        def stop(share):
+            raise RuntimeError("enough")
+
+        with pytest.raises(RuntimeError, match="enough"):
+            drawing.save(progress=stop)
+    # The file is the one before or the one behind, whole.
+    if path.read_bytes() != before:
+        with quoin.Drawing(path) as drawing:
+            assert len(drawing.lines("NEW")[0]) == 1
+    with pytest.raises(RuntimeError, match="enough"):
+        quoin.outline(lines, 10, 10, progress=stop)
+    assert len(quoin.outline(lines[:1000], 10, 10, progress=told.append).lines) > 1000
+
+
+def resident():
+    gc.collect()
+    with open("/proc/self/statm", encoding="ascii") as file:
+        return int(file.read().split()[1]) * resource.getpagesize()
+
+
+def test_ten_thousand_calls_keep_no_memory():
+    lines = town(30)
+    wrong = lines.copy()
+    wrong[3, 3] = np.nan
+
+    def once():
+        quoin.break_lines(lines, at=[[1, 1]])
+        quoin.merge_lines(lines)
+        quoin.draw_line(lines, (0, 0), (1000, 1000))
+        quoin.trim_axes(lines)
+        quoin.outline(lines, 10, 10)
+        quoin.solid(lines, 10, 10, 100)
+        quoin.clean(lines)
+        quoin.find_walls(lines)
+        quoin.find_rooms(lines, 10, 10)
+        try:
+            quoin.break_lines(wrong)
+        except quoin.Error:
+            pass
+
+    for _ in range(100):
+        once()
+    before = resident()
+    for _ in range(1000):
+        once()
+    assert resident() - before < 4 << 20
+
+
+def test_drawings_that_come_and_go_keep_no_memory():
+    def once():
+        drawing = quoin.Drawing(FLAT)
+        lines, handles = drawing.lines()
+        drawing.replace(lines + 1.0, handles)
+        drawing.picture()
+
+    for _ in range(5):
+        once()
+    before = resident()
+    for _ in range(40):
+        once()
+    assert resident() - before < 8 << 20
