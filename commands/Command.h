@@ -36,6 +36,7 @@ std::unique_ptr<Command> makeStyleCommand();
 std::unique_ptr<Command> makePaintCommand();
 std::unique_ptr<Command> makeMatchPropertiesCommand();
 std::unique_ptr<Command> makeExtentsCommand();
+std::unique_ptr<Command> makeCompareCommand();
 std::unique_ptr<Command> makeToOriginCommand();
 std::unique_ptr<Command> makeRescaleCommand();
 std::unique_ptr<Command> makeRestoreCommand();

@@ -9,6 +9,7 @@ namespace quoin::commands {
 /// Exit codes of the program. `quoin --help` lists them.
 enum class ExitCode : int {
   Ok = 0,
+  Different = 1,         // all went well, and the drawings that were compared differ
   Usage = 2,             // the command line cannot be understood
   InputUnreadable = 3,   // the drawing cannot be read
   NothingToDo = 4,       // no wall lines (grid lines, ...) on the chosen layers

@@ -25,6 +25,7 @@ constexpr const char* kDescription =
 constexpr const char* kExitCodes =
     "Exit codes:\n"
     "  0    done\n"
+    "  1    done, and the drawings that were compared differ\n"
     "  2    the command line cannot be understood\n"
     "  3    the drawing cannot be read\n"
     "  4    the drawing has nothing to work on (no wall lines on the chosen layers)\n"
@@ -55,6 +56,7 @@ Commands declareCommands(CLI::App& app) {
                                              &makePaintCommand,
                                              &makeMatchPropertiesCommand,
                                              &makeExtentsCommand,
+                                             &makeCompareCommand,
                                              &makeToOriginCommand,
                                              &makeRescaleCommand,
                                              &makeConvertCommand,
@@ -135,6 +137,9 @@ int runChecked(int argc, const char* const* argv) {
     return static_cast<int>(ExitCode::Ok);
   } catch (const CommandError& error) {
     std::fflush(stdout);
+    if (error.code == ExitCode::Different) {
+      return static_cast<int>(error.code);  // the report has told it
+    }
     printError(error.what() + (error.code == ExitCode::Usage ? "; " + helpHint(reachedCommand(app))
                                                              : std::string()));
     return static_cast<int>(error.code);

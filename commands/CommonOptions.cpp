@@ -151,6 +151,10 @@ void CommonOptions::declareFiles(CLI::App& command) {
       ->needs(inPlace);
   command.add_flag("--dry-run", isDryRun, "Report what would change and write no drawing");
   declarePicture(command, "Make a picture of the result");
+  command
+      .add_flag("--before-after", isBeforeAfter,
+                "Draw into the picture what changed: old red, new green, the rest faint")
+      ->needs(command.get_option("--picture"));
 }
 
 void CommonOptions::declareLayers(CLI::App& command, const std::string& what) {
@@ -229,8 +233,12 @@ std::vector<DrawingJob> CommonOptions::drawingJobs() const {
     }
   }
   for (const std::string& plan : plans) {
-    DrawingJob job{plan, isInPlace ? plan : placeFor(plan, output, resultEnding),
-                   placeFor(plan, picture, ".png"), isInPlace, isDryRun};
+    DrawingJob job{plan,
+                   isInPlace ? plan : placeFor(plan, output, resultEnding),
+                   placeFor(plan, picture, ".png"),
+                   isInPlace,
+                   isDryRun,
+                   isBeforeAfter};
     if (m_writesDrawing && resultEnding.empty() && !isInPlace) {
       checkDrawingName(plan, job.output);
     }
@@ -249,7 +257,7 @@ std::vector<DrawingJob> CommonOptions::drawingJobs() const {
                                        writer->second, plan, file));
       }
     }
-    if (job.hasPicture() && !isPictureFile(job.picture)) {
+    if (!job.picture.empty() && !isPictureFile(job.picture)) {
       throw CommandError(ExitCode::Usage, job.picture + ": pictures end in .png, .svg or .pdf");
     }
     made.push_back(std::move(job));

@@ -21,6 +21,7 @@ struct CommonOptions {
   bool isInPlace = false;
   bool isDryRun = false;
   std::string picture;
+  bool isBeforeAfter = false;
   std::string report = "text";
   bool isQuiet = false;
   bool isVerbose = false;

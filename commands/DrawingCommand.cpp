@@ -13,6 +13,8 @@
 #include "commands/Outcome.h"
 #include "commands/Progress.h"
 #include "commands/ReportFields.h"
+#include "commands/compare/DifferencePicture.h"
+#include "commands/compare/DrawingDifference.h"
 #include "embedded/os/File.h"
 #include "embedded/os/Process.h"
 #include "embedded/os/Utf8.h"
@@ -104,7 +106,7 @@ void tellPlaces(const DrawingJob& job, Drawing& drawing, Outcome& outcome) {
   if (!saved.backup.empty()) {
     report.line("before: {}", os::toUtf8(saved.backup));
   }
-  if (job.hasPicture()) {
+  if (!job.picture.empty()) {
     report.line("picture: {}", job.picture);
   }
   if (!job.isDryRun && !saved.isUnchanged) {
@@ -114,7 +116,7 @@ void tellPlaces(const DrawingJob& job, Drawing& drawing, Outcome& outcome) {
       outcome.written.empty() ? nlohmann::json() : nlohmann::json(outcome.written);
   report.json["backup"] =
       saved.backup.empty() ? nlohmann::json() : nlohmann::json(os::toUtf8(saved.backup));
-  report.json["picture"] = job.hasPicture() ? nlohmann::json(job.picture) : nlohmann::json();
+  report.json["picture"] = job.picture.empty() ? nlohmann::json() : nlohmann::json(job.picture);
 }
 
 /// Each drawing in a process of its own: one that brings its process down takes no other along,
@@ -149,7 +151,17 @@ std::vector<Outcome> workSideBySide(const std::vector<DrawingJob>& jobs,
 void DrawingCommand::workOrTell(Drawing& drawing, const DrawingJob& job, Outcome& outcome) {
   const FileStamp before(job.output);
   try {
+    std::optional<Drawing> asItWas;
+    if (job.isBeforeAfter) {
+      // The file may be replaced before the picture is made.
+      asItWas.emplace(job.input, m_options.codePage);
+    }
     work(drawing, job, outcome.report);
+    if (asItWas) {
+      const DrawingDifference difference = differenceOf(*asItWas, drawing, {});
+      job.renderAny(differencePicture(*asItWas, drawing, difference, "before and after"),
+                    outcome.report);
+    }
   } catch (const CommandError& error) {
     if (job.isDryRun || FileStamp(job.output) == before) {
       throw;

@@ -15,9 +15,12 @@ void DrawingJob::save(Drawing& drawing) const {
 }
 
 void DrawingJob::render(const Picture& drawn, Report& report) const {
-  if (!hasPicture()) {
-    return;
+  if (hasPicture()) {
+    renderAny(drawn, report);
   }
+}
+
+void DrawingJob::renderAny(const Picture& drawn, Report& report) const {
   for (const std::string& warning : drawn.warnings) {
     report.warn("picture: " + warning);
   }

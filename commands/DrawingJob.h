@@ -15,17 +15,22 @@ struct DrawingJob {
   std::string picture;  // empty: none was asked for
   bool isInPlace = false;
   bool isDryRun = false;
+  /// The picture shows the drawing before and after, which the frame makes for all commands.
+  bool isBeforeAfter = false;
 
-  bool hasPicture() const { return !picture.empty(); }
+  /// Whether the command is to make one.
+  bool hasPicture() const { return !picture.empty() && !isBeforeAfter; }
   /// The report must not get among the drawing's bytes.
   bool writesToStandardOutput() const { return output == kStandardStream && !isDryRun; }
 
   /// Saves the drawing where it goes; nothing in a dry run.
   /// Fails: throws CommandError (OutputUnwritable, Interrupted).
   void save(Drawing& drawing) const;
-  /// Writes the picture if one was asked for, behind the drawing; what it leaves out is reported.
-  /// Fails: throws CommandError (OutputUnwritable, Interrupted).
+  /// Writes the command's picture if one was asked for, behind the drawing; what it leaves out is
+  /// reported. Fails: throws CommandError (OutputUnwritable, Interrupted).
   void render(const Picture& drawn, Report& report) const;
+  /// The same for a picture that is not the command's own.
+  void renderAny(const Picture& drawn, Report& report) const;
 };
 
 }  // namespace quoin::commands

@@ -16,7 +16,7 @@ struct Outcome {
   Outcome(std::string file, const Report::Wanted& wanted)
       : input(std::move(file)), report(wanted) {}
 
-  bool isDone() const { return code == ExitCode::Ok; }
+  bool isDone() const { return code == ExitCode::Ok || code == ExitCode::Different; }
 
   std::string input;
   std::string written;  // where the result went; empty: nowhere

@@ -72,8 +72,9 @@ class JsonTest(cli.CliTest):
         return self.save("plan.dxf"), line.dxf.handle
 
     def test_every_command_reports_as_its_schema_says(self):
-        # run has its own (RunCommand_cli_test.py), with a module; survey too, on walls with faces.
-        self.assertEqual({*self.RUNS, "run", "survey"},
+        # run has its own (RunCommand_cli_test.py), with a module; survey too, on walls with faces;
+        # compare has two drawings (CompareCommand_cli_test.py).
+        self.assertEqual({*self.RUNS, "run", "survey", "compare"},
                          set(cli.SCHEMA.schema["properties"]["command"]["enum"]))
         for command, options in self.RUNS.items():
             with self.subTest(command=command):

@@ -242,7 +242,7 @@ class ErrorTest(CliTest):
     def test_help_names_the_commands_and_exit_codes(self):
         text = self.run_ok("--help")
         for word in ("break", "clean", "walls", "rooms", "info", "draw", "merge", "trim-axes", "outline",
-                     "solid", "survey",
+                     "solid", "survey", "compare",
                      "130", "interrupted"):
             self.assertIn(word, text)
         self.assertIn("--picture", self.run_ok("break", "--help"))

@@ -1,0 +1,328 @@
+#!/usr/bin/python3
+"""End-to-end runs of `quoin compare`.
+
+usage: CompareCommand_cli_test.py [UNITTEST ARGUMENT...]
+The environment is that of quoin_cli_test.py, whose helpers it uses.
+"""
+
+import json
+import random
+import time
+import unittest
+
+import quoin_cli_test as cli
+
+
+class CompareCase(cli.CliTest):
+    def compare(self, old, new, *options):
+        """The JSON report of two drawings; the exit code must say the same."""
+        result = cli.quoin("compare", old, new, *options, "--report", "json")
+        self.assertIn(result.returncode, (0, 1), result.stderr.decode())
+        document = json.loads(result.stdout)
+        drawing = document["drawings"][0]
+        self.assertEqual(result.returncode, 0 if drawing["same"] else 1)
+        self.assertEqual((document["exitCode"], drawing["exitCode"]), (result.returncode,) * 2)
+        self.assertEqual((document["done"], document["failed"]), (1, 0))
+        return drawing
+
+    @staticmethod
+    def counts(drawing):
+        counts = drawing["counts"]
+        return tuple(counts[name] for name in ("added", "removed", "moved", "changed", "same"))
+
+    def model(self, drawing):
+        return next(space for space in drawing["spaces"] if space["space"] == "model")
+
+
+class CompareTest(CompareCase):
+    def plan(self, name="old.dxf", version="R2010"):
+        space = self.draw(name, version)
+        document = self.documents[name]
+        document.layers.add("WALL", color=1)
+        document.layers.add("DOOR", color=3)
+        door = document.blocks.new("DOOR-90")
+        door.add_line((0, 0), (90, 0))
+        door.add_arc((0, 0), 90, 0, 90)
+        for i in range(5):
+            space.add_line((i * 100, 0), (i * 100, 400 + i), dxfattribs={"layer": "WALL"})
+        space.add_blockref("DOOR-90", (50, 0), dxfattribs={"layer": "DOOR"})
+        space.add_text("Kitchen", dxfattribs={"insert": (20, 200), "height": 10})
+        space.add_lwpolyline([(0, 0), (500, 0), (500, 500)], close=True)
+        return space
+
+    def edited(self, edit, *options, version="R2010"):
+        self.plan(version=version)
+        old = self.save("old.dxf")
+        document, _ = cli.read(old)
+        edit(document, document.modelspace())
+        document.saveas(self.path("new.dxf"))
+        return self.compare(old, self.path("new.dxf"), *options)
+
+    def test_a_drawing_is_the_same_as_itself(self):
+        self.plan()
+        plan = self.save("old.dxf")
+        drawing = self.compare(plan, plan)
+        self.assertTrue(drawing["same"])
+        self.assertEqual(self.counts(drawing), (0, 0, 0, 0, 10))
+        self.assertIn("the drawings are the same", self.run_ok("compare", plan, plan))
+
+    def test_what_was_added_and_removed(self):
+        def edit(_, space):
+            space.delete_entity(space.query("LINE")[1])
+            space.add_circle((1, 2), 3, dxfattribs={"layer": "DOOR"})
+        drawing = self.edited(edit)
+        self.assertEqual(self.counts(drawing), (1, 1, 0, 0, 9))
+        model = self.model(drawing)
+        self.assertEqual(model["added"][0]["after"]["kind"], "CIRCLE")
+        self.assertEqual((model["removed"][0]["before"]["kind"], model["removed"][0]["layer"]),
+                         ("LINE", "WALL"))
+        layers = {layer["name"]: layer["counts"] for layer in drawing["layers"]}
+        self.assertEqual(layers["WALL"]["removed"], 1)
+        self.assertEqual(layers["DOOR"]["added"], 1)
+
+    def test_what_moved_and_by_which_vector(self):
+        def edit(_, space):
+            space.query("INSERT")[0].translate(12.5, -3, 0)
+            # Under a new handle, too.
+            line = space.query("LINE")[2]
+            space.add_line(line.dxf.start + (7, 7, 0), line.dxf.end + (7, 7, 0),
+                           dxfattribs={"layer": "WALL"})
+            space.delete_entity(line)
+        drawing = self.edited(edit)
+        self.assertEqual(self.counts(drawing), (0, 0, 2, 0, 8))
+        moves = {one["after"]["kind"]: one["by"] for one in self.model(drawing)["moved"]}
+        self.assertEqual(moves, {"INSERT": [12.5, -3, 0], "LINE": [7, 7, 0]})
+
+    def test_what_changed_and_from_what(self):
+        def edit(_, space):
+            first, second, third = space.query("LINE")[:3]
+            first.dxf.layer = "DOOR"
+            second.dxf.end = (1, 2, 0)
+            third.dxf.color = 5
+            third.dxf.lineweight = 50
+            space.query("TEXT")[0].dxf.text = "Bath"
+        drawing = self.edited(edit)
+        self.assertEqual(self.counts(drawing), (0, 0, 0, 4, 6))
+        changes = [{p["name"]: (p["before"], p["after"]) for p in one["properties"]}
+                   for one in self.model(drawing)["changed"]]
+        self.assertEqual(changes, [{"layer": ("WALL", "DOOR")}, {"end": ("100,401", "1,2")},
+                                   {"colour": ("ByLayer", "5"),
+                                    "line weight": ("ByLayer", "0.5 mm")},
+                                   {"text": ("Kitchen", "Bath")}])
+
+    def test_tables_blocks_and_settings(self):
+        def edit(document, _):
+            document.layers.add("NEW")
+            document.layers.get("WALL").color = 6
+            document.layers.get("DOOR").freeze()
+            document.layers.get("DOOR").off()
+            document.blocks.get("DOOR-90").add_circle((0, 0), 5)
+            document.blocks.new("WINDOW").add_line((0, 0), (1, 1))
+            document.header["$INSUNITS"] = 6
+        drawing = self.edited(edit)
+        tables = {table["name"]: table for table in drawing["tables"]}
+        self.assertEqual(tables["layers"]["added"], ["NEW"])
+        self.assertEqual({one["name"]: {p["name"]: p["after"] for p in one["properties"]}
+                          for one in tables["layers"]["changed"]},
+                         {"WALL": {"colour": "6"}, "DOOR": {"frozen": "yes", "off": "yes"}})
+        self.assertEqual(tables["blocks"]["added"], ["WINDOW"])
+        block = next(space for space in drawing["spaces"] if space["name"] == "DOOR-90")
+        self.assertEqual((block["counts"]["added"], block["counts"]["same"]), (1, 2))
+        self.assertEqual(drawing["settings"], [{"name": "units", "before": "4", "after": "6"}])
+        self.assertIn("different units", drawing["warnings"][0])
+
+    def test_layouts(self):
+        def edit(document, _):
+            document.layout("Layout1").add_line((0, 0), (5, 5))
+            document.layouts.new("A3")
+        drawing = self.edited(edit)
+        self.assertEqual(next(table for table in drawing["tables"]
+                              if table["name"] == "layouts")["added"], ["A3"])
+        layout = next(space for space in drawing["spaces"] if space["name"] == "Layout1")
+        self.assertEqual((layout["space"], layout["counts"]["added"]), ("layout", 1))
+
+    def test_attributes_and_vertices_belong_to_what_has_them(self):
+        for version in ("R12", "R2010"):
+            space = self.draw("old.dxf", version)
+            block = self.documents["old.dxf"].blocks.new("TAG")
+            block.add_attdef("NO", (0, 0))
+            space.add_blockref("TAG", (5, 5)).add_attrib("NO", "12", (5, 5))
+            space.add_polyline3d([(0, 0, 0), (1, 1, 1), (2, 0, 0)])
+            old = self.save("old.dxf")
+            document, _ = cli.read(old)
+            document.modelspace().query("INSERT")[0].attribs[0].dxf.text = "13"
+            polyline = document.modelspace().query("POLYLINE")[0]
+            polyline.vertices[1].dxf.location = (1, 1, 9)
+            document.saveas(self.path("new.dxf"))
+            changed = self.model(self.compare(old, self.path("new.dxf")))["changed"]
+            self.assertEqual([p["name"] for one in changed for p in one["properties"]],
+                             ["attributes", "vertices"])
+            self.assertEqual(changed[0]["properties"][0]["after"], "13")
+
+    def test_order_and_handles_are_no_difference(self):
+        self.plan()
+        old = self.save("old.dxf")
+        names = ["LINE"] * 5 + ["INSERT", "TEXT", "LWPOLYLINE"]
+        space = self.draw("new.dxf")
+        document = self.documents["new.dxf"]
+        document.layers.add("WALL", color=1)
+        document.layers.add("DOOR", color=3)
+        door = document.blocks.new("DOOR-90")
+        door.add_arc((0, 0), 90, 0, 90)
+        door.add_line((0, 0), (90, 0))
+        source = list(cli.read(old)[0].modelspace())
+        self.assertEqual([one.dxftype() for one in source], names)
+        random.Random(1).shuffle(source)
+        for one in source:
+            if one.dxftype() == "INSERT":
+                space.add_blockref("DOOR-90", one.dxf.insert, dxfattribs={"layer": "DOOR"})
+            else:
+                space.add_foreign_entity(one)
+        new = self.save("new.dxf")
+        for options in ((), ("--ignore", "handles")):
+            drawing = self.compare(old, new, *options)
+            self.assertEqual(self.counts(drawing), (0, 0, 0, 0, 10))
+            self.assertTrue(drawing["same"], drawing["tables"])
+
+    def test_the_other_way_round_is_the_mirror_image(self):
+        def edit(_, space):
+            lines = space.query("LINE")
+            space.delete_entity(lines[0])
+            lines[1].dxf.layer = "DOOR"
+            lines[2].translate(1, 1, 0)
+            space.add_circle((1, 2), 3)
+            space.add_circle((1, 2), 4)
+        there = self.edited(edit)
+        back = self.compare(self.path("new.dxf"), self.path("old.dxf"))
+        self.assertEqual(self.counts(there), (2, 1, 1, 1, 7))
+        self.assertEqual(self.counts(back), (1, 2, 1, 1, 7))
+        self.assertEqual([-v for v in self.model(there)["moved"][0]["by"][:2]],
+                         self.model(back)["moved"][0]["by"][:2])
+
+    def test_layers_are_chosen_by_pattern(self):
+        def edit(_, space):
+            for line in space.query("LINE")[:2]:
+                line.dxf.color = 5
+            space.query("TEXT")[0].dxf.text = "Bath"
+        self.assertEqual(self.counts(self.edited(edit, "--layer", "wa*")), (0, 0, 0, 2, 3))
+        old, new = self.path("old.dxf"), self.path("new.dxf")
+        self.assertEqual(self.counts(self.compare(old, new, "--layer", "DOOR")), (0, 0, 0, 0, 1))
+        self.assertIn("on these layers", self.fails(4, "compare", old, new, "--layer", "NONE"))
+
+    def test_tolerance(self):
+        def edit(_, space):
+            space.query("LINE")[0].dxf.end = (0, 400.004, 0)
+        self.assertEqual(self.counts(self.edited(edit)), (0, 0, 0, 1, 9))
+        drawing = self.compare(self.path("old.dxf"), self.path("new.dxf"), "--tolerance", "0.005")
+        self.assertEqual(self.counts(drawing), (0, 0, 0, 0, 10))
+        self.assertEqual(drawing["tolerance"], 0.005)
+
+    def test_after_break_it_says_what_break_says(self):
+        for plan in cli.EXAMPLES:
+            with self.subTest(plan.parent.name):
+                result = cli.quoin("break", plan, "-o", self.path("broken.dxf"), "--report", "json")
+                if result.returncode == 4:
+                    continue
+                told = json.loads(result.stdout)["drawings"][0]
+                model = self.model(self.compare(plan, self.path("broken.dxf")))
+                changed = {one["source"] for one in told["changes"]}
+                new = {piece["handle"] for one in told["changes"] for piece in one["results"]}
+                self.assertEqual({one["after"]["source"] for one in model["added"]}, new - changed)
+                self.assertEqual({one["after"]["source"] for one in model["changed"]}, new & changed)
+                self.assertEqual({one["before"]["source"] for one in model["removed"]},
+                                 changed - new)
+                self.assertEqual(model["moved"], [])
+
+    def test_pictures(self):
+        def edit(_, space):
+            space.delete_entity(space.query("LINE")[0])
+            space.add_circle((250, 200), 50)
+        self.edited(edit)
+        for ending in ("png", "svg", "pdf"):
+            picture = self.path("p." + ending)
+            result = cli.quoin("compare", self.path("old.dxf"), self.path("new.dxf"),
+                               "--picture", picture)
+            self.assertEqual(result.returncode, 1, result.stderr)
+            self.assertGreater(picture.stat().st_size, 500)
+            self.assertIn(f"picture: {picture}", result.stdout.decode())
+
+    def test_empty_drawings(self):
+        self.draw("a.dxf")
+        self.draw("b.dxf", "R12")
+        drawing = self.compare(self.save("a.dxf"), self.save("a.dxf"), "--picture",
+                               self.path("p.png"))
+        self.assertEqual(self.counts(drawing), (0, 0, 0, 0, 0))
+        self.plan()
+        self.assertEqual(self.counts(self.compare(self.path("a.dxf"), self.save("old.dxf")))[0], 8)
+        self.compare(self.path("a.dxf"), self.save("b.dxf"))
+
+    def test_the_text_report_names_a_few_and_all_names_all(self):
+        def edit(_, space):
+            for i in range(30):
+                space.add_point((i, i * i))
+        self.edited(edit)
+        words = ("compare", self.path("old.dxf"), self.path("new.dxf"))
+        text = cli.quoin(*words).stdout.decode()
+        self.assertIn("... and 20 more; --all lists them", text)
+        self.assertEqual(text.count("POINT "), 10)
+        self.assertEqual(cli.quoin(*words, "--all").stdout.decode().count("POINT "), 30)
+        quiet = cli.quoin(*words, "--quiet")
+        self.assertEqual((quiet.returncode, quiet.stdout, quiet.stderr), (1, b"", b""))
+
+    def test_what_cannot_be(self):
+        self.plan()
+        plan = self.save("old.dxf")
+        self.assertIn("nosuch.dxf", self.fails(3, "compare", plan, self.path("nosuch.dxf")))
+        self.assertIn("nosuch.dxf", self.fails(3, "compare", self.path("nosuch.dxf"), plan))
+        self.path("bad.dxf").write_text("no drawing")
+        self.fails(3, "compare", plan, self.path("bad.dxf"))
+        self.fails(2, "compare", plan)
+        self.fails(2, "compare", "-", "-")
+        self.fails(2, "compare", plan, plan, "--picture", self.path("p.gif"))
+        self.fails(2, "compare", plan, plan, "--picture", plan)
+        self.fails(2, "compare", plan, plan, "--tolerance", "-1")
+        self.fails(2, "compare", plan, plan, "--ignore", "everything")
+        self.fails(5, "compare", plan, plan, "--picture", self.path("no/where/p.png"))
+
+    def test_a_large_drawing_takes_no_longer_than_reading_it(self):
+        lines = []
+        for i in range(100000):
+            x = i % 1000 * 10
+            lines.append(f"  0\nLINE\n  5\n{i + 256:X}\n  8\nWALL\n 10\n{x}.5\n 20\n{i}.0\n"
+                         f" 11\n{x + 5}.5\n 21\n{i + 3}.0\n")
+        frame = "  0\nSECTION\n  2\nENTITIES\n{}  0\nENDSEC\n  0\nEOF\n"
+        old, new = self.path("old.dxf"), self.path("new.dxf")
+        old.write_text(frame.format("".join(lines)))
+        # All renumbered, moved, and one recoloured.
+        moved = [line.replace("LINE\n  5\n", "LINE\n  5\nF").replace(" 20\n", " 20\n1")
+                 for line in reversed(lines)]
+        new.write_text(frame.format("".join(moved)))
+        began = time.monotonic()
+        self.run_ok("info", old)
+        reading = time.monotonic() - began
+        began = time.monotonic()
+        result = cli.quoin("compare", old, new, "--quiet")
+        self.assertEqual(result.returncode, 1)
+        # Generous, since tests run side by side: this guards against loops over all pairs.
+        self.assertLess(time.monotonic() - began, 2 * reading + 20)
+
+
+class CompareTwinsTest(CompareCase):
+    """Drawings that another program saved as DWG and as DXF, ASCII and binary."""
+
+    def test_twins_show_the_same(self):
+        drawings = sorted(cli.SHARED.glob("*.dwg")) if cli.SHARED.is_dir() else []
+        if not drawings:
+            self.skipTest("no shared drawings here")
+        for plan in drawings:
+            for ending in (".dxf", "_ascii.dxf", "_binary.dxf"):
+                twin = plan.with_name(plan.stem + ending)
+                if twin.is_file():
+                    with self.subTest(twin.name):
+                        model = self.model(self.compare(plan, twin))
+                        self.assertEqual((model["added"], model["removed"], model["moved"]),
+                                         ([], [], []))
+
+
+if __name__ == "__main__":
+    unittest.main()
