@@ -5,12 +5,33 @@
 
 namespace quoin::commands {
 
+namespace {
+
+LengthKind lengthKindOf(AcDb::UnitsValue units) {
+  switch (units) {
+    case AcDb::kUnitsUndefined:
+      return LengthKind::Unknown;
+    case AcDb::kUnitsInches:
+    case AcDb::kUnitsFeet:
+    case AcDb::kUnitsMiles:
+    case AcDb::kUnitsMicroinches:
+    case AcDb::kUnitsMils:
+    case AcDb::kUnitsYards:
+      return LengthKind::Imperial;
+    default:
+      return LengthKind::Metric;
+  }
+}
+
+}  // namespace
+
 Picture newPicture(const Drawing& drawing, const std::string& what, const std::string& subtitle) {
   Picture picture;
   picture.title = drawing.file().filename().string() + ": " + what;
   picture.subtitle = subtitle;
   picture.millimetersPerUnit =
       drawing.info().units == AcDb::kUnitsUndefined ? 0.0 : drawing.millimetersPerUnit();
+  picture.lengthKind = lengthKindOf(drawing.info().units);
   return picture;
 }
 
