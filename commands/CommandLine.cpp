@@ -54,6 +54,7 @@ Commands declareCommands(CLI::App& app) {
                                              &makeStyleCommand,
                                              &makePaintCommand,
                                              &makeMatchPropertiesCommand,
+                                             &makePictureCommand,
                                              &makeExtentsCommand,
                                              &makeToOriginCommand,
                                              &makeRescaleCommand,

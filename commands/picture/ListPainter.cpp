@@ -408,7 +408,7 @@ class Painter {
     m_canvas.text(line, {x, y, size, 0.0, 0.0, size}, look.color, look.opacity);
   }
 
-  static constexpr double kPlanThinnest = 0.8;  // points
+  static constexpr double kPlanThinnest = 1.0;  // points
   static constexpr double kDot = 0.75;          // dots: smaller things are one
   static constexpr double kLeastArea = 1e-9;
   static constexpr int kArcParts = 16;

@@ -9,6 +9,7 @@
 #include "commands/Progress.h"
 #include "commands/Words.h"
 #include "commands/picture/DrawList.h"
+#include "embedded/os/Process.h"
 #include "embedded/os/Utf8.h"
 
 namespace quoin::commands {
@@ -24,18 +25,17 @@ hostx::DrawOptions optionsOf(const Box& box) {
   if (!box.isEmpty()) {
     options.view.set({box.minX, box.minY, 0.0}, {box.maxX, box.maxY, 0.0});
   }
-  // Nothing is known of how long it takes; what counts is that it can be stopped.
-  options.goesOn = [] {
-    Progress::checkInterrupt();
-    return true;
-  };
+  options.goesOn = [] { return !os::isInterrupted(); };
   return options;
 }
 
 }  // namespace
 
-hostx::DrawReport drawSpace(const AcDbObjectId& block, DrawList& list) {
-  return hostx::drawBlock(block, list, optionsOf({}));
+hostx::DrawReport drawSpace(const AcDbObjectId& block, DrawList& list, const Box& view) {
+  hostx::DrawReport report;
+  Progress::during("Drawing", [&] { report = hostx::drawBlock(block, list, optionsOf(view)); });
+  Progress::checkInterrupt();
+  return report;
 }
 
 std::vector<std::string> warningsOf(const hostx::DrawReport& report) {

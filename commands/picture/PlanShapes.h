@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "commands/Drawing.h"
+#include "commands/picture/Box.h"
 #include "commands/picture/Picture.h"
 #include "hostdraw.h"
 
@@ -20,9 +21,10 @@ void addPlanShapes(Picture& picture, Drawing& drawing, const std::set<AcDbObject
 void addEntityShapes(Picture& picture, Drawing& drawing, const std::vector<AcDbObjectId>& entities,
                      const Color& color, double width);
 
-/// What a block shows (model space, the space of a layout), drawn into `list`.
+/// What a block shows (model space, the space of a layout), drawn into `list`; where it is known
+/// that only a box is looked at, what reaches endlessly far is cut off there.
 /// Fails: throws CommandError (Interrupted).
-hostx::DrawReport drawSpace(const AcDbObjectId& block, DrawList& list);
+hostx::DrawReport drawSpace(const AcDbObjectId& block, DrawList& list, const Box& view = {});
 
 /// What the report says was not drawn as it is, as sentences.
 std::vector<std::string> warningsOf(const hostx::DrawReport& report);

@@ -69,8 +69,8 @@ class MarkSizes {
   static constexpr std::size_t kMostLooked = 64;
 
   static std::size_t cellOf(double x, double y) {
-    constexpr double kMost = 1e9;
     const auto index = [](double at) {
+      constexpr double kMost = 1e9;
       return static_cast<std::size_t>(
           static_cast<long long>(std::floor(std::clamp(at, -kMost, kMost) / kCell)));
     };

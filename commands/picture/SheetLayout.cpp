@@ -108,14 +108,14 @@ class Foot {
       m_texts.push_back(
           {entry.text, at + kSwatch * unit, m_y + 5.0 * unit, kEntrySize * unit, false});
     }
-    m_y += 8.0 * unit;
+    m_y += 14.0 * unit;
     for (const std::string& note : notes) {
       for (std::string& line : letters.wrapped(note, {}, kNoteSize * unit, width)) {
         m_y += kNoteStep * unit;
         m_texts.push_back({std::move(line), left, m_y, kNoteSize * unit, false});
       }
     }
-    m_height = m_y + 23.0 * unit;
+    m_height = m_y + 17.0 * unit;
   }
 
   double height() const { return m_height; }
@@ -180,8 +180,8 @@ SheetLayout freeSheet(const Picture& picture, const Box& shown, const std::strin
     layout.texts.push_back({std::move(line), kMargin, y, kTitleSize, true});
     y += kTitleSize + 6.0;
   }
-  y += kSubtitleSize - 6.0 - (kTitleSize - kSubtitleSize) + 8.0;
-  y = std::max(y, kTitleLine + 24.0);
+  // From below the last line of the title.
+  y = std::max(y - 8.0, kTitleLine + 24.0);
   for (std::string& line : letters.wrapped(picture.subtitle, {}, kSubtitleSize, width)) {
     layout.texts.push_back({std::move(line), kMargin, y, kSubtitleSize, false});
     y += kSubtitleStep;
