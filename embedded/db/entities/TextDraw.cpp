@@ -86,10 +86,13 @@ TextPlace placeOf(const TextFields& fields, double advance) {
 }
 
 void drawText(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
-  const TextFields fields(entity.tags);
+  drawFields(TextFields(entity.tags), entity.database, entity.tags, toWorld, walk);
+}
+
+void drawFields(const TextFields& fields, DatabaseImpl* database, const TagList& tags,
+                const AcGeMatrix3d& toWorld, DrawWalk& walk) {
   const TextStyle style =
-      textStyleOf(entity.database,
-                  entity.tags.text(kStyle, layout::kText.in(entity.tags)).value_or(L"Standard"));
+      textStyleOf(database, tags.text(kStyle, layout::kText.in(tags)).value_or(L"Standard"));
   const std::vector<TextRun> runs = runsOf(fields.text, *style.metrics);
   const TextPlace place = placeOf(fields, advanceOf(runs) * fields.height * fields.widthFactor);
   const AcGeMatrix3d line = toWorld * planeToWorld(fields.normal) * place.line;

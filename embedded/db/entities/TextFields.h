@@ -45,6 +45,9 @@ struct TextPlace {
 /// `advance` is the natural width.
 TextPlace placeOf(const TextFields& fields, double advance);
 
+/// `tags` name the text's style.
+void drawFields(const TextFields& fields, DatabaseImpl* database, const TagList& tags,
+                const AcGeMatrix3d& toWorld, DrawWalk& walk);
 /// How TEXT, ATTRIB and ATTDEF are drawn (TextDraw.cpp).
 void drawText(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk);
 

@@ -336,7 +336,9 @@ void DrawWalk::drawOwn(const AcDbStub& stub, const ResolvedLook* outer, const Ac
   }
   const RecordKind* const kind = entityKind(name);
   m_looks.resolve(*tags, outer, m_look);
-  if (isHidden(m_look, name == "INSERT", window)) {
+  m_isLayerShown = !isHidden(m_look, name == "INSERT", window);
+  const bool isWindow = name == "VIEWPORT" && (!m_look.isInvisible || m_options.isAllShown);
+  if (!m_isLayerShown && !isWindow) {
     return;
   }
   if (isInBlock && name == "ATTDEF" && isPrompt(*tags)) {

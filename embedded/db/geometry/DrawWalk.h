@@ -98,6 +98,8 @@ class DrawWalk {
   double variable(std::string_view name, double otherwise) const;
   /// Whether areas are filled ($FILLMODE).
   bool isFilled() const { return m_isFilled; }
+  /// Whether the entity's own layer shows: a viewport shows its space without its frame else.
+  bool isLayerShown() const { return m_isLayerShown; }
   /// The spaces around the entity: 0 for one of the drawn space itself.
   std::size_t depth() const { return m_frames.size() - 1; }
 
@@ -169,6 +171,7 @@ class DrawWalk {
   AcGeMatrix3d m_toWorld;
   int m_window = -1;
   bool m_isLookReady = false;
+  bool m_isLayerShown = true;
   hostx::DrawLook m_drawLook;
   hostx::DrawLook m_plainLook;
 
