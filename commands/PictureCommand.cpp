@@ -37,8 +37,8 @@ struct DrawnPage {
 class PictureCommand : public DrawingCommand {
  public:
   CLI::App* declare(CLI::App& app) override {
-    CLI::App* const command =
-        app.add_subcommand("picture", "Make a picture of what a drawing shows, for screen or paper");
+    CLI::App* const command = app.add_subcommand(
+        "picture", "Make a picture of what a drawing shows, for screen or paper");
     m_options.declarePlans(*command);
     command
         ->add_option("-o,--output", m_options.picture,
@@ -106,7 +106,8 @@ class PictureCommand : public DrawingCommand {
       m_sheet.scale = parseScale(m_scale);
     }
     if (m_dpi > 0.0 && m_paper.empty() && m_scale.empty()) {
-      throw CommandError(ExitCode::Usage, "--dpi is of pictures in true size; say --paper or --scale");
+      throw CommandError(ExitCode::Usage,
+                         "--dpi is of pictures in true size; say --paper or --scale");
     }
     if (!m_window.empty()) {
       m_sheet.window = parseWindow(m_window);
@@ -216,8 +217,8 @@ class PictureCommand : public DrawingCommand {
       page.picture.millimetersPerUnit =
           page.picture.lengthKind == LengthKind::Imperial ? kInch : 1.0;
     }
-    page.picture.subtitle = countText(static_cast<std::size_t>(page.report.drawn), "entity",
-                                      "entities");
+    page.picture.subtitle =
+        countText(static_cast<std::size_t>(page.report.drawn), "entity", "entities");
     page.picture.warnings = warningsOf(page.report);
     page.picture.drawn.push_back({std::move(list), std::nullopt, 1.0, true, 0});
     return page;

@@ -237,8 +237,8 @@ class PaintOrder {
     Shape shape;
     // The hull of the floor's corners, by the monotone chain.
     std::vector<AcGePoint2d> points;
-    for (const AcGePoint3d& corner : {wall.startLeft, wall.startMid, wall.startRight,
-                                      wall.endRight, wall.endMid, wall.endLeft}) {
+    for (const AcGePoint3d& corner : {wall.startLeft, wall.startMid, wall.startRight, wall.endRight,
+                                      wall.endMid, wall.endLeft}) {
       points.emplace_back(corner.x + kDepthAcross * corner.y, corner.y);
     }
     const auto isBefore = [](const AcGePoint2d& a, const AcGePoint2d& b) {
@@ -279,8 +279,8 @@ class PaintOrder {
     const Shape& own = m_shapes[wall];
     const double across = own.low + kInside * (own.high - own.low);
     const double depth = own.depthAt(across);
-    const auto place = std::partition_point(
-        m_active.begin(), m_active.end(), [&](std::size_t other) {
+    const auto place =
+        std::partition_point(m_active.begin(), m_active.end(), [&](std::size_t other) {
           const Shape& shape = m_shapes[other];
           return shape.depthAt(std::min(across, shape.high)) > depth;
         });
@@ -301,7 +301,7 @@ class PaintOrder {
   }
 
   std::vector<Shape> m_shapes;
-  std::vector<std::size_t> m_active;  // far ones first
+  std::vector<std::size_t> m_active;               // far ones first
   std::vector<std::vector<std::size_t>> m_before;  // which walls are painted after each
 };
 

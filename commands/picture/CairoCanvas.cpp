@@ -119,9 +119,9 @@ class CairoCanvas : public Canvas {
       status = m_isPdf ? cairo_surface_status(m_surface.get()) : status;
     }
     if (status != CAIRO_STATUS_SUCCESS) {
-      throw CommandError(ExitCode::OutputUnwritable,
-                         fmt::format("{}: cannot write the picture: {}", name,
-                                     cairo_status_to_string(status)));
+      throw CommandError(
+          ExitCode::OutputUnwritable,
+          fmt::format("{}: cannot write the picture: {}", name, cairo_status_to_string(status)));
     }
     return std::move(m_bytes);
   }

@@ -13,7 +13,7 @@
 namespace quoin::commands {
 
 struct PageSize {
-  double width = 0.0;   // points of 1/72 inch
+  double width = 0.0;  // points of 1/72 inch
   double height = 0.0;
 };
 
@@ -67,9 +67,9 @@ class Canvas {
 };
 
 struct CanvasOptions {
-  double dotsPerPoint = 1.0;      // of a PNG
-  bool hasTextOutlines = false;   // letters as paths
-  bool isMillimeters = false;     // an SVG says its size in millimetres, as paper
+  double dotsPerPoint = 1.0;     // of a PNG
+  bool hasTextOutlines = false;  // letters as paths
+  bool isMillimeters = false;    // an SVG says its size in millimetres, as paper
 };
 
 std::unique_ptr<Canvas> makePngCanvas(const CanvasOptions& options);

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "embedded/os/Utf8.h"
 #include "dbents.h"
 #include "dbobjptr.h"
+#include "embedded/os/Utf8.h"
 
 namespace quoin::commands {
 
@@ -44,9 +44,8 @@ bool isSameColor(const hostx::DrawColor& a, const hostx::DrawColor& b) {
 
 Box boxOfArc(const double* numbers) {
   const auto at = [&](double angle) {
-    return AcGePoint2d(
-        numbers[0] + numbers[2] * std::cos(angle) + numbers[4] * std::sin(angle),
-        numbers[1] + numbers[3] * std::cos(angle) + numbers[5] * std::sin(angle));
+    return AcGePoint2d(numbers[0] + numbers[2] * std::cos(angle) + numbers[4] * std::sin(angle),
+                       numbers[1] + numbers[3] * std::cos(angle) + numbers[5] * std::sin(angle));
   };
   const double start = numbers[6];
   const double sweep = numbers[7];
@@ -95,9 +94,7 @@ bool DrawList::Reader::next() {
   }
   m_verb += m_path.verbCount;
   for (std::size_t i = 0; i < m_path.verbCount; ++i) {
-    m_number += m_path.verbs[i] == Verb::Arc     ? kArcNumbers
-                : m_path.verbs[i] == Verb::Close ? 0
-                                                 : 2;
+    m_number += m_path.verbs[i] == Verb::Arc ? kArcNumbers : m_path.verbs[i] == Verb::Close ? 0 : 2;
   }
   const Item& item = m_list.m_items[m_item++];
   m_path = {m_list.m_verbs.data() + m_verb, item.verbs(), m_list.m_numbers.data() + m_number};
@@ -243,11 +240,10 @@ void DrawList::text(const hostx::DrawText& text, const hostx::DrawLook& look) {
   made.alongShare = static_cast<float>(text.alongShare);
   made.upShare = static_cast<float>(text.upShare);
   made.width = text.width;
-  made.flags = static_cast<std::uint8_t>((text.isBold ? Text::kBold : 0) |
-                                         (text.isItalic ? Text::kItalic : 0) |
-                                         (text.isUnderlined ? Text::kUnderlined : 0) |
-                                         (text.isOverlined ? Text::kOverlined : 0) |
-                                         (text.isStruckThrough ? Text::kStruckThrough : 0));
+  made.flags = static_cast<std::uint8_t>(
+      (text.isBold ? Text::kBold : 0) | (text.isItalic ? Text::kItalic : 0) |
+      (text.isUnderlined ? Text::kUnderlined : 0) | (text.isOverlined ? Text::kOverlined : 0) |
+      (text.isStruckThrough ? Text::kStruckThrough : 0));
   const auto [font, isNew] =
       m_fontOf.emplace(text.font, static_cast<std::uint32_t>(m_fonts.size()));
   if (isNew) {

@@ -70,8 +70,7 @@ std::unique_ptr<PangoLayout, Lettering::Unref> Lettering::layoutOf(const std::st
   std::unique_ptr<PangoLayout, Unref> layout(pango_layout_new(m_context.get()));
   PangoFontDescription* const font = pango_font_description_new();
   pango_font_description_set_family(font, (std::string(face.family) + kFallback.data()).c_str());
-  pango_font_description_set_weight(font,
-                                    face.isBold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
+  pango_font_description_set_weight(font, face.isBold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
   pango_font_description_set_style(font, face.isItalic ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
   pango_font_description_set_absolute_size(font, kFontSize * PANGO_SCALE);
   pango_layout_set_font_description(layout.get(), font);
@@ -93,8 +92,8 @@ double Lettering::capitalsOf(const Face& face) {
     return known->second;
   }
   PangoRectangle ink;
-  pango_layout_line_get_extents(
-      pango_layout_get_line_readonly(layoutOf("H", face).get(), 0), &ink, nullptr);
+  pango_layout_line_get_extents(pango_layout_get_line_readonly(layoutOf("H", face).get(), 0), &ink,
+                                nullptr);
   // Capitals of the common fonts are 0.72 of their size high.
   const double measured = -static_cast<double>(ink.y) / PANGO_SCALE;
   return m_capitals[key] = measured > 0.0 ? measured : 0.72 * kFontSize;

@@ -113,6 +113,7 @@ class Painter {
     double opacity = 1.0;
     double width = 1.0;
     std::vector<double> dashes;
+    double dashStart = 0.0;
     std::string layer;
   };
 
@@ -135,8 +136,8 @@ class Painter {
       made.fill = kFaintFill;
       // Wide lines stay wider than others, and marks are wider still.
       constexpr double kWidestFaint = 1.6;
-      made.width = std::clamp(look.lineWeight * m_style.pointsPerMillimeter, kPlanThinnest,
-                              kWidestFaint);
+      made.width =
+          std::clamp(look.lineWeight * m_style.pointsPerMillimeter, kPlanThinnest, kWidestFaint);
     } else {
       const Color own{look.color.red / 255.0, look.color.green / 255.0, look.color.blue / 255.0};
       const Color paper = paperOf(m_style.theme);
@@ -147,29 +148,63 @@ class Painter {
       made.opacity = look.opacity;
       made.width = std::max(look.lineWeight * m_style.pointsPerMillimeter, m_style.thinnest);
     }
-    double period = 0.0;
-    for (const double dash : look.dashes) {
-      made.dashes.push_back(std::fabs(dash) * m_view.scale);
-      period += made.dashes.back();
-    }
-    if (made.dashes.size() % 2 != 0) {
-      made.dashes.clear();
-    } else if (period < kLeastPeriod || !std::isfinite(period)) {
-      made.dashes.clear();
-    }
+    setDashes(look.dashes, made);
     if (m_style.layerName) {
       made.layer = m_style.layerName(look.layer);
     }
-    made.pen = m_pens
-                   .try_emplace(std::tuple(made.color.red, made.color.green, made.color.blue,
-                                           made.opacity, made.width, made.dashes, made.layer),
-                                static_cast<std::uint32_t>(m_pens.size()))
-                   .first->second;
+    made.pen =
+        m_pens
+            .try_emplace(std::tuple(made.color.red, made.color.green, made.color.blue, made.opacity,
+                                    made.width, made.dashes, made.dashStart, made.layer),
+                         static_cast<std::uint32_t>(m_pens.size()))
+            .first->second;
     return made;
   }
 
+  /// Strokes and gaps in turn, beginning with a stroke, as pages take them.
+  void setDashes(const std::vector<double>& pattern, Shown& made) const {
+    double period = 0.0;
+    double leadingGap = 0.0;
+    for (const double dash : pattern) {
+      const double length = std::fabs(dash) * m_view.scale;
+      const bool isGap = dash < 0.0;
+      const bool isNextGap = made.dashes.size() % 2 != 0;
+      period += length;
+      if (made.dashes.empty() && isGap) {
+        leadingGap += length;
+      } else if (isGap == isNextGap) {
+        made.dashes.push_back(length);
+      } else {
+        made.dashes.back() += length;
+      }
+    }
+    if (leadingGap > 0.0 && !made.dashes.empty()) {
+      made.dashes.size() % 2 != 0 ? made.dashes.push_back(leadingGap)
+                                  : static_cast<void>(made.dashes.back() += leadingGap);
+      made.dashStart = period - leadingGap;
+    }
+    if (made.dashes.size() % 2 != 0 && made.dashes.size() > 1) {
+      // The last stroke runs on into the first.
+      made.dashStart = made.dashes.back();
+      made.dashes.front() += made.dashes.back();
+      made.dashes.pop_back();
+    }
+    if (made.dashes.size() < 2 || period < kLeastPeriod || !std::isfinite(period)) {
+      made.dashes.clear();
+      made.dashStart = 0.0;
+    }
+    // Dots are as long as the line is wide, at the cost of the gaps behind them.
+    for (std::size_t i = 0; i + 1 < made.dashes.size(); i += 2) {
+      const double more = made.width - made.dashes[i];
+      if (more > 0.0 && made.dashes[i + 1] > 2.0 * more) {
+        made.dashes[i] += more;
+        made.dashes[i + 1] -= more;
+      }
+    }
+  }
+
   Pen penOf(const Shown& shown) const {
-    return {shown.color, shown.opacity, shown.width, shown.dashes, 0.0};
+    return {shown.color, shown.opacity, shown.width, shown.dashes, shown.dashStart};
   }
 
   /// Strokes what has been put together.
@@ -339,8 +374,12 @@ class Painter {
     }
     const AcGePoint2d start = text.start();
     const AcGeVector2d up = text.up * (down / text.up.length());
-    TextPlace place{m_view.x(start.x),    m_view.y(start.y), text.along.x * along,
-                    -text.along.y * along, -up.x,             up.y};
+    TextPlace place{m_view.x(start.x),
+                    m_view.y(start.y),
+                    text.along.x * along,
+                    -text.along.y * along,
+                    -up.x,
+                    up.y};
     const double area = place.alongX * place.downY - place.alongY * place.downX;
     if (!std::isfinite(area) || std::fabs(area) < kLeastArea) {
       return;
@@ -420,8 +459,9 @@ class Painter {
   double m_dots;
   SheetPath m_path;
   std::vector<Shown> m_shown;
-  std::map<std::tuple<double, double, double, double, double, std::vector<double>, std::string>,
-           std::uint32_t>
+  std::map<
+      std::tuple<double, double, double, double, double, std::vector<double>, double, std::string>,
+      std::uint32_t>
       m_pens;
   const Shown* m_open = nullptr;  // what is being put together
   std::size_t m_joined = 0;

@@ -21,13 +21,11 @@ struct Sheet {
 };
 
 constexpr std::array kSheets{
-    Sheet{"a0", 841.0, 1189.0},      Sheet{"a1", 594.0, 841.0},
-    Sheet{"a2", 420.0, 594.0},       Sheet{"a3", 297.0, 420.0},
-    Sheet{"a4", 210.0, 297.0},       Sheet{"a5", 148.0, 210.0},
-    Sheet{"letter", 215.9, 279.4},   Sheet{"legal", 215.9, 355.6},
-    Sheet{"tabloid", 279.4, 431.8},  Sheet{"arch-a", 228.6, 304.8},
-    Sheet{"arch-b", 304.8, 457.2},   Sheet{"arch-c", 457.2, 609.6},
-    Sheet{"arch-d", 609.6, 914.4},   Sheet{"arch-e", 914.4, 1219.2},
+    Sheet{"a0", 841.0, 1189.0},    Sheet{"a1", 594.0, 841.0},      Sheet{"a2", 420.0, 594.0},
+    Sheet{"a3", 297.0, 420.0},     Sheet{"a4", 210.0, 297.0},      Sheet{"a5", 148.0, 210.0},
+    Sheet{"letter", 215.9, 279.4}, Sheet{"legal", 215.9, 355.6},   Sheet{"tabloid", 279.4, 431.8},
+    Sheet{"arch-a", 228.6, 304.8}, Sheet{"arch-b", 304.8, 457.2},  Sheet{"arch-c", 457.2, 609.6},
+    Sheet{"arch-d", 609.6, 914.4}, Sheet{"arch-e", 914.4, 1219.2},
 };
 
 /// What a page may measure; larger ones no viewer shows.
@@ -74,10 +72,9 @@ PaperSize parsePaper(const std::string& text) {
   constexpr std::string_view kPortrait = "-portrait";
   const bool isLandscape = name.ends_with(kLandscape);
   const bool isPortrait = name.ends_with(kPortrait);
-  const std::string sheetName =
-      name.substr(0, name.size() - (isLandscape  ? kLandscape.size()
-                                    : isPortrait ? kPortrait.size()
-                                                 : 0));
+  const std::string sheetName = name.substr(0, name.size() - (isLandscape  ? kLandscape.size()
+                                                              : isPortrait ? kPortrait.size()
+                                                                           : 0));
   for (const Sheet& sheet : kSheets) {
     if (sheet.name == sheetName) {
       PaperSize size{text, sheet.width, sheet.height, !isLandscape && !isPortrait};
@@ -90,8 +87,9 @@ PaperSize parsePaper(const std::string& text) {
   const std::size_t times = name.find('x');
   const std::optional<double> width =
       numberOf(std::string_view(name).substr(0, std::min(times, name.size())));
-  const std::optional<double> height =
-      times == std::string::npos ? std::nullopt : numberOf(std::string_view(name).substr(times + 1));
+  const std::optional<double> height = times == std::string::npos
+                                           ? std::nullopt
+                                           : numberOf(std::string_view(name).substr(times + 1));
   if (!width || !height) {
     throw CommandError(
         ExitCode::Usage,

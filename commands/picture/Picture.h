@@ -1,6 +1,6 @@
 // A picture of a plan as plain data: what the drawing shows, and above it paths, texts and marks in
-// drawing coordinates, with what explains them. Rendering is somebody else's business (Render.h), so every command makes its
-// picture the same way and it comes out alike as PNG, SVG and PDF.
+// drawing coordinates, with what explains them. Rendering is somebody else's business (Render.h),
+// so every command makes its picture the same way and it comes out alike as PNG, SVG and PDF.
 #pragma once
 
 #include <functional>

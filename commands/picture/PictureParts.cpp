@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "dbobjptr.h"
+#include "dbsymtb.h"
+#include "embedded/os/Utf8.h"
+
 namespace quoin::commands {
 
 namespace {
@@ -32,6 +36,14 @@ Picture newPicture(const Drawing& drawing, const std::string& what, const std::s
   picture.millimetersPerUnit =
       drawing.info().units == AcDb::kUnitsUndefined ? 0.0 : drawing.millimetersPerUnit();
   picture.lengthKind = lengthKindOf(drawing.info().units);
+  picture.layerName = [](const AcDbObjectId& layer) {
+    const AcDbObjectPointer<AcDbLayerTableRecord> record(layer, AcDb::kForRead);
+    const ACHAR* name = L"";
+    if (record.openStatus() == Acad::eOk) {
+      record->getName(name);
+    }
+    return os::toUtf8(name);
+  };
   return picture;
 }
 

@@ -41,9 +41,9 @@ hostx::DrawReport drawSpace(const AcDbObjectId& block, DrawList& list, const Box
 std::vector<std::string> warningsOf(const hostx::DrawReport& report) {
   std::vector<std::string> warnings;
   if (report.framed > 0) {
-    warnings.push_back(fmt::format(
-        "{} drawn as frames: blocks show more than anybody could paint",
-        countText(static_cast<std::size_t>(report.framed), "block reference")));
+    warnings.push_back(
+        fmt::format("{} drawn as frames: blocks show more than anybody could paint",
+                    countText(static_cast<std::size_t>(report.framed), "block reference")));
   }
   if (!report.leftOut.empty()) {
     std::string kinds;

@@ -23,8 +23,7 @@ std::string numberText(double number) {
   if (number >= kLargest || number < kSmallest) {
     return fmt::format("{:.0e}", number);
   }
-  const int decimals =
-      number >= 1.0 ? 0 : static_cast<int>(std::ceil(-std::log10(number) - 1e-9));
+  const int decimals = number >= 1.0 ? 0 : static_cast<int>(std::ceil(-std::log10(number) - 1e-9));
   return fmt::format("{:.{}f}", number, decimals);
 }
 
@@ -37,8 +36,7 @@ RoundLength metric(double most, double millimetersPerUnit) {
   constexpr std::array kUnits{Unit{"km", 1e6}, Unit{"m", 1e3}, Unit{"mm", 1.0}};
   for (const Unit& unit : kUnits) {
     if (length >= unit.millimeters * (1.0 - 1e-9) || unit.millimeters == 1.0) {
-      return {length / millimetersPerUnit,
-              numberText(length / unit.millimeters) + " " + unit.name};
+      return {length / millimetersPerUnit, numberText(length / unit.millimeters) + " " + unit.name};
     }
   }
   return {};

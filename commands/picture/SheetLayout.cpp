@@ -102,8 +102,7 @@ class Foot {
       m_texts.push_back({title, at, m_y + 5.0 * unit, kEntrySize * unit, false});
     }
     for (const LegendEntry& entry : picture.legend) {
-      const double at =
-          place(kSwatch * unit + letters.width(entry.text, {}, kEntrySize * unit));
+      const double at = place(kSwatch * unit + letters.width(entry.text, {}, kEntrySize * unit));
       m_legend.push_back({&entry, at, m_y});
       m_texts.push_back(
           {entry.text, at + kSwatch * unit, m_y + 5.0 * unit, kEntrySize * unit, false});
@@ -276,7 +275,7 @@ class PaperSheet {
 
   /// A page as large as the plan needs in its scale.
   SheetLayout onOwnPaper() const {
-    constexpr double kLeastSide = 150.0;  // millimetres, for the words
+    constexpr double kLeastSide = 150.0;                           // millimetres, for the words
     constexpr double kMostSide = 14'400.0 / kPointsPerMillimeter;  // what PDF viewers show
     const double scale = *m_options.scale;
     PaperSize paper;
@@ -337,9 +336,10 @@ Box viewOf(const Picture& picture, std::string& leftOut) {
         all = focus.grownBy(0.1 * size);
         if (far > 0) {
           leftOut = far == 1 ? "one thing lies far off what is worked on, and is not in view"
-                             : fmt::format("{} things lie far off what is worked on, and are not "
-                                           "in view",
-                                           far);
+                             : fmt::format(
+                                   "{} things lie far off what is worked on, and are not "
+                                   "in view",
+                                   far);
         }
       }
     }

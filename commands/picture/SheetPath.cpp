@@ -90,8 +90,7 @@ std::size_t SheetPath::draw(const DrawList::PathView& path) {
         finish();
         m_at = m_drawn = {m_view.x(numbers[0]), m_view.y(numbers[1])};
         m_canvas.moveTo(m_at.x, m_at.y);
-        const bool isDot =
-            i + 1 == path.verbCount || path.verbs[i + 1] == DrawList::Verb::Move;
+        const bool isDot = i + 1 == path.verbCount || path.verbs[i + 1] == DrawList::Verb::Move;
         if (isDot) {
           m_canvas.lineTo(m_at.x, m_at.y);
         }
@@ -201,7 +200,8 @@ void SheetPath::strokeFar(const DrawList::PathView& path, const Pen& pen) {
         m_canvas.moveTo(from.x + dx * first, from.y + dy * first);
         m_canvas.lineTo(from.x + dx * last, from.y + dy * last);
         Pen own = pen;
-        own.dashStart = period > 0.0 ? std::fmod(walked + length * first, period) : 0.0;
+        own.dashStart =
+            period > 0.0 ? std::fmod(pen.dashStart + walked + length * first, period) : 0.0;
         m_canvas.stroke(own);
       }
       walked += length;

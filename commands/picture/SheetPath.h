@@ -18,8 +18,9 @@ class SheetPath {
   /// What a box of the drawing is on the page.
   Box onSheet(const Box& box) const;
   /// Whether a box of the page is near enough for paths in it to be drawn as they are.
-  bool isNear(const Box& sheet) const { return m_near.contains(sheet.minX, sheet.minY) &&
-                                               m_near.contains(sheet.maxX, sheet.maxY); }
+  bool isNear(const Box& sheet) const {
+    return m_near.contains(sheet.minX, sheet.minY) && m_near.contains(sheet.maxX, sheet.maxY);
+  }
 
   /// Draws a path that is near; returns its pieces.
   std::size_t draw(const DrawList::PathView& path);

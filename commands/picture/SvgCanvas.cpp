@@ -14,10 +14,9 @@ namespace {
 /// With decimals of a point, without needless zeros, whatever the locale.
 void append(std::string& text, double number, int decimals) {
   std::array<char, 400> digits;
-  const auto end =
-      std::to_chars(digits.data(), digits.data() + digits.size(), number, std::chars_format::fixed,
-                    decimals)
-          .ptr;
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number,
+                                 std::chars_format::fixed, decimals)
+                       .ptr;
   std::string_view written(digits.data(), static_cast<std::size_t>(end - digits.data()));
   if (written.find('.') != std::string_view::npos) {
     while (written.back() == '0') {
@@ -180,7 +179,7 @@ class SvgCanvas : public Canvas {
     }
     m_bytes.back() = ')';
     m_bytes += fmt::format(
-        "\" font-family=\"'{}', 'DejaVu Sans', 'WenQuanYi Micro Hei', sans-serif\" "
+        "\" font-family=\"'{}', 'WenQuanYi Micro Hei', sans-serif\" "
         "font-size=\"{}\"{}{} textLength=\"{}\" lengthAdjust=\"spacingAndGlyphs\" fill=\"{}\"",
         line.face.family, numberText(Lettering::kFontSize),
         line.face.isBold ? " font-weight=\"bold\"" : "",
@@ -223,8 +222,7 @@ class SvgCanvas : public Canvas {
   }
 
   void addOutlines(const SetLine& line, const TextPlace& place) {
-    cairo_surface_t* const surface =
-        cairo_recording_surface_create(CAIRO_CONTENT_ALPHA, nullptr);
+    cairo_surface_t* const surface = cairo_recording_surface_create(CAIRO_CONTENT_ALPHA, nullptr);
     cairo_t* const cairo = cairo_create(surface);
     pango_cairo_layout_line_path(cairo, line.line);
     cairo_path_t* const path = cairo_copy_path(cairo);
