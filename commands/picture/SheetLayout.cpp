@@ -194,6 +194,9 @@ SheetLayout freeSheet(const Picture& picture, const Box& shown, const std::strin
   const Box area{kMargin, top, kMargin + width, top + height};
   center(shown, std::min(width / shown.width(), height / shown.height()), area, 0.4 * kMargin,
          layout);
+  // A plan's outermost lines stand on dots of a PNG rather than between them.
+  layout.view.left = std::floor(layout.view.left) + 0.5;
+  layout.view.bottom = std::floor(layout.view.bottom) + 0.5;
   setBar(picture, width, layout);
   return layout;
 }
