@@ -35,6 +35,7 @@ std::unique_ptr<Command> makeSurveyCommand();
 std::unique_ptr<Command> makeStyleCommand();
 std::unique_ptr<Command> makePaintCommand();
 std::unique_ptr<Command> makeMatchPropertiesCommand();
+std::unique_ptr<Command> makePictureCommand();
 std::unique_ptr<Command> makeExtentsCommand();
 std::unique_ptr<Command> makeCompareCommand();
 std::unique_ptr<Command> makeToOriginCommand();

@@ -55,6 +55,7 @@ Commands declareCommands(CLI::App& app) {
                                              &makeStyleCommand,
                                              &makePaintCommand,
                                              &makeMatchPropertiesCommand,
+                                             &makePictureCommand,
                                              &makeExtentsCommand,
                                              &makeCompareCommand,
                                              &makeToOriginCommand,

@@ -2,6 +2,7 @@
 
 #include "commands/Progress.h"
 #include "commands/picture/Render.h"
+#include "commands/picture/SheetLayout.h"
 
 namespace quoin::commands {
 
@@ -23,6 +24,11 @@ void DrawingJob::render(const Picture& drawn, Report& report) const {
 void DrawingJob::renderAny(const Picture& drawn, Report& report) const {
   for (const std::string& warning : drawn.warnings) {
     report.warn("picture: " + warning);
+  }
+  std::string leftOut;
+  viewOf(drawn, leftOut);
+  if (!leftOut.empty()) {
+    report.warn("picture: " + leftOut);
   }
   Progress::checkInterrupt();
   renderPicture(drawn, picture);

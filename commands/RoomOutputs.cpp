@@ -417,7 +417,7 @@ Picture roomsPicture(Drawing& drawing, const RoomPlan& plan, double captureDista
     picture.paths.push_back(filled(body.outer, kBody));
   }
   addPlanShapes(picture, drawing, {});
-  picture.labels.clear();  // the labels of rooms say what the texts do
+  picture.drawn.back().hasTexts = false;  // the labels of rooms say what the texts do
   for (const plan::Room& room : plan.found.rooms) {
     Path outline;
     outline.points = room.polygon.outer;

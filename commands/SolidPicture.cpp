@@ -3,9 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <map>
+#include <numeric>
+#include <set>
 #include <span>
+#include <tuple>
 #include <utility>
+#include <vector>
 
 namespace quoin::commands {
 
@@ -125,27 +130,198 @@ class Creases {
 struct SeenFace {
   Face face;
   bool isCeiling;
+  std::size_t rank;  // of its wall, far ones first
   double depth;
-  bool isParted;  // by jambs: only these edges are seen
   std::vector<Edge> edges;
+};
+
+/// Where walls stand in the plan as the view sees it: `across` it, and away from the viewer.
+/// Walls that stand apart can be painted one after the other, far ones first, so that each hides
+/// what it should: in the plane, along one direction, "behind" makes no circles among convex
+/// shapes. A sweep across the view finds which wall is next to which (neighbours, all the way), and
+/// sorting those gives the order.
+class PaintOrder {
+ public:
+  explicit PaintOrder(const std::vector<WallPrism>& walls) : m_before(walls.size()) {
+    std::vector<Event> events;
+    for (std::size_t i = 0; i < walls.size(); ++i) {
+      m_shapes.push_back(shapeOf(walls[i]));
+      events.push_back({m_shapes[i].low, false, i});
+      events.push_back({m_shapes[i].high, true, i});
+    }
+    std::sort(events.begin(), events.end(), [](const Event& a, const Event& b) {
+      return std::tuple(a.across, !a.isEnd, a.wall) < std::tuple(b.across, !b.isEnd, b.wall);
+    });
+    for (const Event& event : events) {
+      event.isEnd ? leave(event.wall) : enter(event.wall);
+    }
+  }
+
+  /// The place of each wall in the order.
+  std::vector<std::size_t> ranks() const {
+    std::vector<std::size_t> waiting(m_shapes.size(), 0);
+    for (const std::vector<std::size_t>& nearer : m_before) {
+      for (const std::size_t wall : nearer) {
+        ++waiting[wall];
+      }
+    }
+    const auto isFarther = [&](std::size_t a, std::size_t b) {
+      return std::pair(-m_shapes[a].middle, a) < std::pair(-m_shapes[b].middle, b);
+    };
+    std::vector<std::size_t> byDepth(m_shapes.size());
+    std::iota(byDepth.begin(), byDepth.end(), std::size_t{0});
+    std::sort(byDepth.begin(), byDepth.end(), isFarther);
+    std::set<std::size_t, decltype(isFarther)> ready(isFarther);
+    for (std::size_t i = 0; i < waiting.size(); ++i) {
+      if (waiting[i] == 0) {
+        ready.insert(i);
+      }
+    }
+    std::vector<std::size_t> ranks(m_shapes.size(), kNone);
+    std::size_t next = 0;
+    for (std::size_t done = 0; done < ranks.size(); ++done) {
+      while (ready.empty()) {
+        // Walls that overlap may stand in a circle; the farthest begins.
+        if (ranks[byDepth[next]] == kNone) {
+          ready.insert(byDepth[next]);
+        }
+        ++next;
+      }
+      const std::size_t wall = *ready.begin();
+      ready.erase(ready.begin());
+      ranks[wall] = done;
+      for (const std::size_t nearer : m_before[wall]) {
+        if (--waiting[nearer] == 0 && ranks[nearer] == kNone) {
+          ready.insert(nearer);
+        }
+      }
+    }
+    return ranks;
+  }
+
+ private:
+  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+  struct Event {
+    double across;
+    bool isEnd;
+    std::size_t wall;
+  };
+  struct Shape {
+    std::vector<AcGePoint2d> corners;  // across, away
+    double low = 0.0;
+    double high = 0.0;
+    double middle = 0.0;
+
+    /// The middle of what the shape takes up at a place across.
+    double depthAt(double across) const {
+      double nearest = std::numeric_limits<double>::infinity();
+      double farthest = -nearest;
+      for (std::size_t i = 0; i < corners.size(); ++i) {
+        const AcGePoint2d& a = corners[i];
+        const AcGePoint2d& b = corners[(i + 1) % corners.size()];
+        if (std::min(a.x, b.x) <= across && across <= std::max(a.x, b.x)) {
+          const double share = a.x == b.x ? 0.0 : (across - a.x) / (b.x - a.x);
+          const double depth = a.y + (b.y - a.y) * share;
+          for (const double end : {depth, a.x == b.x ? b.y : depth}) {
+            nearest = std::min(nearest, end);
+            farthest = std::max(farthest, end);
+          }
+        }
+      }
+      return nearest <= farthest ? 0.5 * (nearest + farthest) : middle;
+    }
+  };
+
+  static Shape shapeOf(const WallPrism& wall) {
+    Shape shape;
+    // The hull of the floor's corners, by the monotone chain.
+    std::vector<AcGePoint2d> points;
+    for (const AcGePoint3d& corner : {wall.startLeft, wall.startMid, wall.startRight, wall.endRight,
+                                      wall.endMid, wall.endLeft}) {
+      points.emplace_back(corner.x + kDepthAcross * corner.y, corner.y);
+    }
+    const auto isBefore = [](const AcGePoint2d& a, const AcGePoint2d& b) {
+      return a.x != b.x ? a.x < b.x : a.y < b.y;
+    };
+    std::sort(points.begin(), points.end(), isBefore);
+    std::vector<AcGePoint2d>& hull = shape.corners;
+    for (int side = 0; side < 2; ++side) {
+      const std::size_t first = hull.size();
+      for (const AcGePoint2d& point : points) {
+        while (hull.size() >= first + 2) {
+          const AcGeVector2d a = hull.back() - hull[hull.size() - 2];
+          const AcGeVector2d b = point - hull.back();
+          if (a.x * b.y - a.y * b.x > 0.0) {
+            break;
+          }
+          hull.pop_back();
+        }
+        hull.push_back(point);
+      }
+      hull.pop_back();
+      std::reverse(points.begin(), points.end());
+    }
+    if (hull.empty()) {
+      hull.push_back(points.front());
+    }
+    shape.low = points.front().x;
+    shape.high = points.back().x;
+    for (const AcGePoint2d& corner : hull) {
+      shape.middle += corner.y / static_cast<double>(hull.size());
+    }
+    return shape;
+  }
+
+  void enter(std::size_t wall) {
+    // A little inside, so that walls which share a corner stand apart.
+    constexpr double kInside = 1e-3;
+    const Shape& own = m_shapes[wall];
+    const double across = own.low + kInside * (own.high - own.low);
+    const double depth = own.depthAt(across);
+    const auto place =
+        std::partition_point(m_active.begin(), m_active.end(), [&](std::size_t other) {
+          const Shape& shape = m_shapes[other];
+          return shape.depthAt(std::min(across, shape.high)) > depth;
+        });
+    const auto at = m_active.insert(place, wall);
+    if (at != m_active.begin()) {
+      m_before[*(at - 1)].push_back(wall);
+    }
+    if (at + 1 != m_active.end()) {
+      m_before[wall].push_back(*(at + 1));
+    }
+  }
+  void leave(std::size_t wall) {
+    const auto at = std::find(m_active.begin(), m_active.end(), wall);
+    if (at != m_active.begin() && at + 1 != m_active.end()) {
+      m_before[*(at - 1)].push_back(*(at + 1));
+    }
+    m_active.erase(at);
+  }
+
+  std::vector<Shape> m_shapes;
+  std::vector<std::size_t> m_active;               // far ones first
+  std::vector<std::vector<std::size_t>> m_before;  // which walls are painted after each
 };
 
 class WallPainter {
  public:
   explicit WallPainter(const std::vector<WallPrism>& walls) {
-    for (const WallPrism& wall : walls) {
-      wall.holes.empty() ? addWhole(wall) : addWithHoles(wall);
+    const std::vector<std::size_t> ranks = PaintOrder(walls).ranks();
+    for (std::size_t i = 0; i < walls.size(); ++i) {
+      add(walls[i], ranks[i]);
     }
+    // All walls are of one height, so that nothing stands above their tops.
     std::stable_sort(m_seen.begin(), m_seen.end(), [](const SeenFace& a, const SeenFace& b) {
-      return a.isCeiling != b.isCeiling ? b.isCeiling : a.depth > b.depth;
+      return std::tuple(a.isCeiling, a.rank, -a.depth) < std::tuple(b.isCeiling, b.rank, -b.depth);
     });
   }
 
   void paint(Picture& picture) const {
     for (const SeenFace& part : m_seen) {
       const Color fill = shadeOf(normalOf(part.face));
-      const bool hasOutline = !part.isCeiling && !part.isParted;
-      picture.paths.push_back(filled(part.face, fill, hasOutline ? palette::kWall : fill));
+      picture.paths.push_back(filled(part.face, fill, fill));
       for (const auto& [from, to] : part.edges) {
         addEdge(picture, from, to, kEdgeWidth);
       }
@@ -164,19 +340,7 @@ class WallPainter {
     return normal.x == 0.0 && normal.y == 0.0;
   }
 
-  void addWhole(const WallPrism& wall) {
-    for (const Face& face : wall.faces()) {
-      if (isSeen(wall, face)) {
-        m_seen.push_back({face, looksUp(face), depthOf(face), false, {}});
-      }
-    }
-    // The ceiling's long edges, without the line between its halves.
-    const AcGeVector3d up(0.0, 0.0, wall.height);
-    m_ceilingEdges.emplace_back(wall.startLeft + up, wall.endLeft + up);
-    m_ceilingEdges.emplace_back(wall.startRight + up, wall.endRight + up);
-  }
-
-  void addWithHoles(const WallPrism& wall) {
+  void add(const WallPrism& wall, std::size_t rank) {
     const std::vector<Face> faces = wall.faces();
     const Creases creases(faces);
     for (const Face& face : faces) {
@@ -184,7 +348,7 @@ class WallPainter {
         continue;
       }
       const bool isCeiling = looksUp(face) && face[0].z == wall.startLeft.z + wall.height;
-      SeenFace seen{face, isCeiling, depthOf(face), true, {}};
+      SeenFace seen{face, isCeiling, rank, depthOf(face), {}};
       creases.forEach(face,
                       [&](const AcGePoint3d& from, const AcGePoint3d& to, const Face* behind) {
                         if (!isCeiling) {
@@ -201,6 +365,8 @@ class WallPainter {
   std::vector<Edge> m_ceilingEdges;
 };
 
+constexpr Color kFloor{0.93, 0.91, 0.86};
+
 /// Sides before tops, since slabs next to one another are at one height.
 void addSlabs(Picture& picture, const std::vector<FloorSlab>& slabs) {
   for (const FloorSlab& slab : slabs) {
@@ -212,7 +378,6 @@ void addSlabs(Picture& picture, const std::vector<FloorSlab>& slabs) {
     }
   }
   for (const FloorSlab& slab : slabs) {
-    constexpr Color kFloor{0.93, 0.91, 0.86};
     picture.paths.push_back(filled(slab.top, kFloor, palette::kWall));
   }
 }
@@ -222,6 +387,14 @@ void addSlabs(Picture& picture, const std::vector<FloorSlab>& slabs) {
 void addBodies(Picture& picture, const Model& model) {
   addSlabs(picture, model.slabs);
   WallPainter(model.walls).paint(picture);
+  constexpr double kSwatch = 10.0;
+  picture.legend.push_back(
+      {"top of a wall", shadeOf(AcGeVector3d::kZAxis), false, MarkShape::Dot, kSwatch});
+  picture.legend.push_back(
+      {"side of a wall", shadeOf(-AcGeVector3d::kYAxis), false, MarkShape::Dot, kSwatch});
+  if (!model.slabs.empty()) {
+    picture.legend.push_back({"floor slab", kFloor, false, MarkShape::Dot, kSwatch});
+  }
 }
 
 }  // namespace quoin::commands

@@ -42,6 +42,8 @@ LIBRARIES = {
     "fmt/": {"commands", "app", "python", "tests"},
     "nlohmann/": {"commands", "tests"},
     "cairo": {"commands", "tests"},
+    "pango/": {"commands"},
+    "fontconfig/": {"commands"},
     "tiny_gltf.h": {"commands"},
     "geos_c.h": {"embedded/db/regions", "plan", "bench", "tests"},
     "ft2build.h": {"embedded/text"},

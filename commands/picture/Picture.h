@@ -1,11 +1,16 @@
-// A picture of a plan as plain data: paths, texts and marks in drawing coordinates, with what
-// explains them. Rendering is somebody else's business (Render.h), so every command makes its
-// picture the same way and it comes out alike as PNG, SVG and PDF.
+// A picture of a plan as plain data: what the drawing shows, and above it paths, texts and marks in
+// drawing coordinates, with what explains them. Rendering is somebody else's business (Render.h),
+// so every command makes its picture the same way and it comes out alike as PNG, SVG and PDF.
 #pragma once
 
+#include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "commands/picture/ScaleBar.h"
+#include "dbid.h"
 #include "gepnt2d.h"
 
 namespace quoin::commands {
@@ -20,7 +25,8 @@ struct Color {
 namespace palette {
 inline constexpr Color kPaper{1.0, 1.0, 1.0};
 inline constexpr Color kInk{0.13, 0.13, 0.15};
-inline constexpr Color kPlan{0.74, 0.75, 0.77};   // what is not worked on
+/// What is not worked on: light beside marks, and still three times as dark as paper (WCAG 2.1).
+inline constexpr Color kPlan{0.56, 0.57, 0.59};
 inline constexpr Color kWall{0.20, 0.21, 0.24};   // what is worked on, unchanged
 inline constexpr Color kFirst{0.05, 0.40, 0.75};  // distinct results: blue, orange, ...
 inline constexpr Color kSecond{0.88, 0.46, 0.05};
@@ -69,19 +75,36 @@ struct LegendEntry {
   double width = 2.0;
 };
 
+class DrawList;
+
+/// What the drawing itself shows, or some of its entities.
+struct DrawnPart {
+  std::shared_ptr<const DrawList> list;
+  /// Everything in this colour and width, whatever the drawing says.
+  std::optional<Color> color;
+  double width = 1.0;
+  bool hasTexts = true;
+  /// It is drawn above so many paths, and beneath the others.
+  std::size_t pathsBefore = 0;
+};
+
 struct Picture {
   std::string title;
   std::string subtitle;
+  std::vector<DrawnPart> drawn;
   std::vector<Path> paths;  // drawn in this order, marks on top of all
   std::vector<Label> labels;
   std::vector<Mark> marks;
   std::vector<LegendEntry> legend;
   /// Millimetres of a drawing unit; 0 where the drawing has no unit.
   double millimetersPerUnit = 0.0;
+  LengthKind lengthKind = LengthKind::Unknown;
+  /// The name of a layer of the drawing.
+  std::function<std::string(const AcDbObjectId&)> layerName;
   /// What must be seen, beside the paths themselves: when the plan reaches very far out, the
   /// view keeps to this.
   std::vector<AcGePoint2d> focus;
-  /// What it does not show as it is.
+  /// What it does not show as it is; stands under the picture too.
   std::vector<std::string> warnings;
 };
 

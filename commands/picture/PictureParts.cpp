@@ -3,7 +3,31 @@
 #include <algorithm>
 #include <cmath>
 
+#include "dbobjptr.h"
+#include "dbsymtb.h"
+#include "embedded/os/Utf8.h"
+
 namespace quoin::commands {
+
+namespace {
+
+LengthKind lengthKindOf(AcDb::UnitsValue units) {
+  switch (units) {
+    case AcDb::kUnitsUndefined:
+      return LengthKind::Unknown;
+    case AcDb::kUnitsInches:
+    case AcDb::kUnitsFeet:
+    case AcDb::kUnitsMiles:
+    case AcDb::kUnitsMicroinches:
+    case AcDb::kUnitsMils:
+    case AcDb::kUnitsYards:
+      return LengthKind::Imperial;
+    default:
+      return LengthKind::Metric;
+  }
+}
+
+}  // namespace
 
 Picture newPicture(const Drawing& drawing, const std::string& what, const std::string& subtitle) {
   Picture picture;
@@ -11,6 +35,15 @@ Picture newPicture(const Drawing& drawing, const std::string& what, const std::s
   picture.subtitle = subtitle;
   picture.millimetersPerUnit =
       drawing.info().units == AcDb::kUnitsUndefined ? 0.0 : drawing.millimetersPerUnit();
+  picture.lengthKind = lengthKindOf(drawing.info().units);
+  picture.layerName = [](const AcDbObjectId& layer) {
+    const AcDbObjectPointer<AcDbLayerTableRecord> record(layer, AcDb::kForRead);
+    const ACHAR* name = L"";
+    if (record.openStatus() == Acad::eOk) {
+      record->getName(name);
+    }
+    return os::toUtf8(name);
+  };
   return picture;
 }
 

@@ -100,6 +100,10 @@ class HOST_API DrawSink {
   virtual void wipe(const DrawPath& path) = 0;
   virtual void text(const DrawText& text, const DrawLook& look) = 0;
   virtual void image(const DrawImage& image, const DrawLook& look) = 0;
+  /// What follows, up to the endClip() that belongs to it, shows inside the closed path alone: a
+  /// viewport of a layout. Clips are nested. A sink that does nothing here shows too much.
+  virtual void beginClip(const DrawPath& path);
+  virtual void endClip();
 };
 
 struct DrawOptions {

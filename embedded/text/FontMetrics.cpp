@@ -22,34 +22,37 @@ constexpr double kLetterAdvance = 0.7;
 /// Ideographs are squares of one em; drawing fonts make them as high as capitals.
 constexpr double kIdeographAdvance = 1.0;
 
-/// What stands for a font: those of the first column as files of the second.
+/// What stands for a font: those of the first column as files of the second, which are of a family.
 struct Substitute {
   std::wstring_view name;  // a font's name begins so, in lower case
   std::string_view file;
+  std::string_view family;
+  bool isBold = false;
 };
 
 // Longer names stand before their beginnings. Liberation has the widths of the fonts that it
 // stands for.
 constexpr std::array kSubstitutes{
-    Substitute{L"arialbd", "LiberationSans-Bold.ttf"},
-    Substitute{L"arialn", "LiberationSansNarrow-Regular.ttf"},
-    Substitute{L"arial", "LiberationSans-Regular.ttf"},
-    Substitute{L"helvetica", "LiberationSans-Regular.ttf"},
-    Substitute{L"timesbd", "LiberationSerif-Bold.ttf"},
-    Substitute{L"times", "LiberationSerif-Regular.ttf"},
-    Substitute{L"romant", "LiberationSerif-Regular.ttf"},
-    Substitute{L"cour", "LiberationMono-Regular.ttf"},
-    Substitute{L"monotxt", "DejaVuSansMono.ttf"},
-    Substitute{L"consola", "DejaVuSansMono.ttf"},
-    Substitute{L"simsun", "wqy-microhei.ttc"},
-    Substitute{L"simhei", "wqy-microhei.ttc"},
-    Substitute{L"simkai", "wqy-microhei.ttc"},
-    Substitute{L"simfang", "wqy-microhei.ttc"},
-    Substitute{L"msyh", "wqy-microhei.ttc"},
-    Substitute{L"\u5B8B\u4F53", "wqy-microhei.ttc"},
-    Substitute{L"\u9ED1\u4F53", "wqy-microhei.ttc"},
+    Substitute{L"arialbd", "LiberationSans-Bold.ttf", "Liberation Sans", true},
+    Substitute{L"arialn", "LiberationSansNarrow-Regular.ttf", "Liberation Sans Narrow"},
+    Substitute{L"arial", "LiberationSans-Regular.ttf", "Liberation Sans"},
+    Substitute{L"helvetica", "LiberationSans-Regular.ttf", "Liberation Sans"},
+    Substitute{L"timesbd", "LiberationSerif-Bold.ttf", "Liberation Serif", true},
+    Substitute{L"times", "LiberationSerif-Regular.ttf", "Liberation Serif"},
+    Substitute{L"romant", "LiberationSerif-Regular.ttf", "Liberation Serif"},
+    Substitute{L"cour", "LiberationMono-Regular.ttf", "Liberation Mono"},
+    Substitute{L"monotxt", "DejaVuSansMono.ttf", "DejaVu Sans Mono"},
+    Substitute{L"consola", "DejaVuSansMono.ttf", "DejaVu Sans Mono"},
+    Substitute{L"simsun", "wqy-microhei.ttc", "WenQuanYi Micro Hei"},
+    Substitute{L"simhei", "wqy-microhei.ttc", "WenQuanYi Micro Hei"},
+    Substitute{L"simkai", "wqy-microhei.ttc", "WenQuanYi Micro Hei"},
+    Substitute{L"simfang", "wqy-microhei.ttc", "WenQuanYi Micro Hei"},
+    Substitute{L"msyh", "wqy-microhei.ttc", "WenQuanYi Micro Hei"},
+    Substitute{L"\u5B8B\u4F53", "wqy-microhei.ttc", "WenQuanYi Micro Hei"},
+    Substitute{L"\u9ED1\u4F53", "wqy-microhei.ttc", "WenQuanYi Micro Hei"},
 };
-constexpr std::string_view kUsualFile = "DejaVuSans.ttf";
+constexpr Substitute kUsual{L"", "DejaVuSans.ttf", "DejaVu Sans"};
+constexpr std::string_view kUsualFile = kUsual.file;
 
 constexpr std::array<std::string_view, 6> kFolders{"/usr/share/fonts/truetype/liberation",
                                                    "/usr/share/fonts/truetype/liberation2",
@@ -142,16 +145,16 @@ const Font& fontOfFile(std::string_view file) {
   return *opened.emplace(std::string(file), std::move(font)).first->second;
 }
 
-std::string_view fileFor(std::wstring_view fontFile) {
+const Substitute& substituteFor(std::wstring_view fontFile) {
   const std::size_t folder = fontFile.find_last_of(L"/\\");
   const std::wstring name =
       os::foldCase(folder == std::wstring_view::npos ? fontFile : fontFile.substr(folder + 1));
   for (const Substitute& substitute : kSubstitutes) {
     if (name.starts_with(os::foldCase(substitute.name))) {
-      return substitute.file;
+      return substitute;
     }
   }
-  return kUsualFile;
+  return kUsual;
 }
 
 }  // namespace
@@ -162,9 +165,14 @@ const Font& fontFor(std::wstring_view fontFile) {
   if (found != known.end()) {
     return *found->second;
   }
-  const Font& font = fontOfFile(fileFor(fontFile));
+  const Font& font = fontOfFile(substituteFor(fontFile).file);
   known.emplace(fontFile, &font);
   return font;
+}
+
+Family familyFor(std::wstring_view fontFile) {
+  const Substitute& substitute = substituteFor(fontFile);
+  return {substitute.family, substitute.isBold};
 }
 
 const Font& usualFont() {

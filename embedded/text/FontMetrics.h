@@ -22,6 +22,12 @@ class Font {
 /// The font for a style's font file ("arial.ttf", "txt.shx", "Arial"; in any case, with or
 /// without ending). Lives as long as the process.
 HOST_API const Font& fontFor(std::wstring_view fontFile);
+/// The family of that font, for who draws with it.
+struct Family {
+  std::string_view name;  // "Liberation Sans"; lives as long as the process
+  bool isBold = false;
+};
+HOST_API Family familyFor(std::wstring_view fontFile);
 /// The font of texts that name none.
 HOST_API const Font& usualFont();
 

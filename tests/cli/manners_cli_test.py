@@ -60,7 +60,7 @@ class JsonTest(cli.CliTest):
         "style mline": ["--name", "W"], "style dim": ["--name", "D", "--scale", "1"],
         "paint": ["--layer", "WALL", "--rgb", "1,2,3"],
         "match-properties": ["--layer", "WALL", "--from", "{handle}"],
-        "rescale": ["--drawing-factor", "2"], "convert": [], "restore": None,
+        "rescale": ["--drawing-factor", "2"], "convert": [], "restore": None, "picture": None,
     }
 
     def plan(self):
@@ -83,11 +83,13 @@ class JsonTest(cli.CliTest):
                 if options is not None:
                     ending = ".obj" if command == "solid" else ".dxf"
                     words += ["-o", self.path("o" + ending)]
+                if command == "picture":
+                    words += ["-o", self.path("p.png")]
                 if command == "restore":
                     self.path("plan.dxf.bak").write_bytes(plan.read_bytes() + b"\n")
                 document = self.document(*command.split(), plan, *words)
                 self.assertEqual((document["command"], document["done"]), (command, 1))
-                if command not in ("info", "extents"):
+                if command not in ("info", "extents", "picture"):
                     self.assertIsNotNone(document["drawings"][0]["output"])
 
     def test_an_entity_is_named_the_same_way_everywhere(self):

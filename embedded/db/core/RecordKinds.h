@@ -20,6 +20,7 @@ namespace quoin::db {
 struct Drawn;
 struct OwnBlock;
 struct TransformSchema;
+class DrawWalk;
 class ExtentsWalk;
 
 /// One subclass of a kind: its marker and the group codes that are its own.
@@ -56,6 +57,8 @@ using ClassFunction = const ClassRow* (*)(const TagList& tags, const AcDbStub* s
 /// Adds the box of what an entity shows to `box`.
 using ExtentsFunction = Acad::ErrorStatus (*)(const Drawn& entity, const AcGeMatrix3d& toWorld,
                                               ExtentsWalk& walk, AcDbExtents& box);
+/// Draws what an entity shows.
+using DrawFunction = void (*)(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk);
 /// Edits the entity's record.
 using TransformFunction = Acad::ErrorStatus (*)(RecordEdit& edit, const AcGeMatrix3d& matrix);
 /// Edits the record of one of its parts; `owner` is the owner's record as it was.
@@ -88,6 +91,8 @@ struct RecordKind {
   /// name objects that know them alone: the block of a dimension, the definition of an image.
   bool isSelfContained = false;
   ExtentsFunction extents = nullptr;
+  /// Null for a kind that nobody can draw: it is counted among what was left out.
+  DrawFunction draw = nullptr;
   /// How it is transformed: by a function, or by what its group codes mean.
   TransformFunction transform = nullptr;
   const TransformSchema* schema = nullptr;

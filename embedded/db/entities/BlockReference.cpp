@@ -7,6 +7,7 @@
 #include "embedded/db/core/PlaneFields.h"
 #include "embedded/db/entities/EntityKinds.h"
 #include "embedded/db/entities/ReferenceFields.h"
+#include "embedded/db/geometry/DrawWalk.h"
 #include "embedded/db/geometry/EntityGeometry.h"
 #include "embedded/db/geometry/PlaneTransform.h"
 
@@ -192,6 +193,13 @@ Acad::ErrorStatus AcDbMInsertBlock::setRowSpacing(double spacing) {
 namespace quoin::db {
 namespace {
 
+bool isHiddenAttribute(const TagList& attribute) {
+  constexpr std::int64_t kIsInvisible = 1;
+  const std::int64_t flags = attribute.integer(code::kFlags, layout::kAttribute.in(attribute), 0);
+  return (flags & kIsInvisible) ||
+         attribute.integer(code::kVisibility, layout::kEntity.in(attribute), 0) != 0;
+}
+
 Acad::ErrorStatus extentsOfReference(const Drawn& entity, const AcGeMatrix3d& toWorld,
                                      ExtentsWalk& walk, AcDbExtents& box) {
   const ReferenceFields fields(entity.tags);
@@ -210,12 +218,7 @@ Acad::ErrorStatus extentsOfReference(const Drawn& entity, const AcGeMatrix3d& to
     }
   }
   const auto addAttribute = [&](const TagList& attribute) {
-    constexpr std::int64_t kIsInvisible = 1;
-    const std::int64_t flags = attribute.integer(code::kFlags, layout::kAttribute.in(attribute), 0);
-    const bool isHidden =
-        (flags & kIsInvisible) ||
-        attribute.integer(code::kVisibility, layout::kEntity.in(attribute), 0) != 0;
-    if (!isHidden) {
+    if (!isHiddenAttribute(attribute)) {
       walk.addPart({attribute, entity.database, nullptr, nullptr}, toWorld, box);
     }
   };
@@ -225,6 +228,32 @@ Acad::ErrorStatus extentsOfReference(const Drawn& entity, const AcGeMatrix3d& to
     forEachPart(*entity.object, addAttribute);
   }
   return Acad::eOk;
+}
+
+void drawReference(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  const ReferenceFields fields(entity.tags);
+  const dxf::Block* const block =
+      entity.database ? blockNamed(*entity.database, fields.name) : nullptr;
+  if (block) {
+    const AcGePoint3d base = baseOf(*entity.database, *block);
+    const AcGeMatrix3d first = toWorld * fields.transform(base);
+    BlockCells cells{fields.columns, fields.rows, {}, {}};
+    if (fields.columns > 1 || fields.rows > 1) {
+      const AcGePoint3d at = first * base;
+      cells.columnStep = toWorld * fields.transform(base, 1, 0) * base - at;
+      cells.rowStep = toWorld * fields.transform(base, 0, 1) * base - at;
+    }
+    walk.show(*block, first, cells);
+  }
+  if (entity.stub) {
+    forEachPartStub(*entity.stub, [&](const AcDbStub& part) {
+      const bool isShown =
+          walk.options().isAllShown || !isHiddenAttribute(entity.database->tagsOf(part));
+      if (isShown) {
+        walk.showPart(part, toWorld);
+      }
+    });
+  }
 }
 
 Acad::ErrorStatus transformReference(RecordEdit& edit, const AcGeMatrix3d& matrix) {
@@ -297,6 +326,7 @@ constexpr std::array kKinds{
                .parts = Parts::Optional,
                .isSelfContained = true,
                .extents = extentsOfReference,
+               .draw = drawReference,
                .transform = transformReference,
                .transformPart = transformAttribute},
 };

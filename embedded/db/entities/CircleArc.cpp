@@ -5,6 +5,7 @@
 #include "embedded/db/core/PlaneFields.h"
 #include "embedded/db/entities/EntityKinds.h"
 #include "embedded/db/geometry/CurveExtents.h"
+#include "embedded/db/geometry/DrawWalk.h"
 #include "embedded/db/geometry/EntityGeometry.h"
 #include "embedded/db/geometry/PlaneTransform.h"
 
@@ -169,9 +170,7 @@ Acad::ErrorStatus AcDbArc::getEndPoint(AcGePoint3d& point) const {
 namespace quoin::db {
 namespace {
 
-Acad::ErrorStatus extentsOfArc(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
-                               AcDbExtents& box) {
-  const TagList& tags = entity.tags;
+ArcImage arcOf(const TagList& tags, const AcGeMatrix3d& toWorld) {
   const TagRange range = layout::kCircle.in(tags);
   const AcGeMatrix3d plane = toWorld * planeToWorld(normalOf(tags, range));
   const double radius = tags.number(kRadius, range, 0.0);
@@ -181,10 +180,20 @@ Acad::ErrorStatus extentsOfArc(const Drawn& entity, const AcGeMatrix3d& toWorld,
     arc.setRange(toRadians(tags.number(kStartAngle, range, 0.0)),
                  toRadians(tags.number(kEndAngle, range, 0.0)));
   }
+  return arc;
+}
+
+Acad::ErrorStatus extentsOfArc(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
+                               AcDbExtents& box) {
+  const TagRange range = layout::kCircle.in(entity.tags);
   AcDbExtents shape;
-  addArc(arc, shape);
-  addThick(shape, thicknessOf(tags, range, toWorld), box);
+  addArc(arcOf(entity.tags, toWorld), shape);
+  addThick(shape, thicknessOf(entity.tags, range, toWorld), box);
   return Acad::eOk;
+}
+
+void drawArc(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  walk.stroke(arcPath(arcOf(entity.tags, toWorld)));
 }
 
 Acad::ErrorStatus transformCircle(RecordEdit& edit, const AcGeMatrix3d& matrix) {
@@ -230,12 +239,14 @@ constexpr std::array kKinds{
                .ownCodes = kNoOwnCodes,
                .isSelfContained = true,
                .extents = extentsOfArc,
+               .draw = drawArc,
                .transform = transformCircle},
     RecordKind{.name = "ARC",
                .classes = kArcClasses,
                .ownCodes = kNoOwnCodes,
                .isSelfContained = true,
                .extents = extentsOfArc,
+               .draw = drawArc,
                .transform = transformArc},
 };
 

@@ -1,11 +1,16 @@
 // DIMENSION and its relatives, AcDbDimension: what the drawing shows of a dimension.
 #include "dbdim.h"
 
+#include <cmath>
+#include <string>
+
 #include "embedded/db/core/DatabaseImpl.h"
 #include "embedded/db/core/PlaneFields.h"
 #include "embedded/db/entities/EntityKinds.h"
 #include "embedded/db/geometry/Annotation.h"
+#include "embedded/db/geometry/DrawWalk.h"
 #include "embedded/db/geometry/EntityGeometry.h"
+#include "embedded/db/geometry/MTextLayout.h"
 #include "embedded/db/geometry/TransformSchema.h"
 
 ACRX_DXF_CONS_DEFINE_MEMBERS(AcDbDimension, AcDbEntity, L"DIMENSION", L"ObjectDBX Classes")
@@ -68,6 +73,14 @@ namespace {
 using dxf::Version;
 using enum Meaning;
 
+/// The block shows the dimension where it was made; it has moved by its position since.
+AcGeMatrix3d movedBy(const TagList& tags, TagRange range) {
+  const AcGeMatrix3d plane = planeToWorld(normalOf(tags, range));
+  AcGeMatrix3d moved;
+  moved.setToTranslation((plane * tags.point(kBlockPosition, range)).asVector());
+  return moved;
+}
+
 /// What a dimension without a block is known by.
 Acad::ErrorStatus extentsOfDefinition(const Drawn& entity, const AcGeMatrix3d& toWorld,
                                       ExtentsWalk&, AcDbExtents& box) {
@@ -89,6 +102,83 @@ Acad::ErrorStatus extentsOfDefinition(const Drawn& entity, const AcGeMatrix3d& t
   return Acad::eOk;
 }
 
+/// "12.5": what a dimension measures where it says nothing else.
+std::wstring measuredText(const TagList& tags, TagRange range) {
+  constexpr double kPlaces = 1e4;
+  std::wstring text = tags.text(kText, range).value_or(std::wstring());
+  const std::size_t place = text.find(L"<>");
+  if (!text.empty() && place == std::wstring::npos) {
+    return text;
+  }
+  const double value = std::round(tags.number(kMeasurement, range, 0.0) * kPlaces) / kPlaces;
+  std::wstring number = std::to_wstring(value);
+  number.erase(number.find_last_not_of(L'0') + 1);
+  if (!number.empty() && (number.back() == L'.' || number.back() == L',')) {
+    number.pop_back();
+  }
+  return text.empty() ? number : text.replace(place, 2, number);
+}
+
+/// A dimension without a block: lines between the points that define it, and its text.
+void drawDefinition(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  enum { kRotated, kAligned, kAngular, kDiametric, kRadial, kThreePoints, kOrdinate };
+  constexpr int kDefinition = 10;
+  constexpr int kFirst = 13;
+  constexpr int kSecond = 14;
+  constexpr int kThird = 15;
+  constexpr int kAngle = 50;
+  constexpr int kTextHeight = 140;
+  constexpr double kUsualHeight = 0.18;
+  constexpr std::int64_t kTypeBits = 7;
+  const TagList& tags = entity.tags;
+  const TagRange range = kDimension.in(tags);
+  const TagRange all = tags.subclassAndBeyond("AcDbDimension");
+  const AcGePoint3d definition = tags.point(kDefinition, all);
+  const AcGePoint3d first = tags.point(kFirst, all);
+  const AcGePoint3d second = tags.point(kSecond, all);
+  const AcGePoint3d third = tags.point(kThird, all);
+  const auto line = [&](const AcGePoint3d& a, const AcGePoint3d& b) {
+    if (!(a == b)) {
+      walk.stroke(linePath(toWorld * a, toWorld * b));
+    }
+  };
+  const std::int64_t type = tags.integer(code::kFlags, range, 0) & kTypeBits;
+  if (type == kRotated || type == kAligned) {
+    const double angle = toRadians(tags.number(kAngle, all, 0.0));
+    const AcGeVector3d span = second - first;
+    AcGeVector3d along =
+        planeToWorld(normalOf(tags, range)) * AcGeVector3d(std::cos(angle), std::sin(angle), 0.0);
+    along = type == kAligned && span.length() > 0.0 ? span.normal() : along;
+    // The dimension line runs through its point; the others stand on it.
+    const AcGePoint3d foot = definition + along * (first - definition).dotProduct(along);
+    const AcGePoint3d otherFoot = definition + along * (second - definition).dotProduct(along);
+    line(first, foot);
+    line(second, otherFoot);
+    line(foot, otherFoot);
+  } else if (type == kDiametric || type == kRadial) {
+    line(definition, third);
+  } else if (type == kThreePoints) {
+    line(third, first);
+    line(third, second);
+  } else {
+    line(first, second);
+    if (type == kAngular) {
+      line(third, definition);
+    }
+  }
+  MTextSettings settings;
+  settings.height = scaledVariable(entity, range, kTextHeight, kUsualHeight);
+  settings.alignment = 0.5;
+  settings.rise = 0.5;
+  settings.style = textStyleOf(nullptr, {});
+  const AcGeMatrix3d plane = planeToWorld(normalOf(tags, range));
+  const AcGePoint3d place = plane * tags.point(kTextPosition, range);
+  if (tags.find(kTextPosition, range) != TagList::kNone) {
+    drawMText(layoutMText(measuredText(tags, range), settings),
+              toWorld * frameAt(place, plane * AcGeVector3d::kXAxis, normalOf(tags, range)), walk);
+  }
+}
+
 Acad::ErrorStatus extentsOfDimension(const Drawn& entity, const AcGeMatrix3d& toWorld,
                                      ExtentsWalk& walk, AcDbExtents& box) {
   const TagList& tags = entity.tags;
@@ -97,12 +187,19 @@ Acad::ErrorStatus extentsOfDimension(const Drawn& entity, const AcGeMatrix3d& to
   if (!block) {
     return extentsOfDefinition(entity, toWorld, walk, box);
   }
-  // The block shows the dimension where it was made; it has moved by its position since.
-  const AcGeMatrix3d plane = planeToWorld(normalOf(tags, range));
-  AcGeMatrix3d moved;
-  moved.setToTranslation((plane * tags.point(kBlockPosition, range)).asVector());
-  walk.showOr(*block, toWorld * moved, entity, extentsOfDefinition);
+  walk.showOr(*block, toWorld * movedBy(tags, range), entity, extentsOfDefinition);
   return Acad::eOk;
+}
+
+void drawDimension(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  const TagList& tags = entity.tags;
+  const TagRange range = kDimension.in(tags);
+  const dxf::Block* const block = blockOf(entity, kBlockName, range);
+  if (!block) {
+    drawDefinition(entity, toWorld, walk);
+    return;
+  }
+  walk.showOr(*block, toWorld * movedBy(tags, range), entity, drawDefinition);
 }
 
 /// The X axis by which a dimension calls directions horizontal (51, counted clockwise) turns
@@ -177,17 +274,20 @@ constexpr std::array kKinds{
                .classes = kClasses,
                .ownCodes = kNoOwnCodes,
                .extents = extentsOfDimension,
+               .draw = drawDimension,
                .schema = &kSchema,
                .ownBlock = ownBlockOf},
     RecordKind{.name = "ARC_DIMENSION",
                .since = Version::R2004,
                .ownCodes = kNoOwnCodes,
                .extents = extentsOfDimension,
+               .draw = drawDimension,
                .schema = &kSchema,
                .ownBlock = ownBlockOf},
     RecordKind{.name = "LARGE_RADIAL_DIMENSION",
                .ownCodes = kNoOwnCodes,
                .extents = extentsOfDimension,
+               .draw = drawDimension,
                .schema = &kSchema,
                .ownBlock = ownBlockOf},
 };

@@ -5,6 +5,7 @@
 #include "embedded/db/core/DatabaseImpl.h"
 #include "embedded/db/entities/EntityKinds.h"
 #include "embedded/db/geometry/CurveExtents.h"
+#include "embedded/db/geometry/DrawWalk.h"
 #include "embedded/db/geometry/EntityGeometry.h"
 #include "embedded/db/geometry/PlaneTransform.h"
 #include "embedded/db/geometry/TransformSchema.h"
@@ -130,9 +131,7 @@ namespace {
 
 using dxf::Version;
 
-Acad::ErrorStatus extentsOfEllipse(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
-                                   AcDbExtents& box) {
-  const TagList& tags = entity.tags;
+ArcImage arcOf(const TagList& tags, const AcGeMatrix3d& toWorld) {
   const TagRange range = kEllipse.in(tags);
   const AcGeVector3d major = tags.point(kMajorAxis, range, {1.0, 0.0, 0.0}).asVector();
   const AcGeVector3d minor =
@@ -143,8 +142,17 @@ Acad::ErrorStatus extentsOfEllipse(const Drawn& entity, const AcGeMatrix3d& toWo
   if (!isFullTurn(std::fabs(end - start))) {
     arc.setRange(start, end);
   }
-  addArc(arc, box);
+  return arc;
+}
+
+Acad::ErrorStatus extentsOfEllipse(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
+                                   AcDbExtents& box) {
+  addArc(arcOf(entity.tags, toWorld), box);
   return Acad::eOk;
+}
+
+void drawEllipse(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  walk.stroke(arcPath(arcOf(entity.tags, toWorld)));
 }
 
 Acad::ErrorStatus transformEllipse(RecordEdit& edit, const AcGeMatrix3d& matrix) {
@@ -208,6 +216,7 @@ constexpr std::array kKinds{
                .ownCodes = kNoOwnCodes,
                .isSelfContained = true,
                .extents = extentsOfEllipse,
+               .draw = drawEllipse,
                .transform = transformEllipse},
 };
 

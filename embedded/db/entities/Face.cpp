@@ -1,7 +1,10 @@
 // 3DFACE, AcDbFace: corners in world coordinates, one bit an edge that does not show.
+#include <vector>
+
 #include "dbents.h"
 #include "embedded/db/core/ObjectImpl.h"
 #include "embedded/db/entities/EntityKinds.h"
+#include "embedded/db/geometry/DrawWalk.h"
 #include "embedded/db/geometry/EntityGeometry.h"
 
 ACRX_DXF_CONS_DEFINE_MEMBERS(AcDbFace, AcDbEntity, L"3DFACE", L"ObjectDBX Classes")
@@ -82,6 +85,40 @@ Acad::ErrorStatus extentsOfFace(const Drawn& entity, const AcGeMatrix3d& toWorld
   return Acad::eOk;
 }
 
+/// The edges that are not hidden, those behind one another in one path.
+void drawFace(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  const TagRange range = layout::kFace.in(entity.tags);
+  const std::int64_t hidden = entity.tags.integer(kHiddenEdges, range, 0);
+  std::vector<AcGePoint3d> corners;
+  for (const int corner : {10, 11, 12, 13}) {
+    if (entity.tags.find(corner, range) != TagList::kNone) {
+      corners.push_back(toWorld * entity.tags.point(corner, range));
+    }
+  }
+  if (corners.empty()) {
+    return;
+  }
+  DrawPath path;
+  bool isOpen = false;
+  for (std::size_t i = 0; i < corners.size(); ++i) {
+    const AcGePoint3d& end = corners[(i + 1) % corners.size()];
+    const bool isShown = (hidden >> i & 1) == 0 && !(corners[i] == end);
+    if (isShown && !isOpen) {
+      startPath(path, corners[i]);
+    }
+    if (isShown) {
+      addLine(path, end);
+    } else if (isOpen && !(corners[i] == end)) {
+      walk.stroke(path);
+    }
+    isOpen = isShown || (isOpen && corners[i] == end);
+  }
+  if (isOpen) {
+    path.isClosed = path.start == path.pieces.back().end;
+    walk.stroke(path);
+  }
+}
+
 Acad::ErrorStatus transformFace(RecordEdit& edit, const AcGeMatrix3d& matrix) {
   const TagList& tags = edit.tags();
   const TagRange range = layout::kFace.in(tags);
@@ -105,6 +142,7 @@ constexpr std::array kKinds{
                .ownCodes = kNoOwnCodes,
                .isSelfContained = true,
                .extents = extentsOfFace,
+               .draw = drawFace,
                .transform = transformFace},
 };
 

@@ -7,6 +7,7 @@
 #include "embedded/db/core/PlaneFields.h"
 #include "embedded/db/entities/EntityKinds.h"
 #include "embedded/db/entities/HatchBoundaries.h"
+#include "embedded/db/entities/HatchDraw.h"
 #include "embedded/db/geometry/CurveExtents.h"
 #include "embedded/db/geometry/EntityGeometry.h"
 #include "embedded/db/geometry/PlaneTransform.h"
@@ -93,7 +94,7 @@ constexpr int kNumber = 40;
 constexpr double kFullTurnDegrees = 360.0;
 
 /// An arc or ellipse of a boundary; where it runs clockwise its angles are counted so too.
-void setEdgeRange(const TagList& tags, TagRange edge, ArcImage& arc) {
+void setEdgeRange(const TagList& tags, TagRange edge, HatchPiece& piece) {
   constexpr int kStartAngle = 50;
   constexpr int kEndAngle = 51;
   constexpr int kIsCounterClockwise = 73;
@@ -105,7 +106,7 @@ void setEdgeRange(const TagList& tags, TagRange edge, ArcImage& arc) {
     return;
   }
   const bool isTurned = tags.integer(kIsCounterClockwise, edge, 1) == 0;
-  arc.setRange(toRadians(isTurned ? -end : start), toRadians(isTurned ? -start : end));
+  piece.arc.setRange(toRadians(isTurned ? -end : start), toRadians(isTurned ? -start : end));
 }
 
 AcGePoint3d flatPoint(const TagList& tags, int code, TagRange edge, double elevation) {
@@ -114,66 +115,81 @@ AcGePoint3d flatPoint(const TagList& tags, int code, TagRange edge, double eleva
   return point;
 }
 
-/// One edge of a boundary: [its type (72), the next edge's).
-void addEdge(const TagList& tags, TagRange edge, double elevation, const AcGeMatrix3d& plane,
-             AcDbExtents& box) {
+}  // namespace
+
+HatchPiece hatchPieceOf(const TagList& tags, TagRange edge, double elevation) {
   constexpr int kDegree = 94;
   constexpr int kWeight = 42;
-  const auto type = static_cast<HatchEdge>(tags.integerAt(edge.first));
-  const AcGePoint3d first = flatPoint(tags, kPoint, edge, elevation);
-  const AcGePoint3d second = flatPoint(tags, kSecondPoint, edge, elevation);
-  if (type == HatchEdge::kLine) {
-    box.addPoint(plane * first);
-    box.addPoint(plane * second);
-  } else if (type == HatchEdge::kArc) {
+  HatchPiece piece;
+  piece.type = static_cast<HatchEdge>(tags.integerAt(edge.first));
+  piece.start = flatPoint(tags, kPoint, edge, elevation);
+  piece.end = flatPoint(tags, kSecondPoint, edge, elevation);
+  if (piece.type == HatchEdge::kArc) {
     const double radius = tags.number(kNumber, edge, 0.0);
-    ArcImage arc{plane * first, plane * (AcGeVector3d::kXAxis * radius),
-                 plane * (AcGeVector3d::kYAxis * radius)};
-    setEdgeRange(tags, edge, arc);
-    addArc(arc, box);
-  } else if (type == HatchEdge::kEllipse) {
-    const AcGeVector3d major(second.x, second.y, 0.0);
+    piece.arc = {piece.start, AcGeVector3d::kXAxis * radius, AcGeVector3d::kYAxis * radius};
+    setEdgeRange(tags, edge, piece);
+  } else if (piece.type == HatchEdge::kEllipse) {
+    const AcGeVector3d major(piece.end.x, piece.end.y, 0.0);
     const AcGeVector3d minor =
         AcGeVector3d(-major.y, major.x, 0.0) * tags.number(kNumber, edge, 1.0);
-    ArcImage arc{plane * first, plane * major, plane * minor};
-    setEdgeRange(tags, edge, arc);
-    addArc(arc, box);
-  } else if (type == HatchEdge::kSpline) {
-    SplineImage spline;
+    piece.arc = {piece.start, major, minor};
+    setEdgeRange(tags, edge, piece);
+  } else if (piece.type == HatchEdge::kSpline) {
     const std::int64_t degree = tags.integer(kDegree, edge, 3);
-    spline.degree = SplineImage::degreeOf(degree);
-    spline.knots = numbersOf(tags, kNumber, edge);
-    spline.weights = numbersOf(tags, kWeight, edge);
-    for (AcGePoint3d point : pointsOf(tags, kPoint, edge)) {
+    piece.spline.degree = SplineImage::degreeOf(degree);
+    piece.spline.knots = numbersOf(tags, kNumber, edge);
+    piece.spline.weights = numbersOf(tags, kWeight, edge);
+    piece.spline.points = pointsOf(tags, kPoint, edge);
+    for (AcGePoint3d& point : piece.spline.points) {
       point.z = elevation;
-      spline.points.push_back(plane * point);
     }
-    addSpline(spline, box);
   }
+  return piece;
 }
 
-/// A boundary that is a closed polyline with bulges: [its flags (92), the next boundary's).
-void addLoop(const TagList& tags, TagRange loop, double elevation, const AcGeMatrix3d& plane,
-             AcDbExtents& box) {
+std::vector<Segment> hatchLoopOf(const TagList& tags, TagRange loop, double elevation) {
   constexpr int kBulge = 42;
-  std::vector<Segment> vertices;
+  std::vector<Segment> segments;
   for (std::size_t i = loop.first; i < loop.last; ++i) {
     if (!tags.isOwn(i)) {
       continue;
     }
     const int code = tags[i].code;
     if (code == kPoint) {
-      vertices.emplace_back().start = {tags.doubleAt(i), 0.0, elevation};
-    } else if (code == kPoint + 10 && !vertices.empty()) {
-      vertices.back().start.y = tags.doubleAt(i);
-    } else if (code == kBulge && !vertices.empty()) {
-      vertices.back().bulge = tags.doubleAt(i);
+      segments.emplace_back().start = {tags.doubleAt(i), 0.0, elevation};
+    } else if (code == kPoint + 10 && !segments.empty()) {
+      segments.back().start.y = tags.doubleAt(i);
+    } else if (code == kBulge && !segments.empty()) {
+      segments.back().bulge = tags.doubleAt(i);
     }
   }
-  for (std::size_t i = 0; i < vertices.size(); ++i) {
-    Segment segment = vertices[i];
-    segment.end = vertices[(i + 1) % vertices.size()].start;
-    addSegment(segment, plane, box);
+  for (std::size_t i = 0; i < segments.size(); ++i) {
+    segments[i].end = segments[(i + 1) % segments.size()].start;
+  }
+  return segments;
+}
+
+namespace {
+
+/// One edge of a boundary: [its type (72), the next edge's).
+void addEdge(const TagList& tags, TagRange edge, double elevation, const AcGeMatrix3d& plane,
+             AcDbExtents& box) {
+  const HatchPiece piece = hatchPieceOf(tags, edge, elevation);
+  if (piece.type == HatchEdge::kLine) {
+    box.addPoint(plane * piece.start);
+    box.addPoint(plane * piece.end);
+  } else if (piece.type == HatchEdge::kArc || piece.type == HatchEdge::kEllipse) {
+    ArcImage arc = piece.arc;
+    arc.center = plane * piece.arc.center;
+    arc.u = plane * piece.arc.u;
+    arc.v = plane * piece.arc.v;
+    addArc(arc, box);
+  } else if (piece.type == HatchEdge::kSpline) {
+    SplineImage spline = piece.spline;
+    for (AcGePoint3d& point : spline.points) {
+      point = plane * point;
+    }
+    addSpline(spline, box);
   }
 }
 
@@ -185,7 +201,12 @@ Acad::ErrorStatus extentsOfHatch(const Drawn& entity, const AcGeMatrix3d& toWorl
   const AcGeMatrix3d plane = toWorld * planeToWorld(normalOf(tags, range));
   const double elevation = tags.point(kPoint, {range.first, boundaries.first}).z;
   forEachBoundary(
-      tags, boundaries, [&](TagRange loop) { addLoop(tags, loop, elevation, plane, box); },
+      tags, boundaries,
+      [&](TagRange loop) {
+        for (const Segment& segment : hatchLoopOf(tags, loop, elevation)) {
+          addSegment(segment, plane, box);
+        }
+      },
       [&](TagRange edge) { addEdge(tags, edge, elevation, plane, box); });
   return Acad::eOk;
 }
@@ -385,11 +406,13 @@ constexpr std::array kKinds{
                .ownCodes = kOwnCodes,
                .isSelfContained = true,
                .extents = extentsOfHatch,
+               .draw = drawHatch,
                .transform = transformHatch},
     RecordKind{.name = "MPOLYGON",
                .ownCodes = kOwnCodes,
                .isSelfContained = true,
                .extents = extentsOfHatch,
+               .draw = drawHatch,
                .transform = transformHatch},
 };
 

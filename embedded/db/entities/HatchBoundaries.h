@@ -1,6 +1,9 @@
 // The boundaries in a hatch's record, stretch by stretch.
 #pragma once
 
+#include <vector>
+
+#include "embedded/db/geometry/CurveExtents.h"
 #include "embedded/db/records/TagList.h"
 
 namespace quoin::db {
@@ -53,5 +56,18 @@ void forEachBoundary(const TagList& tags, TagRange boundaries, OnPolyline&& onPo
 
 /// What an edge of a boundary is (72).
 enum class HatchEdge { kLine = 1, kArc = 2, kEllipse = 3, kSpline = 4 };
+
+/// One edge in the hatch's plane.
+struct HatchPiece {
+  HatchEdge type = HatchEdge::kLine;
+  AcGePoint3d start;  // of a line; the centre of an arc
+  AcGePoint3d end;
+  ArcImage arc;
+  SplineImage spline;
+};
+/// [its type (72), the next edge's).
+HatchPiece hatchPieceOf(const TagList& tags, TagRange edge, double elevation);
+/// A boundary that is a closed polyline with bulges: [its flags (92), the next boundary's).
+std::vector<Segment> hatchLoopOf(const TagList& tags, TagRange loop, double elevation);
 
 }  // namespace quoin::db

@@ -7,6 +7,7 @@
 #include "embedded/db/core/DatabaseImpl.h"
 #include "embedded/db/core/PlaneFields.h"
 #include "embedded/db/entities/EntityKinds.h"
+#include "embedded/db/entities/HeavyPolylineDraw.h"
 #include "embedded/db/entities/PolylineKind.h"
 #include "embedded/db/geometry/CurveExtents.h"
 #include "embedded/db/geometry/EntityGeometry.h"
@@ -470,6 +471,7 @@ constexpr std::array kKinds{
                .parts = Parts::Always,
                .isSelfContained = true,
                .extents = extentsOfHeavyPolyline,
+               .draw = drawHeavyPolyline,
                .transform = transformHeavyPolyline,
                .transformPart = transformVertex},
     RecordKind{.name = "VERTEX",

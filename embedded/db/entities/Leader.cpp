@@ -1,7 +1,12 @@
 // LEADER: a line from an annotation to what it is about, with an arrow.
+#include <optional>
+#include <utility>
+#include <vector>
+
 #include "embedded/db/entities/EntityKinds.h"
 #include "embedded/db/geometry/Annotation.h"
 #include "embedded/db/geometry/CurveExtents.h"
+#include "embedded/db/geometry/DrawWalk.h"
 #include "embedded/db/geometry/EntityGeometry.h"
 #include "embedded/db/geometry/TransformSchema.h"
 
@@ -13,8 +18,14 @@ using enum Meaning;
 
 constexpr int kPoint = 10;
 
-Acad::ErrorStatus extentsOfLeader(const Drawn& entity, const AcGeMatrix3d& toWorld,
-                                  ExtentsWalk& walk, AcDbExtents& box) {
+/// What a leader shows.
+struct LeaderShape {
+  std::vector<AcGePoint3d> points;
+  bool isCurved = false;
+  std::optional<Arrow> arrow;
+};
+
+LeaderShape shapeOf(const Drawn& entity) {
   constexpr int kHasArrow = 71;
   constexpr int kIsCurved = 72;
   constexpr int kAnnotation = 73;
@@ -30,8 +41,9 @@ Acad::ErrorStatus extentsOfLeader(const Drawn& entity, const AcGeMatrix3d& toWor
   const TagList& tags = entity.tags;
   const TagRange range = tags.subclass("AcDbLeader");
   std::vector<AcGePoint3d> points = pointsOf(tags, kPoint, range);
+  LeaderShape shape;
   if (points.empty()) {
-    return Acad::eOk;
+    return shape;
   }
   const AcGeVector3d normal = normalOf(tags, range);
   // A text that stands above the line is underlined as far as it goes.
@@ -44,13 +56,36 @@ Acad::ErrorStatus extentsOfLeader(const Drawn& entity, const AcGeMatrix3d& toWor
     const double gap = scaledVariable(entity, range, kGap, kUsualGap);
     points.push_back(points.back() + along * (side * (gap + textWidth)));
   }
-  addLeaderLine(points, tags.integer(kIsCurved, range, 0) == 1, toWorld, box);
+  shape.points = std::move(points);
+  shape.isCurved = tags.integer(kIsCurved, range, 0) == 1;
   if (tags.integer(kHasArrow, range, 1) != 0) {
-    const Arrow arrow{arrowBlockOf(entity, range),
-                      scaledVariable(entity, range, kArrowSize, kUsualArrow), normal};
-    addArrow(arrow, points, toWorld, walk, box);
+    shape.arrow = Arrow{arrowBlockOf(entity, range),
+                        scaledVariable(entity, range, kArrowSize, kUsualArrow), normal};
+  }
+  return shape;
+}
+
+Acad::ErrorStatus extentsOfLeader(const Drawn& entity, const AcGeMatrix3d& toWorld,
+                                  ExtentsWalk& walk, AcDbExtents& box) {
+  const LeaderShape shape = shapeOf(entity);
+  if (shape.points.empty()) {
+    return Acad::eOk;
+  }
+  addLeaderLine(shape.points, shape.isCurved, toWorld, box);
+  if (shape.arrow) {
+    addArrow(*shape.arrow, shape.points, toWorld, walk, box);
   }
   return Acad::eOk;
+}
+
+void drawLeader(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  const LeaderShape shape = shapeOf(entity);
+  if (shape.points.size() > 1) {
+    walk.stroke(leaderPath(shape.points, shape.isCurved, toWorld, walk));
+  }
+  if (shape.arrow) {
+    drawArrow(*shape.arrow, shape.points, toWorld, walk);
+  }
 }
 
 constexpr std::array kRules{Rule{"AcDbLeader", 10, Point},
@@ -66,6 +101,7 @@ constexpr std::array kKinds{
                .since = Version::R13,
                .ownCodes = kNoOwnCodes,
                .extents = extentsOfLeader,
+               .draw = drawLeader,
                .schema = &kSchema},
 };
 

@@ -17,13 +17,16 @@ Acad::ErrorStatus extentsOfLight(const Drawn& entity, const AcGeMatrix3d& toWorl
   return Acad::eOk;
 }
 
+/// It is no part of what a plan shows.
+void drawNothing(const Drawn&, const AcGeMatrix3d&, DrawWalk&) {}
+
 constexpr std::array kRules{Rule{"AcDbLight", 10, Point}, Rule{"AcDbLight", 11, Point},
                             Rule{"AcDbLight", 41, Length}, Rule{"AcDbLight", 42, Length}};
 constexpr TransformSchema kSchema{.rules = kRules};
 
 constexpr std::array kKinds{
     RecordKind{
-        .name = "LIGHT", .since = Version::R2007, .extents = extentsOfLight, .schema = &kSchema},
+        .name = "LIGHT", .since = Version::R2007, .extents = extentsOfLight, .draw = drawNothing, .schema = &kSchema},
 };
 
 }  // namespace

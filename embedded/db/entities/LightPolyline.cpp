@@ -10,6 +10,7 @@
 #include "embedded/db/geometry/CurveExtents.h"
 #include "embedded/db/geometry/EntityGeometry.h"
 #include "embedded/db/geometry/PlaneTransform.h"
+#include "embedded/db/geometry/PolylineDraw.h"
 
 ACRX_DXF_CONS_DEFINE_MEMBERS(AcDbPolyline, AcDbCurve, L"LWPOLYLINE", L"ObjectDBX Classes")
 
@@ -480,6 +481,25 @@ Acad::ErrorStatus extentsOfPolyline(const Drawn& entity, const AcGeMatrix3d& toW
   return Acad::eOk;
 }
 
+void drawLightPolyline(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  const TagList& tags = entity.tags;
+  const TagRange range = layout::kPolyline.in(tags);
+  const AcGeMatrix3d plane = toWorld * planeToWorld(normalOf(tags, range));
+  const double elevation = tags.number(kElevation, range, 0.0);
+  const std::int64_t flags = tags.integer(code::kFlags, range, 0);
+  PlanePolyline polyline;
+  polyline.isClosed = (flags & kClosed) != 0;
+  polyline.isPatternContinuous = (flags & kPlinegen) != 0;
+  forEachLightVertex(tags, [&](const LightVertex& vertex) {
+    const AcGePoint3d point(vertex.point.x, vertex.point.y, elevation);
+    if (!polyline.segments.empty()) {
+      polyline.segments.back().end = point;
+    }
+    polyline.segments.push_back({point, point, vertex.bulge, vertex.startWidth, vertex.endWidth});
+  });
+  drawVertices(polyline, plane, walk);
+}
+
 Acad::ErrorStatus transformPolyline(RecordEdit& edit, const AcGeMatrix3d& matrix) {
   const TagList& tags = edit.tags();
   const TagRange range = layout::kPolyline.in(tags);
@@ -531,6 +551,7 @@ constexpr std::array kKinds{
                .ownCodes = kNoOwnCodes,
                .isSelfContained = true,
                .extents = extentsOfPolyline,
+               .draw = drawLightPolyline,
                .transform = transformPolyline},
 };
 

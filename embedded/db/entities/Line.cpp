@@ -5,6 +5,7 @@
 #include "embedded/db/core/ObjectImpl.h"
 #include "embedded/db/entities/EntityKinds.h"
 #include "embedded/db/geometry/CurveExtents.h"
+#include "embedded/db/geometry/DrawWalk.h"
 #include "embedded/db/geometry/EntityGeometry.h"
 #include "embedded/db/geometry/PlaneTransform.h"
 
@@ -110,6 +111,12 @@ Acad::ErrorStatus extentsOfLine(const Drawn& entity, const AcGeMatrix3d& toWorld
   return Acad::eOk;
 }
 
+void drawLine(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  const TagRange range = layout::kLine.in(entity.tags);
+  walk.stroke(linePath(toWorld * entity.tags.point(kStart, range),
+                       toWorld * entity.tags.point(kEnd, range)));
+}
+
 Acad::ErrorStatus transformLine(RecordEdit& edit, const AcGeMatrix3d& matrix) {
   return transformStraight(edit, layout::kLine, true, matrix);
 }
@@ -125,6 +132,7 @@ constexpr std::array kKinds{
                .ownCodes = kNoOwnCodes,
                .isSelfContained = true,
                .extents = extentsOfLine,
+               .draw = drawLine,
                .transform = transformLine},
 };
 

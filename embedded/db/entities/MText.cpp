@@ -1,10 +1,17 @@
 // MTEXT, AcDbMText: its contents in chunks, its direction as a vector or an angle.
+#include <algorithm>
+#include <span>
+#include <string>
+#include <vector>
+
 #include "dbmtext.h"
 #include "embedded/db/core/DatabaseImpl.h"
 #include "embedded/db/core/PlaneFields.h"
 #include "embedded/db/entities/EntityKinds.h"
 #include "embedded/db/geometry/CurveExtents.h"
+#include "embedded/db/geometry/DrawWalk.h"
 #include "embedded/db/geometry/EntityGeometry.h"
+#include "embedded/db/geometry/MTextLayout.h"
 #include "embedded/db/geometry/PlaneTransform.h"
 #include "embedded/db/geometry/TextMeasure.h"
 
@@ -178,6 +185,116 @@ Acad::ErrorStatus extentsOfMText(const Drawn& entity, const AcGeMatrix3d& toWorl
   return Acad::eOk;
 }
 
+/// Columns stand in the object that newest files embed.
+void readColumns(const TagList& tags, MTextSettings& settings) {
+  constexpr int kType = 71;
+  constexpr int kCount = 72;
+  constexpr int kColumnWidth = 44;
+  constexpr int kGutter = 45;
+  constexpr int kDefinedHeight = 41;
+  constexpr int kColumnHeight = 46;
+  constexpr std::int64_t kMostColumns = 1000;
+  std::int64_t type = 0;
+  std::int64_t count = 0;
+  double definedHeight = 0.0;
+  for (std::size_t i = tags.body().last; i < tags.xData().first; ++i) {
+    switch (tags[i].code) {
+      case kType:
+        type = tags.integerAt(i);
+        break;
+      case kCount:
+        count = tags.integerAt(i);
+        break;
+      case kColumnWidth:
+        settings.columnWidth = tags.doubleAt(i);
+        break;
+      case kGutter:
+        settings.gutter = tags.doubleAt(i);
+        break;
+      case kDefinedHeight:
+        definedHeight = tags.doubleAt(i);
+        break;
+      case kColumnHeight:
+        settings.columnHeights.push_back(tags.doubleAt(i));
+        break;
+      default:
+        break;
+    }
+  }
+  if (type > 0 && settings.columnWidth > 0.0) {
+    // Some writers leave the count of columns that grow with their text out.
+    count = count > 0 ? count : static_cast<std::int64_t>(settings.columnHeights.size());
+    settings.columns = static_cast<std::size_t>(std::clamp<std::int64_t>(count, 1, kMostColumns));
+  }
+  if (settings.columnHeights.empty() && definedHeight > 0.0) {
+    settings.columnHeights.push_back(definedHeight);
+  }
+}
+
+/// A colour, or the paper's, behind the text.
+void drawBackground(const TagList& tags, TagRange range, const MTextLayout& layout, double height,
+                    const AcGeMatrix3d& frame, DrawWalk& walk) {
+  constexpr int kFill = 90;
+  constexpr int kMargin = 45;
+  constexpr int kFillColor = 63;
+  constexpr int kFillTrueColor = 421;
+  constexpr std::int64_t kHasColor = 1;
+  constexpr std::int64_t kIsPaper = 2;
+  constexpr std::int64_t kHasFrame = 16;
+  constexpr double kUsualMargin = 1.5;
+  const std::int64_t fill = tags.integer(kFill, range, 0);
+  if ((fill & (kHasColor | kIsPaper | kHasFrame)) == 0) {
+    return;
+  }
+  const double margin = (tags.number(kMargin, range, kUsualMargin) - 1.0) * height;
+  const DrawPath box = rectanglePath(layout.left - margin, layout.bottom - margin,
+                                     layout.right + margin, layout.top + margin, frame);
+  if (fill & kIsPaper) {
+    walk.wipe(box);
+  } else if (fill & kHasColor) {
+    AcCmColor color;
+    if (const std::size_t rgb = tags.find(kFillTrueColor, range); rgb != TagList::kNone) {
+      const auto value = static_cast<Adesk::UInt32>(tags.integerAt(rgb));
+      color.setRGB(static_cast<Adesk::UInt8>(value >> 16), static_cast<Adesk::UInt8>(value >> 8),
+                   static_cast<Adesk::UInt8>(value));
+    } else {
+      color.setColorIndex(static_cast<Adesk::UInt16>(
+          std::clamp<std::int64_t>(tags.integer(kFillColor, range, 7), 0, 256)));
+    }
+    walk.fill(std::span(&box, 1), walk.lookOf(color));
+  }
+  if (fill & kHasFrame) {
+    walk.strokePlain(box);
+  }
+}
+
+void drawMTextEntity(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  constexpr int kSpacingStyle = 73;
+  constexpr std::int64_t kExactly = 2;
+  const TagList& tags = entity.tags;
+  const TagRange range = layout::kMText.in(tags);
+  const std::int64_t attachment = tags.integer(kAttachment, range, AcDbMText::kTopLeft);
+  const std::int64_t place = attachment >= 1 && attachment <= 9 ? attachment - 1 : 0;
+  MTextSettings settings;
+  settings.height = tags.number(kHeight, range, 0.0);
+  settings.limit = tags.number(kWidth, range, 0.0);
+  settings.spacing = tags.number(kSpacing, range, 1.0);
+  settings.isExact = tags.integer(kSpacingStyle, range, 1) == kExactly;
+  settings.alignment = 0.5 * static_cast<double>(place % 3);
+  settings.rise = 0.5 * static_cast<double>(place / 3);
+  settings.style = textStyleOf(entity.database,
+                               tags.text(kStyle, range).value_or(L"Standard"));
+  readColumns(tags, settings);
+  const MTextLayout layout = layoutMText(mtextContentsOf(tags), settings);
+  const AcGeVector3d normal = normalOf(tags, range);
+  const AcGeVector3d along = mtextDirectionOf(tags);
+  AcGeMatrix3d frame;
+  frame.setCoordSystem(tags.point(kLocation, range), along, normal.crossProduct(along).normal(),
+                       normal);
+  drawBackground(tags, range, layout, settings.height, toWorld * frame, walk);
+  drawMText(layout, toWorld * frame, walk);
+}
+
 /// The copy of a multiline text's geometry that newest files keep behind a mark of its own.
 void transformEmbedded(RecordEdit& edit, const AcGeMatrix3d& matrix, double scale) {
   constexpr int kDirectionX = 10;
@@ -248,6 +365,7 @@ constexpr std::array kKinds{
                .textStyle = &layout::kMText,
                .isSelfContained = true,
                .extents = extentsOfMText,
+               .draw = drawMTextEntity,
                .transform = transformMText},
 };
 

@@ -5,9 +5,12 @@
 #include <vector>
 
 #include "embedded/db/entities/EntityKinds.h"
+#include "embedded/db/entities/TextFields.h"
 #include "embedded/db/geometry/Annotation.h"
 #include "embedded/db/geometry/CurveExtents.h"
+#include "embedded/db/geometry/DrawWalk.h"
 #include "embedded/db/geometry/EntityGeometry.h"
+#include "embedded/db/geometry/MTextLayout.h"
 #include "embedded/db/geometry/TextMeasure.h"
 #include "embedded/db/geometry/TransformSchema.h"
 
@@ -48,6 +51,9 @@ class LeaderContext {
   AcGeVector3d textDirection{1.0, 0.0, 0.0};
   AcGeVector3d textNormal{0.0, 0.0, 1.0};
   double textWidth = 0.0;
+  std::uint64_t textStyle = 0;
+  double spacing = 1.0;
+  std::int64_t textColor = 0;
   std::int64_t attachment = 1;
   bool hasBlock = false;
   std::uint64_t block = 0;
@@ -142,6 +148,15 @@ void LeaderContext::readContext(const TagList& tags, std::size_t i, TagRange res
     case 13:
       textDirection = tags.point(13, rest).asVector();
       break;
+    case 340:
+      textStyle = tags.handleAt(i);
+      break;
+    case 45:
+      spacing = tags.doubleAt(i);
+      break;
+    case 90:
+      textColor = tags.integerAt(i);
+      break;
     case 43:
       textWidth = tags.doubleAt(i);
       break;
@@ -207,6 +222,106 @@ Acad::ErrorStatus extentsOfMultiLeader(const Drawn& entity, const AcGeMatrix3d& 
     walk.show(*block, toWorld * context.blockTransform);
   }
   return Acad::eOk;
+}
+
+/// A colour as one number: how it is given in the highest byte.
+AcCmColor packedColor(std::int64_t value) {
+  AcCmColor color;
+  const auto method = value >> 24 & 0xFF;
+  if (method == AcCmEntityColor::kByColor) {
+    color.setRGB(static_cast<Adesk::UInt8>(value >> 16), static_cast<Adesk::UInt8>(value >> 8),
+                 static_cast<Adesk::UInt8>(value));
+  } else if (method == AcCmEntityColor::kByACI) {
+    color.setColorIndex(static_cast<Adesk::UInt16>(value & 0xFF));
+  } else {
+    color.setColorMethod(method == AcCmEntityColor::kByLayer ? AcCmEntityColor::kByLayer
+                                                             : AcCmEntityColor::kByBlock);
+  }
+  return color;
+}
+
+/// The values of the attributes that its block asks for: definitions and texts in turn.
+void drawAttributes(const Drawn& entity, const LeaderContext& context, const AcGeMatrix3d& toWorld,
+                    DrawWalk& walk) {
+  constexpr int kDefinition = 330;
+  constexpr int kValue = 302;
+  const TagList& tags = entity.tags;
+  const AcDbStub* definition = nullptr;
+  for (std::size_t i = context.behind.first; i < context.behind.last; ++i) {
+    if (tags[i].code == kDefinition) {
+      definition = entity.database->byHandle(tags.handleAt(i));
+    } else if (tags[i].code == kValue && definition &&
+               entity.database->kindOf(*definition) == "ATTDEF") {
+      const TagList own = entity.database->tagsOf(*definition);
+      TextFields fields(own);
+      fields.text = tags.textAt(i);
+      drawFields(fields, entity.database, own, toWorld * context.blockTransform, walk);
+      definition = nullptr;
+    }
+  }
+}
+
+void drawMultiLeader(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  constexpr int kLineType = 170;
+  constexpr int kLineColor = 91;
+  constexpr int kArrowBlock = 342;
+  constexpr std::int64_t kNoLine = 0;
+  constexpr std::int64_t kCurved = 2;
+  const LeaderContext context(entity.tags);
+  const TagList& tags = entity.tags;
+  const std::int64_t lineType = tags.integer(kLineType, context.behind, 1);
+  const Arrow arrow{blockWithHandle(entity, tags.handle(kArrowBlock, context.behind)),
+                    context.arrowSize, context.textNormal};
+  walk.look();
+  const hostx::DrawLook look =
+      walk.lookOf(packedColor(tags.integer(kLineColor, context.behind, 0)));
+  for (const LeaderContext::Leader& leader : context.leaders) {
+    if (lineType == kNoLine) {
+      break;
+    }
+    for (const LeaderContext::Line& line : leader.lines) {
+      std::vector<AcGePoint3d> points = line.points;
+      if (leader.hasLanding) {
+        points.push_back(leader.landing);
+      }
+      if (points.size() > 1) {
+        walk.stroke(leaderPath(points, lineType == kCurved, toWorld, walk), look);
+      }
+      drawArrow(arrow, points, toWorld, walk);
+    }
+    if (leader.hasLanding && leader.length > 0.0) {
+      walk.stroke(linePath(toWorld * leader.landing,
+                           toWorld * (leader.landing + leader.dogleg * leader.length)),
+                  look);
+    }
+  }
+  if (context.hasText) {
+    MTextSettings settings;
+    settings.height = context.textHeight;
+    settings.limit = context.textWidth;
+    settings.spacing = context.spacing;
+    settings.alignment =
+        0.5 * static_cast<double>(std::clamp<std::int64_t>(context.attachment - 1, 0, 2));
+    const AcDbStub* const style =
+        entity.database ? entity.database->byHandle(context.textStyle) : nullptr;
+    settings.style = style && entity.database->kindOf(*style) == "STYLE"
+                         ? textStyleOf(*style)
+                         : textStyleOf(nullptr, {});
+    MTextLayout text = layoutMText(context.text, settings);
+    const AcCmColor color = packedColor(context.textColor);
+    for (MTextPiece& piece : text.pieces) {
+      piece.color = piece.color ? piece.color : color;
+    }
+    drawMText(text,
+              toWorld * frameAt(context.textPlace, context.textDirection, context.textNormal),
+              walk);
+  }
+  const dxf::Block* const block =
+      context.hasBlock ? blockWithHandle(entity, context.block) : nullptr;
+  if (block) {
+    drawAttributes(entity, context, toWorld, walk);
+    walk.show(*block, toWorld * context.blockTransform);
+  }
 }
 
 struct LeaderRule {
@@ -303,10 +418,12 @@ constexpr std::array kKinds{
                .since = Version::R2007,
                .ownCodes = kOwnCodes,
                .extents = extentsOfMultiLeader,
+               .draw = drawMultiLeader,
                .transform = transformMultileader},
     RecordKind{.name = "MLEADER",
                .ownCodes = kOwnCodes,
                .extents = extentsOfMultiLeader,
+               .draw = drawMultiLeader,
                .transform = transformMultileader},
 };
 

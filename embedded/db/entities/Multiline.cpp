@@ -1,12 +1,15 @@
 #include "embedded/db/entities/Multiline.h"
 
 #include <algorithm>
+#include <array>
+#include <span>
 
 #include "dbmstyle.h"
 #include "dbobjptr.h"
 #include "embedded/db/core/DatabaseImpl.h"
 #include "embedded/db/entities/EntityKinds.h"
 #include "embedded/db/geometry/CurveExtents.h"
+#include "embedded/db/geometry/DrawWalk.h"
 #include "embedded/db/geometry/EntityGeometry.h"
 #include "embedded/db/geometry/TransformSchema.h"
 #include "embedded/db/records/TagList.h"
@@ -271,7 +274,17 @@ namespace {
 using dxf::Version;
 using enum Meaning;
 
-/// The half circle from the outermost element to the other, outwards.
+/// The half circle from an element to another one, outwards.
+ArcImage capBetween(const Vertex& vertex, double low, double high, const AcGeVector3d& outwards,
+                    const AcGeMatrix3d& toWorld) {
+  const AcGePoint3d center = vertex.point + vertex.miter * (0.5 * (low + high));
+  const AcGeVector3d across = vertex.miter * (0.5 * (high - low));
+  ArcImage arc{toWorld * center, toWorld * across, toWorld * (outwards * across.length())};
+  arc.sweep = 0.5 * kFullTurn;
+  return arc;
+}
+
+/// From the outermost element to the other.
 void addRoundCap(const Vertex& vertex, const AcGeVector3d& outwards, const AcGeMatrix3d& toWorld,
                  AcDbExtents& box) {
   const std::vector<double> offsets = vertex.offsets();
@@ -279,11 +292,7 @@ void addRoundCap(const Vertex& vertex, const AcGeVector3d& outwards, const AcGeM
   if (low == offsets.end() || !(*high > *low)) {
     return;
   }
-  const AcGePoint3d center = vertex.point + vertex.miter * (0.5 * (*low + *high));
-  const AcGeVector3d across = vertex.miter * (0.5 * (*high - *low));
-  ArcImage arc{toWorld * center, toWorld * across, toWorld * (outwards * across.length())};
-  arc.sweep = 0.5 * kFullTurn;
-  addArc(arc, box);
+  addArc(capBetween(vertex, *low, *high, outwards, toWorld), box);
 }
 
 Acad::ErrorStatus extentsOfMultiline(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
@@ -319,6 +328,138 @@ Acad::ErrorStatus extentsOfMultiline(const Drawn& entity, const AcGeMatrix3d& to
   return Acad::eOk;
 }
 
+/// Draws a multiline; without its style every element looks as the entity does.
+class MultilineDrawing {
+ public:
+  MultilineDrawing(const Shape& shape, const AcDbMlineStyle* style, const AcGeMatrix3d& toWorld,
+                   DrawWalk& walk)
+      : m_shape(shape), m_style(style), m_toWorld(toWorld), m_walk(walk) {
+    const int count = style ? style->numElements() : 0;
+    for (int i = 0; i < count; ++i) {
+      double offset = 0.0;
+      AcCmColor color;
+      AcDbObjectId linetype;
+      style->getElementAt(i, offset, color, linetype);
+      hostx::DrawLook look = walk.lookOf(color);
+      const AcDbStub* const record = stubOf(linetype);
+      walk.setDashes(look, record ? walk.looks().dashesOf(
+                                        DatabaseImpl::of(*record).recordName(*record),
+                                        walk.resolved())
+                                  : walk.resolved().dashes);
+      m_looks.push_back(std::move(look));
+    }
+  }
+
+  void draw() {
+    if (m_shape.vertices.empty()) {
+      return;
+    }
+    if (m_style && m_style->filled() && m_walk.isFilled()) {
+      fill();
+    }
+    for (const ElementLine& line : linesOf(m_shape)) {
+      stroke(line);
+    }
+    if (m_style) {
+      drawAcross();
+    }
+  }
+
+ private:
+  const hostx::DrawLook& lookOf(std::size_t element) {
+    return element < m_looks.size() ? m_looks[element] : m_walk.look();
+  }
+  void stroke(const ElementLine& line) {
+    m_walk.stroke(linePath(m_toWorld * line.start, m_toWorld * line.end), lookOf(line.element));
+  }
+
+  void fill() {
+    const hostx::DrawLook look = m_walk.lookOf(m_style->fillColor());
+    for (std::size_t i = 0; i < m_shape.segments(); ++i) {
+      const Vertex& from = m_shape.vertices[i];
+      const Vertex& to = m_shape.vertices[(i + 1) % m_shape.vertices.size()];
+      const std::vector<double> fromOffsets = from.offsets();
+      const std::vector<double> toOffsets = to.offsets();
+      if (fromOffsets.empty() || toOffsets.empty()) {
+        continue;
+      }
+      const auto [low, high] = std::minmax_element(fromOffsets.begin(), fromOffsets.end());
+      const auto [toLow, toHigh] = std::minmax_element(toOffsets.begin(), toOffsets.end());
+      const std::array corners{m_toWorld * (from.point + from.miter * *low),
+                               m_toWorld * (to.point + to.miter * *toLow),
+                               m_toWorld * (to.point + to.miter * *toHigh),
+                               m_toWorld * (from.point + from.miter * *high)};
+      const DrawPath area = polygonPath(corners, true);
+      m_walk.fill(std::span(&area, 1), look);
+    }
+  }
+
+  void drawAcross() {
+    const bool hasStart = !m_shape.isClosed() && (m_shape.flags & kNoStartCap) == 0;
+    const bool hasEnd = !m_shape.isClosed() && (m_shape.flags & kNoEndCap) == 0;
+    const Vertex& first = m_shape.vertices.front();
+    const Vertex& last = m_shape.vertices.back();
+    std::vector<ElementLine> lines;
+    if (hasStart && m_style->startSquareCap()) {
+      addAcross(first, lines);
+    }
+    if (hasEnd && m_style->endSquareCap()) {
+      addAcross(last, lines);
+    }
+    const std::size_t ends = m_shape.isClosed() ? 0 : 1;
+    for (std::size_t i = ends; m_style->showMiters() && i + ends < m_shape.vertices.size(); ++i) {
+      addAcross(m_shape.vertices[i], lines);
+    }
+    for (const ElementLine& line : lines) {
+      stroke(line);
+    }
+    if (hasStart) {
+      drawRound(first, -first.direction, m_style->startRoundCap(), m_style->startInnerArcs());
+    }
+    if (hasEnd) {
+      drawRound(last, last.direction, m_style->endRoundCap(), m_style->endInnerArcs());
+    }
+  }
+
+  /// Arcs between pairs of elements, from the outermost pair inwards.
+  void drawRound(const Vertex& vertex, const AcGeVector3d& outwards, bool hasOuter, bool hasInner) {
+    std::vector<std::size_t> order;
+    for (std::size_t i = 0; i < vertex.elements.size(); ++i) {
+      if (vertex.has(i)) {
+        order.push_back(i);
+      }
+    }
+    const auto offset = [&](std::size_t element) { return vertex.elements[element].front(); };
+    std::sort(order.begin(), order.end(),
+              [&](std::size_t a, std::size_t b) { return offset(a) < offset(b); });
+    for (std::size_t i = 0; 2 * i + 1 < order.size(); ++i) {
+      const std::size_t low = order[i];
+      const std::size_t high = order[order.size() - 1 - i];
+      if ((i == 0 ? hasOuter : hasInner) && offset(high) > offset(low)) {
+        m_walk.stroke(
+            arcPath(capBetween(vertex, offset(low), offset(high), outwards, m_toWorld)),
+            lookOf(high));
+      }
+    }
+  }
+
+  const Shape& m_shape;
+  const AcDbMlineStyle* m_style;
+  const AcGeMatrix3d& m_toWorld;
+  DrawWalk& m_walk;
+  std::vector<hostx::DrawLook> m_looks;  // by element
+};
+
+void drawMultiline(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  const std::uint64_t handle =
+      entity.tags.handle(kStyle, entity.tags.subclass("AcDbMline"));
+  const AcDbObjectPointer<AcDbMlineStyle> style(
+      AcDbObjectId(entity.database ? entity.database->byHandle(handle) : nullptr), AcDb::kForRead);
+  const Shape shape = shapeOf(entity.tags);
+  MultilineDrawing(shape, style.openStatus() == Acad::eOk ? style.object() : nullptr, toWorld, walk)
+      .draw();
+}
+
 // The elements' parameters (41, 42) lie along the miters.
 constexpr std::array kRules{Rule{"AcDbMline", 40, Length},    Rule{"AcDbMline", 10, Point},
                             Rule{"AcDbMline", 11, Point},     Rule{"AcDbMline", 12, Direction},
@@ -332,6 +473,7 @@ constexpr std::array kKinds{
                .ownCodes = kNoOwnCodes,
                .isSelfContained = true,
                .extents = extentsOfMultiline,
+               .draw = drawMultiline,
                .schema = &kSchema},
 };
 

@@ -1,5 +1,6 @@
 // OLE2FRAME and OLEFRAME: objects of other programs in a frame.
 #include "embedded/db/entities/EntityKinds.h"
+#include "embedded/db/geometry/DrawWalk.h"
 #include "embedded/db/geometry/EntityGeometry.h"
 
 namespace quoin::db {
@@ -24,11 +25,24 @@ Acad::ErrorStatus extentsOfOleFrame(const Drawn& entity, const AcGeMatrix3d& toW
   return Acad::eOk;
 }
 
+/// The object itself is another program's: its frame is drawn.
+void drawOleFrame(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  const TagRange range = entity.tags.subclass("AcDbOle2Frame");
+  if (entity.tags.find(kCorner, range) == TagList::kNone) {
+    walk.leaveOut(L"OLE2FRAME");
+    return;
+  }
+  const AcGePoint3d corner = entity.tags.point(kCorner, range);
+  const AcGePoint3d other = entity.tags.point(kOtherCorner, range);
+  walk.strokePlain(rectanglePath(corner.x, corner.y, other.x, other.y, toWorld));
+}
+
 constexpr std::array kKinds{
     RecordKind{.name = "OLE2FRAME",
                .since = Version::R14,
                .ownCodes = kNoOwnCodes,
-               .extents = extentsOfOleFrame},
+               .extents = extentsOfOleFrame,
+               .draw = drawOleFrame},
     RecordKind{.name = "OLEFRAME", .since = Version::R13, .ownCodes = kNoOwnCodes},
 };
 

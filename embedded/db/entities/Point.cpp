@@ -1,8 +1,11 @@
 // POINT, AcDbPoint: its place in world coordinates.
+#include <cmath>
+
 #include "dbents.h"
 #include "embedded/db/core/ObjectImpl.h"
 #include "embedded/db/entities/EntityKinds.h"
 #include "embedded/db/geometry/CurveExtents.h"
+#include "embedded/db/geometry/DrawWalk.h"
 #include "embedded/db/geometry/EntityGeometry.h"
 #include "embedded/db/geometry/PlaneTransform.h"
 
@@ -56,6 +59,61 @@ Acad::ErrorStatus extentsOfPoint(const Drawn& entity, const AcGeMatrix3d& toWorl
   return Acad::eOk;
 }
 
+/// Half the size of the signs of points, world: as $PDSIZE says, or a share of what is looked at.
+double signReach(DrawWalk& walk) {
+  constexpr double kUsualShare = 0.05;
+  constexpr double kPercent = 0.01;
+  const double size = walk.variable("$PDSIZE", 0.0);
+  if (size > 0.0) {
+    return 0.5 * size;
+  }
+  const AcDbExtents& view = walk.view();
+  const double height = view.isFresh() ? 0.0 : view.maxPoint().y - view.minPoint().y;
+  return 0.5 * height * (size < 0.0 ? -size * kPercent : kUsualShare);
+}
+
+/// A dot, or the sign that $PDMODE names: one of five figures, in a circle, a square or both.
+void drawPoint(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  enum { kDot, kNothing, kPlus, kCross, kTick };
+  constexpr int kAngle = 50;
+  constexpr int kFigures = 7;
+  constexpr int kCircle = 32;
+  constexpr int kSquare = 64;
+  const TagRange range = layout::kPoint.in(entity.tags);
+  const AcGePoint3d place = toWorld * entity.tags.point(kPosition, range);
+  const auto mode = static_cast<int>(walk.variable("$PDMODE", 0.0));
+  const int figure = mode & kFigures;
+  const double reach = mode == kDot || mode == kNothing ? 0.0 : signReach(walk);
+  if (figure == kDot || (mode != kNothing && !(reach > 0.0))) {
+    DrawPath dot;
+    dot.start = place;
+    walk.strokePlain(dot);
+  }
+  if (!(reach > 0.0)) {
+    return;
+  }
+  // Signs are as large in every block; they turn with the entity's own X axis.
+  const double angle = -toRadians(entity.tags.number(kAngle, range, 0.0));
+  const AcGeVector3d x = AcGeVector3d(std::cos(angle), std::sin(angle), 0.0) * reach;
+  const AcGeVector3d y(-x.y, x.x, 0.0);
+  if (figure == kPlus) {
+    walk.strokePlain(linePath(place - x, place + x));
+    walk.strokePlain(linePath(place - y, place + y));
+  } else if (figure == kCross) {
+    walk.strokePlain(linePath(place - x - y, place + x + y));
+    walk.strokePlain(linePath(place - x + y, place + x - y));
+  } else if (figure == kTick) {
+    walk.strokePlain(linePath(place, place + y));
+  }
+  if (mode & kCircle) {
+    walk.strokePlain(arcPath({place, x, y}));
+  }
+  if (mode & kSquare) {
+    const AcGePoint3d corners[] = {place - x - y, place + x - y, place + x + y, place - x + y};
+    walk.strokePlain(polygonPath(corners, true));
+  }
+}
+
 Acad::ErrorStatus transformPoint(RecordEdit& edit, const AcGeMatrix3d& matrix) {
   return transformStraight(edit, layout::kPoint, false, matrix);
 }
@@ -70,6 +128,7 @@ constexpr std::array kKinds{
                .ownCodes = kNoOwnCodes,
                .isSelfContained = true,
                .extents = extentsOfPoint,
+               .draw = drawPoint,
                .transform = transformPoint},
 };
 

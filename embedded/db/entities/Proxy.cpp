@@ -4,6 +4,7 @@
 #include <string>
 
 #include "embedded/db/entities/EntityKinds.h"
+#include "embedded/db/geometry/DrawWalk.h"
 #include "embedded/db/geometry/EntityGeometry.h"
 
 namespace quoin::db {
@@ -13,13 +14,11 @@ using dxf::Version;
 
 /// The picture that a program left of its own entity begins with its box, if it has one:
 /// behind its size and count, pieces of a length, a kind and a body.
-Acad::ErrorStatus extentsOfProxy(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
-                                 AcDbExtents& box) {
+bool readBox(const TagList& tags, AcDbExtents& own) {
   constexpr int kGraphics = 310;
   constexpr std::int32_t kExtents = 1;
   constexpr std::size_t kHead = 2 * sizeof(std::int32_t);
   constexpr std::size_t kExtentsBytes = kHead + 6 * sizeof(double);
-  const TagList& tags = entity.tags;
   const TagRange range = tags.subclass("AcDbProxyEntity");
   std::string graphics;
   for (std::size_t at = tags.find(kGraphics, range); at != TagList::kNone;
@@ -36,21 +35,38 @@ Acad::ErrorStatus extentsOfProxy(const Drawn& entity, const AcGeMatrix3d& toWorl
     if (head[1] == kExtents && length >= kExtentsBytes) {
       double ends[6];
       std::memcpy(ends, graphics.data() + at + kHead, sizeof ends);
-      AcDbExtents own;
-      if (own.set({ends[0], ends[1], ends[2]}, {ends[3], ends[4], ends[5]}) == Acad::eOk) {
-        own.transformBy(toWorld);
-        box.addExt(own);
-      }
-      return Acad::eOk;
+      own.set({ends[0], ends[1], ends[2]}, {ends[3], ends[4], ends[5]});
+      return true;
     }
     at += length;
   }
-  return Acad::eNotApplicable;
+  return false;
+}
+
+Acad::ErrorStatus extentsOfProxy(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
+                                 AcDbExtents& box) {
+  AcDbExtents own;
+  if (!readBox(entity.tags, own)) {
+    return Acad::eNotApplicable;
+  }
+  own.transformBy(toWorld);
+  box.addExt(own);
+  return Acad::eOk;
+}
+
+void drawProxy(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  AcDbExtents own;
+  if (!readBox(entity.tags, own) || own.isFresh()) {
+    walk.leaveOut(L"ACAD_PROXY_ENTITY");
+    return;
+  }
+  walk.strokePlain(rectanglePath(own.minPoint().x, own.minPoint().y, own.maxPoint().x,
+                                 own.maxPoint().y, toWorld));
 }
 
 constexpr std::array kKinds{
     // It holds whatever its maker likes.
-    RecordKind{.name = "ACAD_PROXY_ENTITY", .since = Version::R14, .extents = extentsOfProxy},
+    RecordKind{.name = "ACAD_PROXY_ENTITY", .since = Version::R14, .extents = extentsOfProxy, .draw = drawProxy},
 };
 
 }  // namespace

@@ -1,6 +1,9 @@
 // SECTION and SECTIONOBJECT: planes that cut the model.
+#include <vector>
+
 #include "embedded/db/entities/EntityKinds.h"
 #include "embedded/db/geometry/CurveExtents.h"
+#include "embedded/db/geometry/DrawWalk.h"
 #include "embedded/db/geometry/TransformSchema.h"
 
 namespace quoin::db {
@@ -28,14 +31,30 @@ Acad::ErrorStatus extentsOfSection(const Drawn& entity, const AcGeMatrix3d& toWo
   return Acad::eOk;
 }
 
+/// The line along which it cuts, and that behind it.
+void drawSection(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  constexpr int kVertex = 11;
+  constexpr int kBackVertex = 12;
+  for (const int vertex : {kVertex, kBackVertex}) {
+    std::vector<AcGePoint3d> points =
+        pointsOf(entity.tags, vertex, entity.tags.subclass("AcDbSection"));
+    for (AcGePoint3d& point : points) {
+      point = toWorld * point;
+    }
+    if (points.size() > 1) {
+      walk.stroke(polygonPath(points, false));
+    }
+  }
+}
+
 constexpr std::array kRules{Rule{"AcDbSection", 10, Direction}, Rule{"AcDbSection", 11, Point},
                             Rule{"AcDbSection", 12, Point}, Rule{"AcDbSection", 40, Length},
                             Rule{"AcDbSection", 41, Length}};
 constexpr TransformSchema kSchema{.rules = kRules};
 
 constexpr std::array kKinds{
-    RecordKind{.name = "SECTION", .since = Version::R2007, .schema = &kSchema},
-    RecordKind{.name = "SECTIONOBJECT", .extents = extentsOfSection, .schema = &kSchema},
+    RecordKind{.name = "SECTION", .since = Version::R2007, .draw = drawSection, .schema = &kSchema},
+    RecordKind{.name = "SECTIONOBJECT", .extents = extentsOfSection, .draw = drawSection, .schema = &kSchema},
 };
 
 }  // namespace

@@ -7,6 +7,8 @@
 #include "dbspline.h"
 #include "embedded/db/entities/EntityKinds.h"
 #include "embedded/db/geometry/CurveExtents.h"
+#include "embedded/db/geometry/DrawWalk.h"
+#include "embedded/db/geometry/SplineDraw.h"
 #include "embedded/db/geometry/TransformSchema.h"
 
 ACRX_DXF_CONS_DEFINE_MEMBERS(AcDbSpline, AcDbCurve, L"SPLINE", L"ObjectDBX Classes")
@@ -180,11 +182,11 @@ namespace {
 using dxf::Version;
 using enum Meaning;
 
-Acad::ErrorStatus extentsOfSpline(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
-                                  AcDbExtents& box) {
-  constexpr int kStartDirection = 12;
-  constexpr int kEndDirection = 13;
-  const TagList& tags = entity.tags;
+constexpr int kStartDirection = 12;
+constexpr int kEndDirection = 13;
+
+/// Without points where fit points alone say what it is.
+SplineImage splineOf(const TagList& tags, const AcGeMatrix3d& toWorld) {
   const TagRange range = kSpline.in(tags);
   SplineImage spline;
   const std::int64_t degree = tags.integer(kDegree, range, 3);
@@ -194,6 +196,14 @@ Acad::ErrorStatus extentsOfSpline(const Drawn& entity, const AcGeMatrix3d& toWor
   for (const AcGePoint3d& point : splinePoints(tags, kControlPoint)) {
     spline.points.push_back(toWorld * point);
   }
+  return spline;
+}
+
+Acad::ErrorStatus extentsOfSpline(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
+                                  AcDbExtents& box) {
+  const TagList& tags = entity.tags;
+  const TagRange range = kSpline.in(tags);
+  const SplineImage spline = splineOf(tags, toWorld);
   if (!spline.points.empty()) {
     addSpline(spline, box);
     return Acad::eOk;
@@ -201,6 +211,21 @@ Acad::ErrorStatus extentsOfSpline(const Drawn& entity, const AcGeMatrix3d& toWor
   addFitSpline(splinePoints(tags, kFitPoint), tags.point(kStartDirection, range).asVector(),
                tags.point(kEndDirection, range).asVector(), toWorld, box);
   return Acad::eOk;
+}
+
+void drawSpline(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  const TagList& tags = entity.tags;
+  const TagRange range = kSpline.in(tags);
+  const SplineImage spline = splineOf(tags, toWorld);
+  if (!spline.points.empty()) {
+    walk.stroke(splinePath(spline, walk));
+    return;
+  }
+  const std::vector<AcGePoint3d> points = splinePoints(tags, kFitPoint);
+  if (!points.empty()) {
+    walk.stroke(fitSplinePath(points, tags.point(kStartDirection, range).asVector(),
+                              tags.point(kEndDirection, range).asVector(), toWorld, walk));
+  }
 }
 
 // The knots are parameters and stay.
@@ -228,12 +253,14 @@ constexpr std::array kKinds{
                .ownCodes = kNoOwnCodes,
                .isSelfContained = true,
                .extents = extentsOfSpline,
+               .draw = drawSpline,
                .schema = &kSplineSchema},
     RecordKind{.name = "HELIX",
                .since = Version::R2007,
                .ownCodes = kNoOwnCodes,
                .isSelfContained = true,
                .extents = extentsOfSpline,
+               .draw = drawSpline,
                .schema = &kHelixSchema},
 };
 

@@ -6,6 +6,7 @@
 #include "embedded/db/core/DatabaseImpl.h"
 #include "embedded/db/core/PlaneFields.h"
 #include "embedded/db/entities/EntityKinds.h"
+#include "embedded/db/entities/TextFields.h"
 #include "embedded/db/geometry/EntityGeometry.h"
 #include "embedded/db/geometry/PlaneTransform.h"
 #include "embedded/db/geometry/TextMeasure.h"
@@ -31,8 +32,8 @@ constexpr int kHorizontal = 72;
 constexpr int kVertical = 73;
 constexpr int kAttributeVertical = 74;  // 73 is an attribute's field length
 constexpr int kPrompt = 3;
-constexpr std::int64_t kBackwards = 2;
-constexpr std::int64_t kUpsideDown = 4;
+constexpr std::int64_t kBackwards = TextFields::kBackwards;
+constexpr std::int64_t kUpsideDown = TextFields::kUpsideDown;
 constexpr std::int64_t kIsInvisible = 1;
 constexpr std::int64_t kIsConstant = 2;
 constexpr int kPoints[] = {kPosition, kAlignment};
@@ -285,82 +286,17 @@ void addSlantedBox(double left, double bottom, double right, double top,
   }
 }
 
-/// What a TEXT, ATTRIB or ATTDEF record says.
-struct TextFields {
-  explicit TextFields(const TagList& tags) {
-    const std::string_view kind = dxf::trimmedValue(tags[0]);
-    const TagRange range = layout::kText.in(tags);
-    const SubclassLayout& attribute =
-        kind == "ATTDEF" ? layout::kAttributeDefinition : layout::kAttribute;
-    // A definition shows its tag, not the text that it will be filled with.
-    text =
-        (kind == "ATTDEF" ? tags.text(code::kName, attribute.in(tags)) : tags.text(kString, range))
-            .value_or(std::wstring());
-    normal = normalOf(tags, range);
-    position = tags.point(kPosition, range);
-    alignment = tags.point(kAlignment, range, position);
-    height = tags.number(kHeight, range, 0.0);
-    widthFactor = tags.number(kWidthFactor, range, 1.0);
-    rotation = toRadians(tags.number(kRotation, range, 0.0));
-    oblique = toRadians(tags.number(kOblique, range, 0.0));
-    generation = tags.integer(kGeneration, range, 0);
-    horizontal = tags.integer(kHorizontal, range, 0);
-    vertical = kind == "TEXT" ? tags.integer(kVertical, range, 0)
-                              : tags.integer(kAttributeVertical, attribute.in(tags), 0);
-    thickness = tags.number(code::kThickness, range, 0.0);
-  }
-
-  std::wstring text;
-  AcGeVector3d normal;
-  AcGePoint3d position;
-  AcGePoint3d alignment;
-  double height = 0.0;
-  double widthFactor = 1.0;
-  double rotation = 0.0;
-  double oblique = 0.0;
-  std::int64_t generation = 0;
-  std::int64_t horizontal = 0;
-  std::int64_t vertical = 0;
-  double thickness = 0.0;
-};
-
 Acad::ErrorStatus extentsOfText(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
                                 AcDbExtents& box) {
-  enum { kLeft, kCenter, kRight, kAligned, kMiddle, kFit };
-  enum { kBase, kBottom, kMid, kTop };
   const TextFields fields(entity.tags);
-  double width = lineAdvance(fields.text,
-                             fontOf(entity.database, entity.tags, layout::kText.in(entity.tags))) *
-                 fields.height * fields.widthFactor;
-  AcGePoint3d origin = fields.position;
-  double rotation = fields.rotation;
-  double left = 0.0;
-  double bottom = 0.0;
-  if (fields.horizontal == kAligned || fields.horizontal == kFit) {
-    // The text fills the distance between its two points.
-    const AcGeVector3d along = fields.alignment - fields.position;
-    width = along.length();
-    rotation = width > 0.0 ? std::atan2(along.y, along.x) : rotation;
-  } else if (fields.horizontal != kLeft || fields.vertical != kBase) {
-    origin = fields.alignment;
-    const bool isMiddle = fields.horizontal == kMiddle;
-    left = fields.horizontal == kRight                ? -width
-           : isMiddle || fields.horizontal == kCenter ? -0.5 * width
-                                                      : 0.0;
-    bottom = fields.vertical == kTop               ? -fields.height
-             : fields.vertical == kMid || isMiddle ? -0.5 * fields.height
-                                                   : 0.0;
-  }
-  const double cosine = std::cos(rotation);
-  const double sine = std::sin(rotation);
-  const double flipX = fields.generation & kBackwards ? -1.0 : 1.0;
-  const double flipY = fields.generation & kUpsideDown ? -1.0 : 1.0;
-  AcGeMatrix3d line;
-  line.setCoordSystem(origin, AcGeVector3d(cosine, sine, 0.0) * flipX,
-                      AcGeVector3d(-sine, cosine, 0.0) * flipY, AcGeVector3d::kZAxis);
+  const TextPlace place = placeOf(
+      fields, lineAdvance(fields.text,
+                          fontOf(entity.database, entity.tags, layout::kText.in(entity.tags))) *
+                  fields.height * fields.widthFactor);
   AcDbExtents shape;
-  addSlantedBox(left, bottom, left + width, bottom + fields.height,
-                toWorld * planeToWorld(fields.normal) * line, std::tan(fields.oblique), shape);
+  addSlantedBox(place.left, place.bottom, place.left + place.width, place.bottom + fields.height,
+                toWorld * planeToWorld(fields.normal) * place.line, std::tan(fields.oblique),
+                shape);
   box.addExt(shape);
   shape.expandBy(toWorld * (fields.normal * fields.thickness));
   box.addExt(shape);
@@ -477,6 +413,7 @@ constexpr std::array kKinds{
                .textStyle = &layout::kText,
                .isSelfContained = true,
                .extents = extentsOfText,
+               .draw = drawText,
                .transform = transformText},
     RecordKind{.name = "ATTDEF",
                .classes = kDefinitionClasses,
@@ -484,12 +421,14 @@ constexpr std::array kKinds{
                .textStyle = &layout::kText,
                .isSelfContained = true,
                .extents = extentsOfText,
+               .draw = drawText,
                .transform = transformText},
     RecordKind{.name = "ATTRIB",
                .classes = kAttributeClasses,
                .ownCodes = kNoOwnCodes,
                .textStyle = &layout::kText,
                .extents = extentsOfText,
+               .draw = drawText,
                .transform = transformText},
 };
 

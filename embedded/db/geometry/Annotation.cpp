@@ -2,11 +2,14 @@
 
 #include "embedded/db/core/Blocks.h"
 #include "embedded/db/geometry/CurveExtents.h"
+#include "embedded/db/geometry/DrawWalk.h"
+#include "embedded/db/geometry/SplineDraw.h"
 
 namespace quoin::db {
 namespace {
 
 constexpr int kStyleName = 3;
+constexpr double kHalfArrowWidth = 1.0 / 6.0;  // over the length
 
 }  // namespace
 
@@ -62,25 +65,63 @@ const dxf::Block* anonymousBlock(DatabaseImpl& database, const TagList& tags, Ta
   return !name.empty() && name.front() == L'*' ? blockNamed(database, name) : nullptr;
 }
 
-void addArrow(const Arrow& arrow, std::span<const AcGePoint3d> points, const AcGeMatrix3d& toWorld,
-              ExtentsWalk& walk, AcDbExtents& box) {
-  constexpr double kHalfWidth = 1.0 / 6.0;
+std::optional<AcGeMatrix3d> arrowFrame(const Arrow& arrow, std::span<const AcGePoint3d> points) {
   if (points.size() < 2) {
-    return;
+    return std::nullopt;
   }
   const AcGeVector3d along = points[1] - points[0];
   // A piece that has no room for an arrow is drawn without one.
   if (!(arrow.size > 0.0) || along.length() < 2.0 * arrow.size) {
+    return std::nullopt;
+  }
+  return frameAt(points[0], -along, arrow.normal);
+}
+
+void addArrow(const Arrow& arrow, std::span<const AcGePoint3d> points, const AcGeMatrix3d& toWorld,
+              ExtentsWalk& walk, AcDbExtents& box) {
+  const std::optional<AcGeMatrix3d> frame = arrowFrame(arrow, points);
+  if (!frame) {
     return;
   }
-  const AcGeMatrix3d frame = frameAt(points[0], -along, arrow.normal);
   if (arrow.block) {
-    walk.show(*arrow.block, toWorld * frame * AcGeMatrix3d().setToScaling(arrow.size));
+    walk.show(*arrow.block, toWorld * *frame * AcGeMatrix3d().setToScaling(arrow.size));
     return;
   }
-  for (const double side : {-kHalfWidth, kHalfWidth}) {
-    box.addPoint(toWorld * (frame * AcGePoint3d(-arrow.size, side * arrow.size, 0.0)));
+  for (const double side : {-kHalfArrowWidth, kHalfArrowWidth}) {
+    box.addPoint(toWorld * (*frame * AcGePoint3d(-arrow.size, side * arrow.size, 0.0)));
   }
+}
+
+void drawArrow(const Arrow& arrow, std::span<const AcGePoint3d> points,
+               const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  const std::optional<AcGeMatrix3d> frame = arrowFrame(arrow, points);
+  if (!frame) {
+    return;
+  }
+  if (arrow.block) {
+    walk.show(*arrow.block, toWorld * *frame * AcGeMatrix3d().setToScaling(arrow.size));
+    return;
+  }
+  const AcGeMatrix3d place = toWorld * *frame;
+  const AcGePoint3d corners[] = {
+      place * AcGePoint3d(),
+      place * AcGePoint3d(-arrow.size, -kHalfArrowWidth * arrow.size, 0.0),
+      place * AcGePoint3d(-arrow.size, kHalfArrowWidth * arrow.size, 0.0)};
+  walk.fill(polygonPath(corners, true));
+}
+
+hostx::DrawPath leaderPath(const std::vector<AcGePoint3d>& points, bool isCurved,
+                           const AcGeMatrix3d& toWorld, const DrawWalk& walk) {
+  if (isCurved && points.size() > 2) {
+    return fitSplinePath(points, points[1] - points[0], points.back() - points[points.size() - 2],
+                         toWorld, walk);
+  }
+  std::vector<AcGePoint3d> shown;
+  shown.reserve(points.size());
+  for (const AcGePoint3d& point : points) {
+    shown.push_back(toWorld * point);
+  }
+  return polygonPath(shown, false);
 }
 
 const dxf::Block* arrowBlockOf(const Drawn& entity, TagRange range) {

@@ -2,10 +2,12 @@
 // blocks that show them.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "embedded/db/geometry/EntityGeometry.h"
+#include "hostdraw.h"
 
 namespace quoin::db {
 
@@ -36,11 +38,18 @@ struct Arrow {
 /// Fails: adds nothing where a line has no room for its arrow.
 void addArrow(const Arrow& arrow, std::span<const AcGePoint3d> points, const AcGeMatrix3d& toWorld,
               ExtentsWalk& walk, AcDbExtents& box);
+/// Where an arrow stands: its tip at the origin, its body towards -X; nothing where addArrow() adds
+/// nothing.
+std::optional<AcGeMatrix3d> arrowFrame(const Arrow& arrow, std::span<const AcGePoint3d> points);
+void drawArrow(const Arrow& arrow, std::span<const AcGePoint3d> points,
+               const AcGeMatrix3d& toWorld, DrawWalk& walk);
 /// The block of a leader's arrow by its own or its style's variable; null for the closed arrow.
 const dxf::Block* arrowBlockOf(const Drawn& entity, TagRange range);
 
 /// Adds the line of a leader: straight from point to point, or a smooth curve through them.
 void addLeaderLine(const std::vector<AcGePoint3d>& points, bool isCurved,
                    const AcGeMatrix3d& toWorld, AcDbExtents& box);
+hostx::DrawPath leaderPath(const std::vector<AcGePoint3d>& points, bool isCurved,
+                           const AcGeMatrix3d& toWorld, const DrawWalk& walk);
 
 }  // namespace quoin::db

@@ -54,6 +54,24 @@ void addStraight(const Segment& segment, const AcGeMatrix3d& toWorld, AcDbExtent
 }
 
 void addBulged(const Segment& segment, const AcGeMatrix3d& toWorld, AcDbExtents& box) {
+  const double radius = arcOf(segment).u.length();
+  const double width = std::fmax(segment.startWidth, segment.endWidth);
+  const double reach = radius > 0.0 ? 0.5 * width / radius : 0.0;
+  for (const double factor : {1.0 - reach, 1.0 + reach}) {
+    const ArcImage plane = arcOf(segment, factor);
+    ArcImage arc{toWorld * plane.center, toWorld * plane.u, toWorld * plane.v};
+    arc.sweep = plane.sweep;
+    addArc(arc, box);
+  }
+}
+
+}  // namespace
+
+bool isStraight(const Segment& segment) {
+  return segment.bulge == 0.0 || !std::isfinite(1.0 / segment.bulge);
+}
+
+ArcImage arcOf(const Segment& segment, double factor) {
   const double bulge = segment.bulge;
   const AcGeVector3d chord = segment.end - segment.start;
   const AcGeVector3d left(-chord.y, chord.x, 0.0);
@@ -62,21 +80,13 @@ void addBulged(const Segment& segment, const AcGeMatrix3d& toWorld, AcDbExtents&
   const AcGeVector3d toStart = segment.start - center;
   const double side = bulge > 0.0 ? 1.0 : -1.0;
   const AcGeVector3d across(-toStart.y * side, toStart.x * side, 0.0);
-  const double radius = toStart.length();
-  const double width = std::fmax(segment.startWidth, segment.endWidth);
-  const double reach = radius > 0.0 ? 0.5 * width / radius : 0.0;
-  for (const double factor : {1.0 - reach, 1.0 + reach}) {
-    ArcImage arc{toWorld * center, toWorld * (toStart * factor), toWorld * (across * factor)};
-    arc.sweep = 4.0 * std::atan(std::fabs(bulge));
-    addArc(arc, box);
-  }
+  ArcImage arc{center, toStart * factor, across * factor};
+  arc.sweep = 4.0 * std::atan(std::fabs(bulge));
+  return arc;
 }
 
-}  // namespace
-
 void addSegment(const Segment& segment, const AcGeMatrix3d& toWorld, AcDbExtents& box) {
-  const bool isStraight = segment.bulge == 0.0 || !std::isfinite(1.0 / segment.bulge);
-  (isStraight ? addStraight : addBulged)(segment, toWorld, box);
+  (isStraight(segment) ? addStraight : addBulged)(segment, toWorld, box);
 }
 
 void addRectangle(double left, double bottom, double right, double top, const AcGeMatrix3d& toWorld,

@@ -32,6 +32,9 @@ struct Segment {
   double startWidth = 0.0;
   double endWidth = 0.0;
 };
+bool isStraight(const Segment& segment);
+/// The arc of a bulged segment in its plane, from start to end; with its radius times `factor`.
+ArcImage arcOf(const Segment& segment, double factor = 1.0);
 /// An arc of changing width counts with its greater width throughout.
 void addSegment(const Segment& segment, const AcGeMatrix3d& toWorld, AcDbExtents& box);
 
