@@ -342,10 +342,10 @@ class MultilineDrawing {
       style->getElementAt(i, offset, color, linetype);
       hostx::DrawLook look = walk.lookOf(color);
       const AcDbStub* const record = stubOf(linetype);
-      walk.setDashes(look, record ? walk.looks().dashesOf(
-                                        DatabaseImpl::of(*record).recordName(*record),
-                                        walk.resolved())
-                                  : walk.resolved().dashes);
+      walk.setDashes(look, record
+                               ? walk.looks().dashesOf(
+                                     DatabaseImpl::of(*record).recordName(*record), walk.resolved())
+                               : walk.resolved().dashes);
       m_looks.push_back(std::move(look));
     }
   }
@@ -436,9 +436,8 @@ class MultilineDrawing {
       const std::size_t low = order[i];
       const std::size_t high = order[order.size() - 1 - i];
       if ((i == 0 ? hasOuter : hasInner) && offset(high) > offset(low)) {
-        m_walk.stroke(
-            arcPath(capBetween(vertex, offset(low), offset(high), outwards, m_toWorld)),
-            lookOf(high));
+        m_walk.stroke(arcPath(capBetween(vertex, offset(low), offset(high), outwards, m_toWorld)),
+                      lookOf(high));
       }
     }
   }
@@ -451,8 +450,7 @@ class MultilineDrawing {
 };
 
 void drawMultiline(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
-  const std::uint64_t handle =
-      entity.tags.handle(kStyle, entity.tags.subclass("AcDbMline"));
+  const std::uint64_t handle = entity.tags.handle(kStyle, entity.tags.subclass("AcDbMline"));
   const AcDbObjectPointer<AcDbMlineStyle> style(
       AcDbObjectId(entity.database ? entity.database->byHandle(handle) : nullptr), AcDb::kForRead);
   const Shape shape = shapeOf(entity.tags);
