@@ -392,6 +392,23 @@ class MultilineDrawing {
       const DrawPath area = polygonPath(corners, true);
       m_walk.fill(std::span(&area, 1), look);
     }
+    const Vertex& first = m_shape.vertices.front();
+    const Vertex& last = m_shape.vertices.back();
+    if (!m_shape.isClosed() && !(m_shape.flags & kNoStartCap) && m_style->startRoundCap()) {
+      fillCap(first, -first.direction, look);
+    }
+    if (!m_shape.isClosed() && !(m_shape.flags & kNoEndCap) && m_style->endRoundCap()) {
+      fillCap(last, last.direction, look);
+    }
+  }
+
+  void fillCap(const Vertex& vertex, const AcGeVector3d& outwards, const hostx::DrawLook& look) {
+    const std::vector<double> offsets = vertex.offsets();
+    const auto [low, high] = std::minmax_element(offsets.begin(), offsets.end());
+    if (low != offsets.end() && *high > *low) {
+      const DrawPath cap = arcPath(capBetween(vertex, *low, *high, outwards, m_toWorld));
+      m_walk.fill(std::span(&cap, 1), look);
+    }
   }
 
   void drawAcross() {
