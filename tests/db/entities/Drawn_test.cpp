@@ -427,6 +427,9 @@ TEST(Drawn, TolerancesAreCells) {
   EXPECT_EQ(std::count(all.begin(), all.end(), '\n'), 4) << all;
   EXPECT_NE(all.find("text '\u2316'"), std::string::npos) << all;
   EXPECT_NE(all.find("text '0.1'"), std::string::npos) << all;
+  const std::string rows = shown(loose(
+      "TOLERANCE", "AcDbFcf", "3 Standard\n" + point(10, 0, 0) + "1 a^Jb\n" + point(11, 1, 0)));
+  EXPECT_EQ(std::count(rows.begin(), rows.end(), '\n'), 4) << rows;
 }
 
 TEST(Drawn, WhatCannotBeDrawnIsCounted) {
