@@ -9,6 +9,7 @@
 
 #include "commands/Capture.h"
 #include "commands/CommandError.h"
+#include "commands/FilledWalls.h"
 #include "commands/InsideWalls.h"
 #include "commands/LayerChoice.h"
 #include "commands/PlannedWalls.h"
@@ -330,6 +331,7 @@ ReadPlan readPlan(Drawing& drawing, const std::set<std::wstring>& layers) {
   ReadPlan plan;
   plan.layers = layers;
   plan.found = collectWallLines(drawing, layers, true);
+  addFilledAreas(drawing, layers, plan.found);
   checkAnyWallLine(drawing, layers, plan.found);
   plan.drawing.lines.reserve(plan.found.lines.size());
   for (std::size_t i = 0; i < plan.found.lines.size(); ++i) {

@@ -29,8 +29,9 @@ struct ReadingOptions {
 struct ReadPlan {
   /// Those with the walls.
   std::set<std::wstring> layers;
-  /// On these layers, in blocks and multilines too; `found.lines[i]` is `drawing.lines[i]`, and
-  /// behind them stand the sides of polylines with a width.
+  /// On these layers, in blocks and multilines too, and the sides of what is filled;
+  /// `found.lines[i]` is `drawing.lines[i]`, and behind them stand the sides of polylines with a
+  /// width.
   WallLines found;
   plan::PlanDrawing drawing;
   /// Of each line of `drawing` the number in `found.lines`.

@@ -114,6 +114,9 @@ struct DrawOptions {
   double pixel = 0.0;
   /// Layers that are off or frozen and entities that are invisible are drawn all the same.
   bool isAllShown = false;
+  /// Hatches are filled whatever their pattern is, and areas whether or not the drawing shows them
+  /// filled: for who asks where something is filled.
+  bool isAllFilled = false;
   /// Called now and then; false stops the drawing.
   std::function<bool()> goesOn;
 };

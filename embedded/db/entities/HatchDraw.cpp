@@ -352,6 +352,10 @@ void drawHatch(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk)
     return;
   }
   HatchArea area(std::move(loops), toWorld * planeToWorld(normalOf(tags, range)), walk);
+  if (walk.options().isAllFilled) {
+    area.fill(walk.resolved().color);
+    return;
+  }
   if (walk.isFilled()) {
     const bool isSolid = tags.integer(isPolygon ? kSolidPolygon : kSolid, head, 0) != 0;
     if (tags.integer(kGradient, behind, 0) != 0) {

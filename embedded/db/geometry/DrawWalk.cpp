@@ -33,7 +33,7 @@ DrawWalk::DrawWalk(DatabaseImpl& database, hostx::DrawSink& sink, const hostx::D
   const double scale = variable("$LTSCALE", 1.0);
   m_linetypeScale = scale > 0.0 && std::isfinite(scale) ? scale : 1.0;
   m_isPaperScaled = variable("$PSLTSCALE", 1.0) != 0.0;
-  m_isFilled = variable("$FILLMODE", 1.0) != 0.0;
+  m_isFilled = m_options.isAllFilled || variable("$FILLMODE", 1.0) != 0.0;
 }
 
 hostx::DrawReport DrawWalk::drawBlock(const dxf::Block& block) {
