@@ -235,7 +235,7 @@ def boxes_of(document):
     cache = bbox.Cache()
     boxes = {}
     for entity in document.modelspace():
-        if entity.dxf.layer.lower() in hidden or entity.dxf.get("invisible", 0):
+        if entity.dxf.get("layer", "0").lower() in hidden or entity.dxf.get("invisible", 0):
             continue
         try:
             box = bbox.extents([entity], cache=cache)
