@@ -94,8 +94,7 @@ std::vector<Loop> loopsOf(const TagList& tags, TagRange boundaries, double eleva
           }
         }
         if (isNew) {
-          loops.emplace_back().flags =
-              boundary == TagList::kNone ? 0 : tags.integerAt(boundary);
+          loops.emplace_back().flags = boundary == TagList::kNone ? 0 : tags.integerAt(boundary);
           isNew = false;
         }
         addPiece(loops.back().path, hatchPieceOf(tags, edge, elevation), walk);
@@ -112,8 +111,7 @@ std::vector<Loop> loopsOf(const TagList& tags, TagRange boundaries, double eleva
     for (const hostx::DrawPiece& piece : loop.path.pieces) {
       box.addPoint(piece.end);
     }
-    loop.ring =
-        pointsAlong(loop.path, walk.chordError((box.maxPoint() - box.minPoint()).length()));
+    loop.ring = pointsAlong(loop.path, walk.chordError((box.maxPoint() - box.minPoint()).length()));
   }
   return loops;
 }
@@ -285,8 +283,7 @@ class HatchArea {
       }
     }
     if (dense > 0.0 || families.empty()) {
-      fill(m_walk.resolved().color,
-           families.empty() ? kUsualCover : std::fmin(dense, kMostCover));
+      fill(m_walk.resolved().color, families.empty() ? kUsualCover : std::fmin(dense, kMostCover));
     }
   }
 

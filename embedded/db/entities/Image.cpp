@@ -39,8 +39,8 @@ ImagePlace placeOf(const TagList& tags, const AcGeMatrix3d& toWorld) {
   const AcGeVector3d u = tags.point(kPixelX, range, {1.0, 0.0, 0.0}).asVector();
   const AcGeVector3d v = tags.point(kPixelY, range, {0.0, 1.0, 0.0}).asVector();
   const AcGePoint3d size = tags.point(kSize, range, {1.0, 1.0, 0.0});
-  const bool isClipped =
-      (isWipeout(tags) || tags.integer(kIsClipped, range, 0) != 0) && !tags.integer(kIsOutside, range, 0);
+  const bool isClipped = (isWipeout(tags) || tags.integer(kIsClipped, range, 0) != 0) &&
+                         !tags.integer(kIsOutside, range, 0);
   const std::vector<AcGePoint3d> boundary =
       isClipped ? pointsOf(tags, kBoundaryPoint, range) : std::vector<AcGePoint3d>();
   // Boundaries count pixels from the middle of the upper left one, downwards; what lies
@@ -88,9 +88,9 @@ std::wstring pathOf(const Drawn& entity) {
   constexpr int kDefinition = 340;
   constexpr int kPath = 1;
   const AcDbStub* const definition =
-      entity.database ? entity.database->byHandle(
-                            entity.tags.handle(kDefinition, rangeOf(entity.tags)))
-                      : nullptr;
+      entity.database
+          ? entity.database->byHandle(entity.tags.handle(kDefinition, rangeOf(entity.tags)))
+          : nullptr;
   if (!definition) {
     return {};
   }

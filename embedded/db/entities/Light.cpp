@@ -25,8 +25,11 @@ constexpr std::array kRules{Rule{"AcDbLight", 10, Point}, Rule{"AcDbLight", 11, 
 constexpr TransformSchema kSchema{.rules = kRules};
 
 constexpr std::array kKinds{
-    RecordKind{
-        .name = "LIGHT", .since = Version::R2007, .extents = extentsOfLight, .draw = drawNothing, .schema = &kSchema},
+    RecordKind{.name = "LIGHT",
+               .since = Version::R2007,
+               .extents = extentsOfLight,
+               .draw = drawNothing,
+               .schema = &kSchema},
 };
 
 }  // namespace

@@ -282,8 +282,7 @@ void drawMTextEntity(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk&
   settings.isExact = tags.integer(kSpacingStyle, range, 1) == kExactly;
   settings.alignment = 0.5 * static_cast<double>(place % 3);
   settings.rise = 0.5 * static_cast<double>(place / 3);
-  settings.style = textStyleOf(entity.database,
-                               tags.text(kStyle, range).value_or(L"Standard"));
+  settings.style = textStyleOf(entity.database, tags.text(kStyle, range).value_or(L"Standard"));
   readColumns(tags, settings);
   const MTextLayout layout = layoutMText(mtextContentsOf(tags), settings);
   const AcGeVector3d normal = normalOf(tags, range);

@@ -304,16 +304,14 @@ void drawMultiLeader(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk&
         0.5 * static_cast<double>(std::clamp<std::int64_t>(context.attachment - 1, 0, 2));
     const AcDbStub* const style =
         entity.database ? entity.database->byHandle(context.textStyle) : nullptr;
-    settings.style = style && entity.database->kindOf(*style) == "STYLE"
-                         ? textStyleOf(*style)
-                         : textStyleOf(nullptr, {});
+    settings.style = style && entity.database->kindOf(*style) == "STYLE" ? textStyleOf(*style)
+                                                                         : textStyleOf(nullptr, {});
     MTextLayout text = layoutMText(context.text, settings);
     const AcCmColor color = packedColor(context.textColor);
     for (MTextPiece& piece : text.pieces) {
       piece.color = piece.color ? piece.color : color;
     }
-    drawMText(text,
-              toWorld * frameAt(context.textPlace, context.textDirection, context.textNormal),
+    drawMText(text, toWorld * frameAt(context.textPlace, context.textDirection, context.textNormal),
               walk);
   }
   const dxf::Block* const block =

@@ -342,10 +342,10 @@ class MultilineDrawing {
       style->getElementAt(i, offset, color, linetype);
       hostx::DrawLook look = walk.lookOf(color);
       const AcDbStub* const record = stubOf(linetype);
-      walk.setDashes(look, record ? walk.looks().dashesOf(
-                                        DatabaseImpl::of(*record).recordName(*record),
-                                        walk.resolved())
-                                  : walk.resolved().dashes);
+      walk.setDashes(look, record
+                               ? walk.looks().dashesOf(
+                                     DatabaseImpl::of(*record).recordName(*record), walk.resolved())
+                               : walk.resolved().dashes);
       m_looks.push_back(std::move(look));
     }
   }
@@ -392,6 +392,23 @@ class MultilineDrawing {
       const DrawPath area = polygonPath(corners, true);
       m_walk.fill(std::span(&area, 1), look);
     }
+    const Vertex& first = m_shape.vertices.front();
+    const Vertex& last = m_shape.vertices.back();
+    if (!m_shape.isClosed() && !(m_shape.flags & kNoStartCap) && m_style->startRoundCap()) {
+      fillCap(first, -first.direction, look);
+    }
+    if (!m_shape.isClosed() && !(m_shape.flags & kNoEndCap) && m_style->endRoundCap()) {
+      fillCap(last, last.direction, look);
+    }
+  }
+
+  void fillCap(const Vertex& vertex, const AcGeVector3d& outwards, const hostx::DrawLook& look) {
+    const std::vector<double> offsets = vertex.offsets();
+    const auto [low, high] = std::minmax_element(offsets.begin(), offsets.end());
+    if (low != offsets.end() && *high > *low) {
+      const DrawPath cap = arcPath(capBetween(vertex, *low, *high, outwards, m_toWorld));
+      m_walk.fill(std::span(&cap, 1), look);
+    }
   }
 
   void drawAcross() {
@@ -436,9 +453,8 @@ class MultilineDrawing {
       const std::size_t low = order[i];
       const std::size_t high = order[order.size() - 1 - i];
       if ((i == 0 ? hasOuter : hasInner) && offset(high) > offset(low)) {
-        m_walk.stroke(
-            arcPath(capBetween(vertex, offset(low), offset(high), outwards, m_toWorld)),
-            lookOf(high));
+        m_walk.stroke(arcPath(capBetween(vertex, offset(low), offset(high), outwards, m_toWorld)),
+                      lookOf(high));
       }
     }
   }
@@ -451,8 +467,7 @@ class MultilineDrawing {
 };
 
 void drawMultiline(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
-  const std::uint64_t handle =
-      entity.tags.handle(kStyle, entity.tags.subclass("AcDbMline"));
+  const std::uint64_t handle = entity.tags.handle(kStyle, entity.tags.subclass("AcDbMline"));
   const AcDbObjectPointer<AcDbMlineStyle> style(
       AcDbObjectId(entity.database ? entity.database->byHandle(handle) : nullptr), AcDb::kForRead);
   const Shape shape = shapeOf(entity.tags);

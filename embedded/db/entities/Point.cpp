@@ -65,7 +65,7 @@ double signReach(DrawWalk& walk) {
   constexpr double kPercent = 0.01;
   const double size = walk.variable("$PDSIZE", 0.0);
   if (size > 0.0) {
-    return 0.5 * size;
+    return 0.5 * size * walk.windowScale();
   }
   const AcDbExtents& view = walk.view();
   const double height = view.isFresh() ? 0.0 : view.maxPoint().y - view.minPoint().y;

@@ -66,7 +66,10 @@ void drawProxy(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk)
 
 constexpr std::array kKinds{
     // It holds whatever its maker likes.
-    RecordKind{.name = "ACAD_PROXY_ENTITY", .since = Version::R14, .extents = extentsOfProxy, .draw = drawProxy},
+    RecordKind{.name = "ACAD_PROXY_ENTITY",
+               .since = Version::R14,
+               .extents = extentsOfProxy,
+               .draw = drawProxy},
 };
 
 }  // namespace

@@ -13,8 +13,7 @@ using dxf::Version;
 using enum Meaning;
 
 /// Cuts a line of the plan off at a box, whose edges it may run along.
-void drawLong(const AcGePoint3d& point, const AcGeVector3d& direction, bool isRay,
-              DrawWalk& walk) {
+void drawLong(const AcGePoint3d& point, const AcGeVector3d& direction, bool isRay, DrawWalk& walk) {
   const AcDbExtents& view = walk.view();
   if (view.isFresh()) {
     return;

@@ -54,7 +54,10 @@ constexpr TransformSchema kSchema{.rules = kRules};
 
 constexpr std::array kKinds{
     RecordKind{.name = "SECTION", .since = Version::R2007, .draw = drawSection, .schema = &kSchema},
-    RecordKind{.name = "SECTIONOBJECT", .extents = extentsOfSection, .draw = drawSection, .schema = &kSchema},
+    RecordKind{.name = "SECTIONOBJECT",
+               .extents = extentsOfSection,
+               .draw = drawSection,
+               .schema = &kSchema},
 };
 
 }  // namespace

@@ -67,7 +67,9 @@ std::wstring withSigns(std::wstring_view code, std::wstring plain) {
   return plain;
 }
 
-ToleranceFrame frameOf(const Drawn& entity) {
+/// Files write the ends of rows as line ends too, which count as rows where the frame is drawn;
+/// extents take such a text as one row.
+ToleranceFrame frameOf(const Drawn& entity, bool isDrawn) {
   constexpr int kTextHeight = 140;
   constexpr double kUsualHeight = 0.18;
   constexpr std::wstring_view kRowEnd = L"^J";
@@ -76,7 +78,11 @@ ToleranceFrame frameOf(const Drawn& entity) {
   const TagRange range = tags.subclass("AcDbFcf");
   ToleranceFrame frame;
   frame.height = scaledVariable(entity, range, kTextHeight, kUsualHeight);
-  const std::wstring text = tags.text(kText, range).value_or(std::wstring());
+  std::wstring text = tags.text(kText, range).value_or(std::wstring());
+  for (std::size_t at = isDrawn ? text.find(L'\n') : std::wstring::npos; at != std::wstring::npos;
+       at = text.find(L'\n', at)) {
+    text.replace(at, 1, kRowEnd);
+  }
   for (std::size_t at = 0; at <= text.size();) {
     const std::size_t end = std::min(text.find(kRowEnd, at), text.size());
     const std::wstring row = text.substr(at, end - at);
@@ -108,7 +114,7 @@ ToleranceFrame frameOf(const Drawn& entity) {
 
 Acad::ErrorStatus extentsOfTolerance(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
                                      AcDbExtents& box) {
-  const ToleranceFrame frame = frameOf(entity);
+  const ToleranceFrame frame = frameOf(entity, false);
   const auto rows = static_cast<double>(frame.rows.size());
   addRectangle(0.0, frame.height - 2.0 * frame.height * std::fmax(rows, 1.0), frame.width,
                frame.height, toWorld * frame.place, box);
@@ -116,7 +122,7 @@ Acad::ErrorStatus extentsOfTolerance(const Drawn& entity, const AcGeMatrix3d& to
 }
 
 void drawTolerance(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
-  const ToleranceFrame frame = frameOf(entity);
+  const ToleranceFrame frame = frameOf(entity, true);
   const AcGeMatrix3d place = toWorld * frame.place;
   const TextStyle style = textStyleOf(nullptr, {});
   double top = frame.height;

@@ -92,8 +92,8 @@ void addArrow(const Arrow& arrow, std::span<const AcGePoint3d> points, const AcG
   }
 }
 
-void drawArrow(const Arrow& arrow, std::span<const AcGePoint3d> points,
-               const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+void drawArrow(const Arrow& arrow, std::span<const AcGePoint3d> points, const AcGeMatrix3d& toWorld,
+               DrawWalk& walk) {
   const std::optional<AcGeMatrix3d> frame = arrowFrame(arrow, points);
   if (!frame) {
     return;
@@ -104,8 +104,7 @@ void drawArrow(const Arrow& arrow, std::span<const AcGePoint3d> points,
   }
   const AcGeMatrix3d place = toWorld * *frame;
   const AcGePoint3d corners[] = {
-      place * AcGePoint3d(),
-      place * AcGePoint3d(-arrow.size, -kHalfArrowWidth * arrow.size, 0.0),
+      place * AcGePoint3d(), place * AcGePoint3d(-arrow.size, -kHalfArrowWidth * arrow.size, 0.0),
       place * AcGePoint3d(-arrow.size, kHalfArrowWidth * arrow.size, 0.0)};
   walk.fill(polygonPath(corners, true));
 }

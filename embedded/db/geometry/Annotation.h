@@ -41,8 +41,8 @@ void addArrow(const Arrow& arrow, std::span<const AcGePoint3d> points, const AcG
 /// Where an arrow stands: its tip at the origin, its body towards -X; nothing where addArrow() adds
 /// nothing.
 std::optional<AcGeMatrix3d> arrowFrame(const Arrow& arrow, std::span<const AcGePoint3d> points);
-void drawArrow(const Arrow& arrow, std::span<const AcGePoint3d> points,
-               const AcGeMatrix3d& toWorld, DrawWalk& walk);
+void drawArrow(const Arrow& arrow, std::span<const AcGePoint3d> points, const AcGeMatrix3d& toWorld,
+               DrawWalk& walk);
 /// The block of a leader's arrow by its own or its style's variable; null for the closed arrow.
 const dxf::Block* arrowBlockOf(const Drawn& entity, TagRange range);
 

@@ -5,7 +5,6 @@
 #include <cmath>
 
 #include "embedded/db/core/EntityFields.h"
-#include "embedded/os/CaseFold.h"
 
 namespace quoin::db {
 
@@ -19,6 +18,13 @@ constexpr std::wstring_view kByLayer = L"ByLayer";
 constexpr std::wstring_view kByBlock = L"ByBlock";
 constexpr std::wstring_view kContinuous = L"Continuous";
 constexpr std::int64_t kTransparencyByBlock = 0x01000000;
+
+/// Whether a name is one of those that every drawing has, in any case.
+bool isNamed(std::wstring_view name, std::wstring_view known) {
+  const auto lower = [](wchar_t c) { return c >= L'A' && c <= L'Z' ? c - L'A' + L'a' : c; };
+  return std::equal(name.begin(), name.end(), known.begin(), known.end(),
+                    [&](wchar_t a, wchar_t b) { return lower(a) == lower(b); });
+}
 
 DrawColor indexed(Adesk::UInt16 index) {
   if (index == kForeground || index > AcCmEntityColor::kACImaximum || index == 0) {
@@ -196,9 +202,9 @@ const DrawLooks::Linetype& DrawLooks::linetypeOf(std::string_view name, const Ta
   }
   Linetype linetype;
   const std::wstring wide = tags.textAt(index);
-  if (os::sameName(wide, kByLayer)) {
+  if (isNamed(wide, kByLayer)) {
     linetype.kind = Linetype::Kind::ByLayer;
-  } else if (os::sameName(wide, kByBlock)) {
+  } else if (isNamed(wide, kByBlock)) {
     linetype.kind = Linetype::Kind::ByBlock;
   } else {
     linetype.dashes = linetypeNamed(wide);
@@ -212,13 +218,13 @@ const Dashes* DrawLooks::dashesOf(std::uint64_t linetype) {
 }
 
 const Dashes* DrawLooks::dashesOf(std::wstring_view linetype, const ResolvedLook& look) {
-  return os::sameName(linetype, kByLayer)   ? (look.layer ? look.layer->dashes : nullptr)
-         : os::sameName(linetype, kByBlock) ? look.dashes
-                                            : linetypeNamed(linetype);
+  return isNamed(linetype, kByLayer)   ? (look.layer ? look.layer->dashes : nullptr)
+         : isNamed(linetype, kByBlock) ? look.dashes
+                                       : linetypeNamed(linetype);
 }
 
 const Dashes* DrawLooks::linetypeNamed(std::wstring_view name) {
-  if (os::sameName(name, kContinuous)) {
+  if (isNamed(name, kContinuous)) {
     return nullptr;
   }
   const AcDbStub* const record = m_database.record(TableKind::Linetype, name);

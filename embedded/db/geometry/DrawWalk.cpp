@@ -150,8 +150,7 @@ void DrawWalk::setDashes(DrawLook& look, const Dashes* dashes) const {
   if (!dashes) {
     return;
   }
-  const double window =
-      m_window >= 0 && m_isPaperScaled ? m_windows[static_cast<std::size_t>(m_window)].scale : 1.0;
+  const double window = m_isPaperScaled ? windowScale() : 1.0;
   const double scale = m_linetypeScale * m_look.dashScale * lengthScale(m_toWorld) / window;
   if (!(scale > 0.0) || !std::isfinite(scale)) {
     return;

@@ -92,6 +92,10 @@ class DrawWalk {
   const hostx::DrawOptions& options() const { return m_options; }
   /// What is looked at where the entity stands; the extents of its space where nobody knows.
   const AcDbExtents& view();
+  /// From the space of the entity to the drawn one, where a window is between them; else 1.
+  double windowScale() const {
+    return m_window < 0 ? 1.0 : m_windows[static_cast<std::size_t>(m_window)].scale;
+  }
   /// How far a chord may be from its curve, for a curve of this size.
   double chordError(double size) const;
   /// A variable of the drawing's header.

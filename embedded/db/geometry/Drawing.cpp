@@ -1,6 +1,27 @@
 // What hostdraw.h declares.
+#include <span>
+#include <string>
+#include <vector>
+
 #include "embedded/db/geometry/DrawWalk.h"
+#include "embedded/db/geometry/UndrawnKinds.h"
 #include "hostdraw.h"
+
+namespace quoin::db {
+
+std::vector<std::string> undrawnKinds() {
+  std::vector<std::string> names;
+  for (const std::span<const RecordKind> family : entityFamilies()) {
+    for (const RecordKind& kind : family) {
+      if (!kind.draw) {
+        names.emplace_back(kind.name);
+      }
+    }
+  }
+  return names;
+}
+
+}  // namespace quoin::db
 
 namespace hostx {
 

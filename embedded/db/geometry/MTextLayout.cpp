@@ -47,7 +47,7 @@ struct Item {
   wchar_t bar = 0;     // '/', '#' or '^'
   std::size_t format = 0;
   double width = 0.0;
-  double blanks = 0.0;  // of the width, at the end
+  double blanks = 0.0;    // of the width, at the end
   bool mayBreak = false;  // in front of it
 };
 
@@ -340,7 +340,8 @@ class Layout {
     format.style.isItalic = value.find(L"|i1") != std::wstring_view::npos;
   }
 
-  /// "i-2,l2,qc": indents in heights of the text, and how lines are aligned. "*" takes a value back.
+  /// "i-2,l2,qc": indents in heights of the text, and how lines are aligned. "*" takes a value
+  /// back.
   void readParagraph(std::wstring_view value) {
     for (std::size_t at = 0; at < value.size();) {
       const std::size_t end = std::min(value.find(L',', at), value.size());
@@ -519,10 +520,9 @@ class Layout {
     bool isFirst = true;
     double hanging = 0.0;
     for (const Line& line : m_lines) {
-      const double step =
-          kLineDistance * m_settings.spacing *
-              (m_settings.isExact ? m_settings.height : line.height) +
-          (m_settings.isExact ? 0.0 : line.above + hanging);
+      const double step = kLineDistance * m_settings.spacing *
+                              (m_settings.isExact ? m_settings.height : line.height) +
+                          (m_settings.isExact ? 0.0 : line.above + hanging);
       double base = isFirst ? y - line.height : y - step;
       const double height = columnHeight(column);
       const bool isBelow = !isFirst && height > 0.0 && -base > height * (1.0 + 1e-9);
@@ -555,8 +555,9 @@ class Layout {
 
   double columnHeight(std::size_t column) const {
     const std::vector<double>& heights = m_settings.columnHeights;
-    return m_settings.columns <= 1 || heights.empty() ? 0.0
-                                                      : heights[std::min(column, heights.size() - 1)];
+    return m_settings.columns <= 1 || heights.empty()
+               ? 0.0
+               : heights[std::min(column, heights.size() - 1)];
   }
 
   /// Raises everything so that the place of the text is where its attachment says.
@@ -614,9 +615,9 @@ class Layout {
     const double lower = kStackSize * advanceOf(item.lower, format);
     const bool isSlanted = item.bar == L'#';
     const double upperAt = isSlanted || item.bar == L'^' ? x : x + 0.5 * (item.width - upper);
-    const double lowerAt = isSlanted           ? x + item.width - lower
+    const double lowerAt = isSlanted          ? x + item.width - lower
                            : item.bar == L'^' ? x
-                                               : x + 0.5 * (item.width - lower);
+                                              : x + 0.5 * (item.width - lower);
     if (!item.text.empty()) {
       m_layout.pieces.push_back(
           pieceOf(format, item.text, upperAt, y + kUpperBase * height, upper, kStackSize));
@@ -630,9 +631,10 @@ class Layout {
                                {x + item.width, y + kBarHeight * height, 0.0},
                                format.color});
     } else if (isSlanted) {
-      m_layout.bars.push_back({{x + upper, y + kLowerBase * height, 0.0},
-                               {x + upper + 0.5 * height, y + (kUpperBase + kStackSize) * height, 0.0},
-                               format.color});
+      m_layout.bars.push_back(
+          {{x + upper, y + kLowerBase * height, 0.0},
+           {x + upper + 0.5 * height, y + (kUpperBase + kStackSize) * height, 0.0},
+           format.color});
     }
   }
 

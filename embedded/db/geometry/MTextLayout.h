@@ -18,7 +18,7 @@ struct MTextSettings {
   double height = 0.0;  // of capitals
   double limit = 0.0;   // the width at which lines are wrapped; 0: not at all
   double spacing = 1.0;
-  bool isExact = false;    // lines lie as far apart as `height` says, however high their letters are
+  bool isExact = false;  // lines lie as far apart as `height` says, however high their letters are
   double alignment = 0.0;  // 0 left, 0.5 centred, 1 right
   double rise = 0.0;       // where the place is in the box: 0 at its top, 1 at its bottom
   TextStyle style;

@@ -78,8 +78,9 @@ double spacingOf(const PatternFamily& family) {
   return std::fabs(Axes(family).spacing);
 }
 
-bool forEachPatternStroke(const PatternFamily& family, const PatternRings& rings, std::size_t most,
-                          const std::function<void(const AcGePoint3d&, const AcGePoint3d&)>& visit) {
+bool forEachPatternStroke(
+    const PatternFamily& family, const PatternRings& rings, std::size_t most,
+    const std::function<void(const AcGePoint3d&, const AcGePoint3d&)>& visit) {
   const Axes axes(family);
   double period = 0.0;
   double strokes = 0.0;

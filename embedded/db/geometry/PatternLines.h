@@ -12,9 +12,9 @@ namespace quoin::db {
 
 /// One family of parallel lines, in the plane of the hatch (its z is not looked at).
 struct PatternFamily {
-  double angle = 0.0;     // radians
-  AcGePoint3d base;       // on one of the lines, where its dashes begin
-  AcGeVector3d offset;    // from there to the same place of the next line
+  double angle = 0.0;          // radians
+  AcGePoint3d base;            // on one of the lines, where its dashes begin
+  AcGeVector3d offset;         // from there to the same place of the next line
   std::vector<double> dashes;  // strokes, gaps (negative) and dots (0); empty for whole lines
 };
 

@@ -83,8 +83,7 @@ double sizeOf(std::span<const AcGePoint3d> points) {
 hostx::DrawPath splinePath(const SplineImage& spline, const DrawWalk& walk) {
   DrawPath path;
   Flattening flattening(path, walk.chordError(sizeOf(spline.points)));
-  const bool isCurve =
-      forEachBezier(spline, [&](const Bezier& curve) { flattening.add(curve); });
+  const bool isCurve = forEachBezier(spline, [&](const Bezier& curve) { flattening.add(curve); });
   return isCurve ? path : polygonPath(spline.points, false);
 }
 
@@ -93,9 +92,8 @@ hostx::DrawPath fitSplinePath(std::span<const AcGePoint3d> points,
                               const AcGeMatrix3d& toWorld, const DrawWalk& walk) {
   DrawPath path;
   Flattening flattening(path, walk.chordError(sizeOf(points) * lengthScale(toWorld)));
-  const bool isCurve =
-      forEachFitBezier(points, startDirection, endDirection, toWorld,
-                       [&](const Bezier& curve) { flattening.add(curve); });
+  const bool isCurve = forEachFitBezier(points, startDirection, endDirection, toWorld,
+                                        [&](const Bezier& curve) { flattening.add(curve); });
   if (!isCurve && !points.empty()) {
     path.start = toWorld * points.front();
   }

@@ -1,6 +1,6 @@
-// Extents of splines. The extremes of each of their Bezier curves are found by halving it: what lies
-// between its control points can be left out as soon as none of them reaches beyond a point that is
-// known to be on the curve.
+// Extents of splines. The extremes of each of their Bezier curves are found by halving it: what
+// lies between its control points can be left out as soon as none of them reaches beyond a point
+// that is known to be on the curve.
 #include <algorithm>
 #include <array>
 #include <cmath>

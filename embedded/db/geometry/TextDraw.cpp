@@ -78,6 +78,10 @@ std::vector<TextRun> runsOf(std::wstring_view line, const text::Font& font) {
     runs.back().*flag = !(runs.back().*flag);
   };
   const auto put = [&](wchar_t letter) {
+    constexpr wchar_t kFirstPrintable = 32;
+    if (letter < kFirstPrintable) {
+      return;  // line ends and tabs show nothing in a line
+    }
     runs.back().text += letter;
     runs.back().advance += font.advance(letter);
   };

@@ -53,10 +53,11 @@ std::string nested(int depth, int times) {
 }
 
 TEST(DrawWalk, LooksComeFromLayersAndFromReferences) {
-  const std::string contents = "0 LINE\n8 0\n10 0\n20 0\n11 1\n21 0\n"         // layer 0, by layer
-                               "0 LINE\n8 B\n62 0\n10 0\n20 1\n11 1\n21 1\n"   // by block
-                               "0 LINE\n8 B\n10 0\n20 2\n11 1\n21 2\n"         // by its own layer
-                               "0 LINE\n8 B\n6 BYBLOCK\n62 5\n10 0\n20 3\n11 1\n21 3\n";
+  const std::string contents =
+      "0 LINE\n8 0\n10 0\n20 0\n11 1\n21 0\n"        // layer 0, by layer
+      "0 LINE\n8 B\n62 0\n10 0\n20 1\n11 1\n21 1\n"  // by block
+      "0 LINE\n8 B\n10 0\n20 2\n11 1\n21 2\n"        // by its own layer
+      "0 LINE\n8 B\n6 BYBLOCK\n62 5\n10 0\n20 3\n11 1\n21 3\n";
   EXPECT_EQ(shown(drawingOf(block("D", contents),
                             "0 INSERT\n8 A\n62 3\n6 DASHED\n2 D\n10 0\n20 0\n" + kLine,
                             layer("A", 1) + layer("B", 2, "DASHED"))),
@@ -80,8 +81,9 @@ TEST(DrawWalk, LinetypesAreScaledByTheEntityTheDrawingAndTheBlock) {
 }
 
 TEST(DrawWalk, LayersThatAreOffOrFrozenAreLeftOut) {
-  const std::string contents = "0 LINE\n8 0\n10 0\n20 0\n11 1\n21 0\n"
-                               "0 LINE\n8 ON\n10 0\n20 1\n11 1\n21 1\n";
+  const std::string contents =
+      "0 LINE\n8 0\n10 0\n20 0\n11 1\n21 0\n"
+      "0 LINE\n8 ON\n10 0\n20 1\n11 1\n21 1\n";
   const std::string layers =
       layer("ON", 7) + layer("OFF", -7) + layer("FROZEN", 7, "CONTINUOUS", 1);
   const auto on = [&](const std::string& name) {
@@ -90,15 +92,13 @@ TEST(DrawWalk, LayersThatAreOffOrFrozenAreLeftOut) {
                          "\n10 5\n20 5\n11 6\n21 5\n",
                      layers);
   };
-  EXPECT_EQ(shown(on("ON")),
-            "stroke 0,0 -> 1,0\nstroke 0,1 -> 1,1\nstroke 5,5 -> 6,5\n");
+  EXPECT_EQ(shown(on("ON")), "stroke 0,0 -> 1,0\nstroke 0,1 -> 1,1\nstroke 5,5 -> 6,5\n");
   // What is off hides what lies on it, and not what a reference on it shows of other layers.
   EXPECT_EQ(shown(on("OFF")), "stroke 0,1 -> 1,1\n");
   EXPECT_EQ(shown(on("FROZEN")), "");
   hostx::DrawOptions all;
   all.isAllShown = true;
-  EXPECT_EQ(shown(on("FROZEN"), all),
-            "stroke 0,0 -> 1,0\nstroke 0,1 -> 1,1\nstroke 5,5 -> 6,5\n");
+  EXPECT_EQ(shown(on("FROZEN"), all), "stroke 0,0 -> 1,0\nstroke 0,1 -> 1,1\nstroke 5,5 -> 6,5\n");
   EXPECT_EQ(shown(drawingOf({}, "0 LINE\n8 0\n60 1\n10 0\n20 0\n11 1\n21 0\n")), "");
 }
 
@@ -112,8 +112,7 @@ TEST(DrawWalk, ArraysShowEveryCellThroughTheirTurn) {
 }
 
 TEST(DrawWalk, AttributesShowAboveTheBlockAndPromptsDoNot) {
-  const std::string definition =
-      "0 ATTDEF\n8 0\n10 0\n20 0\n40 1\n1 x\n3 p\n2 NAME\n70 0\n";
+  const std::string definition = "0 ATTDEF\n8 0\n10 0\n20 0\n40 1\n1 x\n3 p\n2 NAME\n70 0\n";
   const std::string attribute = "66 1\n0 ATTRIB\n8 0\n62 0\n10 7\n20 8\n40 2\n1 hall\n2 NAME\n70 ";
   const std::string end = "\n0 SEQEND\n8 0\n";
   EXPECT_EQ(shown(drawingOf(block("D", definition + kLine),
@@ -136,23 +135,45 @@ TEST(DrawWalk, TenThousandNestedBlocksAreDrawn) {
             "stroke 10000,0 -> 10001,1\n");
 }
 
+/// Counts strokes and keeps the last one.
+class CountingSink : public hostx::DrawSink {
+ public:
+  std::size_t strokes = 0;
+  hostx::DrawPath last;
+  void stroke(const hostx::DrawPath& path, const hostx::DrawLook&) override {
+    ++strokes;
+    last = path;
+  }
+  void fill(const std::vector<hostx::DrawPath>&, const hostx::DrawLook&) override {}
+  void wipe(const hostx::DrawPath&) override {}
+  void text(const hostx::DrawText&, const hostx::DrawLook&) override {}
+  void image(const hostx::DrawImage&, const hostx::DrawLook&) override {}
+};
+
+hostx::DrawReport countInto(CountingSink& sink, const Drawing& drawing) {
+  AcDbObjectId space;
+  acdbSymUtil()->getBlockId(space, ACDB_MODEL_SPACE, &drawing.db());
+  return hostx::drawBlock(space, sink);
+}
+
 TEST(DrawWalk, BeyondItsBudgetReferencesAreFrames) {
   const Drawing drawing(drawingOf(nested(8, 10), insert("B8", 0.0) + insert("B1", 50.0)));
-  const DrawnSpace space(drawing);
-  EXPECT_GT(space.report.framed, 0u);
-  EXPECT_LT(space.sink.lines.size(), 1'100'000u);
-  EXPECT_EQ(space.report.drawn, 2u);
-  EXPECT_EQ(space.sink.lines.back(), "stroke 51,0 -> 61,0 -> 61,1 -> 51,1 close");
+  CountingSink sink;
+  const hostx::DrawReport report = countInto(sink, drawing);
+  EXPECT_GT(report.framed, 0u);
+  EXPECT_LT(sink.strokes, 1'100'000u);
+  EXPECT_EQ(report.drawn, 2u);
+  EXPECT_EQ(pathText(sink.last), "51,0 -> 61,0 -> 61,1 -> 51,1 close");
 }
 
 TEST(DrawWalk, AnArrayOfABillionCellsIsBounded) {
-  const Drawing drawing(drawingOf(
-      block("E", {}) + block("D", kLine),
-      insert("E", 0.0, "70 32767\n71 32767\n44 1\n45 1\n") +
-          insert("D", 0.0, "70 32767\n71 32767\n44 1\n45 1\n")));
-  const DrawnSpace space(drawing);
-  EXPECT_EQ(space.report.framed, 2u);
-  EXPECT_EQ(space.sink.lines.back(), "stroke 0,0 -> 32767,0 -> 32767,32767 -> 0,32767 close");
+  const Drawing drawing(drawingOf(block("E", {}) + block("D", kLine),
+                                  insert("E", 0.0, "70 32767\n71 32767\n44 1\n45 1\n") +
+                                      insert("D", 0.0, "70 32767\n71 32767\n44 1\n45 1\n")));
+  CountingSink sink;
+  const hostx::DrawReport report = countInto(sink, drawing);
+  EXPECT_EQ(report.framed, 2u);
+  EXPECT_EQ(pathText(sink.last), "0,0 -> 32767,0 -> 32767,32767 -> 0,32767 close");
 }
 
 TEST(DrawWalk, EntitiesAreDrawnInTheOrderOfTheirTable) {
@@ -162,12 +183,9 @@ TEST(DrawWalk, EntitiesAreDrawnInTheOrderOfTheirTable) {
   };
   std::string text = smallR2000(line("40", 0) + line("41", 1) + line("42", 2));
   const std::string record = "0 BLOCK_RECORD\n5 1F\n";
-  text.replace(text.find(record), record.size(),
-               record + "102 {ACAD_XDICTIONARY\n360 50\n102 }\n");
+  text.replace(text.find(record), record.size(), record + "102 {ACAD_XDICTIONARY\n360 50\n102 }\n");
   const std::string objects = "0 DICTIONARY\n5 C\n";
-  text.replace(text.find(objects), objects.size(),
-               objects.substr(0, 0) +
-                   "0 DICTIONARY\n5 C\n");
+  text.replace(text.find(objects), objects.size(), objects.substr(0, 0) + "0 DICTIONARY\n5 C\n");
   const std::string last = "0 ENDSEC\n0 SECTION\n2 THUMBNAILIMAGE";
   text.insert(text.find(last),
               "0 DICTIONARY\n5 50\n330 1F\n100 AcDbDictionary\n3 ACAD_SORTENTS\n360 51\n"
@@ -178,17 +196,16 @@ TEST(DrawWalk, EntitiesAreDrawnInTheOrderOfTheirTable) {
 
 TEST(DrawWalk, WhatHasNoKindIsCountedInBlocksToo) {
   const std::string solid = "0 3DSOLID\n8 0\n70 1\n1 x\n0 GADGET\n8 0\n";
-  const DrawnSpace space(
-      Drawing(drawingOf(block("D", solid), solid + insert("D", 0.0) + kLine)));
+  const DrawnSpace space(Drawing(drawingOf(block("D", solid), solid + insert("D", 0.0) + kLine)));
   EXPECT_EQ(space.report.drawn, 1u);
   EXPECT_EQ(space.report.leftOut,
             (std::map<std::wstring, Adesk::UInt64>{{L"3DSOLID", 2}, {L"GADGET", 2}}));
 }
 
 TEST(DrawWalk, OneEntityIsDrawnWithItsBlocks) {
-  const Drawing drawing(smallDrawing(
-      "0 INSERT\n5 40\n330 1F\n100 AcDbEntity\n8 0\n100 AcDbBlockReference\n2 Door\n" +
-      point(10, 5, 5)));
+  const Drawing drawing(
+      smallDrawing("0 INSERT\n5 40\n330 1F\n100 AcDbEntity\n8 0\n100 AcDbBlockReference\n2 Door\n" +
+                   point(10, 5, 5)));
   RecordingSink sink;
   const hostx::DrawReport report = hostx::drawEntity(drawing.id(0x40), sink);
   EXPECT_EQ(sink.all(), "stroke 5,5 -> 6,5\n");
