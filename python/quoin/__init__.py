@@ -32,6 +32,7 @@ def _finish() -> None:
     try:
         while not _quoin.wait_until_idle(0.05):
             pass
+        _quoin.leave_undone()
     except KeyboardInterrupt:
         _os._exit(130)
 

@@ -160,6 +160,9 @@ Engine*& engine() {
   return instance;
 }
 
+/// Libraries may be taken down already while drawings end.
+std::atomic<bool> s_isOver{false};
+
 /// Tells of progress that was made since the last time.
 class Listener {
  public:
@@ -207,7 +210,13 @@ void runOnQuoinThread(std::function<void()> work, const py::object& progress) {
 }
 
 void postToQuoinThread(std::function<void()> work) {
-  engine()->post(std::move(work));
+  if (!s_isOver) {
+    engine()->post(std::move(work));
+  }
+}
+
+void leaveUndone() {
+  s_isOver = true;
 }
 
 bool waitUntilIdle(double seconds) {

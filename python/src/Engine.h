@@ -40,6 +40,9 @@ void postToQuoinThread(std::function<void()> work);
 /// is over before.
 bool waitUntilIdle(double seconds);
 
+/// From now on what is posted is left undone: the process ends, and takes drawings with it.
+void leaveUndone();
+
 /// Around a fork: no work begins from the first to the one behind it. The child begins with a
 /// thread of its own.
 void holdBeforeFork();

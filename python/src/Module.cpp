@@ -35,6 +35,7 @@ void translate(std::exception_ptr failure) {
 void addEngine(py::module_& module) {
   using Released = py::call_guard<py::gil_scoped_release>;
   module.def("wait_until_idle", &waitUntilIdle, py::arg("seconds"), Released());
+  module.def("leave_undone", &leaveUndone);
   module.def("hold_before_fork", &holdBeforeFork, Released());
   module.def("go_on_in_parent", &goOnInParent);
   module.def("begin_anew_in_child", &beginAnewInChild);

@@ -123,6 +123,14 @@ def test_ctrl_c_stops_a_calculation_and_leaves_the_package_usable():
     assert words == "stopped\nTrue\n" and process.returncode == 0
 
 
+def test_a_process_may_end_with_drawings_open():
+    script = "import quoin; kept = [quoin.Drawing('examples/flat/flat.dxf') for _ in range(3)]"
+    for _ in range(10):
+        done = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True,
+                              timeout=60)
+        assert (done.returncode, done.stderr) == (0, "")
+
+
 def large_drawing(path, count):
     with quoin.Drawing(FLAT) as drawing:
         drawing.append(town(count), "WALL")
