@@ -101,6 +101,7 @@ class StopTest(cli.CliTest):
         drawing = ["-o", out / "out.dxf", "--picture", out / "out.png"]
         whole = LINES / 20000  # a run takes some 0.3 of this
         for words in (["info", plan], ["extents", plan, "--picture", out / "out.png"],
+                      ["picture", plan, "-o", out / "out.pdf"],
                       ["break", plan, *walls, *drawing],
                       ["break", plan, *walls, "--picture", out / "out.svg", "--dry-run"],
                       ["merge", plan, *walls, *drawing, "--report", "json"],
