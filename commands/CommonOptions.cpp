@@ -233,6 +233,11 @@ std::vector<DrawingJob> CommonOptions::drawingJobs() const {
     }
   }
   for (const std::string& plan : plans) {
+    if (isBeforeAfter && isStandardStream(plan)) {
+      throw CommandError(ExitCode::Usage,
+                         "--before-after reads the drawing twice, which standard input does not "
+                         "give; name a file");
+    }
     DrawingJob job{plan,
                    isInPlace ? plan : placeFor(plan, output, resultEnding),
                    placeFor(plan, picture, ".png"),

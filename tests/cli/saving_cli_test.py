@@ -138,8 +138,8 @@ class StreamsTest(SavingTest):
 
     def test_a_picture_that_finds_no_room_does_not_hide_that_the_drawing_is_there(self):
         plan = self.plan()
-        target, picture = self.path("o.dxf"), self.path("o.svg")
-        most = len(FLAT.read_bytes()) + 50000  # the drawing has room, the picture has not
+        target, picture = self.path("o.dxf"), self.path("o.png")
+        most = len(FLAT.read_bytes()) + 15000  # the drawing has room, the picture has not
 
         def limit():
             signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
