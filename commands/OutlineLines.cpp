@@ -59,8 +59,8 @@ class Connections {
 }  // namespace
 
 const char* nameOf(LineRole role) {
-  constexpr std::array<const char*, 6> kNames{"left",       "right", "start", "end",
-                                             "connection", "jamb"};
+  constexpr std::array<const char*, 6> kNames{"left", "right",      "start",
+                                              "end",  "connection", "jamb"};
   return kNames[static_cast<std::size_t>(role)];
 }
 
