@@ -303,6 +303,7 @@ class Matcher {
     });
     sorted.resize(std::min(sorted.size(), kMostVectors));
     std::vector<AcGeVector3d> vectors;
+    vectors.reserve(sorted.size());
     for (const Votes& vote : sorted) {
       vectors.push_back(vote.vector);
     }

@@ -24,8 +24,10 @@ bool isFinite(const AcGeVector3d& vector) {
 std::size_t hashOf(const DrawList::Look& look) {
   std::size_t hash = 1469598103934665603ULL;
   const auto mix = [&](std::size_t value) { hash = (hash ^ value) * 1099511628211ULL; };
-  mix((static_cast<std::size_t>(look.color.red) << 24U) + (look.color.green << 16U) +
-      (look.color.blue << 8U) + (look.color.isForeground ? 1U : 0U));
+  for (const unsigned char part : {look.color.red, look.color.green, look.color.blue}) {
+    mix(part);
+  }
+  mix(look.color.isForeground ? 1U : 0U);
   mix(std::hash<float>()(look.lineWeight));
   mix(std::hash<float>()(look.opacity));
   mix(static_cast<std::size_t>(look.layer.asOldId()));

@@ -16,7 +16,6 @@ namespace quoin::commands {
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 /// Dots an inch where nobody says.
 constexpr double kUsualDpi = 150.0;
 constexpr double kPointsPerInch = 72.0;

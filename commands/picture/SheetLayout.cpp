@@ -80,7 +80,7 @@ class Foot {
  public:
   Foot(const Picture& picture, double left, double width, double unit, const std::string& title,
        const std::vector<std::string>& notes)
-      : m_left(left), m_right(left + width), m_unit(unit) {
+      : m_right(left + width) {
     Lettering& letters = Lettering::ofProcess();
     m_y = 0.5 * kFootBand * unit + 8.0 * unit;
     m_barX = left;
@@ -133,9 +133,7 @@ class Foot {
   }
 
  private:
-  double m_left;
   double m_right;
-  double m_unit;
   double m_y = 0.0;
   double m_barX = 0.0;
   double m_barY = 0.0;

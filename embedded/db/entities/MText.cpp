@@ -281,7 +281,8 @@ void drawMTextEntity(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk&
   settings.spacing = tags.number(kSpacing, range, 1.0);
   settings.isExact = tags.integer(kSpacingStyle, range, 1) == kExactly;
   settings.alignment = 0.5 * static_cast<double>(place % 3);
-  settings.rise = 0.5 * static_cast<double>(place / 3);
+  const std::int64_t row = place / 3;
+  settings.rise = 0.5 * static_cast<double>(row);
   settings.style = textStyleOf(entity.database, tags.text(kStyle, range).value_or(L"Standard"));
   readColumns(tags, settings);
   const MTextLayout layout = layoutMText(mtextContentsOf(tags), settings);

@@ -125,18 +125,20 @@ TEST(Matching, NeitherOrderNorDirectionMatters) {
   for (int round = 0; round < 200; ++round) {
     std::vector<MatchItem> before;
     std::vector<MatchItem> after;
-    const auto number = [&](int below) { return static_cast<int>(random() % below); };
-    for (int i = 0; i < 30; ++i) {
-      const MatchItem one = item(static_cast<std::uint64_t>(i + 1), 1 + number(4), number(6) * 10,
-                                 number(6) * 10, number(2));
+    const auto number = [&](int below) {
+      return static_cast<int>(random() % static_cast<std::uint64_t>(below));
+    };
+    for (std::uint64_t i = 0; i < 30; ++i) {
+      const MatchItem one = item(i + 1, static_cast<std::uint64_t>(1 + number(4)), number(6) * 10,
+                                 number(6) * 10, static_cast<std::uint64_t>(number(2)));
       before.push_back(one);
       MatchItem other = one;
       switch (number(5)) {
         case 0:
           continue;  // removed
         case 1:
-          other = item(static_cast<std::uint64_t>(i + 1001), one.signature.shape, number(90),
-                       number(90), one.signature.properties);
+          other =
+              item(i + 1001, one.signature.shape, number(90), number(90), one.signature.properties);
           break;
         case 2:
           other.signature.properties ^= 1;
