@@ -12,7 +12,6 @@
 namespace {
 
 using quoin::commands::ChangeCounts;
-using quoin::commands::ComparedSpace;
 using quoin::commands::differenceOf;
 using quoin::commands::Drawing;
 using quoin::commands::DrawingDifference;
