@@ -129,8 +129,9 @@ TEST(Matching, NeitherOrderNorDirectionMatters) {
       return static_cast<int>(random() % static_cast<std::uint64_t>(below));
     };
     for (std::uint64_t i = 0; i < 30; ++i) {
-      const MatchItem one = item(i + 1, static_cast<std::uint64_t>(1 + number(4)), number(6) * 10,
-                                 number(6) * 10, static_cast<std::uint64_t>(number(2)));
+      const std::uint64_t shape = 1 + random() % 4;
+      const std::uint64_t properties = random() % 2;
+      const MatchItem one = item(i + 1, shape, number(6) * 10, number(6) * 10, properties);
       before.push_back(one);
       MatchItem other = one;
       switch (number(5)) {
