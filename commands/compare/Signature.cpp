@@ -57,10 +57,11 @@ double tenAbove(double size) {
              : 0.0;
 }
 
-/// The cell of a number in cells that are as large as its digits allow.
+/// The cell of a number in cells that are as large as its digits allow; the size counts too, since
+/// 15000 is in the same of its cells as 150000 is of larger ones.
 std::uint64_t roundedCell(double value, double least) {
   const double size = std::max(tenAbove(least), tenAbove(std::fabs(value)) * kRelative);
-  return cellOf(value, size);
+  return mixed(cellOf(value, size), std::hash<double>()(size));
 }
 
 double extentOf(const SaidRecord& record, const Said& anchor) {

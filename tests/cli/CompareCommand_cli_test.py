@@ -80,6 +80,14 @@ class CompareTest(CompareCase):
         self.assertEqual(layers["WALL"]["removed"], 1)
         self.assertEqual(layers["DOOR"]["added"], 1)
 
+    def test_a_place_ten_times_as_far_is_another(self):
+        """Far from the origin numbers are compared by their digits, and those are the same here."""
+        plans = []
+        for name, x in (("old.dxf", 15000), ("new.dxf", 150000)):
+            self.draw(name).add_circle((x, 0), 2)
+            plans.append(self.save(name))
+        self.assertEqual(self.counts(self.compare(*plans)), (0, 0, 1, 0, 0))
+
     def test_what_moved_and_by_which_vector(self):
         def edit(_, space):
             space.query("INSERT")[0].translate(12.5, -3, 0)
