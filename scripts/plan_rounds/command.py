@@ -162,7 +162,7 @@ def main():
     one.add_argument("--each", action="store_true", help="a row for each plan, to find the bad ones")
     one.add_argument("--write-docs", metavar="FILE.md", help="put the table between its marks there")
     one.add_argument("--no-rooms", action="store_true", help="judge walls and openings alone")
-    one.add_argument("--folder", default="plan-rounds", help="for what is made on the way")
+    one.add_argument("--folder", default="build/plan-rounds", help="for what is made on the way")
     one.set_defaults(run=campaign.campaign)
     arguments = parser.parse_args()
     return arguments.run(arguments)
