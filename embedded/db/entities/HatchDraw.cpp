@@ -191,7 +191,9 @@ hostx::DrawColor gradientColor(const TagList& tags, TagRange range, const DrawWa
   if (count == 0.0) {
     return walk.resolved().color;
   }
-  const auto mean = [&](double sum) { return static_cast<unsigned char>(std::lround(sum / count)); };
+  const auto mean = [&](double sum) {
+    return static_cast<unsigned char>(std::lround(sum / count));
+  };
   return {mean(sums[0]), mean(sums[1]), mean(sums[2]), false};
 }
 
