@@ -10,8 +10,8 @@ and by ezdxf's drawing add-on. For every entity it is counted whether ink appear
 says. What is missing in ours and present in another one is a failure, unless DOCUMENT lists the
 kind with a reason, in a table with rows "| KIND | drawings (a pattern) | reason |".
 
-Without drawings all DXF files of examples/ and of QUOIN_SHARED_DATA are taken; --quick takes
-examples/ alone. Where LibreCAD is not installed ezdxf is the only other one.
+Without drawings all DXF files of examples/ and of QUOIN_SHARED_DATA are taken; --quick takes the
+sheet of kinds and one plan of examples/. Where LibreCAD is not installed ezdxf is the only other one.
 """
 
 import argparse
@@ -351,7 +351,9 @@ def main():
     if arguments.self_test:
         return self_test()
     logging.getLogger("matplotlib").setLevel(logging.ERROR)  # fonts that are not there
-    drawings = arguments.drawings or sorted((ROOT / "examples").glob("*/*.dxf"))
+    examples = ROOT / "examples"
+    quick = [examples / "kinds.dxf", examples / "flat" / "flat.dxf"]
+    drawings = arguments.drawings or (quick if arguments.quick else sorted(examples.rglob("*.dxf")))
     shared = pathlib.Path(os.environ.get("QUOIN_SHARED_DATA", ROOT.parent / "shared" / "data"))
     if not arguments.drawings and not arguments.quick and shared.is_dir():
         drawings += sorted(shared.glob("*.dxf"))
