@@ -166,8 +166,8 @@ def rows_of(runs, peers, size):
     return rows
 
 
-def as_markdown(rows):
-    lines = ["| " + " | ".join(HEADINGS) + " |", "|" + " --- |" * len(HEADINGS)]
+def as_markdown(rows, headings):
+    lines = ["| " + " | ".join(headings) + " |", "|" + " --- |" * len(headings)]
     return "\n".join(lines + ["| " + " | ".join(row) + " |" for row in rows])
 
 
@@ -206,7 +206,7 @@ def main():
         runs, peers = measure(arguments.quoin, size, arguments.rounds, arguments.folder)
         all_runs[size] = runs
         rows += rows_of(runs, peers, size)
-    print(as_markdown(rows))
+    print(as_markdown(rows, HEADINGS))
     if arguments.json:
         arguments.json.write_text(json.dumps(all_runs, indent=1) + "\n", encoding="utf-8")
 

@@ -18,7 +18,10 @@ add_test(NAME tree.plan_rounds
 set_tests_properties(tree.plan_rounds PROPERTIES ENVIRONMENT PYTHONDONTWRITEBYTECODE=1)
 add_test(NAME tree.bench_plans.self_test
   COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/bench_plans.py --self-test)
-set_tests_properties(tree.bench_plans.self_test PROPERTIES ENVIRONMENT PYTHONDONTWRITEBYTECODE=1)
+add_test(NAME tree.bench_pictures.self_test
+  COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/bench_pictures.py --self-test)
+set_tests_properties(tree.bench_plans.self_test tree.bench_pictures.self_test PROPERTIES
+  ENVIRONMENT PYTHONDONTWRITEBYTECODE=1)
 # The shipped plans are what the script draws.
 add_test(NAME examples.drawn COMMAND ${QUOIN_PYTHON} ${QUOIN_SCRIPTS}/make_examples.py --check)
 add_test(NAME examples.audit.self_test
