@@ -170,7 +170,7 @@ class BreakTest(cli.CliTest):
         x, y = corners[100000]
         space.add_line((x + 400, y), (x + 400, y - 500), dxfattribs={"layer": "WALL"})
         plan = self.save("long.dxf")
-        result = cli.quoin("break", plan, "-o", self.path("o.dxf"), timeout=15)
+        result = cli.quoin("break", plan, "-o", self.path("o.dxf"), timeout=60)
         self.assertEqual(result.returncode, 0, result.stderr)
         parts = cli.read(self.path("o.dxf"))[0].modelspace().query("LWPOLYLINE")
         self.assertEqual([len(part) for part in parts], [100001, 99999])
