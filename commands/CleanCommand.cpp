@@ -8,7 +8,6 @@
 
 #include "commands/CleanSources.h"
 #include "commands/Cleaning.h"
-#include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
 #include "commands/LayerChoice.h"
 #include "commands/PlannedWalls.h"
@@ -30,17 +29,13 @@ using plan::UndecidedKind;
 
 constexpr const char* kOff = "off";
 
-struct UndecidedWords {
-  const char* name;
-  const char* told;
-};
-constexpr std::array<UndecidedWords, 3> kUndecidedWords{{
-    {"severalEnds", "there are several ends to snap to"},
-    {"severalPlaces", "it meets lines at several places"},
-    {"otherProperties", "it lies on a line with other properties, or on a polyline"},
-}};
-const UndecidedWords& undecidedWords(UndecidedKind kind) {
-  return kUndecidedWords[static_cast<std::size_t>(kind)];
+const char* toldOf(UndecidedKind kind) {
+  constexpr std::array<const char*, 3> kWords{
+      "there are several ends to snap to",
+      "it meets lines at several places",
+      "it lies on a line with other properties, or on a polyline",
+  };
+  return kWords[static_cast<std::size_t>(kind)];
 }
 
 std::string checkLengthOrOff(const std::string& text) {
@@ -97,14 +92,7 @@ class CleanCommand : public DrawingCommand {
     m_options.capture.tolerance = m_snap == kOff ? kCleanSnap : m_snap;
     setCapture(m_options.capture, drawing);
     const plan::CleanOptions options = optionsFor(drawing);
-    const CleanSources found = collectCleanSources(drawing, layers, options.removesDuplicates);
-    if (found.lines + found.segments + found.doubled.size() == 0) {
-      throw CommandError(
-          ExitCode::NothingToDo,
-          fmt::format("{}: no LINE and no straight polyline segment on {}; what is there: {}",
-                      drawing.file().string(), namesText(layers), leftOutText(found)));
-    }
-    const std::vector<CleanedLevel> levels = cleanLevels(found, options);
+    const auto [found, levels] = findCleaning(drawing, layers, options);
     Picture picture;
     if (job.hasPicture()) {
       picture = paint(drawing, found, levels);
@@ -211,8 +199,7 @@ class CleanCommand : public DrawingCommand {
     report.list(result.undecided.size(), [&](std::size_t i) {
       const plan::UndecidedPlace& place = result.undecided[i];
       return fmt::format("undecided: {} at {}: {}{}", nameOf(place.line),
-                         pointText(inSpace(place.at, cleaned.height)),
-                         undecidedWords(place.kind).told,
+                         pointText(inSpace(place.at, cleaned.height)), toldOf(place.kind),
                          place.other == place.line ? "" : " (" + nameOf(place.other) + ")");
     });
     if (result.keptOverlaps > 0) {
@@ -311,7 +298,7 @@ class CleanCommand : public DrawingCommand {
     }
     for (const plan::UndecidedPlace& place : cleaned.result.undecided) {
       nlohmann::json json = entityJson(drawing, sources[place.line]);
-      json["why"] = undecidedWords(place.kind).name;
+      json["why"] = nameOf(place.kind);
       json["at"] = pointJson(inSpace(place.at, cleaned.height));
       if (place.other != place.line) {
         json["other"] = handleText(sources[place.other].entity);

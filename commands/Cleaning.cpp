@@ -1,7 +1,11 @@
 #include "commands/Cleaning.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
+#include "commands/CommandError.h"
+#include "commands/CommonOptions.h"
 #include "commands/Progress.h"
 #include "commands/SingleLines.h"
 
@@ -30,6 +34,16 @@ const StepWords& wordsOf(CleanStep step) {
   return kStepWords[static_cast<std::size_t>(step)];
 }
 
+const char* nameOf(plan::UndecidedKind kind) {
+  constexpr std::array<const char*, 3> kNames{"severalEnds", "severalPlaces", "otherProperties"};
+  return kNames[static_cast<std::size_t>(kind)];
+}
+
+plan::CleanOptions defaultCleanOptions(const Drawing& drawing) {
+  const auto lengthOf = [&](const char* text) { return parseLength(text)->inUnitsOf(drawing); };
+  return {lengthOf(kCleanSnap), lengthOf(kCleanReach), lengthOf(kCleanSpur), true, true, false};
+}
+
 std::vector<CleanedLevel> cleanLevels(const CleanSources& found,
                                       const plan::CleanOptions& options) {
   std::vector<CleanedLevel> levels;
@@ -40,6 +54,20 @@ std::vector<CleanedLevel> cleanLevels(const CleanSources& found,
   });
   Progress::checkInterrupt();
   return levels;
+}
+
+Cleaning findCleaning(Drawing& drawing, const std::set<std::wstring>& layers,
+                      const plan::CleanOptions& options) {
+  Cleaning cleaning{collectCleanSources(drawing, layers, options.removesDuplicates), {}};
+  const CleanSources& found = cleaning.found;
+  if (found.lines + found.segments + found.doubled.size() == 0) {
+    throw CommandError(
+        ExitCode::NothingToDo,
+        fmt::format("{}: no LINE and no straight polyline segment on {}; what is there: {}",
+                    drawing.file().string(), namesText(layers), leftOutText(found)));
+  }
+  cleaning.levels = cleanLevels(found, options);
+  return cleaning;
 }
 
 AcGePoint3d inSpace(const AcGePoint2d& at, double height) {

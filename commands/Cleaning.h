@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,12 @@ struct StepWords {
 };
 const StepWords& wordsOf(plan::CleanStep step);
 
+/// What JSON reports call a reason why a place is undecided.
+const char* nameOf(plan::UndecidedKind kind);
+
+/// All steps, with the lengths above.
+plan::CleanOptions defaultCleanOptions(const Drawing& drawing);
+
 /// One height, cleaned.
 struct CleanedLevel {
   double height;
@@ -34,6 +41,15 @@ struct CleanedLevel {
 /// Cleans every level. The merge takes ends for touching at the capture distance of the project.
 /// Fails: throws CommandError (Interrupted).
 std::vector<CleanedLevel> cleanLevels(const CleanSources& found, const plan::CleanOptions& options);
+
+/// The lines of a drawing and what cleaning makes of them; the drawing is as it was.
+struct Cleaning {
+  CleanSources found;
+  std::vector<CleanedLevel> levels;  // point into `found`
+};
+/// Fails: throws CommandError (NothingToDo where there is no line on the layers, Interrupted).
+Cleaning findCleaning(Drawing& drawing, const std::set<std::wstring>& layers,
+                      const plan::CleanOptions& options);
 
 bool isMoved(const AcGePoint3d& old, const AcGePoint2d& now);
 /// The lines of a level that are gone.

@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "commands/Drawing.h"
@@ -12,6 +13,11 @@ namespace quoin::commands {
 
 class OpeningLayers {
  public:
+  OpeningLayers() = default;
+  /// As if options named these, or none.
+  OpeningLayers(std::vector<std::string> patterns, bool hasNone)
+      : m_patterns(std::move(patterns)), m_hasNone(hasNone) {}
+
   /// Adds --openings, and --no-openings with this explanation.
   void declare(CLI::App& command, const std::string& none);
   /// Those that the options name, else QUOIN-OPENING where it has lines.

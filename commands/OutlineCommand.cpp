@@ -85,11 +85,12 @@ class OutlineCommand : public DrawingCommand {
       addJson(drawing, reference, lines, report.json);
       std::vector<SkippedEntity> leftOut = openings.skipped;
       leftOut.insert(leftOut.end(), gaps.leftOut.begin(), gaps.leftOut.end());
-      report.json.update(
-          {{"openingLayers", namesJson(openingLayers)},
-           {"openingCounts",
-            {{"cut", gaps.opened}, {"shortened", gaps.shortened}, {"leftOut", leftOut.size()}}},
-           {"openingsLeftOut", skippedJson(drawing, leftOut)}});
+      report.json.update({{"openingLayers", namesJson(openingLayers)},
+                          {"openingCounts",
+                           {{"cut", gaps.opened.size()},
+                            {"shortened", gaps.shortened},
+                            {"leftOut", leftOut.size()}}},
+                          {"openingsLeftOut", skippedJson(drawing, leftOut)}});
     }
   }
 
@@ -160,8 +161,8 @@ class OutlineCommand : public DrawingCommand {
     if (layers.empty()) {
       return;
     }
-    std::string text =
-        fmt::format("{} of {} left open", countText(gaps.opened, "opening"), namesText(layers));
+    std::string text = fmt::format("{} of {} left open", countText(gaps.opened.size(), "opening"),
+                                   namesText(layers));
     const auto add = [&](std::size_t count, const char* what) {
       text += count > 0 ? fmt::format(", {} {}", count, what) : "";
     };

@@ -67,7 +67,7 @@ OutlineGaps openOutlines(const std::vector<BodyWall>& walls,
       continue;
     }
     gaps[opening.wall].emplace_back(place.from, place.to);
-    ++result.opened;
+    result.opened.push_back(i);
     result.shortened += place.isShortened ? 1 : 0;
   }
   result.outlines.resize(walls.size());

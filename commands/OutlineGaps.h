@@ -18,7 +18,8 @@ struct PartedOutline {
 
 struct OutlineGaps {
   std::vector<PartedOutline> outlines;  // one for each wall
-  std::size_t opened = 0;
+  /// The openings that are gaps, ascending: indices into FoundOpenings::openings.
+  std::vector<std::size_t> opened;
   /// Openings that reached into the joint at an end of their wall, and end where both faces run.
   std::size_t shortened = 0;
   std::vector<SkippedEntity> leftOut;

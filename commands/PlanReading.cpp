@@ -14,6 +14,7 @@
 #include "commands/LayerChoice.h"
 #include "commands/PlannedWalls.h"
 #include "commands/Polylines.h"
+#include "commands/Progress.h"
 #include "dbents.h"
 #include "dbobjptr.h"
 #include "embedded/os/CaseFold.h"
@@ -345,6 +346,15 @@ ReadPlan readPlan(Drawing& drawing, const std::set<std::wstring>& layers) {
   // Arcs are read: as faces, or as what is drawn in openings.
   plan.found.countOfKind.erase(L"ARC");
   plan.found.arcSegments = 0;
+  return plan;
+}
+
+FoundPlan findPlanWalls(Drawing& drawing, const std::set<std::wstring>& layers,
+                        const plan::FindWallsOptions& options) {
+  FoundPlan plan{readPlan(drawing, layers), {}};
+  Progress::during("Finding walls",
+                   [&] { plan.found = plan::findWalls(plan.read.drawing, options); });
+  Progress::checkInterrupt();
   return plan;
 }
 

@@ -50,4 +50,13 @@ bool looksLikeColumns(std::wstring_view name);
 /// Fails: throws CommandError (NothingToDo) where there is no line on the layers.
 ReadPlan readPlan(Drawing& drawing, const std::set<std::wstring>& layers);
 
+struct FoundPlan {
+  ReadPlan read;
+  plan::FoundWalls found;
+};
+/// Reads model space and finds its walls.
+/// Fails: as readPlan; throws CommandError (Interrupted).
+FoundPlan findPlanWalls(Drawing& drawing, const std::set<std::wstring>& layers,
+                        const plan::FindWallsOptions& options);
+
 }  // namespace quoin::commands

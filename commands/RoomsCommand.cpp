@@ -1,22 +1,15 @@
 // quoin rooms: the rooms that walls enclose, with areas, names and the ways between them.
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cmath>
-#include <map>
 
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
-#include "commands/LayerChoice.h"
-#include "commands/OpeningLayers.h"
 #include "commands/OutputFile.h"
-#include "commands/PlanReading.h"
-#include "commands/Progress.h"
-#include "commands/ReferenceWalls.h"
 #include "commands/ReportFields.h"
 #include "commands/RoomOutputs.h"
+#include "commands/RoomWalls.h"
 #include "commands/Words.h"
-#include "embedded/os/Utf8.h"
 
 namespace quoin::commands {
 
@@ -82,7 +75,7 @@ class RoomsCommand : public DrawingCommand {
   }
 
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
-    const Source source = readWalls(drawing);
+    const RoomWalls source = readRoomWalls(drawing, m_options, m_widths, m_openings, m_takesFaces);
     RoomPlan plan = source.plan;
     findRooms(drawing, roomOptions(drawing, source.capture.distance, m_leastArea, m_leastWidth),
               m_layer, plan);
@@ -92,7 +85,7 @@ class RoomsCommand : public DrawingCommand {
     }
     std::vector<RoomEntities> entities;
     if (!job.isDryRun) {
-      entities = appendRooms(drawing, plan, m_layer, source.found.lines.front().start.z);
+      entities = appendRooms(drawing, plan, m_layer, source.lines().lines.front().start.z);
     }
     job.save(drawing);
     job.render(picture, report);
@@ -105,8 +98,8 @@ class RoomsCommand : public DrawingCommand {
                      "write the table");
     }
     tell(drawing, source, plan, report);
-    tellLeftOut(drawing, source.found, !source.isFromFaces, report);
-    warnOfUnits(m_options.capture, drawing, source.found.lines, report);
+    tellLeftOut(drawing, source.lines(), !source.isFromFaces, report);
+    warnOfUnits(m_options.capture, drawing, source.lines().lines, report);
     if (report.isJson()) {
       addWalls(drawing, source, report.json);
       addRooms(drawing, plan, entities, source.openings.entities, report.json);
@@ -117,76 +110,7 @@ class RoomsCommand : public DrawingCommand {
   }
 
  private:
-  /// Where the walls come from.
-  struct Source {
-    bool isFromFaces = false;
-    std::set<std::wstring> layers;
-    WallLines found;
-    Capture capture;
-    RoomPlan plan;
-    FoundOpenings openings;    // of reference lines
-    ReferenceWalls reference;  // as above
-    plan::FoundWalls fromFaces;
-  };
-
-  Source readWalls(Drawing& drawing) const {
-    CommonOptions options = m_options;
-    if (options.layers.empty() && !m_takesFaces && hasLines(drawing, kWallLayer)) {
-      options.layers = {kWallLayer};
-    }
-    const std::set<std::wstring> layers = chooseFaceLayers(drawing, options.layers);
-    Source source;
-    source.isFromFaces = m_takesFaces || !hasWidths(drawing, layers);
-    if (source.isFromFaces) {
-      source.capture = setCapture(options.capture, drawing);
-      ReadPlan read = readPlan(drawing, layers);
-      Progress::during("Finding walls", [&] {
-        source.fromFaces = plan::findWalls(read.drawing, ReadingOptions().inUnitsOf(drawing));
-      });
-      Progress::checkInterrupt();
-      source.plan.walls = source.fromFaces.plan;
-      for (const plan::PlanOutline& column : source.fromFaces.columns) {
-        source.plan.columns.push_back({column, {}});
-      }
-      source.layers = std::move(read.layers);
-      source.found = std::move(read.found);
-      return source;
-    }
-    for (const std::wstring& layer : layers) {
-      options.layers.push_back(os::toUtf8(layer));
-    }
-    source.reference = collectReferenceWalls(drawing, options, m_widths);
-    source.layers = source.reference.layers;
-    source.found = source.reference.found;
-    source.capture = source.reference.capture;
-    source.plan.walls.walls = planWalls(source.reference.walls);
-    source.openings = findOpenings(drawing, source.plan.walls.walls, source.capture.distance);
-    source.plan.walls.openings = source.openings.openings;
-    for (const plan::PlanOutline& column : collectColumns(drawing)) {
-      source.plan.columns.push_back({column, {}});
-    }
-    return source;
-  }
-
-  static bool hasLines(Drawing& drawing, const char* name) {
-    const std::vector<LayerContent> layers = drawing.layers();
-    return std::any_of(layers.begin(), layers.end(), [&](const LayerContent& layer) {
-      return layer.name == os::fromUtf8(name) && layer.count() > 0;
-    });
-  }
-  /// Whether options or any line say how wide walls are.
-  bool hasWidths(Drawing& drawing, const std::set<std::wstring>& layers) const {
-    if (m_widths.left || m_widths.right || !m_widths.ofLayer.empty()) {
-      return true;
-    }
-    bool isAny = false;
-    drawing.forEachEntity(drawing.modelSpaceId(), [&](const AcDbObjectId& id) {
-      isAny = isAny || (layers.count(hostx::layerName(id)) != 0 && carriesWidths(id));
-    });
-    return isAny;
-  }
-
-  void addWalls(const Drawing& drawing, const Source& source, nlohmann::json& report) const {
+  void addWalls(const Drawing& drawing, const RoomWalls& source, nlohmann::json& report) const {
     if (!source.isFromFaces) {
       const std::vector<nlohmann::json> results(source.reference.walls.size(),
                                                 nlohmann::json::object());
@@ -194,8 +118,8 @@ class RoomsCommand : public DrawingCommand {
       return;
     }
     report.update({{"capture", captureJson(source.capture)},
-                   {"layers", namesJson(source.layers)},
-                   {"lines", source.found.lines.size()},
+                   {"layers", namesJson(source.layers())},
+                   {"lines", source.lines().lines.size()},
                    {"walls", nlohmann::json::array()}});
     for (const plan::Wall& wall : source.plan.walls.walls) {
       nlohmann::json json =
@@ -203,12 +127,7 @@ class RoomsCommand : public DrawingCommand {
       json.update({{"left", wall.left}, {"right", wall.right}, {"confidence", wall.confidence}});
       report["walls"].push_back(std::move(json));
     }
-    addLeftOut(drawing, source.found, report);
-  }
-
-  FoundOpenings findOpenings(Drawing& drawing, const std::vector<plan::Wall>& walls,
-                             double captureDistance) const {
-    return collectOpenings(drawing, m_openings.in(drawing), walls, captureDistance);
+    addLeftOut(drawing, source.lines(), report);
   }
 
   static double totalNetArea(const Drawing& drawing, const RoomPlan& plan) {
@@ -224,13 +143,14 @@ class RoomsCommand : public DrawingCommand {
                        countText(plan.walls.openings.size(), "opening"));
   }
 
-  void tell(const Drawing& drawing, const Source& source, const RoomPlan& plan,
+  void tell(const Drawing& drawing, const RoomWalls& source, const RoomPlan& plan,
             Report& report) const {
-    report.line("layers: {}", namesText(source.layers));
+    report.line("layers: {}", namesText(source.layers()));
     report.line("ends closer than {} meet", captureText(source.capture, drawing));
     if (source.isFromFaces) {
-      report.line("walls found from {}; {} left over", countText(source.found.lines.size(), "face"),
-                  countText(source.fromFaces.leftOver.size(), "line"));
+      report.line("walls found from {}; {} left over",
+                  countText(source.lines().lines.size(), "face"),
+                  countText(source.fromFaces.found.leftOver.size(), "line"));
     }
     report.line("{} with {}, outlined on {}", countText(plan.walls.walls.size(), "wall"),
                 summaryOf(drawing, plan), m_layer);

@@ -273,15 +273,9 @@ class SurveyCommand : public DrawingCommand {
       capture.tolerance = kCleanSnap;
     }
     const double distance = setCapture(capture, drawing).distance;
-    const auto lengthOf = [&](const std::string& text) {
-      return parseLength(text)->inUnitsOf(drawing);
-    };
-    plan::CleanOptions options;
-    options.snap = capture.tolerance.empty() ? distance : lengthOf(capture.tolerance);
-    options.reach = lengthOf(kCleanReach);
-    options.spur = lengthOf(kCleanSpur);
-    options.removesDuplicates = true;
-    options.joins = true;
+    plan::CleanOptions options = defaultCleanOptions(drawing);
+    options.snap =
+        capture.tolerance.empty() ? distance : parseLength(capture.tolerance)->inUnitsOf(drawing);
     const CleanSources sources = collectCleanSources(drawing, layers, options.removesDuplicates);
     const std::vector<CleanedLevel> levels = cleanLevels(sources, options);
     survey.cleaned = cleanCounts(sources, levels);
@@ -292,11 +286,10 @@ class SurveyCommand : public DrawingCommand {
 
   /// Changes nothing in the drawing.
   void find(Drawing& drawing, const std::set<std::wstring>& layers, Survey& survey) const {
-    survey.read = readPlan(drawing, layers);
     const plan::FindWallsOptions options = m_reading.inUnitsOf(drawing);
-    Progress::during("Finding walls",
-                     [&] { survey.found = plan::findWalls(survey.read.drawing, options); });
-    Progress::checkInterrupt();
+    FoundPlan found = findPlanWalls(drawing, layers, options);
+    survey.read = std::move(found.read);
+    survey.found = std::move(found.found);
     if (survey.found.plan.walls.empty()) {
       throw CommandError(
           ExitCode::NothingToDo,

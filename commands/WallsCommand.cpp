@@ -9,7 +9,6 @@
 #include "commands/OutputFile.h"
 #include "commands/PlanReading.h"
 #include "commands/PlannedWalls.h"
-#include "commands/Progress.h"
 #include "commands/ReportFields.h"
 #include "commands/SurveySchedule.h"
 #include "commands/WallsOutputs.h"
@@ -59,11 +58,7 @@ class WallsCommand : public DrawingCommand {
   void work(Drawing& drawing, const DrawingJob& job, Report& report) override {
     const std::set<std::wstring> layers = chooseFaceLayers(drawing, m_options.layers);
     const Capture capture = setCapture(m_options.capture, drawing);
-    const ReadPlan read = readPlan(drawing, layers);
-    const plan::FindWallsOptions options = m_reading.inUnitsOf(drawing);
-    plan::FoundWalls found;
-    Progress::during("Finding walls", [&] { found = plan::findWalls(read.drawing, options); });
-    Progress::checkInterrupt();
+    const auto [read, found] = findPlanWalls(drawing, layers, m_reading.inUnitsOf(drawing));
     Picture picture;
     if (job.hasPicture()) {
       picture = wallsPicture(drawing, read, found);
