@@ -68,10 +68,11 @@ HEADERS_ALLOWED = {
                                                  "embedded/dxf/Format.h"},
     # Drawings, lines, walls and plans as the commands see them; not their frame, not their reports.
     ("python", "commands"): {"commands/" + name + ".h" for name in (
-        "AxisOverhang", "CommandError", "Drawing", "LayerChoice", "OutlineLines", "OutputFile",
-        "PlanReading", "Polylines", "Progress", "ProgressListener", "SingleLines", "SpaceChange", "WallBodies",
-        "WallChanges", "WallCuts", "WallLines", "WallPrism", "WallWords", "picture/PictureParts",
-        "picture/PlanShapes", "picture/Render")},
+        "AxisOverhang", "Cleaning", "CommandError", "Drawing", "LayerChoice", "OutlineGaps",
+        "OutlineLines", "OutputFile", "PlanReading", "PlannedWalls", "Polylines", "Progress",
+        "ProgressListener", "ReferenceWalls", "RoomWalls", "SingleLines", "SpaceChange", "Units",
+        "WallBodies", "WallChanges", "WallCuts", "WallLines", "WallPrism", "WallWords",
+        "picture/PictureParts", "picture/PlanShapes", "picture/Render")},
 }
 
 # Which zones a zone may include, beside itself and the standard library and the host API. "api" is

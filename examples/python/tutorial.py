@@ -30,7 +30,8 @@ drawing.picture(out / "broken.png", highlight=pieces[np.isin(source, cut)], titl
 drawing.replace(pieces, handles[source])
 print("saved:", pathlib.Path(drawing.save(out / "broken.dxf").path).name)
 
-# %% Walls are found between the faces, and rooms between the walls.
+# %% Walls are found between the faces, and rooms between the walls. (drawing.find_walls() and
+# drawing.find_rooms() take all else that the drawing shows along: swings of doors, names.)
 walls = quoin.find_walls(lines)
 rooms = quoin.find_rooms(walls)
 print(f"{len(walls)} walls, {len(walls.openings)} openings, {len(rooms)} rooms")
@@ -38,11 +39,11 @@ for room in sorted(rooms, key=lambda room: -room.net_area):
     x, y = room.label_point
     print(f"  {room.net_area / 1e6:6.2f} m2 around ({x:.0f}, {y:.0f}), {len(room.ways)} doors")
 
-# %% The reference lines, outlined again, and as bodies.
-outline = quoin.outline(walls.lines, walls.left, walls.right)
-body = quoin.solid(walls.lines, walls.left, walls.right, height=2800, openings=walls.openings)
-print(f"{len(outline.lines)} lines of outlines; {len(body.faces)} faces, "
-      f"{len(body.cut)} openings cut out")
+# %% The walls, outlined again with their openings left open, and as bodies.
+outline = quoin.outline(walls)
+body = quoin.solid(walls, height=2800)
+print(f"{len(outline.lines)} lines of outlines, {len(outline.cut)} openings left open; "
+      f"{len(body.faces)} faces, {len(body.cut)} openings cut out")
 drawing.append(outline.lines, "WALL-OUTLINE")
 drawing.picture(out / "outlined.png", highlight=outline.lines, title="outlines")
 drawing.close()

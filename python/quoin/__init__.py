@@ -15,15 +15,17 @@ from . import _quoin
 from ._drawing import HANDLES, Drawing, Entity, Layer, Moved, Saved
 from ._errors import Error
 from ._lines import break_lines, draw_line, merge_lines, trim_axes
-from ._reading import Room, Walls, clean, find_rooms, find_walls
-from ._walls import KINDS, OPENINGS, ROLES, Mesh, Outline, outline, solid
+from ._reading import (CleanAction, Cleaned, Room, Rooms, Undecided, clean, find_rooms,
+                       find_walls)
+from ._walls import KINDS, OPENINGS, ROLES, Curve, Mesh, Outline, Walls, outline, solid
 
 __version__: str = _quoin.version
 
 __all__ = [
-    "Drawing", "Entity", "Error", "HANDLES", "KINDS", "Layer", "Mesh", "Moved", "OPENINGS",
-    "Outline", "ROLES", "Room", "Saved", "Walls", "break_lines", "clean", "draw_line",
-    "find_rooms", "find_walls", "merge_lines", "outline", "solid", "trim_axes",
+    "CleanAction", "Cleaned", "Curve", "Drawing", "Entity", "Error", "HANDLES", "KINDS", "Layer",
+    "Mesh", "Moved", "OPENINGS", "Outline", "ROLES", "Room", "Rooms", "Saved", "Undecided",
+    "Walls", "break_lines", "clean", "draw_line", "find_rooms", "find_walls", "merge_lines",
+    "outline", "solid", "trim_axes",
 ]
 
 

@@ -10,6 +10,10 @@ from numpy.typing import NDArray
 
 from ._errors import Error
 
+#: Where in a drawing a line is: the handle of its entity, and its segment where that is a polyline;
+#: -1 for a LINE.
+HANDLES = np.dtype([("handle", "u8"), ("segment", "i4")])
+
 _LINE_NAMES = {4: ("x1", "y1", "x2", "y2"), 6: ("x1", "y1", "z1", "x2", "y2", "z2")}
 _POINT_NAMES = {2: ("x", "y"), 3: ("x", "y", "z")}
 # Farther out nothing is told apart: squares of distances stay finite.
@@ -112,3 +116,19 @@ def keys(values: Any, count: int, name: str) -> NDArray[np.int64]:
         return np.unique(array, return_inverse=True)[1].astype(np.int64)
     except TypeError:
         raise Error(f"{name}: values that can be sorted are wanted") from None
+
+
+def rows(values: Any, name: str, columns: Sequence[str]) -> NDArray[np.float64]:
+    """Rows of finite numbers with these columns; none for None."""
+    if values is None:
+        return np.empty((0, len(columns)))
+    return _rows(values, name, {len(columns): tuple(columns)}, ", ".join(columns))
+
+
+def places(handles_and_segments: Any) -> NDArray[Any]:
+    """Where lines are, of the two arrays that the extension module gives."""
+    handles, segments = handles_and_segments
+    array = np.empty(len(handles), dtype=HANDLES)
+    array["handle"] = handles
+    array["segment"] = segments
+    return array

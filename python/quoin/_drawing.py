@@ -2,23 +2,24 @@
 
 from __future__ import annotations
 
+import math
 import os
-from typing import Any, Callable, Dict, Iterable, Iterator, List, NamedTuple, Tuple, Union
+from typing import Any, Callable, Dict, Iterable, Iterator, List, Mapping, NamedTuple, Tuple, Union
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
 from . import _arrays, _quoin
+from ._arrays import HANDLES
 from ._errors import Error
-from ._reading import Walls, reading_lengths, walls_of
+from ._reading import Cleaned, Rooms, checked_duplicates, cleaned_of, reading_lengths, rooms_of
+from ._walls import Outline, Walls, outline, walls_of
 
 #: A handle as a number, or in hexadecimal as drawing files spell it.
 Handle = Union[int, str]
 Progress = Union[Callable[[float], None], None]
-
-#: Where in a drawing a line is: the handle of its entity, and its segment where that is a polyline;
-#: -1 for a LINE.
-HANDLES = np.dtype([("handle", "u8"), ("segment", "i4")])
+#: Widths of walls by layer: the whole width, or left and right.
+Widths = Mapping[str, Union[float, Tuple[float, float]]]
 
 
 class Entity(NamedTuple):
@@ -83,6 +84,27 @@ def _patterns(layers: Union[str, Iterable[str], None]) -> List[str]:
     return patterns
 
 
+def _openings(layers: Union[str, Iterable[str], None]) -> Tuple[List[str], bool]:
+    """Patterns, and whether there are to be none."""
+    patterns = [layers] if isinstance(layers, str) else [str(name) for name in layers or ()]
+    return patterns, layers is not None and not patterns
+
+
+def _width(value: Union[float, None], name: str) -> Union[float, None]:
+    return None if value is None else _arrays.length(value, name, -math.inf)
+
+
+def _widths(widths: Union[Widths, None]) -> List[str]:
+    """As the program takes them, every digit kept."""
+    texts = []
+    for layer, width in (widths or {}).items():
+        pair = np.atleast_1d(_arrays.numbers(width, f"widths[{layer!r}]"))
+        if pair.shape not in ((1,), (2,)) or not np.isfinite(pair).all():
+            raise Error(f"widths[{layer!r}]: a width, or two of them, left and right, are wanted")
+        texts.append(f"{layer}={','.join(map(repr, pair.tolist()))}")
+    return texts
+
+
 class Drawing:
     """A DXF or DWG drawing that is read, changed and saved.
 
@@ -100,11 +122,11 @@ class Drawing:
     """
 
     def __init__(self, path: Union[str, "os.PathLike[str]"], code_page: str = "",
-                 progress: Progress = None):
-        """Reads a drawing. `code_page` is that of its text, where the file names none or a wrong
-        one."""
+                 progress: Progress = None, units: str = ""):
+        """Reads a drawing. `code_page` is that of its text, and `units` ("mm", "m", "in", ...) are
+        what a drawing unit is, where the file names none or wrong ones."""
         self._path = os.fspath(path)
-        self._file = _quoin.DrawingFile(self._path, code_page, progress)
+        self._file = _quoin.DrawingFile(self._path, code_page, units, progress)
 
     def __enter__(self) -> "Drawing":
         return self
@@ -184,11 +206,8 @@ class Drawing:
         is (the dtype quoin.HANDLES): the handle of its entity, and the segment of a polyline or -1.
         Fails: Error where no layer is meant.
         """
-        rows, handles, segments = self._file.lines(_patterns(layers), progress)
-        places = np.empty(len(handles), dtype=HANDLES)
-        places["handle"] = handles
-        places["segment"] = segments
-        return rows, places
+        rows, places = self._file.lines(_patterns(layers), progress)
+        return rows, _arrays.places(places)
 
     def replace(self, lines: ArrayLike, handles: NDArray[Any],
                 progress: Progress = None) -> NDArray[np.uint64]:
@@ -223,12 +242,86 @@ class Drawing:
         handles."""
         return self._file.append(_arrays.lines(lines), str(layer))
 
+    # --- plan reading -------------------------------------------------------------------------
+
     def find_walls(self, layers: Union[str, Iterable[str], None] = None,
-                   **lengths: float) -> Walls:
+                   progress: Progress = None, **lengths: float) -> Walls:
         """The walls of a plan that draws each as two faces, as ``quoin walls`` finds them: with the
-        lines of blocks and multilines, and what other layers show in openings. Options are those
-        of quoin.find_walls(); `layers` as for lines()."""
-        return walls_of(self._file.find_walls(_patterns(layers), reading_lengths(lengths)))
+        lines of blocks, multilines and hatches, and what other layers and the names of blocks say
+        of openings. Options are those of quoin.find_walls(); `layers` as for lines()."""
+        return walls_of(self._file.find_walls(_patterns(layers), reading_lengths(lengths),
+                                              progress))
+
+    def read_walls(self, layers: Union[str, Iterable[str]] = "QUOIN-WALL",
+                   left: Union[float, None] = None, right: Union[float, None] = None,
+                   widths: Union[Widths, None] = None,
+                   openings: Union[str, Iterable[str], None] = None, in_blocks: bool = False,
+                   progress: Progress = None) -> Walls:
+        """The walls that reference lines on some layers stand for, as ``quoin outline`` and ``quoin
+        solid`` read them: such as ``quoin walls`` writes.
+
+        Their widths are the first of those that a line carries, that `widths` names for its layer
+        (* and ? allowed; a number for the whole width, or a pair), and `left` and `right`.
+        `openings` are the layers of lines from jamb to jamb, by default QUOIN-OPENING where it has
+        lines; [] for none. `in_blocks` takes the lines of blocks and multilines, too. Fails: Error
+        where there is no line, or one without a width.
+        """
+        chosen, none = _openings(openings)
+        return walls_of(self._file.read_walls(_patterns(layers), _width(left, "left"),
+                                              _width(right, "right"), _widths(widths), chosen, none,
+                                              bool(in_blocks), progress))
+
+    def outline(self, layers: Union[str, Iterable[str]] = "QUOIN-WALL",
+                left: Union[float, None] = None, right: Union[float, None] = None,
+                widths: Union[Widths, None] = None,
+                openings: Union[str, Iterable[str], None] = None, in_blocks: bool = False,
+                progress: Progress = None) -> Outline:
+        """The outlines of the walls that read_walls() returns, with their openings left open, as
+        ``quoin outline`` draws them; `source` counts those walls. The drawing stays as it is:
+        ``drawing.append(drawing.outline().lines, "WALL-OUTLINE")`` is what the command does."""
+        walls = self.read_walls(layers, left, right, widths, openings, in_blocks, progress)
+        return outline(walls, capture=self.capture, progress=progress)
+
+    def find_rooms(self, layers: Union[str, Iterable[str], None] = None, faces: bool = False,
+                   left: Union[float, None] = None, right: Union[float, None] = None,
+                   widths: Union[Widths, None] = None,
+                   openings: Union[str, Iterable[str], None] = None, in_blocks: bool = False,
+                   min_area: Union[float, None] = None, min_width: Union[float, None] = None,
+                   room_layer: str = "QUOIN-ROOM", progress: Progress = None) -> Rooms:
+        """The rooms of a plan with their names, as ``quoin rooms`` finds them.
+
+        Without `layers` those are taken that the command takes: QUOIN-WALL, else those whose names
+        have a word for wall. They hold reference lines, with widths and `openings` as for
+        read_walls(), or faces: where `faces` says so, and where nothing says how wide walls are.
+        What has a smaller area than `min_area`, or is narrower than `min_width`, is no room (0.25
+        square metres and 150 mm by default). Texts on `room_layer` are no names.
+        """
+        chosen, none = _openings(openings)
+        least = [None if value is None else _arrays.length(value, name)
+                 for value, name in ((min_area, "min_area"), (min_width, "min_width"))]
+        return rooms_of(self._file.find_rooms(
+            _patterns(layers), bool(faces), _width(left, "left"), _width(right, "right"),
+            _widths(widths), chosen, none, bool(in_blocks), *least, str(room_layer), progress))
+
+    def clean(self, layers: Union[str, Iterable[str], None] = None,
+              snap: Union[float, None] = None, reach: Union[float, None] = None,
+              spur: Union[float, None] = None, duplicates: str = "same", join: bool = True,
+              mark_layer: str = "QUOIN-MARK", progress: Progress = None) -> Cleaned:
+        """Cleans the lines of some layers in place, as ``quoin clean`` does: see quoin.clean() for
+        the steps.
+
+        `snap`, `reach` and `spur` are lengths in drawing units, 0 to leave a step out; by default 5,
+        20 and 20 mm. Lines count as having the same properties with the same layer, colour,
+        linetype, weight, thickness and extended data. Circles on `mark_layer` show what could not be
+        decided. Fails: Error where there is no line; where it is stopped, the drawing may be changed
+        in part.
+        """
+        checked_duplicates(duplicates)
+        lengths = [None if value is None else _arrays.length(value, name)
+                   for value, name in ((snap, "snap"), (reach, "reach"), (spur, "spur"))]
+        return cleaned_of(self._file.clean(_patterns(layers), *lengths, duplicates != "off",
+                                           duplicates == "any", bool(join), str(mark_layer),
+                                           progress))
 
     # --- the whole ----------------------------------------------------------------------------
 

@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 from dataclasses import dataclass, field
-from typing import Any, Dict, List, Sequence, Tuple
+from typing import Any, Dict, List, NamedTuple, Sequence, Tuple, overload
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
@@ -11,31 +11,7 @@ from numpy.typing import ArrayLike, NDArray
 from . import _arrays, _quoin
 from ._errors import Error
 from ._lines import Found
-from ._walls import openings_to_rows, rows_to_openings
-
-
-@dataclass(frozen=True)
-class Walls:
-    """Walls that were found, by their reference lines.
-
-    `lines` has the shape (n, 4); `left` and `right` are the distances of the faces, `confidence`
-    goes from 0 to 1. `openings` has the dtype quoin.OPENINGS. `face_lines` are the lines that were
-    read; `faces` are the indices of those that each wall was found from, `left_over` those that are
-    part of nothing, `columns` closed outlines that are none of a wall.
-    """
-
-    lines: NDArray[np.float64]
-    left: NDArray[np.float64]
-    right: NDArray[np.float64]
-    confidence: NDArray[np.float64]
-    openings: NDArray[Any]
-    faces: List[NDArray[np.int64]]
-    face_lines: NDArray[np.float64]
-    left_over: NDArray[np.int64]
-    columns: List[NDArray[np.float64]]
-
-    def __len__(self) -> int:
-        return len(self.lines)
+from ._walls import KINDS, Walls, parts_of, walls_of
 
 
 @dataclass(frozen=True)
@@ -45,7 +21,9 @@ class Room:
     `outer` is its outline, (k, 2), counter-clockwise and without its first corner at the end;
     `holes` the same, clockwise. Areas and lengths are in the units of the coordinates. `walls` and
     `openings` are indices of those around it; `ways` pairs of an opening that one can go through
-    and the index of the room behind it, or None.
+    and the index of the room behind it, or None. `is_gross_by_strips`: the reference lines do not
+    enclose the room for itself, and the gross area goes along its edges. Texts of a drawing give
+    `name`, `number` and `stated_area` (in square metres).
     """
 
     outer: NDArray[np.float64]
@@ -57,6 +35,10 @@ class Room:
     walls: NDArray[np.int64]
     openings: NDArray[np.int64]
     ways: List[Tuple[int, "int | None"]] = field(default_factory=list)
+    is_gross_by_strips: bool = False
+    name: str = ""
+    number: str = ""
+    stated_area: "float | None" = None
 
     @property
     def __geo_interface__(self) -> dict[str, Any]:
@@ -73,20 +55,104 @@ def reading_lengths(lengths: Dict[str, float]) -> Dict[str, float]:
     return {name: _arrays.length(value, name) for name, value in lengths.items()}
 
 
-def walls_of(found: Dict[str, Any]) -> Walls:
+class Rooms(Sequence[Room]):
+    """The rooms of a drawing, as a sequence; `walls` are those that their indices mean.
+
+    `too_small` are outlines of what is enclosed and no room, `walls_left_out` counts walls no
+    longer than the capture distance.
+    """
+
+    def __init__(self, rooms: List[Room], walls: Walls, too_small: List[NDArray[np.float64]],
+                 walls_left_out: int):
+        self._rooms = rooms
+        self.walls = walls
+        self.too_small = too_small
+        self.walls_left_out = walls_left_out
+
+    def __len__(self) -> int:
+        return len(self._rooms)
+
+    @overload
+    def __getitem__(self, index: int) -> Room: ...
+    @overload
+    def __getitem__(self, index: slice) -> List[Room]: ...
+
+    def __getitem__(self, index: Any) -> Any:
+        return self._rooms[index]
+
+    def __repr__(self) -> str:
+        return f"<quoin.Rooms: {len(self)} of {len(self.walls)} walls>"
+
+
+class CleanAction(NamedTuple):
+    """What cleaning did to one line: `step` is "duplicate", "overlap", "snap", "extend", "trim",
+    "spur" or "join". `start` and `end` are where an end was and is, or the ends of a line that is
+    gone; None for a whole polyline. `survivor` is the handle of what stays in its place."""
+
+    step: str
+    handle: int
+    segment: int
+    start: "Tuple[float, float, float] | None"
+    end: "Tuple[float, float, float] | None"
+    survivor: "int | None"
+
+
+class Undecided(NamedTuple):
+    """A place that cleaning left as it is: `why` is "severalEnds", "severalPlaces" or
+    "otherProperties"; `mark` is the handle of the circle about it."""
+
+    why: str
+    at: Tuple[float, float, float]
+    handle: int
+    segment: int
+    other: "int | None"
+    mark: int
+
+
+@dataclass(frozen=True)
+class Cleaned:
+    """What Drawing.clean() did: `counts` of each step, the `actions`; the `lines` that changed and
+    are left, with their `handles`; the handles of those `removed`; what is `undecided`, with how
+    many marks were added and erased."""
+
+    counts: Dict[str, int]
+    actions: List[CleanAction]
+    lines: NDArray[np.float64]
+    handles: NDArray[Any]
+    removed: NDArray[Any]
+    undecided: List[Undecided]
+    kept_overlaps: int
+    is_settled: bool
+    marks_added: int
+    marks_erased: int
+
+
+def cleaned_of(found: Dict[str, Any]) -> Cleaned:
+    """What the extension module has done."""
+    for name in ("handles", "removed"):
+        found[name] = _arrays.places(found[name])
+    found["actions"] = [CleanAction(*action) for action in found["actions"]]
+    found["undecided"] = [Undecided(*place, mark) for place, mark in
+                          zip(found["undecided"], found.pop("marks"))]
+    return Cleaned(**found)
+
+
+def rooms_of(found: Dict[str, Any]) -> Rooms:
     """What the extension module has found."""
-    widths = found.pop("widths")
-    found["openings"] = rows_to_openings(found["openings"])
-    return Walls(left=widths[:, 0], right=widths[:, 1], **found)
+    return Rooms([Room(**room) for room in found["rooms"]], walls_of(found["walls"]),
+                 found["too_small"], found["walls_left_out"])
 
 
 def find_walls(lines: ArrayLike, mm_per_unit: float = 1.0, arcs: ArrayLike | None = None,
-               symbols: ArrayLike | None = None, **lengths: float) -> Walls:
+               symbols: ArrayLike | None = None, face_arcs: ArrayLike | None = None,
+               boxes: ArrayLike | None = None, **lengths: float) -> Walls:
     """Finds the walls of a plan that draws each as two faces, and the openings in them.
 
     `arcs` are door swings: rows of x and y of the centre, radius, the angle at which they begin and
-    how far they turn, in radians. `symbols` are lines of other layers that may be drawn in an
-    opening. `min_width`, `max_width`, `max_opening`, `reach` (in the units of the coordinates) and
+    how far they turn, in radians; `face_arcs` the same for arcs that may be faces of curved walls.
+    `symbols` are lines of other layers that may be drawn in an opening, `boxes` those of blocks: two
+    corners, and what the block's name says it is as an index into quoin.KINDS. Whatever else a
+    drawing tells (columns, hatches, multilines) Drawing.find_walls() reads. `min_width`, `max_width`, `max_opening`, `reach` (in the units of the coordinates) and
     `min_confidence` may be given; their defaults are those of ``quoin walls``, for a plan of which
     one unit is `mm_per_unit` millimetres.
 
@@ -96,12 +162,14 @@ def find_walls(lines: ArrayLike, mm_per_unit: float = 1.0, arcs: ArrayLike | Non
     >>> walls.lines.tolist(), (walls.left + walls.right).tolist()
     ([[0.0, 100.0, 4000.0, 100.0]], [200.0])
     """
-    turns = np.empty((0, 5)) if arcs is None else _arrays.numbers(arcs, "arcs")
-    if turns.ndim != 2 or turns.shape[1] != 5 or not np.isfinite(turns).all():
-        raise Error("arcs: rows of five finite numbers are wanted: x, y, radius, begin, turn")
+    turn = ("x", "y", "radius", "begin", "turn")
     drawn = np.empty((0, 4)) if symbols is None else symbols
+    known = _arrays.rows(boxes, "boxes", ("x1", "y1", "x2", "y2", "kind"))
+    for i in np.flatnonzero(~np.isin(known[:, 4], range(len(KINDS))))[:1]:
+        raise Error(f"boxes[{i}]: there is no kind {known[i, 4]:g}")
     found = _quoin.find_walls(
-        _arrays.lines(lines), turns, _arrays.lines(drawn, "symbols"),
+        _arrays.lines(lines), _arrays.rows(arcs, "arcs", turn),
+        _arrays.rows(face_arcs, "face_arcs", turn), _arrays.lines(drawn, "symbols"), known,
         _arrays.length(mm_per_unit, "mm_per_unit", excluded=True),
         reading_lengths(lengths))
     return walls_of(found)
@@ -123,25 +191,27 @@ def find_rooms(lines: "ArrayLike | Walls", left: ArrayLike | None = None,
     [18240000.0]
     """
     if isinstance(lines, Walls):
-        if left is not None or right is not None or openings is not None or len(columns):
-            raise Error("left, right, openings, columns: found walls have their own")
-        left, right, openings, columns = lines.left, lines.right, lines.openings, lines.columns
-        lines = lines.lines
-    if left is None or right is None:
-        raise Error("left, right: how wide are the walls?")
-    array = _arrays.lines(lines)
-    rows = openings_to_rows(openings, len(array))
+        if len(columns):
+            raise Error("columns: found walls have their own")
+        columns = lines.columns
+    array, widths, rows = parts_of(lines, left, right, openings)
     outlines = []
     for i, column in enumerate(columns):
         corners = _arrays.points(column, f"columns[{i}]")[:, :2]
         if len(corners) < 3:
             raise Error(f"columns[{i}]: {len(corners)} corners are no outline")
         outlines.append(np.ascontiguousarray(corners))
-    found = _quoin.find_rooms(array, _arrays.widths(left, right, len(array)), rows, outlines,
+    found = _quoin.find_rooms(array, widths, rows, outlines,
                               _arrays.length(capture, "capture", excluded=True),
                               _arrays.length(min_area, "min_area"),
                               _arrays.length(min_width, "min_width"))
     return [Room(**room) for room in found]
+
+
+def checked_duplicates(duplicates: str) -> None:
+    """Fails: Error for what names no way to treat them."""
+    if duplicates not in ("same", "any", "off"):
+        raise Error(f"duplicates: {duplicates!r} is none of 'same', 'any' and 'off'")
 
 
 def clean(lines: ArrayLike, snap: float = 5.0, reach: float = 20.0, spur: float = 20.0,
@@ -161,8 +231,7 @@ def clean(lines: ArrayLike, snap: float = 5.0, reach: float = 20.0, spur: float 
     >>> quoin.clean([[0, 0, 1000, 0], [1003, 0, 1003, 800]])[0].tolist()
     [[0.0, 0.0, 1003.0, 0.0], [1003.0, 0.0, 1003.0, 800.0]]
     """
-    if duplicates not in ("same", "any", "off"):
-        raise Error(f"duplicates: {duplicates!r} is none of 'same', 'any' and 'off'")
+    checked_duplicates(duplicates)
     array = _arrays.lines(lines)
     snap = _arrays.length(snap, "snap")
     # The merge takes ends for touching at the distance at which ends snap.

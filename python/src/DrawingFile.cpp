@@ -19,14 +19,12 @@
 #include "commands/Drawing.h"
 #include "commands/LayerChoice.h"
 #include "commands/OutputFile.h"
-#include "commands/PlanReading.h"
 #include "commands/Polylines.h"
 #include "commands/Progress.h"
 #include "commands/SingleLines.h"
 #include "commands/SpaceChange.h"
 #include "commands/WallChanges.h"
 #include "commands/WallLines.h"
-#include "commands/WallWords.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
 #include "commands/picture/Render.h"
@@ -35,8 +33,7 @@
 #include "embedded/os/Utf8.h"
 #include "python/src/Arrays.h"
 #include "python/src/Bindings.h"
-#include "python/src/Engine.h"
-#include "python/src/FoundWalls.h"
+#include "python/src/Document.h"
 
 namespace quoin::python {
 
@@ -49,67 +46,6 @@ using commands::WallChange;
 using commands::WallLine;
 using Handles = Rows<std::uint64_t>;
 using Segments = Rows<std::int32_t>;
-
-std::vector<std::string> inUtf8(const std::vector<std::wstring>& texts) {
-  std::vector<std::string> converted;
-  converted.reserve(texts.size());
-  for (const std::wstring& text : texts) {
-    converted.push_back(os::toUtf8(text));
-  }
-  return converted;
-}
-
-std::uint64_t parseHandle(const std::string& text) {
-  constexpr int kHexadecimal = 16;
-  return text.empty() ? 0 : std::stoull(text, nullptr, kHexadecimal);
-}
-
-/// A drawing with names for its entities: their handles, and numbers beyond all handles where the
-/// file gives none.
-class Document {
- public:
-  Document(const std::string& file, const std::string& codePage) : drawing(file, codePage) {}
-
-  std::uint64_t nameOf(const AcDbObjectId& id) {
-    const AcDbHandle handle = id.handle();
-    if (!handle.isNull()) {
-      return static_cast<Adesk::UInt64>(handle);
-    }
-    const auto [at, isNew] = m_numberOf.try_emplace(id, kFirstNumber + m_unnamed.size());
-    if (isNew) {
-      m_unnamed.push_back(id);
-    }
-    return at->second;
-  }
-
-  /// Of whatever object has the name; null for none.
-  AcDbObjectId objectWith(std::uint64_t name) {
-    AcDbObjectId id;
-    if (name >= kFirstNumber && name - kFirstNumber < m_unnamed.size()) {
-      return m_unnamed[name - kFirstNumber];
-    }
-    drawing.database().getAcDbObjectId(id, false, AcDbHandle(name));
-    return id;
-  }
-
-  /// Fails: throws CommandError (EntityFailed) for a name that no entity has.
-  AcDbObjectId entityWith(std::uint64_t name) {
-    const AcDbObjectId id = objectWith(name);
-    if (id.isNull() || id.isErased() || hostx::layerName(id).empty()) {
-      throw CommandError(ExitCode::EntityFailed,
-                         fmt::format("{}: it has no entity {:X}", drawing.file().string(), name));
-    }
-    return id;
-  }
-
-  Drawing drawing;
-
- private:
-  static constexpr std::uint64_t kFirstNumber = std::uint64_t{1} << 63;
-
-  std::map<AcDbObjectId, std::uint64_t> m_numberOf;
-  std::vector<AcDbObjectId> m_unnamed;
-};
 
 /// Texts that come again and again, by index.
 class Words {
@@ -147,24 +83,9 @@ struct EntityRows {
   }
 };
 
-/// The layers that patterns name; without any those that look like walls.
-std::set<std::wstring> chooseLayers(Drawing& drawing, const std::vector<std::string>& patterns) {
-  const std::vector<commands::LayerContent> layers = drawing.layers();
-  if (patterns.empty() && std::none_of(layers.begin(), layers.end(), [](const auto& layer) {
-        return commands::looksLikeWalls(layer.name);
-      })) {
-    throw CommandError(ExitCode::NothingToDo,
-                       fmt::format("{}: no layer's name has a word for wall; name layers, or '*' "
-                                   "for all",
-                                   drawing.file().string()));
-  }
-  return commands::chooseLayers(layers, patterns, drawing);
-}
-
 struct LineRows {
   FoundLines lines{true};
-  std::vector<std::uint64_t> handles;
-  std::vector<std::int32_t> segments;
+  Places places;
 };
 
 LineRows linesOf(Document& document, const std::vector<std::string>& patterns) {
@@ -174,8 +95,7 @@ LineRows linesOf(Document& document, const std::vector<std::string>& patterns) {
   rows.lines.reserve(found.lines.size());
   for (const WallLine& line : found.lines) {
     rows.lines.add(line.start, line.end, std::int64_t{0});
-    rows.handles.push_back(document.nameOf(line.entity));
-    rows.segments.push_back(line.segment);
+    rows.places.add(document, line.entity, line.segment);
   }
   return rows;
 }
@@ -397,36 +317,6 @@ PictureBytes paint(Drawing& drawing, const std::string& path, const std::string&
   return made;
 }
 
-/// What quoin.Drawing holds. The document ends on Quoin's thread, when nobody uses it any more.
-class DrawingFile {
- public:
-  DrawingFile(const std::string& file, const std::string& codePage, const py::object& progress) {
-    m_document = onQuoinThread(
-        [file, codePage] {
-          return std::shared_ptr<Document>(new Document(file, codePage), [](Document* document) {
-            postToQuoinThread([document] { delete document; });
-          });
-        },
-        progress);
-  }
-
-  void close() { m_document.reset(); }
-  bool isClosed() const { return !m_document; }
-
-  /// Runs `work` with the document.
-  template <class Work>
-  auto with(Work work, const py::object& progress = py::none()) const {
-    if (!m_document) {
-      throw CommandError(ExitCode::Usage, "the drawing is closed");
-    }
-    return onQuoinThread(
-        [document = m_document, work = std::move(work)] { return work(*document); }, progress);
-  }
-
- private:
-  std::shared_ptr<Document> m_document;
-};
-
 py::dict infoOf(const DrawingFile& file) {
   struct Info {
     hostx::FileInfo file;
@@ -533,32 +423,15 @@ py::tuple save(const DrawingFile& file, const std::string& path, bool keepsBacku
   return py::make_tuple(os::toUtf8(saved.backup), saved.isUnchanged);
 }
 
-/// As `quoin walls` reads the drawing.
-py::dict findWalls(const DrawingFile& file, const std::vector<std::string>& layers,
-                   const Lengths& lengths) {
-  struct Read {
-    plan::FoundWalls found;
-    std::vector<plan::PlanLine> faceLines;
-  };
-  const Read read = file.with([layers, lengths](Document& document) {
-    Drawing& drawing = document.drawing;
-    chooseLayers(drawing, layers);  // for its words where there is none
-    const plan::FindWallsOptions options = findWallsOptions(drawing.millimetersPerUnit(), lengths);
-    commands::ReadPlan plan =
-        commands::readPlan(drawing, commands::chooseFaceLayers(drawing, layers));
-    plan::FoundWalls found = plan::findWalls(plan.drawing, options);
-    return Read{std::move(found), std::move(plan.drawing.lines)};
-  });
-  return dictOf(read.found, read.faceLines);
-}
-
 }  // namespace
 
 void addDrawing(py::module_& module) {
   using Array = Lines::Array;
-  py::class_<DrawingFile>(module, "DrawingFile")
-      .def(py::init<const std::string&, const std::string&, const py::object&>(), py::arg("path"),
-           py::arg("code_page"), py::arg("progress"))
+  py::class_<DrawingFile> drawing(module, "DrawingFile");
+  drawing
+      .def(
+          py::init<const std::string&, const std::string&, const std::string&, const py::object&>(),
+          py::arg("path"), py::arg("code_page"), py::arg("units"), py::arg("progress"))
       .def("close", &DrawingFile::close)
       .def_property_readonly("is_closed", &DrawingFile::isClosed)
       .def("info", &infoOf)
@@ -582,8 +455,7 @@ void addDrawing(py::module_& module) {
              const py::object& progress) {
             LineRows rows = file.with(
                 [layers](Document& document) { return linesOf(document, layers); }, progress);
-            return py::make_tuple(rows.lines.lines(), toArray(std::move(rows.handles)),
-                                  toArray(std::move(rows.segments)));
+            return py::make_tuple(rows.lines.lines(), rows.places.arrays());
           },
           py::arg("layers"), py::arg("progress"))
       .def(
@@ -621,7 +493,6 @@ void addDrawing(py::module_& module) {
             }));
           },
           py::arg("lines"), py::arg("layer"))
-      .def("find_walls", &findWalls, py::arg("layers"), py::arg("lengths"))
       .def("extents", &extentsOf, py::arg("all"))
       .def("transform", &transform, py::arg("factor"), py::arg("x"), py::arg("y"), py::arg("z"),
            py::arg("leave_behind"), py::arg("progress"))
@@ -637,6 +508,7 @@ void addDrawing(py::module_& module) {
           },
           py::arg("path"), py::arg("title"), py::arg("subtitle"), py::arg("highlight"))
       .def("save", &save, py::arg("path"), py::arg("backup"), py::arg("progress"));
+  addDrawingPlans(drawing);
 }
 
 }  // namespace quoin::python

@@ -1,12 +1,14 @@
-// Walls that plan reading has found, on their way to Python.
+// Walls and rooms that plan reading has found, on their way to Python.
 #pragma once
 
 #include <pybind11/pybind11.h>
 
 #include <map>
 #include <string>
+#include <vector>
 
 #include "plan/FindWalls.h"
+#include "plan/Rooms.h"
 
 namespace quoin::python {
 
@@ -19,8 +21,17 @@ using Lengths = std::map<std::string, double>;
 /// Fails: throws CommandError (Usage) for widths between which nothing fits.
 plan::FindWallsOptions findWallsOptions(double millimetersPerUnit, const Lengths& given);
 
-/// lines, widths, confidence, openings, faces, columns, left_over; and face_lines, those that the
-/// indices of faces and left_over mean.
+/// Corners as an array of their own.
+py::array_t<double> cornersOf(const std::vector<AcGePoint2d>& corners);
+py::array_t<std::int64_t> indicesOf(const std::vector<std::size_t>& indices);
+
+/// What all walls have: lines, widths, confidence, openings, opening_lines, columns.
+py::dict dictOf(const plan::WallPlan& plan, const std::vector<plan::PlanOutline>& columns);
+/// The same and faces, curved, found_widths, left_over; face_lines, those that the indices of faces
+/// and left_over mean.
 py::dict dictOf(const plan::FoundWalls& found, const std::vector<plan::PlanLine>& faceLines);
+
+/// Each as a dict.
+py::list roomsOf(const plan::FoundRooms& found);
 
 }  // namespace quoin::python

@@ -30,20 +30,6 @@ AcGePoint2d inPlan(const AcGePoint3d& point) {
   return {point.x, point.y};
 }
 
-/// Corners as an array of their own.
-py::array_t<double> cornersOf(const std::vector<AcGePoint2d>& corners) {
-  std::vector<double> numbers;
-  numbers.reserve(2 * corners.size());
-  for (const AcGePoint2d& corner : corners) {
-    numbers.insert(numbers.end(), {corner.x, corner.y});
-  }
-  return toArray(std::move(numbers), 2);
-}
-
-py::array_t<std::int64_t> indicesOf(const std::vector<std::size_t>& indices) {
-  return toArray(std::vector<std::int64_t>(indices.begin(), indices.end()));
-}
-
 /// (outer, holes)
 py::tuple ringsOf(const plan::Polygon& polygon) {
   py::list holes;
@@ -82,25 +68,72 @@ py::tuple wallsOf(const std::vector<plan::Wall>& walls) {
                         toArray(std::move(confidence)));
 }
 
+/// The two ends of every opening on its wall's line.
+py::array_t<double> openingLinesOf(const plan::WallPlan& plan) {
+  std::vector<double> numbers;
+  numbers.reserve(kLineColumns * plan.openings.size());
+  for (const plan::Opening& opening : plan.openings) {
+    const AcGePoint2d start = plan.startOf(opening);
+    const AcGePoint2d end = plan.endOf(opening);
+    numbers.insert(numbers.end(), {start.x, start.y, end.x, end.y});
+  }
+  return toArray(std::move(numbers), kLineColumns);
+}
+
+/// Tuples of center, radius, start angle, sweep, width and the indices of chords.
+py::list curvesOf(const std::vector<plan::CurvedWall>& curved) {
+  py::list curves;
+  for (const plan::CurvedWall& wall : curved) {
+    curves.append(py::make_tuple(py::make_tuple(wall.arc.center.x, wall.arc.center.y),
+                                 wall.arc.radius, wall.arc.startAngle, wall.arc.sweep, wall.width,
+                                 indicesOf(wall.chords)));
+  }
+  return curves;
+}
+
+/// What may be drawn beside the faces of walls.
+struct Surroundings {
+  Numbers arcs;      // door swings: x, y, radius, begin, turn
+  Numbers faceArcs;  // faces of curved walls, the same
+  Lines symbols;
+  Numbers boxes;  // of blocks: two corners, and the kind of opening that their names tell
+};
+
+std::vector<plan::PlanArc> arcsOf(const Numbers& rows) {
+  std::vector<plan::PlanArc> arcs;
+  arcs.reserve(rows.count());
+  for (std::size_t i = 0; i < rows.count(); ++i) {
+    const double* const arc = rows.row(i);
+    arcs.push_back({{arc[0], arc[1]}, arc[2], arc[3], arc[4]});
+  }
+  return arcs;
+}
+
 struct ReadWalls {
   plan::FoundWalls found;
   std::vector<plan::PlanLine> faceLines;
 };
 
-ReadWalls findWalls(const Lines& lines, const Numbers& arcs, const Lines& symbols,
+ReadWalls findWalls(const Lines& lines, const Surroundings& others,
                     const plan::FindWallsOptions& options) {
   plan::PlanDrawing drawing;
   drawing.lines.reserve(lines.count());
   for (std::size_t i = 0; i < lines.count(); ++i) {
     drawing.lines.push_back({inPlan(lines.start(i)), inPlan(lines.end(i))});
   }
-  for (std::size_t i = 0; i < arcs.count(); ++i) {
-    const double* const arc = arcs.row(i);
-    drawing.arcs.push_back({{arc[0], arc[1]}, arc[2], arc[3], arc[4]});
+  drawing.arcs = arcsOf(others.arcs);
+  drawing.faceArcs = arcsOf(others.faceArcs);
+  // As in a drawing, the faces of curved walls may be swings, too.
+  drawing.arcs.insert(drawing.arcs.end(), drawing.faceArcs.begin(), drawing.faceArcs.end());
+  for (std::size_t i = 0; i < others.symbols.count(); ++i) {
+    drawing.symbols.push_back({{inPlan(others.symbols.start(i)), inPlan(others.symbols.end(i))},
+                               false,
+                               plan::OpeningKind::Opening});
   }
-  for (std::size_t i = 0; i < symbols.count(); ++i) {
+  for (std::size_t i = 0; i < others.boxes.count(); ++i) {
+    const double* const box = others.boxes.row(i);
     drawing.symbols.push_back(
-        {{inPlan(symbols.start(i)), inPlan(symbols.end(i))}, false, plan::OpeningKind::Opening});
+        {{{box[0], box[1]}, {box[2], box[3]}}, true, static_cast<plan::OpeningKind>(box[4])});
   }
   plan::FoundWalls found = plan::findWalls(drawing, options);
   return {std::move(found), std::move(drawing.lines)};
@@ -133,31 +166,6 @@ plan::FoundRooms findRooms(const Lines& lines, const Numbers& widths, const Numb
     polygons.push_back(std::move(polygon));
   }
   return plan::findRooms(walls, polygons, {setCaptureDistance(capture), leastArea, leastWidth});
-}
-
-py::list listOf(const plan::FoundRooms& found) {
-  py::list rooms;
-  for (const plan::Room& room : found.rooms) {
-    py::list ways;
-    for (const plan::RoomWay& way : room.ways) {
-      ways.append(py::make_tuple(
-          way.opening, way.room ? py::object(py::int_(*way.room)) : py::object(py::none())));
-    }
-    const py::tuple rings = ringsOf(room.polygon);
-    const AcGePoint2d label = plan::labelPoint(room.polygon);
-    py::dict row;
-    row["outer"] = rings[0];
-    row["holes"] = rings[1];
-    row["net_area"] = room.netArea;
-    row["gross_area"] = room.grossArea;
-    row["perimeter"] = room.perimeter;
-    row["label_point"] = py::make_tuple(label.x, label.y);
-    row["walls"] = indicesOf(room.walls);
-    row["openings"] = indicesOf(room.openings);
-    row["ways"] = ways;
-    rooms.append(row);
-  }
-  return rooms;
 }
 
 /// Each height by itself, as the command does; lines without length in plan and with ends at
@@ -203,6 +211,19 @@ FoundLines cleanLines(const Lines& lines, const Rows<std::int64_t>& keys, double
 
 }  // namespace
 
+py::array_t<double> cornersOf(const std::vector<AcGePoint2d>& corners) {
+  std::vector<double> numbers;
+  numbers.reserve(2 * corners.size());
+  for (const AcGePoint2d& corner : corners) {
+    numbers.insert(numbers.end(), {corner.x, corner.y});
+  }
+  return toArray(std::move(numbers), 2);
+}
+
+py::array_t<std::int64_t> indicesOf(const std::vector<std::size_t>& indices) {
+  return toArray(std::vector<std::int64_t>(indices.begin(), indices.end()));
+}
+
 plan::FindWallsOptions findWallsOptions(double millimetersPerUnit, const Lengths& given) {
   plan::FindWallsOptions options = plan::FindWallsOptions::inUnitsOf(millimetersPerUnit);
   const auto set = [&](const char* name, double& value) {
@@ -224,53 +245,94 @@ plan::FindWallsOptions findWallsOptions(double millimetersPerUnit, const Lengths
   return options;
 }
 
+py::dict dictOf(const plan::WallPlan& plan, const std::vector<plan::PlanOutline>& columns) {
+  const py::tuple walls = wallsOf(plan.walls);
+  py::list outlines;
+  for (const plan::PlanOutline& column : columns) {
+    outlines.append(cornersOf(column));
+  }
+  py::dict result;
+  result["lines"] = walls[0];
+  result["widths"] = walls[1];
+  result["confidence"] = walls[2];
+  result["openings"] = openingsOf(plan.openings);
+  result["opening_lines"] = openingLinesOf(plan);
+  result["columns"] = outlines;
+  return result;
+}
+
 py::dict dictOf(const plan::FoundWalls& found, const std::vector<plan::PlanLine>& faceLines) {
   py::list faces;
   for (const std::vector<std::size_t>& lines : found.faces) {
     faces.append(indicesOf(lines));
-  }
-  py::list columns;
-  for (const plan::PlanOutline& column : found.columns) {
-    columns.append(cornersOf(column));
   }
   std::vector<double> read;
   read.reserve(kLineColumns * faceLines.size());
   for (const plan::PlanLine& line : faceLines) {
     read.insert(read.end(), {line.start.x, line.start.y, line.end.x, line.end.y});
   }
-  py::dict result;
+  std::vector<double> widths;
+  for (const plan::FoundWalls::Width& width : found.widths) {
+    widths.insert(widths.end(), {width.width, width.length});
+  }
+  py::dict result = dictOf(found.plan, found.columns);
   result["face_lines"] = toArray(std::move(read), kLineColumns);
-  const py::tuple walls = wallsOf(found.plan.walls);
-  result["lines"] = walls[0];
-  result["widths"] = walls[1];
-  result["confidence"] = walls[2];
-  result["openings"] = openingsOf(found.plan.openings);
   result["faces"] = faces;
-  result["columns"] = columns;
   result["left_over"] = indicesOf(found.leftOver);
+  result["curved"] = curvesOf(found.curved);
+  result["found_widths"] = toArray(std::move(widths), 2);
   return result;
+}
+
+py::list roomsOf(const plan::FoundRooms& found) {
+  py::list rooms;
+  for (const plan::Room& room : found.rooms) {
+    py::list ways;
+    for (const plan::RoomWay& way : room.ways) {
+      ways.append(py::make_tuple(
+          way.opening, way.room ? py::object(py::int_(*way.room)) : py::object(py::none())));
+    }
+    const py::tuple rings = ringsOf(room.polygon);
+    const AcGePoint2d label = plan::labelPoint(room.polygon);
+    py::dict row;
+    row["outer"] = rings[0];
+    row["holes"] = rings[1];
+    row["net_area"] = room.netArea;
+    row["gross_area"] = room.grossArea;
+    row["perimeter"] = room.perimeter;
+    row["label_point"] = py::make_tuple(label.x, label.y);
+    row["walls"] = indicesOf(room.walls);
+    row["openings"] = indicesOf(room.openings);
+    row["ways"] = ways;
+    row["is_gross_by_strips"] = room.isGrossByStrips;
+    row["name"] = room.name;
+    row["number"] = room.number;
+    row["stated_area"] = room.statedArea;
+    rooms.append(row);
+  }
+  return rooms;
 }
 
 void addPlanReading(py::module_& module) {
   using Array = Lines::Array;
   module.def(
       "find_walls",
-      [](const Array& lines, const Array& arcs, const Array& symbols, double millimetersPerUnit,
-         const Lengths& lengths) {
+      [](const Array& lines, const Array& arcs, const Array& faceArcs, const Array& symbols,
+         const Array& boxes, double millimetersPerUnit, const Lengths& lengths) {
         const plan::FindWallsOptions options = findWallsOptions(millimetersPerUnit, lengths);
-        const ReadWalls read =
-            onQuoinThread([lines = Lines(lines), arcs = Numbers(arcs), symbols = Lines(symbols),
-                           options] { return findWalls(lines, arcs, symbols, options); });
+        const Surroundings others{Numbers(arcs), Numbers(faceArcs), Lines(symbols), Numbers(boxes)};
+        const ReadWalls read = onQuoinThread(
+            [lines = Lines(lines), others, options] { return findWalls(lines, others, options); });
         return dictOf(read.found, read.faceLines);
       },
-      py::arg("lines"), py::arg("arcs"), py::arg("symbols"), py::arg("mm_per_unit"),
-      py::arg("lengths"));
+      py::arg("lines"), py::arg("arcs"), py::arg("face_arcs"), py::arg("symbols"), py::arg("boxes"),
+      py::arg("mm_per_unit"), py::arg("lengths"));
   module.def(
       "find_rooms",
       [](const Array& lines, const Array& widths, const Array& openings,
          const std::vector<Array>& columns, double capture, double leastArea, double leastWidth) {
         const std::vector<Numbers> outlines(columns.begin(), columns.end());
-        return listOf(
+        return roomsOf(
             onQuoinThread([lines = Lines(lines), widths = Numbers(widths),
                            openings = Numbers(openings), outlines, capture, leastArea, leastWidth] {
               return findRooms(lines, widths, openings, outlines, capture, leastArea, leastWidth);

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "commands/CommandError.h"
+#include "commands/OutlineGaps.h"
 #include "commands/OutlineLines.h"
 #include "commands/WallBodies.h"
 #include "commands/WallCuts.h"
@@ -49,20 +50,8 @@ std::vector<BodyWall> makeWalls(const Lines& lines, const Widths& widths,
 struct Outline {
   FoundLines lines;
   std::vector<std::uint8_t> roles;
+  std::vector<std::int64_t> cut;  // the openings that are left open
 };
-
-Outline outline(const Lines& lines, const Widths& widths, double capture) {
-  const double distance = setCaptureDistance(capture);
-  std::vector<std::size_t> lineOf;
-  const std::vector<BodyWall> walls = makeWalls(lines, widths, lineOf);
-  Outline found{FoundLines(lines.isInSpace()), {}};
-  for (const commands::OutlineLine& line :
-       commands::outlineLines(commands::showWalls(walls, distance))) {
-    found.lines.add(line.seg.ptStart, line.seg.ptEnd, lineOf[line.wall]);
-    found.roles.push_back(static_cast<std::uint8_t>(line.role));
-  }
-  return found;
-}
 
 /// Bodies one after another, each with its own corners. Of a triangle the third and the fourth
 /// corner are one.
@@ -109,6 +98,31 @@ commands::FoundOpenings openingsOf(const Rows<double>& rows,
   return found;
 }
 
+/// Of each line the wall that it is.
+std::vector<std::size_t> wallsOf(const std::vector<std::size_t>& lineOf, std::size_t lines) {
+  std::vector<std::size_t> wallOf(lines, kNoWall);
+  for (std::size_t i = 0; i < lineOf.size(); ++i) {
+    wallOf[lineOf[i]] = i;
+  }
+  return wallOf;
+}
+
+Outline outline(const Lines& lines, const Widths& widths, double capture,
+                const Rows<double>& openings) {
+  const double distance = setCaptureDistance(capture);
+  std::vector<std::size_t> lineOf;
+  const std::vector<BodyWall> walls = makeWalls(lines, widths, lineOf);
+  const std::vector<commands::WallOutline> outlines = commands::showWalls(walls, distance);
+  const commands::OutlineGaps gaps = commands::openOutlines(
+      walls, outlines, openingsOf(openings, wallsOf(lineOf, lines.count())), distance);
+  Outline found{FoundLines(lines.isInSpace()), {}, {gaps.opened.begin(), gaps.opened.end()}};
+  for (const commands::OutlineLine& line : commands::outlineLines(outlines, gaps.outlines)) {
+    found.lines.add(line.seg.ptStart, line.seg.ptEnd, lineOf[line.wall]);
+    found.roles.push_back(static_cast<std::uint8_t>(line.role));
+  }
+  return found;
+}
+
 Mesh solid(const Lines& lines, const Widths& widths, double height, double capture,
            const Rows<double>& openings, const commands::OpeningHeights& heights) {
   const double distance = setCaptureDistance(capture);
@@ -117,14 +131,12 @@ Mesh solid(const Lines& lines, const Widths& widths, double height, double captu
   const std::vector<PrepareFrom2dTo3dData> ends = commands::prepareWalls(walls, distance);
   std::vector<commands::WallPrism> prisms;
   prisms.reserve(walls.size());
-  std::vector<std::size_t> wallOf(lines.count(), kNoWall);
   for (std::size_t i = 0; i < walls.size(); ++i) {
     prisms.push_back(commands::makePrism(walls[i], ends[i], height));
-    wallOf[lineOf[i]] = i;
   }
   Mesh mesh;
-  const commands::WallCuts cuts =
-      commands::cutOpenings(prisms, openingsOf(openings, wallOf), heights, distance);
+  const commands::WallCuts cuts = commands::cutOpenings(
+      prisms, openingsOf(openings, wallsOf(lineOf, lines.count())), heights, distance);
   for (const commands::WallCut& cut : cuts.cuts) {
     mesh.cut.push_back(static_cast<std::int64_t>(cut.opening));
   }
@@ -140,14 +152,19 @@ void addWalls(py::module_& module) {
   using Array = Lines::Array;
   module.def(
       "outline",
-      [](const Array& lines, const Array& widths, double capture, const py::object& progress) {
-        Outline found = onQuoinThread([lines = Lines(lines), widths = Widths(widths),
-                                       capture] { return outline(lines, widths, capture); },
-                                      progress);
+      [](const Array& lines, const Array& widths, double capture, const Array& openings,
+         const py::object& progress) {
+        Outline found = onQuoinThread(
+            [lines = Lines(lines), widths = Widths(widths), capture,
+             openings = Rows<double>(openings)] {
+              return outline(lines, widths, capture, openings);
+            },
+            progress);
         return py::make_tuple(found.lines.lines(), found.lines.source(),
-                              toArray(std::move(found.roles)));
+                              toArray(std::move(found.roles)), toArray(std::move(found.cut)));
       },
-      py::arg("lines"), py::arg("widths"), py::arg("capture"), py::arg("progress"));
+      py::arg("lines"), py::arg("widths"), py::arg("capture"), py::arg("openings"),
+      py::arg("progress"));
   module.def(
       "solid",
       [](const Array& lines, const Array& widths, double height, double capture,

@@ -162,6 +162,48 @@ def test_openings_are_checked():
         quoin.solid([[0, 0, 0, 0]], 100, 100, 2800, openings=opening)
 
 
+def test_what_is_drawn_beside_walls_is_checked():
+    faces = [[0, 0, 4000, 0], [0, 200, 4000, 200]]
+    for name, wrong, words in (
+            ("arcs", [[0, 0, 1, 0]], r"arcs: an array of shape \(n, 5\)"),
+            ("face_arcs", [[0, 0, 1, 0, np.nan]], r"face_arcs\[0\]: turn is nan"),
+            ("symbols", [[0, 0, 1]], "symbols: "), ("boxes", [[0, 0, 1, 1]], "boxes: "),
+            ("boxes", [[0, 0, 1, 1, 2], [0, 0, 1, 1, 1.5]], r"boxes\[1\]: there is no kind 1.5")):
+        with pytest.raises(quoin.Error, match=words):
+            quoin.find_walls(faces, **{name: wrong})
+    with pytest.raises(TypeError, match="no argument 'with_thickness'"):
+        quoin.find_walls(faces, with_thickness=1)
+
+
+def test_a_block_s_box_says_what_an_opening_is():
+    faces = [[x, y, x + 2500, y] for y in (0, 200) for x in (0, 3400)]
+    faces += [[x, 0, x, 200] for x in (0, 2500, 3400, 5900)]
+    for kind in (0, 1, 2):
+        walls = quoin.find_walls(faces, boxes=[[2500, 100, 3400, 1000, kind]])
+        assert walls.openings["kind"].tolist() == [kind]
+    assert walls.opening_lines.tolist() == [[2500.0, 100.0, 3400.0, 100.0]]
+
+
+def test_walls_between_arcs_are_found():
+    arcs = [[0, 0, radius, 0.0, 1.5] for radius in (4900, 5100)]
+    walls = quoin.find_walls([[-9000, 0, -5000, 0], [-9000, 200, -5000, 200]], face_arcs=arcs)
+    [curve] = walls.curved
+    assert (curve.radius, curve.width) == (5000.0, 200.0)
+    assert len(curve.walls) > 3 and curve.walls.max() < len(walls)
+
+
+def test_found_walls_come_with_their_own_widths():
+    walls = quoin.find_walls([[0, 0, 4000, 0], [0, 200, 4000, 200], [0, 0, 0, 200],
+                              [4000, 0, 4000, 200]])
+    assert len(quoin.outline(walls).lines) == 4
+    assert len(quoin.solid(walls, height=2800).faces) > 0
+    for function in (quoin.outline, quoin.solid, quoin.find_rooms):
+        with pytest.raises(quoin.Error, match="found walls have their own"):
+            function(walls, 1, 1)
+        with pytest.raises(quoin.Error, match="how wide are the walls"):
+            function([[0, 0, 1, 0]])
+
+
 def test_an_error_survives_pickling():
     import pickle
     error = pickle.loads(pickle.dumps(quoin.Error("words", 4)))

@@ -44,6 +44,16 @@ def test_it_says_what_it_is():
         assert "office.dxf" in repr(drawing)
 
 
+def test_units_that_the_file_does_not_name_are_given(tmp_path):
+    with quoin.Drawing(FLAT, units="in") as drawing:
+        assert (drawing.units, drawing.mm_per_unit) == ("in", 25.4)
+        assert not drawing.is_modified
+        drawing.save(tmp_path / "same.dxf")
+    assert (tmp_path / "same.dxf").read_bytes() == pathlib.Path(FLAT).read_bytes()
+    with pytest.raises(quoin.Error, match="units: no unit 'cubits' is known; there are .*mm"):
+        quoin.Drawing(FLAT, units="cubits")
+
+
 def test_entities_are_found_by_handle_kind_and_layer():
     with quoin.Drawing(FLAT) as drawing:
         all_of = drawing.entities()

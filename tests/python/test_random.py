@@ -96,6 +96,61 @@ def test_bodies_are_closed(lines):
         assert edges.get((source, b, a), 0) == count
 
 
+def openings_of(data, walls):
+    """Openings of these walls: side by side, over one another, beyond their ends."""
+    places = data.draw(st.lists(st.tuples(st.integers(0, max(0, walls - 1)), NEAR,
+                                          st.integers(1, 40).map(lambda n: n * 25.0),
+                                          st.integers(0, 2)), max_size=8 if walls else 0))
+    return np.array([(wall, start, start + width, kind, np.nan, np.nan)
+                     for wall, start, width, kind in places], dtype=quoin.OPENINGS)
+
+
+@given(st.data(), rows(NEAR, most=20))
+def test_gaps_of_outlines_lie_in_their_openings(data, lines):
+    lines = lines[np.hypot(*(lines[:, 2:] - lines[:, :2]).T) > 0]
+    openings = openings_of(data, len(lines))
+    whole = quoin.outline(lines, 40, 60)
+    outline = quoin.outline(lines, 40, 60, openings=openings)
+    assert len(np.unique(outline.cut)) == len(outline.cut) <= len(openings)
+    jamb = outline.role == quoin.ROLES.index("jamb")
+    assert jamb.sum() <= 2 * len(outline.cut)
+    sides = [(line.tolist(), source, role) for line, source, role in
+             zip(whole.lines, whole.source, whole.role)
+             if role > 1 or source not in openings["wall"][outline.cut]]
+    parted = [(line.tolist(), source, role) for line, source, role in
+              zip(outline.lines[~jamb], outline.source[~jamb], outline.role[~jamb])
+              if role > 1 or source not in openings["wall"][outline.cut]]
+    assert parted == sides
+    assert (np.abs(outline.lines[jamb][:, 2:] - outline.lines[jamb][:, :2]).sum(axis=1) > 0).all()
+
+
+@settings(max_examples=25)
+@given(rows(st.one_of(NEAR, st.floats(-1e9, 1e9)), most=25),
+       st.one_of(st.just(0.0), st.floats(1e-3, 1e4)))
+def test_drawings_of_any_lines_are_read_as_arrays_are(lines, length):
+    lines = lines[(lines[:, :2] != lines[:, 2:]).any(axis=1)]
+    with quoin.Drawing("examples/studio/studio.dxf") as drawing:
+        drawing.erase([entity.handle for entity in drawing.entities()])
+        drawing.append(lines, "WALL")
+        if len(lines) == 0:
+            for call in (drawing.find_walls, drawing.find_rooms, drawing.clean,
+                         lambda: drawing.outline("WALL", 1, 1)):
+                with pytest.raises(quoin.Error):
+                    call()
+            return
+        read, _ = drawing.lines()
+        walls, found = drawing.find_walls(), quoin.find_walls(read)
+        assert np.array_equal(walls.lines, found.lines)
+        assert walls.openings.tobytes() == found.openings.tobytes()
+        rooms, again = drawing.find_rooms(faces=True), quoin.find_rooms(found)
+        assert [room.net_area for room in rooms] == [room.net_area for room in again]
+        outline, same = drawing.outline("WALL", 40, 60), quoin.outline(read, 40, 60)
+        assert all(np.array_equal(a, b) for a, b in zip(outline, same))
+        cleaned, left = drawing.clean(snap=length, reach=length), quoin.clean(read, length, length)
+        assert np.array_equal(drawing.lines("WALL")[0], left[0])
+        assert len(cleaned.removed) == len(read) - len(left[0])
+
+
 @given(rows(ANY), st.floats())
 def test_what_is_no_number_is_refused_and_all_else_done(lines, capture):
     wrong = ~(np.abs(lines) <= 1e150)

@@ -37,7 +37,11 @@ def work(seed):
     pieces, source = quoin.break_lines(town(2000, seed), capture=10 + seed)
     with quoin.Drawing(FLAT) as drawing:
         lines, _ = drawing.lines()
-    return len(pieces), int(source.sum()), len(lines)
+        rooms = drawing.find_rooms()
+        cleaned = drawing.clean(snap=5 + seed)
+    outline = quoin.outline(rooms.walls)
+    return (len(pieces), int(source.sum()), len(lines), len(rooms), sorted(cleaned.counts.items()),
+            outline.lines.sum())
 
 
 def test_threads_take_turns_and_find_the_same():
@@ -112,9 +116,14 @@ print(len(quoin.break_lines(lines[:1000])[0]) > 1000, flush=True)
 """
 
 
+def interruptible(script):
+    """A process that hears of Ctrl-C, though this one may run in the background and not hear it."""
+    return subprocess.Popen([sys.executable, "-c", script], stdout=subprocess.PIPE, text=True,
+                            preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL))
+
+
 def test_ctrl_c_stops_a_calculation_and_leaves_the_package_usable():
-    process = subprocess.Popen([sys.executable, "-c", SCRIPT % 200_000], stdout=subprocess.PIPE,
-                               text=True)
+    process = interruptible(SCRIPT % 200_000)
     assert process.stdout.readline() == "ready\n"
     time.sleep(0.5)
     process.send_signal(signal.SIGINT)
@@ -122,6 +131,42 @@ def test_ctrl_c_stops_a_calculation_and_leaves_the_package_usable():
         words, _ = process.communicate(timeout=60)
     finally:
         process.kill()
+    assert words == "stopped\nTrue\n" and process.returncode == 0
+
+
+READING = """
+import sys, threading, time
+import quoin
+sys.path.insert(0, "tests/python")
+import test_running
+with quoin.Drawing("examples/flat/flat.dxf") as drawing:
+    drawing.append(test_running.faces(%d), "WALL")
+    print("ready", flush=True)
+    try:
+        for _ in range(1000):
+            drawing.find_walls("WALL")
+            drawing.find_rooms("WALL", faces=True)
+            drawing.clean("WALL")
+    except KeyboardInterrupt:
+        print("stopped", flush=True)
+    print(len(drawing.find_walls("A-WALL*")) > 5, flush=True)
+"""
+
+
+def faces(count):
+    """Long walls as pairs of faces."""
+    lines = np.empty((count, 4))
+    lines[:, 0], lines[:, 2] = 0, 40_000
+    lines[:, 1] = lines[:, 3] = (np.arange(count) // 2) * 3000.0 + (np.arange(count) % 2) * 200
+    return lines
+
+
+def test_ctrl_c_stops_the_reading_of_plans_and_leaves_the_drawing_usable():
+    process = interruptible(READING % 30_000)
+    assert process.stdout.readline() == "ready\n"
+    time.sleep(1.0)
+    process.send_signal(signal.SIGINT)
+    words, _ = process.communicate(timeout=60)
     assert words == "stopped\nTrue\n" and process.returncode == 0
 
 
@@ -163,6 +208,25 @@ def test_progress_is_told_and_may_stop_the_work(tmp_path):
     assert len(quoin.outline(lines[:1000], 10, 10, progress=told.append).lines) > 1000
 
 
+def test_reading_and_cleaning_tell_of_progress_and_may_be_stopped():
+    told = []
+
+    def stop(share):
+        raise RuntimeError("enough")
+
+    with quoin.Drawing(FLAT) as drawing:
+        drawing.append(town(20_000), "TOWN")
+        for call in (lambda progress: drawing.clean("TOWN", progress=progress),
+                     lambda progress: drawing.outline("TOWN", 10, 10, progress=progress),
+                     lambda progress: drawing.find_walls("A-WALL*", progress=progress),
+                     lambda progress: drawing.find_rooms("A-WALL*", progress=progress)):
+            told.clear()
+            call(told.append)
+            assert told[-1] == 1.0 and all(0.0 <= share <= 1.0 for share in told)
+            with pytest.raises(RuntimeError, match="enough"):
+                call(stop)
+
+
 def resident():
     gc.collect()
     with open("/proc/self/statm", encoding="ascii") as file:
@@ -173,17 +237,20 @@ def test_ten_thousand_calls_keep_no_memory():
     lines = town(30)
     wrong = lines.copy()
     wrong[3, 3] = np.nan
+    openings = np.array([(i, 1000, 2000, 1, np.nan, np.nan) for i in range(3)],
+                        dtype=quoin.OPENINGS)
 
     def once():
         quoin.break_lines(lines, at=[[1, 1]])
         quoin.merge_lines(lines)
         quoin.draw_line(lines, (0, 0), (1000, 1000))
         quoin.trim_axes(lines)
-        quoin.outline(lines, 10, 10)
-        quoin.solid(lines, 10, 10, 100)
+        quoin.outline(lines, 10, 10, openings=openings)
+        quoin.solid(lines, 10, 10, 100, openings=openings)
         quoin.clean(lines)
-        quoin.find_walls(lines)
-        quoin.find_rooms(lines, 10, 10)
+        quoin.find_walls(lines, arcs=[[0, 0, 900, 0, 1]], face_arcs=[[0, 0, 900, 0, 1]],
+                         symbols=lines, boxes=[[0, 0, 900, 900, 1]])
+        quoin.find_rooms(lines, 10, 10, openings)
         try:
             quoin.break_lines(wrong)
         except quoin.Error:
@@ -210,3 +277,31 @@ def test_drawings_that_come_and_go_keep_no_memory():
     for _ in range(40):
         once()
     assert resident() - before < 8 << 20
+
+
+def test_plans_read_ten_thousand_times_keep_no_memory(tmp_path):
+    """One drawing stays open; each round is five calls that read it and two that are refused."""
+    plan = tmp_path / "plan.dxf"
+    with quoin.Drawing(FLAT) as drawing:
+        drawing.erase([entity.handle for entity in drawing.entities()])
+        drawing.append([[0, 0, 4000, 0], [0, 200, 4000, 200], [0, 0, 0, 200], [4000, 0, 4000, 200],
+                        [0, 200, 0, 3000], [1000, 200, 1000, 2000]], "WALL")
+        drawing.append([[500, 100, 1500, 100]], "QUOIN-OPENING")
+        drawing.save(plan)
+    with quoin.Drawing(plan) as drawing:
+        def once():
+            assert len(drawing.find_walls()) == 1
+            drawing.find_rooms("WALL", left=50, right=50)
+            drawing.read_walls("WALL", widths={"WALL": 100})
+            drawing.outline("WALL", 50, 50)
+            drawing.clean()
+            for refused in (lambda: drawing.read_walls("WALL"), lambda: drawing.clean("NOTHING")):
+                with pytest.raises(quoin.Error):
+                    refused()
+
+        for _ in range(100):
+            once()
+        before = resident()
+        for _ in range(1450):
+            once()
+        assert resident() - before < 4 << 20
