@@ -2,6 +2,9 @@
 // shapes arguments, so the functions here take them as they are.
 #include <pybind11/pybind11.h>
 
+#include <exception>
+#include <utility>
+
 #include "commands/CommandError.h"
 #include "plan/Geos.h"
 #include "python/src/Bindings.h"
@@ -21,7 +24,7 @@ void setError(const char* words, commands::ExitCode code) {
 void translate(std::exception_ptr failure) {
   try {
     if (failure) {
-      std::rethrow_exception(failure);
+      std::rethrow_exception(std::move(failure));
     }
   } catch (const commands::CommandError& error) {
     setError(error.what(), error.code);
