@@ -116,27 +116,27 @@ print(len(quoin.break_lines(lines[:1000])[0]) > 1000, flush=True)
 """
 
 
-def interruptible(script):
-    """A process that hears of Ctrl-C, though this one may run in the background and not hear it."""
-    return subprocess.Popen([sys.executable, "-c", script], stdout=subprocess.PIPE, text=True,
-                            preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL))
-
-
-def test_ctrl_c_stops_a_calculation_and_leaves_the_package_usable():
-    process = interruptible(SCRIPT % 200_000)
+def interrupted(script):
+    """What it prints and returns that gets Ctrl-C a second after it is ready."""
+    process = subprocess.Popen([sys.executable, "-c", script], stdout=subprocess.PIPE, text=True)
     assert process.stdout.readline() == "ready\n"
-    time.sleep(0.5)
+    time.sleep(1.0)
     process.send_signal(signal.SIGINT)
     try:
         words, _ = process.communicate(timeout=60)
     finally:
         process.kill()
-    assert words == "stopped\nTrue\n" and process.returncode == 0
+    return words, process.returncode
+
+
+def test_ctrl_c_stops_a_calculation_and_leaves_the_package_usable():
+    assert interrupted(SCRIPT % 200_000) == ("stopped\nTrue\n", 0)
 
 
 READING = """
-import sys, threading, time
+import signal, sys
 import quoin
+signal.signal(signal.SIGINT, signal.default_int_handler)  # jobs in the background ignore it
 sys.path.insert(0, "tests/python")
 import test_running
 with quoin.Drawing("examples/flat/flat.dxf") as drawing:
@@ -162,12 +162,7 @@ def faces(count):
 
 
 def test_ctrl_c_stops_the_reading_of_plans_and_leaves_the_drawing_usable():
-    process = interruptible(READING % 30_000)
-    assert process.stdout.readline() == "ready\n"
-    time.sleep(1.0)
-    process.send_signal(signal.SIGINT)
-    words, _ = process.communicate(timeout=60)
-    assert words == "stopped\nTrue\n" and process.returncode == 0
+    assert interrupted(READING % 30_000) == ("stopped\nTrue\n", 0)
 
 
 def test_a_process_may_end_with_drawings_open():
