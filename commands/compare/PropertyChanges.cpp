@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "commands/Words.h"
+#include "commands/compare/SpelledAlike.h"
 
 namespace quoin::commands {
 
@@ -54,6 +55,11 @@ constexpr NameRow kNames[] = {
     {"MTEXT", 11, "rotation"},
     {"MTEXT", 71, "alignment"},
     {"MTEXT", 7, "text style"},
+    {"MTEXT", 45, "background"},
+    {"MTEXT", 63, "background"},
+    {"MTEXT", 90, "background"},
+    {"MTEXT", 421, "background"},
+    {"MTEXT", 441, "background"},
     {"ATTDEF", 1, "text"},
     {"ATTDEF", 7, "text style"},
     {"INSERT", 2, "block"},
@@ -72,7 +78,11 @@ constexpr NameRow kNames[] = {
     {"POLYLINE", 10, "elevation"},
     {"SPLINE", 10, "control points"},
     {"SPLINE", 11, "fit points"},
+    {"SPLINE", 12, "tangents"},
+    {"SPLINE", 13, "tangents"},
     {"SPLINE", 40, "knots"},
+    {"SPLINE", 41, "weights"},
+    {"SPLINE", 70, "closed"},
     {"HATCH", 2, "pattern"},
     {"HATCH", 10, "boundary"},
     {"HATCH", 11, "boundary"},
@@ -379,7 +389,13 @@ bool hasGeometry(const std::vector<PropertyChange>& changes) {
 
 }  // namespace
 
-EntityChange changeOf(const SaidRecord& before, const SaidRecord& after, const Nearness& nearness) {
+EntityChange changeOf(const SaidRecord& old, const SaidRecord& now, const Nearness& nearness) {
+  std::optional<SpelledAlike> alike;
+  if (SpelledAlike::isNeeded(old, now)) {
+    alike.emplace(old, now, nearness);
+  }
+  const SaidRecord& before = alike ? alike->before : old;
+  const SaidRecord& after = alike ? alike->after : now;
   EntityChange change;
   change.properties = Comparer(before, after, nearness, {}).run();
   const Said* const from = anchorOf(before);

@@ -84,8 +84,21 @@ bool isNoise(std::string_view kind, int code, int markers) {
     case 90:
     case 91:  // counts and identifiers of vertices
       return kind == "LWPOLYLINE" || kind == "VERTEX";
-    case 42:  // as measured
-      return kind == "DIMENSION" || kind == "MTEXT" || kind == "STYLE";
+    case 42:  // as measured, and how exactly
+      return kind == "DIMENSION" || kind == "MTEXT" || kind == "STYLE" || kind == "SPLINE";
+    case 40:
+    case 41:  // how large a leader's text is, which says so itself
+      return kind == "LEADER";
+    case 72:
+    case 73:
+    case 74:  // counts of what follows
+      return kind == "SPLINE";
+    case 76:
+      return kind == "LEADER";
+    case 210:
+    case 220:
+    case 230:  // the plane that its points happen to lie in
+      return kind == "SPLINE";
     case 43:
       return kind == "MTEXT" || kind == "SPLINE";
     case 44:
@@ -172,6 +185,53 @@ bool isTableKind(std::string_view kind) {
 /// Flags of table records that say something of them; the others are about external references
 /// and use.
 constexpr int kOwnFlags = 15;
+/// A spline's that its points do not say: closed, periodic.
+constexpr int kSplineFlags = 3;
+
+int flagsOf(std::string_view kind, int flags) {
+  return isTableKind(kind) ? flags & kOwnFlags : kind == "SPLINE" ? flags & kSplineFlags : flags;
+}
+
+/// Extended data in which programs keep what a file of an older version has no place for.
+class RoundTripData {
+ public:
+  explicit RoundTripData(std::vector<Said>& said) : m_said(said) {}
+  ~RoundTripData() { finish(); }
+  RoundTripData(const RoundTripData&) = delete;
+  RoundTripData& operator=(const RoundTripData&) = delete;
+
+  /// Asked for each tag of extended data before it is added.
+  bool isAmong(int code, std::string_view value) {
+    constexpr int kApplication = 1001;
+    constexpr int kText = 1000;
+    if (code == kApplication) {
+      finish();
+      m_isCommon = value == "ACAD";
+      m_isAmong = value == "ACAD_SPLINE_DATA";
+      m_sizeWithName = m_said.size() + 1;
+    } else if (code == kText && m_isCommon) {
+      const bool isOther = value == "DSTYLE" || value == "MTEXTBEGIN" || value.starts_with("ACAD_");
+      m_isAmong = value.starts_with("RT") || (m_isAmong && !isOther);
+      m_hasAny = m_hasAny || m_isAmong;
+    }
+    return m_isAmong;
+  }
+
+ private:
+  /// The application's name is of no use without its data.
+  void finish() {
+    if (m_hasAny && m_said.size() == m_sizeWithName) {
+      m_said.pop_back();
+    }
+    m_hasAny = false;
+  }
+
+  std::vector<Said>& m_said;
+  std::size_t m_sizeWithName = 0;
+  bool m_isCommon = false;  // the application that all programs share
+  bool m_isAmong = false;
+  bool m_hasAny = false;
+};
 
 /// A layer's states as one each: a colour below 0 is off, flags have the rest.
 void readLayerState(Said said, std::vector<Said>& all) {
@@ -232,6 +292,16 @@ void joinColors(std::vector<Said>& said) {
       said.begin(), said.end(), [](const Said& one) { return one.code == 420 && one.part == 0; });
   if (hasTrueColor) {
     std::erase_if(said, [](const Said& one) { return one.code == 62 && one.part == 0; });
+  }
+}
+
+/// The same for what is behind a paragraph.
+void joinBackground(std::vector<Said>& said) {
+  constexpr int kIndex = 63;
+  constexpr int kTrueColor = 421;
+  if (std::any_of(said.begin(), said.end(),
+                  [](const Said& one) { return one.code == kTrueColor; })) {
+    std::erase_if(said, [](const Said& one) { return one.code == kIndex; });
   }
 }
 
@@ -372,12 +442,14 @@ void RecordReader::read(const AcDbStub& stub, SaidRecord& record) {
   record.said.clear();
   record.normal = AcGeVector3d::kZAxis;
   record.isInPlane = isInPlaneKind(record.kind);
+  record.isFromDwg = m_store.source() != nullptr;
   std::vector<std::string_view> kinds{record.kind};
   readTags(stub, 0, record);
   if (record.kind == "LWPOLYLINE") {
     gatherVertices(record.said);
   } else if (record.kind == "MTEXT") {
     joinText(record.said);
+    joinBackground(record.said);
   } else if (record.kind == "TEXT" || record.kind == "ATTDEF") {
     dropUnusedAlignment(record.said, 0, record.kind == "ATTDEF");
   }
@@ -413,8 +485,10 @@ void RecordReader::readTags(const AcDbStub& stub, std::uint32_t part, SaidRecord
   HatchPlace hatch;
   bool isGroup = false;
   bool isEmbedded = false;
+  bool hasFlags = false;
   int markers = 0;
   try {
+    RoundTripData roundTrip(record.said);
     dxf::TagCursor cursor(stub.bytes(), format);
     for (TagView tag; cursor.next(tag);) {
       int code = tag.code;
@@ -425,7 +499,8 @@ void RecordReader::readTags(const AcDbStub& stub, std::uint32_t part, SaidRecord
       markers += code == kMarker ? 1 : 0;
       isEmbedded = isEmbedded || code == kEmbedded;
       if (isGroup || code == kEmbedded || isNoise(kind, code, markers) ||
-          (code == kOwner && markers == 0)) {
+          (code == kOwner && markers == 0) ||
+          (code >= kFirstXData && roundTrip.isAmong(code, dxf::trimmedValue(tag)))) {
         continue;
       }
       const TagType type = dxf::tagType(code);
@@ -485,8 +560,9 @@ void RecordReader::readTags(const AcDbStub& stub, std::uint32_t part, SaidRecord
       if (kind == "LAYER" && (code == 62 || code == 70)) {
         readLayerState(std::move(said), record.said);
       } else {
-        if (code == 70 && isTableKind(kind)) {
-          said.x = static_cast<double>(static_cast<int>(said.x) & kOwnFlags);
+        if (code == 70 && !hasFlags) {
+          hasFlags = true;  // a dimension style has a colour of this code, too
+          said.x = static_cast<double>(flagsOf(kind, static_cast<int>(said.x)));
         }
         record.said.push_back(std::move(said));
       }

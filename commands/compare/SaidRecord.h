@@ -38,6 +38,7 @@ struct SaidRecord {
   AcGeVector3d normal = AcGeVector3d::kZAxis;
   /// Points are those of the plane of `normal`.
   bool isInPlane = false;
+  bool isFromDwg = false;
 };
 
 /// Codes beyond those of files: a vertex's widths and bulge, a layer's states, and what an embedded

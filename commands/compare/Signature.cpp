@@ -110,6 +110,12 @@ bool isGeometry(const SaidRecord& record, const Said& said) {
     return code == kVertexCode;
   }
   switch (code) {
+    case 45:
+    case 63:
+    case 90:
+    case 421:
+    case 441:
+      return record.kind != "MTEXT";  // what is behind it
     case 48:
     case 60:
     case 62:

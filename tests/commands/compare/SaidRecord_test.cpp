@@ -127,4 +127,83 @@ TEST(SaidRecord, BytesThatAreNoTagsDoNoHarm) {
   EXPECT_NE(differences("0 LINE 8 0 10 abc 20 0 11 1 21 1", "0 LINE 8 0 10 5 20 0 11 1 21 1"), "");
 }
 
+TEST(SaidRecord, ASplineIsTheSameByFitPointsAndByControlPoints) {
+  const std::string head = "0 SPLINE 8 0 71 3 ";
+  const std::string fitted =
+      head + "70 0 74 3 44 1e-10 12 6 22 18 13 6 23 -18 11 0 21 0 11 3 21 1.5 11 6 21 0";
+  const std::string knots = "40 0 40 0 40 0 40 0 40 0.5 40 1 40 1 40 1 40 1 ";
+  const std::string curve = head + "210 0 220 0 230 1 70 1160 72 9 73 5 74 0 42 1e-9 43 1e-10 " +
+                            knots + "10 0 20 0 10 1 20 3 10 3 20 0 10 5 20 3 10 6 20 0";
+  EXPECT_EQ(differences(fitted, curve), "");
+  EXPECT_EQ(differences(curve, fitted), "");
+  EXPECT_EQ(differences(fitted, curve + " 11 0 21 0 11 3 21 1.5 11 6 21 0"), "");
+  // Another middle, tangent, knot, degree, layer or fit point is another spline.
+  const auto with = [&](const std::string& from, const std::string& to) {
+    std::string other = curve;
+    other.replace(other.find(from), from.size(), to);
+    return differences(fitted, other);
+  };
+  for (const auto& [from, to] :
+       {std::pair("10 3 20 0", "10 3 20 0.001"), std::pair("10 1 20 3", "10 1.001 20 3"),
+        std::pair("40 0.5", "40 0.4"), std::pair("71 3", "71 2"),
+        std::pair("70 1160", "70 1161")}) {
+    EXPECT_NE(with(from, to), "") << to;
+  }
+  EXPECT_EQ(with("8 0 ", "8 WALL "), "layer 0 -> WALL");
+  EXPECT_NE(differences(fitted, curve + " 11 0 21 0 11 3 21 1.6 11 6 21 0"), "");
+}
+
+TEST(SaidRecord, PlaneAndToleranceOfASplineFollowFromItsPoints) {
+  const std::string head = "0 SPLINE 8 0 71 3 ";
+  const std::string points =
+      "40 0 40 0 40 0 40 0 40 1 40 1 40 1 40 1 10 0 20 0 10 1 20 3 10 3 20 0 "
+      "10 5 20 ";
+  EXPECT_EQ(differences(head + "70 0 42 1e-7 " + points + "3",
+                        head + "210 0 220 0 230 1 70 8 72 8 73 4 74 0 42 1e-9 " + points + "3"),
+            "");
+  EXPECT_EQ(differences(head + "70 8 " + points + "3", head + "70 9 " + points + "3"),
+            "closed 0 -> 1");
+  EXPECT_EQ(differences(head + points + "3", head + points + "4"),
+            "control points 4: 5,3 -> 4: 5,4");
+}
+
+TEST(SaidRecord, ALeaderIsTheSameWithoutTheHookThatDwgLeavesOut) {
+  const auto change = [](const std::string& dwg, const std::string& dxf) {
+    SaidRecord before = said("0 LEADER 8 0 75 1 " + dwg);
+    before.isFromDwg = true;
+    return changeOf(before, said("0 LEADER 8 0 75 1 40 1.8 41 16 " + dxf), Nearness());
+  };
+  const std::string bare = "76 3 10 0 20 0 10 5 20 9 10 9 20 9";
+  EXPECT_TRUE(change(bare, "76 4 10 0 20 0 10 5 20 9 10 7 20 9 10 9 20 9").isNone());
+  // A vertex that is no hook, another vertex, and two hooks.
+  EXPECT_FALSE(change(bare, "76 4 10 0 20 0 10 5 20 9 10 7 20 8 10 9 20 9").isNone());
+  EXPECT_FALSE(change(bare, "76 4 10 0 20 0 10 5 20 8 10 7 20 9 10 9 20 9").isNone());
+  EXPECT_FALSE(change(bare, "76 5 10 0 20 0 10 5 20 9 10 6 20 9 10 7 20 9 10 9 20 9").isNone());
+  // Two DXF files both have it.
+  EXPECT_NE(differences("0 LEADER 8 0 75 1 " + bare,
+                        "0 LEADER 8 0 75 1 76 4 10 0 20 0 10 5 20 9 10 7 20 9 10 9 20 9"),
+            "");
+}
+
+TEST(SaidRecord, DataForNewerVersionsIsNone) {
+  const std::string line = "0 LINE 8 WALL 10 0 20 0 11 5 21 0";
+  EXPECT_EQ(differences(line, line + " 1001 ACAD 1000 RTTcAl 1070 3 1000 $$NoName$$"), "");
+  EXPECT_EQ(differences(line, line + " 1001 ACAD 1000 RTMaterial 1005 0 1001 MINE 1070 1"),
+            "extended data  -> ");
+  EXPECT_EQ(differences(line + " 1001 ACAD 1000 DSTYLE 1070 1",
+                        line + " 1001 ACAD 1000 RTTcAl 1070 3 1000 x 1000 DSTYLE 1070 1"),
+            "");
+  EXPECT_EQ(differences(line + " 1001 ACAD 1000 DSTYLE 1070 1",
+                        line + " 1001 ACAD 1000 RTTcAl 1070 3 1000 x 1000 DSTYLE 1070 2"),
+            "extended data  -> ");
+  // An application that says nothing but its name is no such data.
+  EXPECT_EQ(differences(line, line + " 1001 MINE"), "extended data  -> ");
+}
+
+TEST(SaidRecord, TheIndexBesideATrueColorIsNoDifference) {
+  const std::string text = "0 MTEXT 8 0 10 0 20 0 40 1 1 A 90 1 63 ";
+  EXPECT_EQ(differences(text + "95 421 3568962", text + "97 421 3568962"), "");
+  EXPECT_EQ(differences(text + "95", text + "97"), "background 95 -> 97");
+}
+
 }  // namespace
