@@ -46,6 +46,17 @@ std::string spaceText(const ComparedSpace& space) {
   return "block " + space.name;
 }
 
+/// A block that differs stands in the plan as often as references show it.
+std::string placesText(const ComparedSpace& space, const PlaceCounts& places) {
+  if (!space.isChangedBlock()) {
+    return "";
+  }
+  const double count = places.at(space.after);
+  return count == 0.0   ? ", not in model space"
+         : count == 1.0 ? ", at 1 place of model space"
+                        : ", at " + numberText(count) + " places of model space";
+}
+
 std::string vectorText(const AcGeVector3d& vector) {
   return numberText(vector.x) + "," + numberText(vector.y) +
          (vector.z == 0.0 ? "" : "," + numberText(vector.z));
@@ -140,16 +151,21 @@ nlohmann::json entitiesJson(const DrawingPair& pair, const std::vector<ComparedE
   return list;
 }
 
-nlohmann::json spaceJson(const DrawingPair& pair, const ComparedSpace& space) {
+nlohmann::json spaceJson(const DrawingPair& pair, const ComparedSpace& space,
+                         const PlaceCounts& places) {
   const char* const kinds[] = {"model", "layout", "block"};
-  return {{"space", kinds[static_cast<int>(space.kind)]},
-          {"name", space.name},
-          {"counts", countsJson(space.counts())},
-          {"renumbered", space.isRenumbered},
-          {"added", entitiesJson(pair, space.added)},
-          {"removed", entitiesJson(pair, space.removed)},
-          {"moved", entitiesJson(pair, space.moved)},
-          {"changed", entitiesJson(pair, space.changed)}};
+  nlohmann::json json = {{"space", kinds[static_cast<int>(space.kind)]},
+                         {"name", space.name},
+                         {"counts", countsJson(space.counts())},
+                         {"renumbered", space.isRenumbered},
+                         {"added", entitiesJson(pair, space.added)},
+                         {"removed", entitiesJson(pair, space.removed)},
+                         {"moved", entitiesJson(pair, space.moved)},
+                         {"changed", entitiesJson(pair, space.changed)}};
+  if (space.isChangedBlock()) {
+    json["places"] = places.at(space.after);
+  }
+  return json;
 }
 
 nlohmann::json tableJson(const ComparedTable& table) {
@@ -274,10 +290,11 @@ class CompareCommand : public Command {
     checkLayers(difference);
     warnOfUnits(pair, report);
     warnOfUnread(difference, report);
+    const PlaceCounts places = placesOfChangedBlocks(after, difference);
     if (report.isJson()) {
-      addJson(pair, difference, report.json);
+      addJson(pair, difference, places, report.json);
     } else {
-      tell(pair, difference, report);
+      tell(pair, difference, places, report);
     }
     if (!m_picture.empty()) {
       DrawingJob job;
@@ -365,14 +382,15 @@ class CompareCommand : public Command {
     }
   }
 
-  void tell(const DrawingPair& pair, const DrawingDifference& difference, Report& report) const {
+  void tell(const DrawingPair& pair, const DrawingDifference& difference, const PlaceCounts& places,
+            Report& report) const {
     report.line("{} -> {}", pair.before.file().string(), pair.after.file().string());
     for (const ComparedSpace& space : difference.spaces) {
       const ChangeCounts counts = space.counts();
       if (counts.isSame() && space.kind != ComparedSpace::Kind::Model) {
         continue;
       }
-      report.line("{}: {}", spaceText(space), countsText(counts));
+      report.line("{}{}: {}", spaceText(space), placesText(space, places), countsText(counts));
       if (space.isRenumbered && !counts.isSame()) {
         report.line("  handles are others than before: paired by geometry");
       }
@@ -433,10 +451,10 @@ class CompareCommand : public Command {
   }
 
   static void addJson(const DrawingPair& pair, const DrawingDifference& difference,
-                      nlohmann::json& report) {
+                      const PlaceCounts& places, nlohmann::json& report) {
     nlohmann::json spaces = nlohmann::json::array();
     for (const ComparedSpace& space : difference.spaces) {
-      spaces.push_back(spaceJson(pair, space));
+      spaces.push_back(spaceJson(pair, space, places));
     }
     nlohmann::json tables = nlohmann::json::array();
     for (const ComparedTable& table : difference.tables) {

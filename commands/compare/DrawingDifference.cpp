@@ -536,6 +536,10 @@ ChangeCounts ComparedSpace::counts() const {
   return sum;
 }
 
+bool ComparedSpace::isChangedBlock() const {
+  return kind == Kind::Block && (isShifted || !counts().isSame());
+}
+
 bool DrawingDifference::isSame() const {
   return counts().isSame() && settings.empty() &&
          std::all_of(tables.begin(), tables.end(),
@@ -590,6 +594,8 @@ DrawingDifference differenceOf(Drawing& before, Drawing& after, const CompareRul
     ComparedSpace& space = difference.spaces.emplace_back();
     space.kind = block.kind;
     space.name = other->second.name;
+    space.before = block.block->record;
+    space.after = other->second.block->record;
     comparer.compare(block.block->entities, other->second.block->entities, space);
     if (block.kind == ComparedSpace::Kind::Block && block.block->begin &&
         other->second.block->begin) {
@@ -602,6 +608,8 @@ DrawingDifference differenceOf(Drawing& before, Drawing& after, const CompareRul
       if (change.move) {
         change.properties.push_back({"base point", "", "", true});
       }
+      space.isShifted = std::any_of(change.properties.begin(), change.properties.end(),
+                                    [](const PropertyChange& one) { return one.isGeometry; });
       if (!change.properties.empty()) {
         blocks.changed.push_back({space.name, std::move(change.properties)});
       }

@@ -46,14 +46,20 @@ struct ComparedSpace {
   enum class Kind { Model, Layout, Block };
   Kind kind = Kind::Model;
   std::string name;  // "" for model space
+  AcDbObjectId before;
+  AcDbObjectId after;
   std::vector<ComparedEntity> added;
   std::vector<ComparedEntity> removed;
   std::vector<ComparedEntity> moved;
   std::vector<ComparedEntity> changed;
   std::map<std::string, ChangeCounts> layers;  // by name as the drawing spells it
   bool isRenumbered = false;
+  /// It stands elsewhere wherever it is shown, since its base point is another.
+  bool isShifted = false;
 
   ChangeCounts counts() const;
+  /// Whether it is a block that shows something else than it did.
+  bool isChangedBlock() const;
 };
 
 struct ComparedRecord {

@@ -7,6 +7,7 @@ The environment is that of quoin_cli_test.py, whose helpers it uses.
 
 import json
 import random
+import re
 import time
 import unittest
 
@@ -255,6 +256,90 @@ class CompareTest(CompareCase):
             self.assertEqual(result.returncode, 1, result.stderr)
             self.assertGreater(picture.stat().st_size, 500)
             self.assertIn(f"picture: {picture}", result.stdout.decode())
+
+    def marks(self, *options):
+        """How often the picture has what was, what is, and a frame around a block."""
+        picture = self.path("p.svg")
+        result = cli.quoin("compare", self.path("old.dxf"), self.path("new.dxf"), "--picture",
+                           picture, *options)
+        self.assertEqual(result.returncode, 1, result.stderr)
+        strokes = re.findall(r'stroke="(#[0-9a-f]{6})" stroke-width="([0-9.]+)"[^>]* d="([^"]*)"',
+                             picture.read_text())
+        count = lambda color, width: sum(d.count("M") for c, w, d in strokes
+                                         if (c, w) == (color, width))
+        # The legend has a line for what was, too; the others are wider there.
+        return (count("#cc0d33", "3.6") - 1, count("#1a8c59", "1.6"), count("#e0750d", "1.2"),
+                picture.read_text())
+
+    def test_a_block_that_differs_is_marked_wherever_it_shows(self):
+        def edit(document):
+            door = document.blocks.get("DOOR-90")
+            door.delete_entity(door.query("ARC")[0])
+            door.add_lwpolyline([(0, 90), (64, 64), (90, 0)])
+        def plan():
+            space = self.plan()
+            room = self.documents["old.dxf"].blocks.new("ROOM")
+            room.add_blockref("DOOR-90", (10, 10), dxfattribs={"xscale": -1, "rotation": 30})
+            space.add_blockref("ROOM", (900, 0), dxfattribs={
+                "column_count": 3, "column_spacing": 300, "row_count": 2, "row_spacing": 300})
+            self.documents["old.dxf"].blocks.new("UNUSED").add_line((0, 0), (1, 0))
+        plan()
+        old = self.save("old.dxf")
+        document, _ = cli.read(old)
+        edit(document)
+        document.saveas(self.path("new.dxf"))
+        drawing = self.compare(old, self.path("new.dxf"))
+        block = next(one for one in drawing["spaces"] if one["name"] == "DOOR-90")
+        self.assertEqual(block["places"], 7)
+        self.assertEqual([one["before"]["kind"] for one in block["removed"]], ["ARC"])
+        self.assertEqual([one["after"]["kind"] for one in block["added"]], ["LWPOLYLINE"])
+        self.assertEqual([one["name"] for one in drawing["spaces"] if "places" in one], ["DOOR-90"])
+        self.assertEqual(self.marks()[:3], (7, 7, 7))
+        text = cli.quoin("compare", old, self.path("new.dxf")).stdout.decode()
+        self.assertIn("block DOOR-90, at 7 places of model space: 1 added, 1 removed", text)
+
+    def test_a_reference_that_is_new_itself_is_marked_as_a_whole(self):
+        def edit(document, space):
+            document.blocks.get("DOOR-90").add_circle((0, 0), 5)
+            space.query("INSERT")[0].dxf.layer = "WALL"
+        self.edited(edit)
+        # Line and arc as they were; line, arc and circle as they are.
+        old, new, frames, picture = self.marks()
+        self.assertEqual((old, new, frames), (2, 3, 0))
+        self.assertNotIn("differ inside", picture)
+
+    def test_blocks_with_another_base_point_and_blocks_that_show_nowhere(self):
+        def edit(document, _):
+            document.blocks.get("DOOR-90").block.dxf.base_point = (45, 0, 0)
+            document.layout("Layout1").add_line((0, 0), (5, 5))
+            document.blocks.get("UNUSED").add_circle((0, 0), 5)
+        self.plan()
+        self.documents["old.dxf"].blocks.new("UNUSED").add_line((0, 0), (1, 0))
+        old = self.save("old.dxf")
+        document, _ = cli.read(old)
+        edit(document, None)
+        document.saveas(self.path("new.dxf"))
+        drawing = self.compare(old, self.path("new.dxf"))
+        self.assertEqual({one["name"]: one["places"] for one in drawing["spaces"]
+                          if "places" in one}, {"DOOR-90": 1, "UNUSED": 0})
+        old, new, frames, picture = self.marks()
+        self.assertEqual((old, new, frames), (2, 2, 1))
+        self.assertIn("layouts that differ, too: Layout1", picture)
+        self.assertIn("model space does not show: 1", picture)
+
+    def test_more_places_than_anybody_can_look_at(self):
+        def edit(document, space):
+            document.blocks.get("DOOR-90").add_circle((0, 0), 5)
+        self.plan()
+        self.documents["old.dxf"].modelspace().add_blockref("DOOR-90", (900, 0), dxfattribs={
+            "column_count": 30000, "column_spacing": 9, "row_count": 30000, "row_spacing": 9})
+        old = self.save("old.dxf")
+        document, _ = cli.read(old)
+        edit(document, None)
+        document.saveas(self.path("new.dxf"))
+        drawing = self.compare(old, self.path("new.dxf"))
+        self.assertEqual(max(one.get("places", 0) for one in drawing["spaces"]), 900000001)
+        self.assertIn("the first 20000 are marked", self.marks()[3])
 
     def test_empty_drawings(self):
         self.draw("a.dxf")
