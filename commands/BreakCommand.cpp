@@ -106,7 +106,7 @@ class BreakCommand : public DrawingCommand {
     }
     // The picture's background is what the drawing was.
     Picture picture = !job.hasPicture() ? Picture() : paint(drawing, result);
-    if (!job.isDryRun) {
+    if (!job.isDryRun || job.isBeforeAfter) {
       applyWallChanges(drawing, result.changes);
     }
     job.save(drawing);

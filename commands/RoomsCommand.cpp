@@ -84,8 +84,11 @@ class RoomsCommand : public DrawingCommand {
       picture = roomsPicture(drawing, plan, source.capture.distance, summaryOf(drawing, plan));
     }
     std::vector<RoomEntities> entities;
-    if (!job.isDryRun) {
+    if (!job.isDryRun || job.isBeforeAfter) {
       entities = appendRooms(drawing, plan, m_layer, source.lines().lines.front().start.z);
+    }
+    if (job.isDryRun) {
+      entities.clear();  // of no drawing that is written
     }
     job.save(drawing);
     job.render(picture, report);

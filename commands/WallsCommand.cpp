@@ -63,11 +63,11 @@ class WallsCommand : public DrawingCommand {
     if (job.hasPicture()) {
       picture = wallsPicture(drawing, read, found);
     }
-    // Nothing is added in a dry run, and no handle told.
+    // Nothing is added in a dry run but for a picture of it, and no handle told.
     std::vector<std::string> walls(found.plan.walls.size());
     std::vector<std::string> openings(found.plan.openings.size());
     std::vector<std::string> columns(found.columns.size());
-    if (!job.isDryRun) {
+    if (!job.isDryRun || job.isBeforeAfter) {
       makeLayer(drawing, m_outLayer, kWallColor);
       makeLayer(drawing, m_openingLayer, kOpeningColor);
       for (std::size_t i = 0; i < walls.size(); ++i) {
@@ -81,6 +81,11 @@ class WallsCommand : public DrawingCommand {
       }
       for (std::size_t i = 0; i < columns.size(); ++i) {
         columns[i] = appendOutline(drawing, found.columns[i], m_columnLayer);
+      }
+    }
+    if (job.isDryRun) {
+      for (std::vector<std::string>* handles : {&walls, &openings, &columns}) {
+        handles->assign(handles->size(), "");
       }
     }
     job.save(drawing);
