@@ -139,7 +139,7 @@ struct SeenFace {
 /// Walls that stand apart can be painted one after the other, far ones first, so that each hides
 /// what it should: in the plane, along one direction, "behind" makes no circles among convex
 /// shapes. A sweep across the view finds which wall is next to which (neighbours, all the way), and
-/// sorting those gives the order.
+/// sorting those gives the order. By their depths alone a wall behind a long one would show.
 class PaintOrder {
  public:
   explicit PaintOrder(const std::vector<WallPrism>& walls) : m_before(walls.size()) {

@@ -1,4 +1,5 @@
-// SVG files: paths, a group for each layer, and texts as text.
+// SVG files: paths, a group for each layer, and texts as text; Cairo's have neither groups nor
+// text.
 #include <fmt/format.h>
 
 #include <array>
