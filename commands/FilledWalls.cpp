@@ -7,11 +7,14 @@
 #include <vector>
 
 #include "hostdraw.h"
+#include "plan/PlanPoint.h"
 #include "plan/SegmentGrid.h"
 
 namespace quoin::commands {
 
 namespace {
+
+using plan::flat;
 
 /// Sides and lines no further apart than this are one, millimetres.
 constexpr double kTolerance = 1.0;
@@ -26,10 +29,6 @@ struct Side {
 
   double length() const { return start.distanceTo(end); }
 };
-
-AcGePoint2d flat(const AcGePoint3d& point) {
-  return {point.x, point.y};
-}
 
 /// The straight sides of what one entity fills.
 class FillSink : public hostx::DrawSink {

@@ -19,17 +19,16 @@
 #include "dbobjptr.h"
 #include "embedded/os/CaseFold.h"
 #include "embedded/os/Utf8.h"
+#include "plan/PlanPoint.h"
 #include "plan/SegmentGrid.h"
 
 namespace quoin::commands {
 
 namespace {
 
-constexpr double kTurn = 2.0 * std::numbers::pi;
+using plan::flat;
 
-AcGePoint2d flat(const AcGePoint3d& point) {
-  return {point.x, point.y};
-}
+constexpr double kTurn = 2.0 * std::numbers::pi;
 
 /// Whether a name has one of the words in it.
 template <std::size_t N>

@@ -14,11 +14,14 @@
 #include "dbpl.h"
 #include "dbsymtb.h"
 #include "embedded/os/Utf8.h"
+#include "plan/PlanPoint.h"
 #include "plan/PointIndex.h"
 
 namespace quoin::commands {
 
 namespace {
+
+using plan::flat;
 
 constexpr int kXDataName = 1001;
 constexpr int kXDataText = 1000;
@@ -136,10 +139,6 @@ class WallsOfPlaces {
   std::vector<std::size_t> m_order;
   std::vector<double> m_reach;
 };
-
-AcGePoint2d flat(const AcGePoint3d& point) {
-  return {point.x, point.y};
-}
 
 std::string append(Drawing& drawing, const AcGePoint2d& start, const AcGePoint2d& end,
                    double elevation, const std::string& layer, const ExtendedData& data) {

@@ -6,6 +6,7 @@
 #include <map>
 #include <numbers>
 
+#include "plan/PlanPoint.h"
 #include "plan/SegmentGrid.h"
 
 namespace quoin::plan {
@@ -36,11 +37,6 @@ struct SortedLine {
   std::size_t number;
 };
 
-bool isFinite(const PlanLine& line) {
-  return std::isfinite(line.start.x) && std::isfinite(line.start.y) && std::isfinite(line.end.x) &&
-         std::isfinite(line.end.y);
-}
-
 /// The lesser end, so that a line and its reverse are the same.
 AcGePoint2d firstEnd(const PlanLine& line) {
   const bool isForward =
@@ -55,7 +51,8 @@ std::vector<SortedLine> sortedLines(const std::vector<PlanLine>& lines) {
   for (std::size_t i = 0; i < lines.size(); ++i) {
     const AcGeVector2d step = lines[i].end - lines[i].start;
     const double length = step.length();
-    if (!isFinite(lines[i]) || !std::isfinite(length) || !(length > 0.0)) {
+    if (!isFinite(lines[i].start) || !isFinite(lines[i].end) || !std::isfinite(length) ||
+        !(length > 0.0)) {
       continue;
     }
     const AcGePoint2d first = firstEnd(lines[i]);

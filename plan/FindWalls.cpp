@@ -6,6 +6,7 @@
 
 #include "plan/CurvedWalls.h"
 #include "plan/Faces.h"
+#include "plan/PlanPoint.h"
 #include "plan/Strips.h"
 #include "plan/WallNetwork.h"
 #include "plan/WallRuns.h"
@@ -100,8 +101,7 @@ std::vector<std::size_t> facesOf(const WallPiece& piece, const WallRun& run, con
 }
 
 bool isUsable(const PlanLine& line) {
-  return std::isfinite(line.start.x) && std::isfinite(line.start.y) && std::isfinite(line.end.x) &&
-         std::isfinite(line.end.y);
+  return isFinite(line.start) && isFinite(line.end);
 }
 
 /// Lines of which both ends lie in the body of a wall, or on its faces.

@@ -6,6 +6,7 @@
 #include <optional>
 #include <tuple>
 
+#include "plan/PlanPoint.h"
 #include "plan/WallOutlines.h"
 
 namespace quoin::plan {
@@ -20,9 +21,6 @@ bool isSame(const AcGePoint2d& a, const AcGePoint2d& b) {
 }
 bool isBefore(const AcGePoint2d& a, const AcGePoint2d& b) {
   return std::tie(a.x, a.y) < std::tie(b.x, b.y);
-}
-bool isFinite(const AcGePoint2d& point) {
-  return std::isfinite(point.x) && std::isfinite(point.y);
 }
 
 double distanceToSegment(const AcGePoint2d& point, const AcGePoint2d& from, const AcGePoint2d& to) {

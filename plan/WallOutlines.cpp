@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "plan/PlanPoint.h"
 #include "plan/PointIndex.h"
 
 namespace quoin::plan {
@@ -65,10 +66,6 @@ class BorrowedRecords {
  private:
   CShowWallLikeAlgorithm& m_algorithm;
 };
-
-AcGePoint2d flat(const AcGePoint3d& point) {
-  return {point.x, point.y};
-}
 
 }  // namespace
 

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "plan/PlanPoint.h"
+
 namespace quoin::plan {
 
 namespace {
@@ -332,9 +334,6 @@ double WallRun::drawnLength() const {
 
 GapJudge::GapJudge(const PlanDrawing& drawing, const FindWallsOptions& options)
     : m_drawing(drawing), m_options(options) {
-  const auto isFinite = [](const AcGePoint2d& p) {
-    return std::isfinite(p.x) && std::isfinite(p.y);
-  };
   const auto add = [&](const PlanLine& line) {
     // One that cannot be used keeps its number, at a place where others are.
     const bool isUsable = isFinite(line.start) && isFinite(line.end);

@@ -5,18 +5,14 @@
 #include <cmath>
 #include <limits>
 
+#include "support/DrawPaths.h"
+
 namespace quoin::commands {
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
+using test::lineOf;
 
-hostx::DrawPath lineOf(const AcGePoint3d& start, const AcGePoint3d& end) {
-  hostx::DrawPath path;
-  path.start = start;
-  path.pieces.push_back({});
-  path.pieces.back().end = end;
-  return path;
-}
+constexpr double kPi = 3.14159265358979323846;
 
 hostx::DrawPath arcOf(double radius, double start, double sweep) {
   hostx::DrawPath path;

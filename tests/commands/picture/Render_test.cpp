@@ -9,10 +9,13 @@
 #include "commands/picture/DrawList.h"
 #include "commands/picture/ListPainter.h"
 #include "commands/picture/SheetLayout.h"
+#include "support/DrawPaths.h"
 #include "support/TemporaryFolder.h"
 
 namespace quoin::commands {
 namespace {
+
+using test::lineOf;
 
 TEST(RenderPicture, WhatLiesAtTheEndsOfTheNumbersKeepsNoPictureFromBeingDrawn) {
   constexpr double kLargest = std::numeric_limits<double>::max();
@@ -41,14 +44,6 @@ TEST(RenderPicture, BytesThatAreNoUtf8KeepNoPictureFromBeingDrawn) {
     renderPicture(picture, folder.file(name));
     EXPECT_FALSE(folder.get(name).empty()) << name;
   }
-}
-
-hostx::DrawPath lineOf(const AcGePoint3d& start, const AcGePoint3d& end) {
-  hostx::DrawPath path;
-  path.start = start;
-  path.pieces.push_back({});
-  path.pieces.back().end = end;
-  return path;
 }
 
 TEST(Palette, ThePlanBehindMarksStandsOutFromPaper) {
