@@ -75,15 +75,6 @@ CLI::Validator knownCodePage() {
       "");
 }
 
-void makeFolder(const std::string& folder) {
-  std::error_code error;
-  std::filesystem::create_directories(folder, error);
-  if (error && !std::filesystem::is_directory(folder, error)) {
-    throw CommandError(ExitCode::OutputUnwritable,
-                       fmt::format("{}: cannot make the folder: {}", folder, error.message()));
-  }
-}
-
 }  // namespace
 
 CLI::Option* addRepeated(CLI::App& command, const std::string& names,

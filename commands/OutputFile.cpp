@@ -29,4 +29,15 @@ void writeWholeFile(const std::string& bytes, const std::filesystem::path& file,
   }
 }
 
+void makeFolder(const std::filesystem::path& folder) {
+  std::error_code error;
+  std::error_code ignored;
+  std::filesystem::create_directories(folder, error);
+  if (!std::filesystem::is_directory(folder, ignored)) {
+    throw CommandError(ExitCode::OutputUnwritable,
+                       fmt::format("{}: cannot make the folder{}", folder.string(),
+                                   error ? ": " + error.message() : ""));
+  }
+}
+
 }  // namespace quoin::commands

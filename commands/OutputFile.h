@@ -14,4 +14,8 @@ std::string lowerCaseExtension(const std::filesystem::path& file);
 void writeWholeFile(const std::string& bytes, const std::filesystem::path& file,
                     const std::string& action);
 
+/// Makes a folder, and those that it is in, where they are missing.
+/// Fails: throws CommandError (OutputUnwritable): "FOLDER: cannot make the folder: cause".
+void makeFolder(const std::filesystem::path& folder);
+
 }  // namespace quoin::commands

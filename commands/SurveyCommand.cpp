@@ -195,14 +195,7 @@ class SurveyCommand : public DrawingCommand {
       }
     }
     for (const DrawingJob& job : jobs) {
-      const std::filesystem::path folder = std::filesystem::path(job.output).parent_path();
-      std::error_code error;
-      std::filesystem::create_directories(folder, error);
-      if (!std::filesystem::is_directory(folder, ignored)) {
-        throw CommandError(ExitCode::OutputUnwritable,
-                           fmt::format("{}: cannot make the folder{}", folder.string(),
-                                       error ? ": " + error.message() : ""));
-      }
+      makeFolder(std::filesystem::path(job.output).parent_path());
     }
   }
 

@@ -33,6 +33,13 @@ class SeveralDrawingsTest(cli.CliTest):
             self.assertTrue(self.path(f"{name}.svg").exists())
         self.assertIn(b"1 of 3 drawings failed", result.stderr)
 
+    def test_a_folder_that_cannot_be_made_is_named_with_the_cause(self):
+        plans = [self.plan("a.dxf"), self.plan("b.dxf")]
+        self.path("file").write_text("no folder")
+        for words in (("break", *plans), ("survey", plans[0])):
+            message = self.fails(5, *words, "-o", self.path("file/out"))
+            self.assertIn("out: cannot make the folder: Not a directory", message)
+
     def test_an_option_takes_one_value_so_that_the_drawing_may_follow(self):
         plan = self.plan("a.dxf")
         self.run_ok("break", "--layer", "WALL*", "--at", "700,0", plan, "--dry-run")
