@@ -114,6 +114,8 @@ struct DrawOptions {
   double pixel = 0.0;
   /// Layers that are off or frozen and entities that are invisible are drawn all the same.
   bool isAllShown = false;
+  /// Leaves out, and counts, what lies on layers that are not plotted: what paper shows.
+  bool isPlot = false;
   /// Hatches are filled whatever their pattern is, and areas whether or not the drawing shows them
   /// filled: for who asks where something is filled.
   bool isAllFilled = false;
@@ -125,6 +127,8 @@ struct DrawReport {
   Adesk::UInt64 drawn = 0;  // entities of the space that showed something
   /// Entities, inside blocks too, that nobody can draw: how many of which kind.
   std::map<std::wstring, Adesk::UInt64> leftOut;
+  /// Entities, inside blocks too, on layers that are not plotted: how many on which layer.
+  std::map<std::wstring, Adesk::UInt64> notPlotted;
   /// Block references drawn as their frames, because blocks show more than anybody could paint.
   Adesk::UInt64 framed = 0;
   bool isStopped = false;

@@ -1,4 +1,5 @@
 // LEADER: a line from an annotation to what it is about, with an arrow.
+#include <algorithm>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -78,8 +79,22 @@ Acad::ErrorStatus extentsOfLeader(const Drawn& entity, const AcGeMatrix3d& toWor
   return Acad::eOk;
 }
 
+/// Leaders have the colour that their style has for dimension lines; by block there stands for
+/// their own.
+void setLineColor(const Drawn& entity, DrawWalk& walk) {
+  constexpr int kLineColor = 176;
+  const auto index = static_cast<int>(std::clamp(
+      dimensionVariable(entity, entity.tags.subclass("AcDbLeader"), kLineColor, 0.0), 0.0, 257.0));
+  if (index > 0 && index <= AcCmEntityColor::kACIbyLayer) {
+    AcCmColor color;
+    color.setColorIndex(static_cast<Adesk::UInt16>(index));
+    walk.setColor(walk.lookOf(color).color);
+  }
+}
+
 void drawLeader(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
   const LeaderShape shape = shapeOf(entity);
+  setLineColor(entity, walk);
   if (shape.points.size() > 1) {
     walk.stroke(leaderPath(shape.points, shape.isCurved, toWorld, walk));
   }

@@ -8,6 +8,7 @@
 #include "embedded/db/core/DatabaseImpl.h"
 #include "embedded/db/core/PlaneFields.h"
 #include "embedded/db/entities/EntityKinds.h"
+#include "embedded/db/entities/MTextFields.h"
 #include "embedded/db/geometry/CurveExtents.h"
 #include "embedded/db/geometry/DrawWalk.h"
 #include "embedded/db/geometry/EntityGeometry.h"
@@ -164,24 +165,31 @@ namespace {
 
 using dxf::Version;
 
-Acad::ErrorStatus extentsOfMText(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
-                                 AcDbExtents& box) {
-  const TagList& tags = entity.tags;
-  const TagRange range = layout::kMText.in(tags);
-  const TextSize size = mtextSizeOf(tags, fontOf(entity.database, tags, range));
-  const std::int64_t attachment = tags.integer(kAttachment, range, AcDbMText::kTopLeft);
+/// Which point of a text's box stands at its place, as shares of its width and height.
+struct Attachment {
+  double along = 0.0;  // from the left
+  double down = 0.0;
+};
+Attachment attachmentOf(const TagList& tags, TagRange range) {
   // The nine points run from the top left to the bottom right in rows of three.
+  const std::int64_t attachment = tags.integer(kAttachment, range, AcDbMText::kTopLeft);
   const std::int64_t place = attachment >= 1 && attachment <= 9 ? attachment - 1 : 0;
-  const std::int64_t column = place % 3;
   const std::int64_t row = place / 3;
-  const double left = -0.5 * static_cast<double>(column) * size.width;
-  const double top = 0.5 * static_cast<double>(row) * size.height;
+  return {0.5 * static_cast<double>(place % 3), 0.5 * static_cast<double>(row)};
+}
+
+AcGeMatrix3d frameOf(const TagList& tags, TagRange range) {
   const AcGeVector3d normal = normalOf(tags, range);
   const AcGeVector3d along = mtextDirectionOf(tags);
   AcGeMatrix3d frame;
   frame.setCoordSystem(tags.point(kLocation, range), along, normal.crossProduct(along).normal(),
                        normal);
-  addRectangle(left, top - size.height, left + size.width, top, toWorld * frame, box);
+  return frame;
+}
+
+Acad::ErrorStatus extentsOfMText(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
+                                 AcDbExtents& box) {
+  addMTextExtents(entity, toWorld, box);
   return Acad::eOk;
 }
 
@@ -268,33 +276,6 @@ void drawBackground(const TagList& tags, TagRange range, const MTextLayout& layo
   }
 }
 
-void drawMTextEntity(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
-  constexpr int kSpacingStyle = 73;
-  constexpr std::int64_t kExactly = 2;
-  const TagList& tags = entity.tags;
-  const TagRange range = layout::kMText.in(tags);
-  const std::int64_t attachment = tags.integer(kAttachment, range, AcDbMText::kTopLeft);
-  const std::int64_t place = attachment >= 1 && attachment <= 9 ? attachment - 1 : 0;
-  MTextSettings settings;
-  settings.height = tags.number(kHeight, range, 0.0);
-  settings.limit = tags.number(kWidth, range, 0.0);
-  settings.spacing = tags.number(kSpacing, range, 1.0);
-  settings.isExact = tags.integer(kSpacingStyle, range, 1) == kExactly;
-  settings.alignment = 0.5 * static_cast<double>(place % 3);
-  const std::int64_t row = place / 3;
-  settings.rise = 0.5 * static_cast<double>(row);
-  settings.style = textStyleOf(entity.database, tags.text(kStyle, range).value_or(L"Standard"));
-  readColumns(tags, settings);
-  const MTextLayout layout = layoutMText(mtextContentsOf(tags), settings);
-  const AcGeVector3d normal = normalOf(tags, range);
-  const AcGeVector3d along = mtextDirectionOf(tags);
-  AcGeMatrix3d frame;
-  frame.setCoordSystem(tags.point(kLocation, range), along, normal.crossProduct(along).normal(),
-                       normal);
-  drawBackground(tags, range, layout, settings.height, toWorld * frame, walk);
-  drawMText(layout, toWorld * frame, walk);
-}
-
 /// The copy of a multiline text's geometry that newest files keep behind a mark of its own.
 void transformEmbedded(RecordEdit& edit, const AcGeMatrix3d& matrix, double scale) {
   constexpr int kDirectionX = 10;
@@ -365,11 +346,57 @@ constexpr std::array kKinds{
                .textStyle = &layout::kMText,
                .isSelfContained = true,
                .extents = extentsOfMText,
-               .draw = drawMTextEntity,
+               .draw = drawMTextRecord,
                .transform = transformMText},
 };
 
 }  // namespace
+
+std::unique_ptr<const EmbeddedMText> EmbeddedMText::of(const TagList& attribute) {
+  const std::size_t marker = attribute.body().last;
+  const std::size_t end = attribute.xData().first;
+  if (marker + 1 >= end || attribute[marker].code != kEmbeddedCode) {
+    return nullptr;
+  }
+  std::string bytes;
+  dxf::putText(bytes, 0, L"MTEXT", attribute.format());
+  const std::size_t first = attribute[marker + 1].begin;
+  bytes += attribute.bytes().substr(first, attribute[end - 1].end - first);
+  std::unique_ptr<const EmbeddedMText> text(
+      new EmbeddedMText(std::move(bytes), attribute.format()));
+  return mtextContentsOf(text->tags()).empty() ? nullptr : std::move(text);
+}
+
+void addMTextExtents(const Drawn& text, const AcGeMatrix3d& toWorld, AcDbExtents& box) {
+  const TagRange range = layout::kMText.in(text.tags);
+  const TextSize size = mtextSizeOf(text.tags, fontOf(text.database, text.tags, range));
+  const Attachment attachment = attachmentOf(text.tags, range);
+  const double left = -attachment.along * size.width;
+  const double top = attachment.down * size.height;
+  addRectangle(left, top - size.height, left + size.width, top, toWorld * frameOf(text.tags, range),
+               box);
+}
+
+void drawMTextRecord(const Drawn& text, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  constexpr int kSpacingStyle = 73;
+  constexpr std::int64_t kExactly = 2;
+  const TagList& tags = text.tags;
+  const TagRange range = layout::kMText.in(tags);
+  const Attachment attachment = attachmentOf(tags, range);
+  MTextSettings settings;
+  settings.height = tags.number(kHeight, range, 0.0);
+  settings.limit = tags.number(kWidth, range, 0.0);
+  settings.spacing = tags.number(kSpacing, range, 1.0);
+  settings.isExact = tags.integer(kSpacingStyle, range, 1) == kExactly;
+  settings.alignment = attachment.along;
+  settings.rise = attachment.down;
+  settings.style = textStyleOf(text.database, tags.text(kStyle, range).value_or(L"Standard"));
+  readColumns(tags, settings);
+  const MTextLayout layout = layoutMText(mtextContentsOf(tags), settings);
+  const AcGeMatrix3d frame = toWorld * frameOf(tags, range);
+  drawBackground(tags, range, layout, settings.height, frame, walk);
+  drawMText(layout, frame, walk);
+}
 
 const std::span<const RecordKind> kMTextRows{kKinds};
 

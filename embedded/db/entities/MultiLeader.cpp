@@ -41,6 +41,18 @@ class LeaderContext {
     bool hasLanding = false;
     std::vector<Line> lines;
   };
+  /// The points of a leader's lines: each ends where the leader lands, if it does.
+  static std::vector<std::vector<AcGePoint3d>> linesOf(const Leader& leader);
+  /// The arrow at the tips of its lines.
+  Arrow arrowOf(const Drawn& entity) const;
+  /// Where its text stands between the sides of its box, as a share of the width.
+  double textAlignment() const {
+    return 0.5 * static_cast<double>(std::clamp<std::int64_t>(attachment - 1, 0, 2));
+  }
+  bool hasLines() const { return lineType != 0; }
+  bool isCurved() const { return lineType == 2; }
+
+  std::int64_t lineType = 1;
   TagRange behind;  // what the record says behind its context
   std::vector<Leader> leaders;
   double arrowSize = 0.0;
@@ -83,7 +95,7 @@ LeaderContext::LeaderContext(const TagList& tags) {
         leaders.emplace_back();
       } else if (value == "}" && tags[i].code == 301) {
         behind.first = i + 1;
-        return;
+        break;
       } else {
         readContext(tags, i, rest);
       }
@@ -102,6 +114,24 @@ LeaderContext::LeaderContext(const TagList& tags) {
       leaders.back().lines.back().points.push_back(tags.point(kPoint, rest));
     }
   }
+  constexpr int kLineType = 170;
+  lineType = tags.integer(kLineType, behind, 1);
+}
+
+std::vector<std::vector<AcGePoint3d>> LeaderContext::linesOf(const Leader& leader) {
+  std::vector<std::vector<AcGePoint3d>> lines;
+  for (const Line& line : leader.lines) {
+    lines.push_back(line.points);
+    if (leader.hasLanding) {
+      lines.back().push_back(leader.landing);
+    }
+  }
+  return lines;
+}
+
+Arrow LeaderContext::arrowOf(const Drawn& entity) const {
+  constexpr int kArrowBlock = 342;
+  return {blockWithHandle(entity, entity.tags.handle(kArrowBlock, behind)), arrowSize, textNormal};
 }
 
 void LeaderContext::readLeader(const TagList& tags, std::size_t i, TagRange rest) {
@@ -182,24 +212,14 @@ void LeaderContext::readContext(const TagList& tags, std::size_t i, TagRange res
 
 Acad::ErrorStatus extentsOfMultiLeader(const Drawn& entity, const AcGeMatrix3d& toWorld,
                                        ExtentsWalk& walk, AcDbExtents& box) {
-  constexpr int kLineType = 170;
-  constexpr int kArrowBlock = 342;
-  constexpr std::int64_t kNoLine = 0;
-  constexpr std::int64_t kCurved = 2;
   const LeaderContext context(entity.tags);
-  const std::int64_t lineType = entity.tags.integer(kLineType, context.behind, 1);
-  const Arrow arrow{blockWithHandle(entity, entity.tags.handle(kArrowBlock, context.behind)),
-                    context.arrowSize, context.textNormal};
+  const Arrow arrow = context.arrowOf(entity);
   for (const LeaderContext::Leader& leader : context.leaders) {
-    if (lineType == kNoLine) {
+    if (!context.hasLines()) {
       break;
     }
-    for (const LeaderContext::Line& line : leader.lines) {
-      std::vector<AcGePoint3d> points = line.points;
-      if (leader.hasLanding) {
-        points.push_back(leader.landing);
-      }
-      addLeaderLine(points, lineType == kCurved, toWorld, box);
+    for (const std::vector<AcGePoint3d>& points : LeaderContext::linesOf(leader)) {
+      addLeaderLine(points, context.isCurved(), toWorld, box);
       addArrow(arrow, points, toWorld, walk, box);
     }
     if (leader.hasLanding) {
@@ -210,8 +230,7 @@ Acad::ErrorStatus extentsOfMultiLeader(const Drawn& entity, const AcGeMatrix3d& 
   if (context.hasText) {
     const TextSize size = textSizeOf(context.text, context.textHeight, context.textWidth, 1.0);
     // Its place is at the top, on the side of its attachment: left, middle or right.
-    const double left = -0.5 * size.width *
-                        static_cast<double>(std::clamp<std::int64_t>(context.attachment - 1, 0, 2));
+    const double left = -size.width * context.textAlignment();
     addRectangle(left, -size.height, left + size.width, 0.0,
                  toWorld * frameAt(context.textPlace, context.textDirection, context.textNormal),
                  box);
@@ -262,30 +281,21 @@ void drawAttributes(const Drawn& entity, const LeaderContext& context, const AcG
 }
 
 void drawMultiLeader(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
-  constexpr int kLineType = 170;
   constexpr int kLineColor = 91;
-  constexpr int kArrowBlock = 342;
-  constexpr std::int64_t kNoLine = 0;
-  constexpr std::int64_t kCurved = 2;
   const LeaderContext context(entity.tags);
   const TagList& tags = entity.tags;
-  const std::int64_t lineType = tags.integer(kLineType, context.behind, 1);
-  const Arrow arrow{blockWithHandle(entity, tags.handle(kArrowBlock, context.behind)),
-                    context.arrowSize, context.textNormal};
-  walk.look();
+  const Arrow arrow = context.arrowOf(entity);
+  const hostx::DrawColor own = walk.look().color;
   const hostx::DrawLook look =
       walk.lookOf(packedColor(tags.integer(kLineColor, context.behind, 0)));
+  walk.setColor(look.color);
   for (const LeaderContext::Leader& leader : context.leaders) {
-    if (lineType == kNoLine) {
+    if (!context.hasLines()) {
       break;
     }
-    for (const LeaderContext::Line& line : leader.lines) {
-      std::vector<AcGePoint3d> points = line.points;
-      if (leader.hasLanding) {
-        points.push_back(leader.landing);
-      }
+    for (const std::vector<AcGePoint3d>& points : LeaderContext::linesOf(leader)) {
       if (points.size() > 1) {
-        walk.stroke(leaderPath(points, lineType == kCurved, toWorld, walk), look);
+        walk.stroke(leaderPath(points, context.isCurved(), toWorld, walk), look);
       }
       drawArrow(arrow, points, toWorld, walk);
     }
@@ -295,13 +305,13 @@ void drawMultiLeader(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk&
                   look);
     }
   }
+  walk.setColor(own);
   if (context.hasText) {
     MTextSettings settings;
     settings.height = context.textHeight;
     settings.limit = context.textWidth;
     settings.spacing = context.spacing;
-    settings.alignment =
-        0.5 * static_cast<double>(std::clamp<std::int64_t>(context.attachment - 1, 0, 2));
+    settings.alignment = context.textAlignment();
     const AcDbStub* const style =
         entity.database ? entity.database->byHandle(context.textStyle) : nullptr;
     settings.style = style && entity.database->kindOf(*style) == "STYLE" ? textStyleOf(*style)

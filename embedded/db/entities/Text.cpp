@@ -6,6 +6,7 @@
 #include "embedded/db/core/DatabaseImpl.h"
 #include "embedded/db/core/PlaneFields.h"
 #include "embedded/db/entities/EntityKinds.h"
+#include "embedded/db/entities/MTextFields.h"
 #include "embedded/db/entities/TextFields.h"
 #include "embedded/db/geometry/EntityGeometry.h"
 #include "embedded/db/geometry/PlaneTransform.h"
@@ -16,21 +17,10 @@ ACRX_DXF_CONS_DEFINE_MEMBERS(AcDbAttributeDefinition, AcDbText, L"ATTDEF", L"Obj
 ACRX_DXF_CONS_DEFINE_MEMBERS(AcDbAttribute, AcDbText, L"ATTRIB", L"ObjectDBX Classes")
 
 using namespace quoin::db;
+using namespace quoin::db::text_code;
 
 namespace {
 
-constexpr int kPosition = 10;
-constexpr int kAlignment = 11;
-constexpr int kHeight = 40;
-constexpr int kWidthFactor = 41;
-constexpr int kRotation = 50;
-constexpr int kOblique = 51;
-constexpr int kString = 1;
-constexpr int kStyle = 7;
-constexpr int kGeneration = 71;
-constexpr int kHorizontal = 72;
-constexpr int kVertical = 73;
-constexpr int kAttributeVertical = 74;  // 73 is an attribute's field length
 constexpr int kPrompt = 3;
 constexpr std::int64_t kBackwards = TextFields::kBackwards;
 constexpr std::int64_t kUpsideDown = TextFields::kUpsideDown;
@@ -277,6 +267,8 @@ Adesk::Boolean AcDbAttribute::isConstant() const {
 namespace quoin::db {
 namespace {
 
+using namespace text_code;
+
 /// A box in a text's own axes, as seen through `toWorld`.
 void addSlantedBox(double left, double bottom, double right, double top,
                    const AcGeMatrix3d& toWorld, double slant, AcDbExtents& box) {
@@ -288,6 +280,10 @@ void addSlantedBox(double left, double bottom, double right, double top,
 
 Acad::ErrorStatus extentsOfText(const Drawn& entity, const AcGeMatrix3d& toWorld, ExtentsWalk&,
                                 AcDbExtents& box) {
+  if (const auto lines = linesOf(entity.tags)) {
+    addMTextExtents({lines->tags(), entity.database, entity.stub, nullptr}, toWorld, box);
+    return Acad::eOk;
+  }
   const TextFields fields(entity.tags);
   const TextPlace place = placeOf(
       fields, lineAdvance(fields.text,

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "embedded/db/core/PlaneFields.h"
+#include "embedded/db/entities/MTextFields.h"
 #include "embedded/db/entities/TextFields.h"
 #include "embedded/db/geometry/DrawWalk.h"
 #include "embedded/db/geometry/TextDraw.h"
@@ -10,22 +11,8 @@
 #include "embedded/db/records/SubclassLayout.h"
 
 namespace quoin::db {
-namespace {
 
-constexpr int kPosition = 10;
-constexpr int kAlignment = 11;
-constexpr int kHeight = 40;
-constexpr int kWidthFactor = 41;
-constexpr int kRotation = 50;
-constexpr int kOblique = 51;
-constexpr int kString = 1;
-constexpr int kStyle = 7;
-constexpr int kGeneration = 71;
-constexpr int kHorizontal = 72;
-constexpr int kVertical = 73;
-constexpr int kAttributeVertical = 74;  // 73 is an attribute's field length
-
-}  // namespace
+using namespace text_code;
 
 TextFields::TextFields(const TagList& tags) {
   const std::string_view kind = dxf::trimmedValue(tags[0]);
@@ -86,7 +73,15 @@ TextPlace placeOf(const TextFields& fields, double advance) {
 }
 
 void drawText(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
+  if (const auto lines = linesOf(entity.tags)) {
+    drawMTextRecord({lines->tags(), entity.database, entity.stub, nullptr}, toWorld, walk);
+    return;
+  }
   drawFields(TextFields(entity.tags), entity.database, entity.tags, toWorld, walk);
+}
+
+std::unique_ptr<const EmbeddedMText> linesOf(const TagList& tags) {
+  return dxf::trimmedValue(tags[0]) == "ATTRIB" ? EmbeddedMText::of(tags) : nullptr;
 }
 
 void drawFields(const TextFields& fields, DatabaseImpl* database, const TagList& tags,

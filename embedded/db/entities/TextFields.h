@@ -1,14 +1,32 @@
 // What the records of texts of one line say, as values: TEXT, ATTRIB and ATTDEF.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "embedded/db/core/RecordKinds.h"
+#include "embedded/db/entities/MTextFields.h"
 #include "embedded/db/records/TagList.h"
 #include "gepnt3d.h"
 #include "gevec3d.h"
 
 namespace quoin::db {
+
+/// Their group codes.
+namespace text_code {
+inline constexpr int kPosition = 10;
+inline constexpr int kAlignment = 11;
+inline constexpr int kHeight = 40;
+inline constexpr int kWidthFactor = 41;
+inline constexpr int kRotation = 50;
+inline constexpr int kOblique = 51;
+inline constexpr int kString = 1;
+inline constexpr int kStyle = 7;
+inline constexpr int kGeneration = 71;
+inline constexpr int kHorizontal = 72;
+inline constexpr int kVertical = 73;
+inline constexpr int kAttributeVertical = 74;  // 73 is an attribute's field length
+}  // namespace text_code
 
 /// What a TEXT, ATTRIB or ATTDEF record says.
 struct TextFields {
@@ -48,6 +66,8 @@ TextPlace placeOf(const TextFields& fields, double advance);
 /// `tags` name the text's style.
 void drawFields(const TextFields& fields, DatabaseImpl* database, const TagList& tags,
                 const AcGeMatrix3d& toWorld, DrawWalk& walk);
+/// The multiline text of an attribute of several lines; none for all others.
+std::unique_ptr<const EmbeddedMText> linesOf(const TagList& tags);
 /// How TEXT, ATTRIB and ATTDEF are drawn (TextDraw.cpp).
 void drawText(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk);
 

@@ -20,8 +20,16 @@ double dimensionVariable(const Drawn& entity, TagRange range, int code, double o
   // Overrides stand as pairs of group code and value.
   const TagRange overrides = tags.xData(L"ACAD");
   for (std::size_t i = overrides.first; i + 1 < overrides.last; ++i) {
-    if (tags[i].code == kInteger && tags.integerAt(i) == code && tags[i + 1].code == kReal) {
-      return tags.doubleAt(i + 1);
+    if (tags[i].code != kInteger) {
+      continue;
+    }
+    const bool isOfCode = tags.integerAt(i) == code;
+    ++i;
+    if (isOfCode && tags[i].code == kReal) {
+      return tags.doubleAt(i);
+    }
+    if (isOfCode && tags[i].code == kInteger) {
+      return static_cast<double>(tags.integerAt(i));
     }
   }
   const std::wstring name = tags.text(kStyleName, range).value_or(L"Standard");

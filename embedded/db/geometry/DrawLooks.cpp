@@ -17,6 +17,8 @@ constexpr Adesk::UInt16 kForeground = 7;
 constexpr std::wstring_view kByLayer = L"ByLayer";
 constexpr std::wstring_view kByBlock = L"ByBlock";
 constexpr std::wstring_view kContinuous = L"Continuous";
+/// The layer of the points that dimensions measure: never plotted, whatever its record says.
+constexpr std::wstring_view kDefinitionPoints = L"Defpoints";
 constexpr std::int64_t kTransparencyByBlock = 0x01000000;
 
 /// Whether a name is one of those that every drawing has, in any case.
@@ -169,7 +171,9 @@ const LayerLook* DrawLooks::layerOf(std::string_view name, const dxf::Format& fo
   if (!shared || !record) {
     shared = &m_layerStore.emplace_back();
     shared->lineWeight = kUsualWeight;
+    shared->name = wide;
     shared->isZero = wide == L"0";
+    shared->isPlotted = !isNamed(wide, kDefinitionPoints);
     if (record) {
       const TagList tags = m_database.tagsOf(*record);
       const TagRange range = layout::kLayer.in(tags);
@@ -181,6 +185,8 @@ const LayerLook* DrawLooks::layerOf(std::string_view name, const dxf::Format& fo
       shared->dashes = linetype ? linetypeNamed(*linetype) : nullptr;
       shared->isOff = tags.integer(code::kColor, range, kForeground) < 0;
       shared->isFrozen = (tags.integer(code::kFlags, range, 0) & kFrozen) != 0;
+      constexpr int kIsPlotted = 290;
+      shared->isPlotted = shared->isPlotted && tags.integer(kIsPlotted, range, 1) != 0;
       constexpr int kValue = 1071;
       const TagRange data = tags.xData(L"AcCmTransparency");
       for (std::size_t i = data.first; i < data.last; ++i) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <deque>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -18,12 +19,14 @@ using Dashes = std::vector<double>;
 
 struct LayerLook {
   AcDbObjectId id;
+  std::wstring name;
   hostx::DrawColor color;
   double lineWeight = 0.0;
   const Dashes* dashes = nullptr;
   double opacity = 1.0;
   bool isOff = false;
   bool isFrozen = false;
+  bool isPlotted = true;
   bool isZero = false;  // "0", which in blocks stands for the reference's layer
 };
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "embedded/db/geometry/ExtentsWalk.h"
+#include "embedded/db/geometry/SignStrokes.h"
 #include "embedded/dxf/FileError.h"
 
 namespace quoin::db {
@@ -104,7 +105,9 @@ void DrawWalk::text(const hostx::DrawText& text) {
 void DrawWalk::text(const hostx::DrawText& text, const DrawLook& look) {
   const bool isShown = !text.text.empty() && isFinite(text.position) && isFinite(text.along) &&
                        isFinite(text.up) && std::isfinite(text.width) && text.width >= 0.0;
-  if (isShown) {
+  if (isShown && hasStrokedSigns(text)) {
+    drawWithSigns(text, look, *this);
+  } else if (isShown) {
     ++m_emitted;
     m_sink.text(text, look);
   }
@@ -116,6 +119,11 @@ void DrawWalk::image(const hostx::DrawImage& image) {
     ++m_emitted;
     m_sink.image(image, m_plainLook);
   }
+}
+
+void DrawWalk::setColor(const hostx::DrawColor& color) {
+  m_look.color = color;
+  m_isLookReady = false;
 }
 
 const DrawLook& DrawWalk::look() {
@@ -335,7 +343,13 @@ void DrawWalk::drawOwn(const AcDbStub& stub, const ResolvedLook* outer, const Ac
   }
   const RecordKind* const kind = entityKind(name);
   m_looks.resolve(*tags, outer, m_look);
-  m_isLayerShown = !isHidden(m_look, name == "INSERT", window);
+  const bool isReference = name == "INSERT";
+  m_isLayerShown = !isHidden(m_look, isReference, window);
+  // As with layers that are off, references show what lies on other layers.
+  if (m_isLayerShown && m_options.isPlot && !m_look.layer->isPlotted && !isReference) {
+    m_isLayerShown = false;
+    ++m_report.notPlotted[m_look.layer->name];
+  }
   const bool isWindow = name == "VIEWPORT" && (!m_look.isInvisible || m_options.isAllShown);
   if (!m_isLayerShown && !isWindow) {
     return;

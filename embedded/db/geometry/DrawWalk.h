@@ -67,6 +67,8 @@ class DrawWalk {
   void text(const hostx::DrawText& text, const hostx::DrawLook& look);
   void image(const hostx::DrawImage& image);
 
+  /// Draws what follows of the entity in another colour, what is by block in its blocks too.
+  void setColor(const hostx::DrawColor& color);
   /// The entity's look as primitives have it.
   const hostx::DrawLook& look();
   /// The same without its linetype, and with a colour of its style.

@@ -3,16 +3,16 @@
 #include <algorithm>
 #include <cmath>
 #include <cwchar>
+#include <memory>
 #include <utility>
 
 #include "embedded/db/core/PlaneFields.h"
 #include "embedded/db/geometry/DrawWalk.h"
+#include "embedded/db/geometry/TextMeasure.h"
 
 namespace quoin::db {
 namespace {
 
-/// Distance of base lines over text height at single spacing.
-constexpr double kLineDistance = 5.0 / 3.0;
 // Stacked fractions, in heights of the text around them.
 constexpr double kStackSize = 0.7;
 constexpr double kBarHeight = 0.4;
@@ -32,11 +32,17 @@ struct Format {
   std::optional<AcCmColor> color;
 };
 
+struct TabStop {
+  double at = 0.0;     // from the left side
+  double share = 0.0;  // of what follows that stands before the stop: 0, 0.5 or 1
+};
+
 struct Paragraph {
   double first = 0.0;  // indents
   double left = 0.0;
   double right = 0.0;
   std::optional<double> alignment;
+  std::shared_ptr<const std::vector<TabStop>> stops;  // in order; null for none
 };
 
 /// What is not broken.
@@ -372,11 +378,38 @@ class Layout {
                                                  : std::optional(0.0);
           break;
         }
+        case L't':  // takes the rest
+          readTabStops(value.substr(static_cast<std::size_t>(part.data() - value.data()) + 1));
+          return;
         default:
-          at = part.front() == L't' ? value.size() : at;  // tab stops take the rest
           break;
       }
     }
+  }
+
+  /// "4,c10,r15": to the left of, around and to the right of a place; anything else takes them
+  /// back.
+  void readTabStops(std::wstring_view value) {
+    constexpr std::size_t kMostStops = 100;
+    std::vector<TabStop> stops;
+    for (std::size_t at = 0; at < value.size() && stops.size() < kMostStops;) {
+      const std::size_t end = std::min(value.find(L',', at), value.size());
+      std::wstring_view part = value.substr(at, end - at);
+      at = end + 1;
+      TabStop stop;
+      if (part.starts_with(L"c") || part.starts_with(L"r")) {
+        stop.share = part.front() == L'c' ? 0.5 : 1.0;
+        part.remove_prefix(1);
+      }
+      stop.at = numberOf(part) * m_settings.height;
+      if (stop.at > 0.0 && std::isfinite(stop.at)) {
+        stops.push_back(stop);
+      }
+    }
+    std::stable_sort(stops.begin(), stops.end(),
+                     [](const TabStop& a, const TabStop& b) { return a.at < b.at; });
+    m_paragraph.stops =
+        stops.empty() ? nullptr : std::make_shared<const std::vector<TabStop>>(std::move(stops));
   }
 
   void readStack(std::size_t& i) {
@@ -443,7 +476,7 @@ class Layout {
     for (std::size_t i = 0; i < m_items.size();) {
       // Up to the next place where a line may end.
       std::size_t end = i + 1;
-      double word = widthOf(m_items[i], width);
+      double word = widthOf(i, width);
       double blanks = m_items[i].blanks;
       while (end < m_items.size() && !m_items[end].mayBreak) {
         word += m_items[end].width;
@@ -458,7 +491,7 @@ class Layout {
         next.paragraph = m_paragraph;
         next.height = format().height;
         width = indentOf(next);
-        word = m_items[i].kind == Item::Kind::Tab ? widthOf(m_items[i], width) : word;
+        word = m_items[i].kind == Item::Kind::Tab ? widthOf(i, width) : word;
       }
       Line& line = m_lines.back();
       for (; i < end; ++i) {
@@ -473,13 +506,32 @@ class Layout {
     m_mayBreak = false;
   }
 
-  double widthOf(Item& item, double before) const {
-    constexpr double kTabStop = 4.0;  // heights
-    if (item.kind == Item::Kind::Tab) {
-      const double stop = kTabStop * m_settings.height;
-      item.width = (std::floor(before / stop + 1e-9) + 1.0) * stop - before;
+  /// How wide an item is that begins at `before`; a tab reaches to the next stop.
+  double widthOf(std::size_t index, double before) {
+    constexpr double kTabStop = 4.0;  // heights, behind the last stop of the paragraph
+    Item& item = m_items[index];
+    if (item.kind != Item::Kind::Tab) {
+      return item.width;
+    }
+    const double usual = kTabStop * m_settings.height;
+    item.width = (std::floor(before / usual + 1e-9) + 1.0) * usual - before;
+    if (m_paragraph.stops) {
+      const auto stop = std::find_if(m_paragraph.stops->begin(), m_paragraph.stops->end(),
+                                     [&](const TabStop& one) { return one.at > before; });
+      if (stop != m_paragraph.stops->end()) {
+        const double text = stop->share > 0.0 ? widthUpToTab(index + 1) : 0.0;
+        item.width = std::fmax(stop->at - stop->share * text - before, 0.0);
+      }
     }
     return item.width;
+  }
+
+  double widthUpToTab(std::size_t index) const {
+    double width = 0.0;
+    for (; index < m_items.size() && m_items[index].kind != Item::Kind::Tab; ++index) {
+      width += m_items[index].width;
+    }
+    return width;
   }
 
   double indentOf(const Line& line) const {
@@ -520,7 +572,7 @@ class Layout {
     bool isFirst = true;
     double hanging = 0.0;
     for (const Line& line : m_lines) {
-      const double step = kLineDistance * m_settings.spacing *
+      const double step = mtext::kLineDistance * m_settings.spacing *
                               (m_settings.isExact ? m_settings.height : line.height) +
                           (m_settings.isExact ? 0.0 : line.above + hanging);
       double base = isFirst ? y - line.height : y - step;

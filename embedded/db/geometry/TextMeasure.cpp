@@ -9,9 +9,6 @@
 namespace quoin::db {
 namespace {
 
-/// Distance of base lines over text height at single spacing.
-constexpr double kLineDistance = 5.0 / 3.0;
-
 /// Codes that are followed by a value and a semicolon.
 constexpr std::wstring_view kWithValue = L"ACcFfHTQWp";
 /// Codes that stand alone.
@@ -151,7 +148,7 @@ TextSize textSizeOf(std::wstring_view contents, double height, double limit, dou
     wrap(std::wstring_view(plain).substr(at, end - at), lineLimit, font, lines);
     at = end + 1;
   }
-  const double distance = kLineDistance * spacing;
+  const double distance = mtext::kLineDistance * spacing;
   return {lines.longest * height, height * (1.0 + distance * static_cast<double>(lines.count - 1))};
 }
 

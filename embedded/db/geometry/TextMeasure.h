@@ -11,6 +11,8 @@ namespace quoin::db {
 
 /// Codes of MTEXT records.
 namespace mtext {
+/// Distance of base lines over text height at single spacing.
+inline constexpr double kLineDistance = 5.0 / 3.0;
 inline constexpr int kChunk = 3;  // all of the text but the end, which has code 1
 inline constexpr int kLastChunk = 1;
 inline constexpr int kDirection = 11;

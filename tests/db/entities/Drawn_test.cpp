@@ -398,6 +398,19 @@ TEST(Drawn, LeadersHaveAnArrow) {
             "stroke 0,0 -> 9,0\nfill 0,0 -> 0.18,0.03 -> 0.18,-0.03 close\n");
 }
 
+TEST(Drawn, LeadersHaveTheColorOfDimensionLines) {
+  const std::string leader = loose(
+      "LEADER", "AcDbLeader", "3 Standard\n71 1\n72 0\n73 3\n" + point(10, 0, 0) + point(10, 9, 0));
+  const auto with = [&](int color) {
+    return shown(leader + "1001 ACAD\n1000 DSTYLE\n1002 {\n1070 176\n1070 " +
+                 std::to_string(color) + "\n1002 }\n");
+  };
+  EXPECT_EQ(with(1),
+            "stroke 0,0 -> 9,0 #ff0000\n"
+            "fill 0,0 -> 0.18,0.03 -> 0.18,-0.03 close #ff0000\n");
+  EXPECT_EQ(with(0), shown(leader));
+}
+
 TEST(Drawn, DimensionsWithoutABlockAreTheirLines) {
   const std::string all = shown(loose("DIMENSION", "AcDbDimension",
                                       point(10, 8, 3) + point(11, 4, 3) +
@@ -424,12 +437,56 @@ TEST(Drawn, TolerancesAreCells) {
   const std::string all =
       shown(loose("TOLERANCE", "AcDbFcf",
                   "3 Standard\n" + point(10, 0, 0) + "1 {\\Fgdt;j}%%v0.1\n" + point(11, 1, 0)));
-  EXPECT_EQ(std::count(all.begin(), all.end(), '\n'), 4) << all;
-  EXPECT_NE(all.find("text '\u2316'"), std::string::npos) << all;
+  // Two cells; the sign of position is a circle and two lines, wherever fonts have it.
+  EXPECT_EQ(std::count(all.begin(), all.end(), '\n'), 6) << all;
+  EXPECT_NE(all.find(" by 360)"), std::string::npos) << all;
   EXPECT_NE(all.find("text '0.1'"), std::string::npos) << all;
   const std::string rows = shown(loose(
       "TOLERANCE", "AcDbFcf", "3 Standard\n" + point(10, 0, 0) + "1 a^Jb\n" + point(11, 1, 0)));
   EXPECT_EQ(std::count(rows.begin(), rows.end(), '\n'), 4) << rows;
+}
+
+TEST(Drawn, SignsOfTolerancesAreStrokes) {
+  // A capital high, in the middle of the room that the letter has.
+  EXPECT_EQ(shown(loose("TEXT", "AcDbText", point(10, 0, 0) + "40 2\n1 \\U+23E4\n")).substr(0, 7),
+            "stroke ");
+  const std::string circled = shown(text("5\\U+24C2"));
+  EXPECT_NE(circled.find("text '5'"), std::string::npos) << circled;
+  EXPECT_NE(circled.find(" by 360)"), std::string::npos) << circled;
+  EXPECT_NE(circled.find("text 'M'"), std::string::npos) << circled;
+  // The font of signs has them for letters.
+  EXPECT_EQ(shown(mtext("\\Fgdt;i")), shown(mtext("\\FGDT.SHX;i")));
+  const std::string symmetry = shown(mtext("\\Fgdt;i"));
+  EXPECT_EQ(std::count(symmetry.begin(), symmetry.end(), '\n'), 3) << symmetry;
+  EXPECT_NE(shown(mtext("\\Fgdt;n")).find("text '\u2300'"), std::string::npos);
+  // Other letters are texts as ever.
+  EXPECT_NE(shown(text("i")).find("text 'i'"), std::string::npos);
+}
+
+TEST(Drawn, AttributesOfSeveralLinesAreLaidOut) {
+  const std::string attribute =
+      "0 ATTRIB\n8 0\n100 AcDbEntity\n8 0\n100 AcDbText\n" + point(10, 5, 5) +
+      "40 2\n1 ab\n100 AcDbAttribute\n2 NAME\n70 0\n101 Embedded Object\n" + point(10, 5, 7) +
+      "40 2\n41 0\n46 0\n71 1\n72 5\n1 a\\Pb\n";
+  EXPECT_EQ(shown("0 INSERT\n8 0\n100 AcDbEntity\n8 0\n62 1\n66 1\n100 AcDbBlockReference\n"
+                  "2 None\n" +
+                  point(10, 0, 0) + attribute + "0 SEQEND\n8 0\n"),
+            "text 'a' at 5,5 along 1,0 up 0,2\ntext 'b' at 5,1.6667 along 1,0 up 0,2\n");
+}
+
+TEST(Drawn, TabStopsOfMultilineTexts) {
+  const auto second = [](const std::string& stops) {
+    const std::string all = shown(mtext("\\p" + stops + ";a^Ibb"));
+    return all.substr(0, all.find(" along", all.find("'bb'")));
+  };
+  EXPECT_EQ(second("xt2,7"), "text 'a' at 0,-3 along 1,0 up 0,3\ntext 'bb' at 6,-3");
+  EXPECT_EQ(second("xtz"), "text 'a' at 0,-3 along 1,0 up 0,3\ntext 'bb' at 12,-3");
+  EXPECT_EQ(second("xi0,t1"), second("t1"));
+  // What stands to the left of a stop ends there.
+  const DrawnSpace right(Drawing(drawingWith(mtext("\\pxtr7;a^Ibb"))));
+  EXPECT_NEAR(right.sink.box.maxPoint().x, 21.0, 1e-9);
+  const DrawnSpace centred(Drawing(drawingWith(mtext("\\pxtc7;a^Ibb"))));
+  EXPECT_NEAR(centred.sink.box.maxPoint().x, 21.0 + 0.5 * right.sink.widths.back(), 1e-9);
 }
 
 TEST(Drawn, WhatCannotBeDrawnIsCounted) {

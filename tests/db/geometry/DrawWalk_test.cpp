@@ -202,6 +202,26 @@ TEST(DrawWalk, WhatHasNoKindIsCountedInBlocksToo) {
             (std::map<std::wstring, Adesk::UInt64>{{L"3DSOLID", 2}, {L"GADGET", 2}}));
 }
 
+TEST(DrawWalk, PaperLeavesOutLayersThatAreNotPlotted) {
+  const auto on = [](const std::string& layer) {
+    return "0 LINE\n8 " + layer + "\n10 5\n20 5\n11 6\n21 5\n";
+  };
+  const std::string text =
+      drawingOf(block("D", on("NOTES") + on("0") + on("Walls")),
+                on("defpoints") + on("NOTES") + insert("D", 0.0) + "0 INSERT\n8 NOTES\n2 D\n",
+                "0 LAYER\n2 NOTES\n70 0\n62 7\n290 0\n0 LAYER\n2 Walls\n70 0\n62 7\n290 1\n");
+  hostx::DrawOptions plot;
+  plot.isPlot = true;
+  const DrawnSpace paper(Drawing(text), plot);
+  // Of the reference on such a layer, what lies on its own layer shows still.
+  EXPECT_EQ(paper.sink.lines.size(), 3u);
+  EXPECT_EQ(paper.report.notPlotted,
+            (std::map<std::wstring, Adesk::UInt64>{{L"NOTES", 4}, {L"defpoints", 1}}));
+  const DrawnSpace screen{Drawing(text)};
+  EXPECT_EQ(screen.sink.lines.size(), 8u);
+  EXPECT_TRUE(screen.report.notPlotted.empty());
+}
+
 TEST(DrawWalk, OneEntityIsDrawnWithItsBlocks) {
   const Drawing drawing(
       smallDrawing("0 INSERT\n5 40\n330 1F\n100 AcDbEntity\n8 0\n100 AcDbBlockReference\n2 Door\n" +

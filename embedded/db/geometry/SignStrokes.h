@@ -1,0 +1,18 @@
+// Signs of geometric tolerances, drawn as strokes: common fonts have few of them.
+#pragma once
+
+#include <string_view>
+
+#include "hostdraw.h"
+
+namespace quoin::db {
+
+class DrawWalk;
+
+/// Whether a text has signs that are drawn here, as characters or as letters of the font of signs
+/// ("gdt.shx").
+bool hasStrokedSigns(const hostx::DrawText& text);
+/// Draws such a text: its signs as strokes, the rest as texts beside them.
+void drawWithSigns(const hostx::DrawText& text, const hostx::DrawLook& look, DrawWalk& walk);
+
+}  // namespace quoin::db
