@@ -37,6 +37,26 @@ struct ToleranceFrame {
   AcGeMatrix3d place;  // the middle of the first row's left side
 };
 
+MTextSettings settingsFor(double height) {
+  MTextSettings settings;
+  settings.height = height;
+  settings.alignment = 0.5;
+  settings.style = textStyleOf(nullptr, {});
+  return settings;
+}
+
+/// The width of a cell's text in its heights. Letters of the font of signs are wider than in
+/// others.
+double advanceOf(const std::wstring& code) {
+  const bool hasSigns =
+      code.find(L"gdt") != std::wstring::npos || code.find(L"GDT") != std::wstring::npos;
+  if (!hasSigns) {
+    return lineAdvance(plainMText(code));
+  }
+  const MTextLayout layout = layoutMText(code, settingsFor(1.0));
+  return layout.right - layout.left;
+}
+
 /// Files write the ends of rows as "^J", which reads as a line end, too.
 ToleranceFrame frameOf(const Drawn& entity) {
   constexpr int kTextHeight = 140;
@@ -57,7 +77,7 @@ ToleranceFrame frameOf(const Drawn& entity) {
     for (std::size_t cell = 0; cell <= row.size();) {
       const std::size_t cellEnd = std::min(row.find(kCellEnd, cell), row.size());
       std::wstring code = row.substr(cell, cellEnd - cell);
-      const double advance = lineAdvance(plainMText(code));
+      const double advance = advanceOf(code);
       const double width = advance > 0.0 ? (advance + 1.0) * frame.height : 0.0;
       if (width > 0.0) {
         cells.push_back({std::move(code), width});
@@ -89,10 +109,7 @@ Acad::ErrorStatus extentsOfTolerance(const Drawn& entity, const AcGeMatrix3d& to
 void drawTolerance(const Drawn& entity, const AcGeMatrix3d& toWorld, DrawWalk& walk) {
   const ToleranceFrame frame = frameOf(entity);
   const AcGeMatrix3d place = toWorld * frame.place;
-  MTextSettings settings;
-  settings.height = frame.height;
-  settings.alignment = 0.5;
-  settings.style = textStyleOf(nullptr, {});
+  const MTextSettings settings = settingsFor(frame.height);
   double top = frame.height;
   for (const std::vector<ToleranceFrame::Cell>& row : frame.rows) {
     double left = 0.0;

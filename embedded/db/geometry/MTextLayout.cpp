@@ -8,6 +8,7 @@
 
 #include "embedded/db/core/PlaneFields.h"
 #include "embedded/db/geometry/DrawWalk.h"
+#include "embedded/db/geometry/SignStrokes.h"
 #include "embedded/db/geometry/TextMeasure.h"
 
 namespace quoin::db {
@@ -131,7 +132,8 @@ class Layout {
   double advanceOf(std::wstring_view text, const Format& format) const {
     double advance = 0.0;
     for (const wchar_t letter : text) {
-      advance += format.style.metrics->advance(letter);
+      const double sign = signAdvance(format.style.font, letter);
+      advance += sign > 0.0 ? sign : format.style.metrics->advance(letter);
     }
     return advance * format.height * format.widthFactor * format.tracking;
   }

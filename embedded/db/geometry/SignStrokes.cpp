@@ -105,20 +105,27 @@ bool isStroked(wchar_t character) {
          (isCircled(character) || signOf(character) != nullptr);
 }
 
+/// "gdt.shx", with or without its ending, in any case.
 bool isSignFont(std::wstring_view font) {
-  if (font.size() < 3 || font.size() > 9) {
-    return false;
-  }
-  std::wstring name(font);
-  std::transform(name.begin(), name.end(), name.begin(),
-                 [](wchar_t c) { return c >= L'A' && c <= L'Z' ? c - L'A' + L'a' : c; });
-  return name == L"gdt" || name == L"gdt.shx" || name == L"amgdt" || name == L"amgdt.shx";
+  constexpr std::array<std::wstring_view, 2> kNames{L"gdt", L"amgdt"};
+  constexpr std::wstring_view kEnding = L".shx";
+  const auto isSame = [](std::wstring_view a, std::wstring_view lower) {
+    return std::equal(a.begin(), a.end(), lower.begin(), lower.end(), [](wchar_t x, wchar_t y) {
+      return (x >= L'A' && x <= L'Z' ? x - L'A' + L'a' : x) == y;
+    });
+  };
+  return std::any_of(kNames.begin(), kNames.end(), [&](std::wstring_view name) {
+    return font.size() >= name.size() && isSame(font.substr(0, name.size()), name) &&
+           (font.size() == name.size() || isSame(font.substr(name.size()), kEnding));
+  });
 }
 
+/// With the room beside a sign.
 double widthOf(wchar_t character) {
   const Sign* const found = signOf(character);
-  return found                  ? found->width
-         : isCircled(character) ? kCircledWidth
+  constexpr double kGap = 0.2;  // beside signs
+  return found                  ? found->width + kGap
+         : isCircled(character) ? kCircledWidth + kGap
                                 : text::usualFont().advance(character);
 }
 
@@ -151,7 +158,17 @@ void drawSign(const Sign& sign, const AcGePoint3d& corner, const AcGeVector3d& x
   }
 }
 
+wchar_t signFor(wchar_t letter) {
+  const auto known = std::find_if(kLetters.begin(), kLetters.end(),
+                                  [&](const SignLetter& one) { return one.letter == letter; });
+  return known == kLetters.end() ? letter : known->sign;
+}
+
 }  // namespace
+
+double signAdvance(std::wstring_view font, wchar_t letter) {
+  return isSignFont(font) ? widthOf(signFor(letter)) : 0.0;
+}
 
 bool hasStrokedSigns(const hostx::DrawText& text) {
   return isSignFont(text.font) || std::any_of(text.text.begin(), text.text.end(), isStroked);
@@ -163,9 +180,7 @@ void drawWithSigns(const hostx::DrawText& text, const hostx::DrawLook& look, Dra
   if (isSignFont(text.font)) {
     part.font.clear();
     for (wchar_t& letter : letters) {
-      const auto known = std::find_if(kLetters.begin(), kLetters.end(),
-                                      [&](const SignLetter& one) { return one.letter == letter; });
-      letter = known == kLetters.end() ? letter : known->sign;
+      letter = signFor(letter);
     }
   }
   double advance = 0.0;
@@ -207,10 +222,12 @@ void drawWithSigns(const hostx::DrawText& text, const hostx::DrawLook& look, Dra
       continue;
     }
     const double width = widthOf(letters[i]);
+    const Sign* const drawn = signOf(letters[i]);
+    const double ownWidth = drawn ? drawn->width : kCircledWidth;
     // In the middle of the room that it has.
     const AcGePoint3d corner =
-        start + text.along * ((before + 0.5 * width) * unit) - x * (0.5 * width);
-    if (const Sign* const drawn = signOf(letters[i])) {
+        start + text.along * ((before + 0.5 * width) * unit) - x * (0.5 * ownWidth);
+    if (drawn) {
       drawSign(*drawn, corner, x, text.up, look, walk);
     } else {
       static const Sign kCircle = sign(0, kCircledWidth, arc(0.6, 0.5, 0.6, 0, 360));

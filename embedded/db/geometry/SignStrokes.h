@@ -9,6 +9,10 @@ namespace quoin::db {
 
 class DrawWalk;
 
+/// How wide the font of signs ("gdt.shx") is for a letter, in heights of capitals; 0 for another
+/// font.
+double signAdvance(std::wstring_view font, wchar_t letter);
+
 /// Whether a text has signs that are drawn here, as characters or as letters of the font of signs
 /// ("gdt.shx").
 bool hasStrokedSigns(const hostx::DrawText& text);
