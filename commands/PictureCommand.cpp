@@ -31,6 +31,7 @@ struct DrawnPage {
   LayoutSpace space;
   Picture picture;
   hostx::DrawReport report;
+  std::map<std::string, std::size_t> images;  // by the paths that name them
   std::string file;
 };
 
@@ -79,6 +80,9 @@ class PictureCommand : public DrawingCommand {
                      "machines without the fonts")
         ->check(oneOf({"text", "outlines"}))
         ->capture_default_str();
+    command->add_flag("--images", m_hasImages,
+                      "Show images: opens the files that the drawing names (PNG, JPEG, BMP, TIFF, "
+                      "GIF), where they are named or beside the drawing");
     command->footer(
         "Layers that are off or frozen do not show. What cannot be drawn is named and counted\n"
         "under the picture. The same drawing gives the same bytes, wherever the fonts are.\n\n"
@@ -121,6 +125,7 @@ class PictureCommand : public DrawingCommand {
       names = chooseLayers(drawing.layers(), m_options.layers, drawing);
       layers = layerIds(drawing, names);
     }
+    m_sheet.images = m_hasImages ? std::make_shared<ImageFiles>(drawing.file()) : nullptr;
     std::vector<DrawnPage> pages;
     for (const LayoutSpace& space : spacesOf(drawing)) {
       DrawnPage page = draw(drawing, space, layers);
@@ -209,7 +214,8 @@ class PictureCommand : public DrawingCommand {
     if (!m_options.layers.empty()) {
       list->setLayers(layers);
     }
-    page.report = drawSpace(space.block, *list, m_sheet.window ? *m_sheet.window : Box());
+    page.report = drawSpace(space.block, *list, m_sheet.window ? *m_sheet.window : Box(),
+                            m_sheet.theme == Theme::Paper);
     page.picture = newPicture(drawing, space.isModel ? "model space" : space.name, "");
     if (!space.isModel && page.picture.lengthKind != LengthKind::Unknown) {
       // Sheets are drawn in units of paper.
@@ -220,8 +226,46 @@ class PictureCommand : public DrawingCommand {
     page.picture.subtitle =
         countText(static_cast<std::size_t>(page.report.drawn), "entity", "entities");
     page.picture.warnings = warningsOf(page.report);
-    page.picture.drawn.push_back({std::move(list), std::nullopt, 1.0, true, 0});
+    page.picture.drawn.push_back({list, std::nullopt, 1.0, true, 0});
+    if (m_sheet.images) {
+      openImages(page, *list);
+    }
     return page;
+  }
+
+  /// Says under the picture which images do not show.
+  void openImages(DrawnPage& page, const DrawList& list) const {
+    const double dots = m_sheet.paper || m_sheet.scale ? kImageDotsPerPoint : 1.0;
+    findImages(*m_sheet.images, list, layOut(page.picture, m_sheet).view.scale * dots);
+    page.images = list.imagePaths();
+    constexpr std::size_t kMostNamed = 5;
+    std::size_t failed = 0;
+    for (const auto& [path, count] : page.images) {
+      const ImageFiles::File& file = m_sheet.images->fileOf(path);
+      if (!file.problem.empty() && ++failed <= kMostNamed) {
+        page.picture.warnings.push_back(
+            fmt::format("image not shown: '{}': {}", path, file.problem));
+      }
+    }
+    if (failed > kMostNamed) {
+      page.picture.warnings.push_back(
+          fmt::format("and {} more", countText(failed - kMostNamed, "image")));
+    }
+  }
+
+  nlohmann::json imagesJson(const DrawnPage& page) const {
+    nlohmann::json list = nlohmann::json::array();
+    for (const auto& [path, count] : page.images) {
+      const ImageFiles::File& file = m_sheet.images->fileOf(path);
+      const auto textOrNull = [](const std::string& text) {
+        return text.empty() ? nlohmann::json() : nlohmann::json(drawable(text));
+      };
+      list.push_back({{"path", drawable(path)},
+                      {"count", count},
+                      {"file", textOrNull(file.file)},
+                      {"problem", textOrNull(file.problem)}});
+    }
+    return list;
   }
 
   void write(std::vector<DrawnPage>& pages, const DrawingJob& job) const {
@@ -259,6 +303,9 @@ class PictureCommand : public DrawingCommand {
       if (pages.size() > 1 && !isPagesFile(page.file)) {
         report.line("    {}", page.file);
       }
+      if (!page.report.notPlotted.empty()) {
+        report.line("    {}", notPlottedText(page.report));
+      }
       for (const std::string& warning : page.picture.warnings) {
         report.warn(fmt::format("{}: {}", page.space.name, warning));
       }
@@ -272,6 +319,9 @@ class PictureCommand : public DrawingCommand {
            {"entities", page.report.drawn},
            {"framed", page.report.framed},
            {"leftOut", kindsJson({page.report.leftOut.begin(), page.report.leftOut.end()})},
+           {"notPlotted",
+            kindsJson({page.report.notPlotted.begin(), page.report.notPlotted.end()})},
+           {"images", imagesJson(page)},
            {"scale", scale > 0.0 ? nlohmann::json(scale) : nlohmann::json()},
            {"pageSize", {millimeters(layout.page.width), millimeters(layout.page.height)}},
            {"view",
@@ -305,6 +355,7 @@ class PictureCommand : public DrawingCommand {
   std::string m_scale;
   double m_dpi = 0.0;
   std::string m_text = "text";
+  bool m_hasImages = false;
   SheetOptions m_sheet;
 };
 

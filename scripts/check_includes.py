@@ -43,6 +43,7 @@ LIBRARIES = {
     "nlohmann/": {"commands", "tests"},
     "cairo": {"commands", "tests"},
     "pango/": {"commands"},
+    "gdk-pixbuf/": {"commands"},
     "fontconfig/": {"commands"},
     "tiny_gltf.h": {"commands"},
     "geos_c.h": {"embedded/db/regions", "plan", "bench", "tests"},

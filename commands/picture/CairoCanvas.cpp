@@ -12,9 +12,6 @@ namespace quoin::commands {
 
 namespace {
 
-struct SurfaceDeleter {
-  void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
-};
 struct ContextDeleter {
   void operator()(cairo_t* cairo) const { cairo_destroy(cairo); }
 };
@@ -86,7 +83,7 @@ class CairoCanvas : public Canvas {
     cairo_fill(m_cairo.get());
   }
 
-  void text(const SetLine& line, const TextPlace& place, const Color& color,
+  void text(const SetLine& line, const SheetPlace& place, const Color& color,
             double opacity) override {
     cairo_save(m_cairo.get());
     const cairo_matrix_t matrix{place.alongX, place.alongY, place.downX,
@@ -103,6 +100,27 @@ class CairoCanvas : public Canvas {
       pango_cairo_show_layout_line(m_cairo.get(), line.line);
     }
     cairo_new_path(m_cairo.get());
+    cairo_restore(m_cairo.get());
+  }
+
+  void image(const std::shared_ptr<const Raster>& raster, const SheetPlace& place, double opacity,
+             bool isNear) override {
+    cairo_save(m_cairo.get());
+    const cairo_matrix_t matrix{place.alongX, place.alongY, place.downX,
+                                place.downY,  place.x,      place.y};
+    cairo_transform(m_cairo.get(), &matrix);
+    cairo_scale(m_cairo.get(), 1.0 / raster->width, 1.0 / raster->height);
+    cairo_new_path(m_cairo.get());
+    if (!m_isPdf && isNear) {
+      // The outermost pixels reach to the very edge instead of fading away there.
+      cairo_rectangle(m_cairo.get(), 0.0, 0.0, raster->width, raster->height);
+      cairo_clip(m_cairo.get());
+    }
+    cairo_set_source_surface(m_cairo.get(), raster->surface.get(), 0.0, 0.0);
+    if (!m_isPdf && isNear) {
+      cairo_pattern_set_extend(cairo_get_source(m_cairo.get()), CAIRO_EXTEND_PAD);
+    }
+    cairo_paint_with_alpha(m_cairo.get(), opacity);
     cairo_restore(m_cairo.get());
   }
 

@@ -9,6 +9,7 @@
 #include "commands/picture/Box.h"
 #include "commands/picture/Lettering.h"
 #include "commands/picture/Picture.h"
+#include "commands/picture/Raster.h"
 
 namespace quoin::commands {
 
@@ -25,8 +26,9 @@ struct Pen {
   double dashStart = 0.0;
 };
 
-/// From the letters of a set line (x along it, y down, in its font size) to the page.
-struct TextPlace {
+/// From the letters of a set line (x along it, y down, in its font size), or from an image one wide
+/// and one high (x along its rows, y down), to the page.
+struct SheetPlace {
   double x = 0.0;
   double y = 0.0;
   double alongX = 1.0;
@@ -57,8 +59,11 @@ class Canvas {
   /// Strokes, or fills by the even-odd rule, what was drawn since the last of these.
   virtual void stroke(const Pen& pen) = 0;
   virtual void fill(const Color& color, double opacity) = 0;
-  virtual void text(const SetLine& line, const TextPlace& place, const Color& color,
+  virtual void text(const SetLine& line, const SheetPlace& place, const Color& color,
                     double opacity) = 0;
+  /// `isNear` says that no corner is far outside of the page.
+  virtual void image(const std::shared_ptr<const Raster>& raster, const SheetPlace& place,
+                     double opacity, bool isNear) = 0;
 
   /// Dots of the page's own grid in a point; 0 where there is none, as on paper.
   virtual double dotsPerPoint() const = 0;

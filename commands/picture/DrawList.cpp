@@ -271,7 +271,8 @@ void DrawList::image(const hostx::DrawImage& image, const hostx::DrawLook& look)
       made.clip.emplace_back(corner.x, corner.y);
     }
   }
-  if (made.clip.size() < 3) {
+  made.isClipped = made.clip.size() >= 3;
+  if (!made.isClipped) {
     made.clip = {made.origin, made.origin + made.u, made.origin + made.u + made.v,
                  made.origin + made.v};
   }
@@ -328,6 +329,14 @@ Box DrawList::boxOf(const PathView& path) {
     }
   }
   return box;
+}
+
+std::map<std::string, std::size_t> DrawList::imagePaths() const {
+  std::map<std::string, std::size_t> paths;
+  for (const Image& image : m_images) {
+    ++paths[image.path];
+  }
+  return paths;
 }
 
 std::size_t DrawList::countIn(const Box& box) const {

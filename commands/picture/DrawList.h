@@ -62,7 +62,8 @@ class DrawList : public hostx::DrawSink {
     AcGePoint2d origin;
     AcGeVector2d u;
     AcGeVector2d v;
-    std::vector<AcGePoint2d> clip;
+    std::vector<AcGePoint2d> clip;  // corners of what shows
+    bool isClipped = false;         // rather than the whole image
   };
 
   /// Walks over the primitives.
@@ -114,6 +115,8 @@ class DrawList : public hostx::DrawSink {
   std::size_t countIn(const Box& box) const;
   const std::vector<Look>& looks() const { return m_looks; }
   const std::vector<std::wstring>& fonts() const { return m_fonts; }
+  /// The paths that name images, and how many images each.
+  std::map<std::string, std::size_t> imagePaths() const;
 
   static Box boxOf(const PathView& path);
 

@@ -31,6 +31,8 @@ constexpr double kLeastLetters = 1.8;  // dots
 /// And no letters are larger than this: nobody reads them, and libraries give up.
 constexpr double kMostLetters = 5000.0;  // points
 constexpr double kBarOpacity = 0.45;
+/// Of images behind marks.
+constexpr double kFaintImage = 0.35;
 
 bool isSame(const Color& a, const Color& b) {
   return a.red == b.red && a.green == b.green && a.blue == b.blue;
@@ -374,12 +376,12 @@ class Painter {
     }
     const AcGePoint2d start = text.start();
     const AcGeVector2d up = text.up * (down / text.up.length());
-    TextPlace place{m_view.x(start.x),
-                    m_view.y(start.y),
-                    text.along.x * along,
-                    -text.along.y * along,
-                    -up.x,
-                    up.y};
+    SheetPlace place{m_view.x(start.x),
+                     m_view.y(start.y),
+                     text.along.x * along,
+                     -text.along.y * along,
+                     -up.x,
+                     up.y};
     const double area = place.alongX * place.downY - place.alongY * place.downX;
     if (!std::isfinite(area) || std::fabs(area) < kLeastArea) {
       return;
@@ -408,7 +410,7 @@ class Painter {
     m_canvas.stroke({look.color, look.opacity * opacity, width, {}, 0.0});
   }
 
-  /// The frame of an image with the name of its file, which is not opened.
+  /// An image in its frame; without its file, the frame with the name of it.
   void paintImage(const DrawList::Reader& reader) {
     const DrawList::Image& image = reader.image();
     const Shown& look = shown(reader);
@@ -417,10 +419,14 @@ class Painter {
       box.add(corner);
     }
     const Box sheet = m_path.onSheet(box);
-    if (box.isEmpty() || !sheet.touches(m_view.clip) || !m_path.isNear(sheet)) {
+    if (box.isEmpty() || !sheet.touches(m_view.clip)) {
       return;
     }
     setGroup(look);
+    const bool isShown = paintRaster(image, look, sheet);
+    if (!m_path.isNear(sheet)) {
+      return;
+    }
     for (std::size_t i = 0; i < image.clip.size(); ++i) {
       const double x = m_view.x(image.clip[i].x);
       const double y = m_view.y(image.clip[i].y);
@@ -428,7 +434,63 @@ class Painter {
     }
     m_canvas.closePath();
     m_canvas.stroke(penOf(look));
-    paintImageName(image, look, sheet);
+    if (!isShown) {
+      paintImageName(image, look, sheet);
+    }
+  }
+
+  bool paintRaster(const DrawList::Image& image, const Shown& look, const Box& sheet) {
+    if (!m_style.images) {
+      return false;
+    }
+    const AcGePoint2d top = image.origin + image.v;
+    const SheetPlace place{m_view.x(top.x),           m_view.y(top.y),
+                           image.u.x * m_view.scale,  -image.u.y * m_view.scale,
+                           -image.v.x * m_view.scale, image.v.y * m_view.scale};
+    const double area = place.alongX * place.downY - place.alongY * place.downX;
+    if (!std::isfinite(area) || std::fabs(area) < kLeastArea) {
+      return false;
+    }
+    const double dots = m_view.scale * (m_dots > 0.0 ? m_dots : kImageDotsPerPoint);
+    const std::shared_ptr<const Raster> raster =
+        m_style.images->raster(image.path, image.u.length() * dots, image.v.length() * dots);
+    if (!raster) {
+      return false;
+    }
+    cover();
+    if (image.isClipped) {
+      drawCorners(image.clip, sheet);
+      m_canvas.beginPathClip();
+      if (m_style.layerName) {
+        m_canvas.setGroup(look.layer);
+      }
+    }
+    Box whole;
+    for (const AcGeVector2d& corner :
+         {AcGeVector2d(0.0, 0.0), image.u, image.v, image.u + image.v}) {
+      whole.add(image.origin + corner);
+    }
+    const double faint = m_style.theme == Theme::Faint ? kFaintImage : 1.0;
+    m_canvas.image(raster, place, look.opacity * faint, m_path.isNear(m_path.onSheet(whole)));
+    if (image.isClipped) {
+      m_canvas.endClip();
+      if (m_style.layerName) {
+        m_canvas.setGroup(look.layer);
+      }
+    }
+    return true;
+  }
+
+  void drawCorners(const std::vector<AcGePoint2d>& corners, const Box& sheet) {
+    std::vector<DrawList::Verb> verbs;
+    std::vector<double> numbers;
+    for (const AcGePoint2d& corner : corners) {
+      verbs.push_back(verbs.empty() ? DrawList::Verb::Move : DrawList::Verb::Line);
+      numbers.push_back(corner.x);
+      numbers.push_back(corner.y);
+    }
+    verbs.push_back(DrawList::Verb::Close);
+    drawFill({verbs.data(), verbs.size(), numbers.data()}, sheet);
   }
 
   void paintImageName(const DrawList::Image& image, const Shown& look, const Box& sheet) {
@@ -477,6 +539,15 @@ class Painter {
 
 Color paperOf(Theme theme) {
   return theme == Theme::Screen ? kDark : kWhite;
+}
+
+void findImages(ImageFiles& images, const DrawList& list, double dotsPerUnit) {
+  for (DrawList::Reader reader(list); reader.next();) {
+    if (reader.kind() == DrawList::Kind::Image) {
+      const DrawList::Image& image = reader.image();
+      images.raster(image.path, image.u.length() * dotsPerUnit, image.v.length() * dotsPerUnit);
+    }
+  }
 }
 
 void paintList(Canvas& canvas, const DrawList& list, const ListStyle& style,

@@ -8,6 +8,7 @@
 
 #include "commands/picture/Canvas.h"
 #include "commands/picture/DrawList.h"
+#include "commands/picture/ImageFiles.h"
 
 namespace quoin::commands {
 
@@ -25,6 +26,7 @@ struct ListStyle {
   bool hasTexts = true;
   double pointsPerMillimeter = 4.0;  // of line weights
   double thinnest = 0.7;             // points
+  ImageFiles* images = nullptr;      // null: they are frames with the names of their files
   /// The name of a layer, for pages that keep layers apart; empty where they do not.
   std::function<std::string(const AcDbObjectId& layer)> layerName;
 };
@@ -41,6 +43,12 @@ struct SheetView {
   double x(double drawingX) const { return left + (drawingX - minX) * scale; }
   double y(double drawingY) const { return bottom - (drawingY - minY) * scale; }
 };
+
+/// Dots of an image in one point of a page that has none of its own.
+inline constexpr double kImageDotsPerPoint = 300.0 / 72.0;
+/// Asks for all images of a list, so that what cannot be shown is known before anything is painted.
+/// Fails: throws CommandError (Interrupted).
+void findImages(ImageFiles& images, const DrawList& list, double dotsPerUnit);
 
 /// Fails: throws CommandError (Interrupted).
 void paintList(Canvas& canvas, const DrawList& list, const ListStyle& style, const SheetView& view);

@@ -31,11 +31,26 @@ hostx::DrawOptions optionsOf(const Box& box) {
 
 }  // namespace
 
-hostx::DrawReport drawSpace(const AcDbObjectId& block, DrawList& list, const Box& view) {
+hostx::DrawReport drawSpace(const AcDbObjectId& block, DrawList& list, const Box& view,
+                            bool isPlot) {
   hostx::DrawReport report;
-  Progress::during("Drawing", [&] { report = hostx::drawBlock(block, list, optionsOf(view)); });
+  hostx::DrawOptions options = optionsOf(view);
+  options.isPlot = isPlot;
+  Progress::during("Drawing", [&] { report = hostx::drawBlock(block, list, options); });
   Progress::checkInterrupt();
   return report;
+}
+
+std::string notPlottedText(const hostx::DrawReport& report) {
+  std::size_t all = 0;
+  std::string layers;
+  for (const auto& [layer, count] : report.notPlotted) {
+    all += static_cast<std::size_t>(count);
+    layers += fmt::format("{}{} {}", layers.empty() ? "" : ", ", os::toUtf8(layer), count);
+  }
+  return all == 0 ? std::string()
+                  : fmt::format("{} on layers that are not plotted: {}",
+                                countText(all, "entity", "entities"), layers);
 }
 
 std::vector<std::string> warningsOf(const hostx::DrawReport& report) {

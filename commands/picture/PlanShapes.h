@@ -22,9 +22,13 @@ void addEntityShapes(Picture& picture, Drawing& drawing, const std::vector<AcDbO
                      const Color& color, double width);
 
 /// What a block shows (model space, the space of a layout), drawn into `list`; where it is known
-/// that only a box is looked at, what reaches endlessly far is cut off there.
-/// Fails: throws CommandError (Interrupted).
-hostx::DrawReport drawSpace(const AcDbObjectId& block, DrawList& list, const Box& view = {});
+/// that only a box is looked at, what reaches endlessly far is cut off there. `isPlot` leaves out
+/// what lies on layers that are not plotted. Fails: throws CommandError (Interrupted).
+hostx::DrawReport drawSpace(const AcDbObjectId& block, DrawList& list, const Box& view = {},
+                            bool isPlot = false);
+
+/// "12 entities on layers that are not plotted: Defpoints 10, NOTES 2"; empty for none.
+std::string notPlottedText(const hostx::DrawReport& report);
 
 /// What the report says was not drawn as it is, as sentences.
 std::vector<std::string> warningsOf(const hostx::DrawReport& report);

@@ -149,6 +149,7 @@ class SheetPainter {
       style.pointsPerMillimeter = kPointsPerInch / 25.4;
       style.thinnest = kThinnest * style.pointsPerMillimeter;
     }
+    style.images = m_options.images.get();
     if (m_hasGroups) {
       style.layerName = m_picture.layerName;
     }
@@ -194,12 +195,12 @@ class SheetPainter {
     const double back = -label.alongShare * line.width * share;
     const double down = label.upShare * size;
     // On the page angles run the other way round.
-    const TextPlace place{sheetX(label.position.x) + cosine * back + sine * down,
-                          sheetY(label.position.y) - sine * back + cosine * down,
-                          cosine * share,
-                          -sine * share,
-                          sine * share,
-                          cosine * share};
+    const SheetPlace place{sheetX(label.position.x) + cosine * back + sine * down,
+                           sheetY(label.position.y) - sine * back + cosine * down,
+                           cosine * share,
+                           -sine * share,
+                           sine * share,
+                           cosine * share};
     m_canvas.text(line, place, label.color, 1.0);
   }
 

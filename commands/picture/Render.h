@@ -2,11 +2,13 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "commands/picture/Box.h"
+#include "commands/picture/ImageFiles.h"
 #include "commands/picture/ListPainter.h"
 #include "commands/picture/PaperSize.h"
 #include "commands/picture/Picture.h"
@@ -24,6 +26,8 @@ struct SheetOptions {
   std::optional<double> scale;
   double dpi = 0.0;  // of a PNG; 0 for one dot a point, or 150 with paper or scale
   bool hasTextOutlines = false;
+  /// Opens the files of images; without it, images are frames with the names of their files.
+  std::shared_ptr<ImageFiles> images;
 };
 
 /// Whether the file's ending is one that renderPicture writes: .png, .svg, .pdf.

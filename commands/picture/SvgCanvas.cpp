@@ -5,6 +5,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <map>
 
 #include "commands/picture/Canvas.h"
 
@@ -62,6 +63,19 @@ std::string escaped(const std::string& text) {
 std::string colorText(const Color& color) {
   const auto byte = [](double share) { return static_cast<int>(std::lround(share * 255.0)); };
   return fmt::format("#{:02x}{:02x}{:02x}", byte(color.red), byte(color.green), byte(color.blue));
+}
+
+cairo_status_t appendTo(void* closure, const unsigned char* data, unsigned int length) {
+  static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
+  return CAIRO_STATUS_SUCCESS;
+}
+
+std::string base64(std::string_view bytes) {
+  gchar* const encoded =
+      g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size());
+  std::string text = encoded;
+  g_free(encoded);
+  return text;
 }
 
 class SvgCanvas : public Canvas {
@@ -165,22 +179,17 @@ class SvgCanvas : public Canvas {
     endPath();
   }
 
-  void text(const SetLine& line, const TextPlace& place, const Color& color,
+  void text(const SetLine& line, const SheetPlace& place, const Color& color,
             double opacity) override {
     if (m_options.hasTextOutlines) {
       addOutlines(line, place);
       fill(color, opacity);
       return;
     }
-    m_bytes += "<text transform=\"matrix(";
-    for (const double number :
-         {place.alongX, place.alongY, place.downX, place.downY, place.x, place.y}) {
-      append(m_bytes, number, 6);
-      m_bytes += ' ';
-    }
-    m_bytes.back() = ')';
+    m_bytes += "<text";
+    addTransform(place);
     m_bytes += fmt::format(
-        "\" font-family=\"'{}', 'WenQuanYi Micro Hei', sans-serif\" "
+        " font-family=\"'{}', 'WenQuanYi Micro Hei', sans-serif\" "
         "font-size=\"{}\"{}{} textLength=\"{}\" lengthAdjust=\"spacingAndGlyphs\" fill=\"{}\"",
         line.face.family, numberText(Lettering::kFontSize),
         line.face.isBold ? " font-weight=\"bold\"" : "",
@@ -192,10 +201,42 @@ class SvgCanvas : public Canvas {
     m_bytes += " xml:space=\"preserve\">" + escaped(line.text) + "</text>\n";
   }
 
+  void image(const std::shared_ptr<const Raster>& raster, const SheetPlace& place, double opacity,
+             bool /*isNear*/) override {
+    const auto [known, isNew] = m_images.try_emplace(raster, m_images.size());
+    if (isNew) {
+      std::string png;
+      cairo_surface_write_to_png_stream(raster->surface.get(), appendTo, &png);
+      m_bytes += fmt::format(
+          "<defs xmlns:xlink=\"http://www.w3.org/1999/xlink\"><image id=\"i{}\" width=\"1\" "
+          "height=\"1\" preserveAspectRatio=\"none\" "
+          "xlink:href=\"data:image/png;base64,{}\"/></defs>\n",
+          known->second, base64(png));
+    }
+    m_bytes += fmt::format("<use xmlns:xlink=\"http://www.w3.org/1999/xlink\" xlink:href=\"#i{}\"",
+                           known->second);
+    addTransform(place);
+    if (opacity < 1.0) {
+      m_bytes += fmt::format(" opacity=\"{}\"", numberText(opacity));
+    }
+    m_bytes += "/>\n";
+  }
+
   double dotsPerPoint() const override { return 0.0; }
   std::string bytes(const std::string& /*name*/) override { return std::move(m_bytes); }
 
  private:
+  void addTransform(const SheetPlace& place) {
+    m_bytes += " transform=\"matrix(";
+    for (const double number :
+         {place.alongX, place.alongY, place.downX, place.downY, place.x, place.y}) {
+      append(m_bytes, number, 6);
+      m_bytes += ' ';
+    }
+    m_bytes.back() = ')';
+    m_bytes += '"';
+  }
+
   /// A verb with its numbers; a hundredth of a point is finer than anybody prints.
   void add(char verb, std::initializer_list<double> numbers) {
     // Behind M, and behind L, a letter L need not stand.
@@ -222,7 +263,7 @@ class SvgCanvas : public Canvas {
     m_last = 0;
   }
 
-  void addOutlines(const SetLine& line, const TextPlace& place) {
+  void addOutlines(const SetLine& line, const SheetPlace& place) {
     cairo_surface_t* const surface = cairo_recording_surface_create(CAIRO_CONTENT_ALPHA, nullptr);
     cairo_t* const cairo = cairo_create(surface);
     pango_cairo_layout_line_path(cairo, line.line);
@@ -261,6 +302,8 @@ class SvgCanvas : public Canvas {
   char m_last = 0;
   std::string m_layer;
   std::size_t m_clips = 0;
+  /// Which images stand in the file, and are kept so that no other one takes their place.
+  std::map<std::shared_ptr<const Raster>, std::size_t> m_images;
 };
 
 }  // namespace

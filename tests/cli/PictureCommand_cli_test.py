@@ -193,6 +193,134 @@ class PictureTest(cli.CliTest):
             self.run_ok("picture", plan, "-o", self.path(name), "--window", "-5,-5,5,5")
 
 
+def png(width, height, color):
+    """The bytes of a PNG of one colour whose upper left quarter is blue."""
+    def chunk(kind, body):
+        return (struct.pack(">I", len(body)) + kind + body +
+                struct.pack(">I", zlib.crc32(kind + body)))
+    rows = b"".join(b"\0" + b"".join(
+        bytes((0, 0, 255) if x < width / 2 and y < height / 2 else color) for x in range(width))
+        for y in range(height))
+    return (b"\x89PNG\r\n\x1a\n" +
+            chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0)) +
+            chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
+
+
+class PictureImagesTest(cli.CliTest):
+    """--images: the only files that drawings name and Quoin opens."""
+
+    def plan(self, name="house.png", **attributes):
+        space = self.draw("plan.dxf")
+        definition = self.documents["plan.dxf"].add_image_def(name, (20, 10))
+        image = space.add_image(definition, insert=(0, 0), size_in_units=(200, 100))
+        for key, value in attributes.items():
+            image.dxf.set(key, value)
+        return self.save("plan.dxf"), image
+
+    def test_without_it_no_file_is_opened(self):
+        plan, _ = self.plan()
+        self.path("house.png").write_bytes(png(20, 10, (255, 0, 0)))
+        report = self.report("picture", plan, "-o", self.path("p.png"))
+        self.assertEqual(report["pages"][0]["images"], [])
+        self.assertFalse(shows(self.path("p.png"), (255, 0, 0)))
+
+    def test_images_show_in_every_format(self):
+        plan, _ = self.plan("C:\\plans\\house.png")
+        self.path("house.png").write_bytes(png(20, 10, (255, 0, 0)))
+        report = self.report("picture", plan, "-o", self.path("p.png"), "--images")
+        self.assertEqual(report["pages"][0]["images"], [
+            {"path": "C:\\plans\\house.png", "count": 1, "file": str(self.path("house.png")),
+             "problem": None}])
+        self.assertEqual(report["warnings"], [])
+        found = colors(self.path("p.png"))
+        self.assertTrue((255, 0, 0) in found and (0, 0, 255) in found)
+        # Blue above and left of red.
+        _, _, rows = pixels(self.path("p.png"))
+        blue, red = ([(x, y) for y, row in enumerate(rows) for x in range(0, len(row) // 3, 5)
+                      if tuple(row[3 * x:3 * x + 3]) == color]
+                     for color in ((0, 0, 255), (255, 0, 0)))
+        self.assertLess(max(x for x, _ in blue), 5 + min(x for x, y in red if y <= blue[0][1]))
+        self.assertLess(max(y for _, y in blue), 5 + min(y for x, y in red if x <= blue[0][0]))
+        self.run_ok("picture", plan, "-o", self.path("p.svg"), "--images")
+        text = self.path("p.svg").read_text()
+        self.assertEqual(text.count("data:image/png;base64,"), 1)
+        self.run_ok("picture", plan, "-o", self.path("p.pdf"), "--images")
+        self.assertIn(b"/Subtype /Image", self.path("p.pdf").read_bytes())
+
+    def test_turned_and_clipped(self):
+        plan, image = self.plan(u_pixel=(0, 10, 0), v_pixel=(-10, 0, 0))
+        image.set_boundary_path([(10, 0), (20, 0), (20, 10), (10, 10)])
+        self.documents["plan.dxf"].saveas(plan)
+        self.path("house.png").write_bytes(png(20, 10, (255, 0, 0)))
+        self.run_ok("picture", plan, "-o", self.path("p.png"), "--images")
+        # What is clipped away is all of its blue.
+        self.assertTrue(shows(self.path("p.png"), (255, 0, 0)))
+        self.assertNotIn((0, 0, 255), colors(self.path("p.png")))
+        self.run_ok("picture", plan, "-o", self.path("p.svg"), "--images")
+        self.assertIn('transform="matrix(', self.path("p.svg").read_text())
+
+    def test_what_cannot_be_shown_is_named(self):
+        for make, words in ((lambda path: None, "there is no such file"),
+                            (lambda path: path.mkdir(), "it is a folder"),
+                            (os.mkfifo, "it is no ordinary file"),
+                            (lambda path: path.write_bytes(b"\x89PNG\r\n\x1a\nno"), "it is damaged")):
+            path = self.path("house.png")
+            path.unlink(missing_ok=True) if not path.is_dir() else path.rmdir()
+            make(path)
+            plan, _ = self.plan()
+            for name in ("p.png", "p.pdf", "p.svg"):
+                report = self.report("picture", plan, "-o", self.path(name), "--images")
+                self.assertEqual(report["pages"][0]["images"][0]["problem"], words)
+                self.assertIn(f"image not shown: 'house.png': {words}", report["warnings"][0])
+        self.assertIn(words, self.path("p.svg").read_text())
+
+    def test_the_same_bytes(self):
+        plan, _ = self.plan()
+        self.path("house.png").write_bytes(png(300, 200, (250, 120, 0)))
+        for ending in ("png", "svg", "pdf"):
+            found = set()
+            for _ in range(2):
+                self.run_ok("picture", plan, "-o", self.path("p." + ending), "--images")
+                found.add(self.path("p." + ending).read_bytes())
+            self.assertEqual(len(found), 1, ending)
+
+    def test_windows_far_inside_an_image(self):
+        plan, _ = self.plan()
+        self.path("house.png").write_bytes(png(20, 10, (255, 0, 0)))
+        for name in ("p.png", "p.svg", "p.pdf"):
+            self.run_ok("picture", plan, "-o", self.path(name), "--images",
+                        "--window", "150,20,150.001,20.001")
+        self.run_ok("picture", plan, "-o", self.path("p.png"), "--images",
+                    "--window", "150,20,150.001,20.001")
+        self.assertIn((255, 0, 0), colors(self.path("p.png")))
+
+
+class PicturePlotTest(cli.CliTest):
+    """Layers that are not plotted show on screens alone."""
+
+    def test_paper_leaves_them_out_and_counts_them(self):
+        space = self.draw("plan.dxf")
+        document = self.documents["plan.dxf"]
+        document.layers.add("NOTES", color=1).dxf.plot = 0
+        if "Defpoints" not in document.layers:
+            document.layers.add("Defpoints", color=5)
+        space.add_line((0, 0), (100, 0))
+        space.add_line((0, 20), (100, 20), dxfattribs={"layer": "NOTES"})
+        space.add_line((0, 40), (100, 40), dxfattribs={"layer": "Defpoints", "color": 5})
+        plan = self.save("plan.dxf")
+        page = self.report("picture", plan, "-o", self.path("p.png"))["pages"][0]
+        self.assertEqual(page["notPlotted"], {"Defpoints": 1, "NOTES": 1})
+        self.assertEqual(page["entities"], 1)
+        for color in ((255, 0, 0), (0, 0, 255)):
+            self.assertFalse(shows(self.path("p.png"), color))
+        self.assertIn("2 entities on layers that are not plotted: Defpoints 1, NOTES 1",
+                      self.run_ok("picture", plan, "-o", self.path("p.png")))
+        page = self.report("picture", plan, "-o", self.path("s.png"), "--theme",
+                           "screen")["pages"][0]
+        self.assertEqual((page["notPlotted"], page["entities"]), ({}, 3))
+        self.assertTrue(shows(self.path("s.png"), (255, 0, 0)))
+
+
 class PicturePaperTest(cli.CliTest):
     def plan(self, units=4, size=(20000, 10000)):
         space = self.draw("plan.dxf")
