@@ -277,6 +277,16 @@ void ImageFiles::load(Entry& entry, double width, double height) {
     return;
   }
   bytes = {};
+  const std::uint64_t pixels = static_cast<std::uint64_t>(gdk_pixbuf_get_width(decoder.pixels())) *
+                               static_cast<std::uint64_t>(gdk_pixbuf_get_height(decoder.pixels()));
+  const std::uint64_t more = pixels - std::min(pixels, entry.pixels);
+  if (m_together + more > m_mostTogether) {
+    entry.told.problem = fmt::format("with it, the images have more than {} million pixels",
+                                     m_mostTogether / 1'000'000);
+    return;
+  }
+  m_together += more;
+  entry.pixels = std::max(pixels, entry.pixels);
   keepWithin(kMostPixels / 4);
   entry.raster = rasterOf(decoder.pixels());
   entry.halvings = decoder.halvings();

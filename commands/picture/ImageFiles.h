@@ -19,6 +19,8 @@ class ImageFiles {
   /// Images of more pixels are not read: decoding takes up to eight bytes each.
   static constexpr std::uint64_t kMostPixels = 100'000'000;
   static constexpr std::uint64_t kMostBytes = 512'000'000;
+  /// And no more of them together, halved as they are shown: pages keep what is on them.
+  static constexpr std::uint64_t kMostTogether = 250'000'000;
 
   struct File {
     std::string path;     // as the drawing has it, UTF-8
@@ -26,7 +28,9 @@ class ImageFiles {
     std::string problem;  // why it does not show; empty where it does
   };
 
-  explicit ImageFiles(const std::filesystem::path& drawing) : m_folder(drawing.parent_path()) {}
+  explicit ImageFiles(const std::filesystem::path& drawing,
+                      std::uint64_t mostTogether = kMostTogether)
+      : m_folder(drawing.parent_path()), m_mostTogether(mostTogether) {}
 
   /// The image that a drawing names by `path`, no finer than needed where it is shown in so many
   /// dots; null where it cannot be shown.
@@ -39,8 +43,8 @@ class ImageFiles {
   struct Entry {
     File told;
     std::shared_ptr<const Raster> raster;
-    int halvings = 0;  // of the file's size
-    bool isTried = false;
+    int halvings = 0;          // of the file's size
+    std::uint64_t pixels = 0;  // that count to those of all
   };
 
   Entry& entryOf(const std::string& path);
@@ -50,6 +54,8 @@ class ImageFiles {
   void keepWithin(std::uint64_t pixels);
 
   std::filesystem::path m_folder;
+  std::uint64_t m_mostTogether;
+  std::uint64_t m_together = 0;
   std::map<std::string, Entry> m_entries;
 };
 

@@ -118,6 +118,18 @@ TEST_F(ImageFilesTest, OfTooManyPixelsAreNotDecoded) {
   }
 }
 
+TEST_F(ImageFilesTest, AreBoundedTogether) {
+  putPng(m_folder.file("a.png"), 1000, 1000);
+  ImageFiles images(m_folder.file("plan.dxf"), 2'000'000);
+  EXPECT_NE(images.raster("a.png", 1000.0, 1000.0), nullptr);
+  EXPECT_NE(images.raster("./a.png", 1000.0, 1000.0), nullptr);
+  EXPECT_EQ(images.raster("././a.png", 1000.0, 1000.0), nullptr);
+  EXPECT_EQ(images.fileOf("././a.png").problem,
+            "with it, the images have more than 2 million pixels");
+  // What was shown stays shown.
+  EXPECT_NE(images.raster("a.png", 1000.0, 1000.0), nullptr);
+}
+
 /// Whatever stands in a file, decoding it ends.
 TEST_F(ImageFilesTest, ThatAreDamagedAnywhereNeitherCrashNorHang) {
   putPng(m_folder.file("whole.png"), 16, 16);
