@@ -12,6 +12,7 @@
 #include "commands/OutputFile.h"
 #include "commands/Progress.h"
 #include "commands/ReportFields.h"
+#include "commands/UnitsJudgement.h"
 #include "commands/Usage.h"
 #include "commands/Words.h"
 #include "commands/picture/DrawList.h"
@@ -217,9 +218,13 @@ class PictureCommand : public DrawingCommand {
     page.report = drawSpace(space.block, *list, m_sheet.window ? *m_sheet.window : Box(),
                             m_sheet.theme == Theme::Paper);
     page.picture = newPicture(drawing, space.isModel ? "model space" : space.name, "");
-    if (!space.isModel && page.picture.lengthKind != LengthKind::Unknown) {
+    constexpr double kInch = 25.4;
+    if (space.isModel && page.picture.lengthKind != LengthKind::Imperial &&
+        writesFeetAndInches(drawing)) {
+      page.picture.lengthKind = LengthKind::Imperial;
+      page.picture.millimetersPerUnit = kInch;
+    } else if (!space.isModel && page.picture.lengthKind != LengthKind::Unknown) {
       // Sheets are drawn in units of paper.
-      constexpr double kInch = 25.4;
       page.picture.millimetersPerUnit =
           page.picture.lengthKind == LengthKind::Imperial ? kInch : 1.0;
     }

@@ -196,6 +196,13 @@ std::vector<double> readDimensions(Drawing& drawing) {
 
 }  // namespace
 
+bool writesFeetAndInches(Drawing& drawing) {
+  constexpr int kEngineering = 3;
+  constexpr int kArchitectural = 4;
+  const int linear = db::linearUnits(drawing.database());
+  return linear == kEngineering || linear == kArchitectural;
+}
+
 UnitsEvidence gatherUnitsEvidence(Drawing& drawing, const std::vector<WallLine>& walls) {
   UnitsEvidence evidence;
   evidence.named = drawing.info().units;
@@ -210,10 +217,7 @@ UnitsEvidence gatherUnitsEvidence(Drawing& drawing, const std::vector<WallLine>&
   }
   evidence.span = walls.empty() ? 0.0 : std::max(most.x - least.x, most.y - least.y);
   evidence.dimensions = readDimensions(drawing);
-  constexpr int kEngineering = 3;
-  constexpr int kArchitectural = 4;
-  const int linear = db::linearUnits(drawing.database());
-  evidence.showsFeetAndInches = linear == kEngineering || linear == kArchitectural;
+  evidence.showsFeetAndInches = writesFeetAndInches(drawing);
   evidence.isImperial = drawing.database().measurement() == 0;
   return evidence;
 }

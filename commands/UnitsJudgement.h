@@ -31,6 +31,9 @@ struct UnitsEvidence {
   bool isImperial = false;
 };
 
+/// Whether $LUNITS writes lengths in feet and inches, where a drawing unit is an inch.
+bool writesFeetAndInches(Drawing& drawing);
+
 /// Looks at the header, the walls and the first dimensions of model space.
 UnitsEvidence gatherUnitsEvidence(Drawing& drawing, const std::vector<WallLine>& walls);
 

@@ -233,9 +233,9 @@ def our_ink(program, is_command, drawing, folder):
 
 
 def boxes_of(document):
-    """The boxes of the entities that show and are somewhere."""
+    """The boxes of the entities that show on paper and are somewhere."""
     hidden = {layer.dxf.name.lower() for layer in document.layers
-              if layer.is_off() or layer.is_frozen()}
+              if layer.is_off() or layer.is_frozen() or not layer.dxf.get("plot", 1)} | {"defpoints"}
     cache = bbox.Cache()
     boxes = {}
     for entity in document.modelspace():

@@ -322,9 +322,10 @@ class PicturePlotTest(cli.CliTest):
 
 
 class PicturePaperTest(cli.CliTest):
-    def plan(self, units=4, size=(20000, 10000)):
+    def plan(self, units=4, size=(20000, 10000), lengths=2):
         space = self.draw("plan.dxf")
         self.documents["plan.dxf"].units = units
+        self.documents["plan.dxf"].header["$LUNITS"] = lengths
         space.add_lwpolyline([(0, 0), (size[0], 0), size, (0, size[1])], close=True)
         return self.save("plan.dxf")
 
@@ -338,10 +339,12 @@ class PicturePaperTest(cli.CliTest):
         self.assertEqual(report["pages"][0]["scale"], 100)
 
     def test_lengths_are_true(self):
-        # 20 m at 1:100 are 200 mm, at 1/4" = 1' of a plan in inches 5 inches for 20 feet.
-        for units, size, scale, width in ((4, (20000, 10000), "1:100", 200.0),
-                                          (1, (240, 120), "1/4in=1ft", 127.0)):
-            plan = self.plan(units, size)
+        # 20 m at 1:100 are 200 mm, at 1/4" = 1' of a plan in inches 5 inches for 20 feet. What is
+        # said to be in millimetres and writes feet and inches is in inches.
+        for units, size, scale, width, lengths in ((4, (20000, 10000), "1:100", 200.0, 2),
+                                                   (1, (240, 120), "1/4in=1ft", 127.0, 2),
+                                                   (4, (240, 120), "1/4in=1ft", 127.0, 4)):
+            plan = self.plan(units, size, lengths)
             self.run_ok("picture", plan, "-o", self.path("p.svg"), "--paper", "A3",
                         "--scale", scale)
             text = self.path("p.svg").read_text()
