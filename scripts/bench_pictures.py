@@ -13,11 +13,8 @@ same kind of file by ours: LibreCAD writes PDF here, ezdxf PDF and PNG.
 A peer that is not installed (librecad; python3-ezdxf with python3-matplotlib) is left out.
 """
 
-import argparse
 import importlib.util
-import json
 import os
-import pathlib
 import shutil
 import statistics
 import subprocess
@@ -99,30 +96,14 @@ def self_test():
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--quoin", type=pathlib.Path)
-    parser.add_argument("--sizes", default="10000,100000")
-    parser.add_argument("--rounds", type=int, default=3)
-    parser.add_argument("--folder", type=pathlib.Path, default=pathlib.Path("build/speed"))
-    parser.add_argument("--json", type=pathlib.Path)
-    parser.add_argument("--make", type=int, help=argparse.SUPPRESS)
-    parser.add_argument("--self-test", action="store_true")
-    arguments = parser.parse_args()
+    arguments = bench_plans.parsed_arguments(__doc__.splitlines()[0])
     if arguments.self_test:
         self_test()
-        return
-    if arguments.make:
+    elif arguments.make:
         make(arguments.make, arguments.folder)
-        return
-    os.environ["QT_QPA_PLATFORM"] = "offscreen"
-    rows, all_runs = [], {}
-    for size in map(int, arguments.sizes.split(",")):
-        runs, peers = measure(arguments.quoin.resolve(), size, arguments.rounds, arguments.folder)
-        all_runs[size] = runs
-        rows += rows_of(runs, peers, size)
-    print(bench_plans.as_markdown(rows, HEADINGS))
-    if arguments.json:
-        arguments.json.write_text(json.dumps(all_runs, indent=1) + "\n", encoding="utf-8")
+    else:
+        os.environ["QT_QPA_PLATFORM"] = "offscreen"
+        bench_plans.run_sizes(arguments, measure, rows_of, HEADINGS)
 
 
 if __name__ == "__main__":

@@ -185,30 +185,39 @@ def self_test():
     print("bench_plans: medians, ratios and lines are right")
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--quoin")
+def parsed_arguments(description):
+    parser = argparse.ArgumentParser(description=description)
+    parser.add_argument("--quoin", type=pathlib.Path)
     parser.add_argument("--sizes", default="10000,100000")
     parser.add_argument("--rounds", type=int, default=3)
     parser.add_argument("--folder", type=pathlib.Path, default=pathlib.Path("build/speed"))
     parser.add_argument("--json", type=pathlib.Path)
     parser.add_argument("--make", type=int, help=argparse.SUPPRESS)
     parser.add_argument("--self-test", action="store_true")
-    arguments = parser.parse_args()
-    if arguments.self_test:
-        self_test()
-        return
-    if arguments.make:
-        make(arguments.make, arguments.folder)
-        return
+    return parser.parse_args()
+
+
+def run_sizes(arguments, measure_one, rows_of_one, headings):
+    """Measures every size and prints the table; the runs go to a file where one is named."""
     rows, all_runs = [], {}
     for size in map(int, arguments.sizes.split(",")):
-        runs, peers = measure(arguments.quoin, size, arguments.rounds, arguments.folder)
+        runs, peers = measure_one(arguments.quoin.resolve(), size, arguments.rounds,
+                                  arguments.folder)
         all_runs[size] = runs
-        rows += rows_of(runs, peers, size)
-    print(as_markdown(rows, HEADINGS))
+        rows += rows_of_one(runs, peers, size)
+    print(as_markdown(rows, headings))
     if arguments.json:
         arguments.json.write_text(json.dumps(all_runs, indent=1) + "\n", encoding="utf-8")
+
+
+def main():
+    arguments = parsed_arguments(__doc__.splitlines()[0])
+    if arguments.self_test:
+        self_test()
+    elif arguments.make:
+        make(arguments.make, arguments.folder)
+    else:
+        run_sizes(arguments, measure, rows_of, HEADINGS)
 
 
 if __name__ == "__main__":
