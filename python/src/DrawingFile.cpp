@@ -25,6 +25,7 @@
 #include "commands/SpaceChange.h"
 #include "commands/WallChanges.h"
 #include "commands/WallLines.h"
+#include "commands/picture/DrawList.h"
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
 #include "commands/picture/Render.h"
@@ -296,20 +297,39 @@ struct PictureBytes {
   std::vector<std::string> warnings;
 };
 
+commands::Theme themeNamed(const std::string& name) {
+  if (name == "paper") {
+    return commands::Theme::Paper;
+  }
+  if (name == "screen") {
+    return commands::Theme::Screen;
+  }
+  if (name == "faint") {
+    return commands::Theme::Faint;
+  }
+  throw CommandError(ExitCode::Usage,
+                     "theme: '" + name + "' is none of 'paper', 'screen' and 'faint'");
+}
+
 /// Makes a picture, and the file where one is named; PNG without one.
 PictureBytes paint(Drawing& drawing, const std::string& path, const std::string& title,
-                   const std::string& subtitle, const Lines& highlight) {
+                   const std::string& subtitle, const Lines& highlight, const std::string& theme) {
+  commands::SheetOptions options;
+  options.theme = themeNamed(theme);
   if (!path.empty() && !commands::isPictureFile(path)) {
     throw CommandError(ExitCode::Usage, path + ": pictures end in .png, .svg or .pdf");
   }
   commands::Picture picture = commands::newPicture(drawing, title, subtitle);
-  commands::addPlanShapes(picture, drawing, {});
+  auto list = std::make_shared<commands::DrawList>();
+  picture.warnings = commands::warningsOf(commands::drawSpace(
+      drawing.modelSpaceId(), *list, {}, options.theme == commands::Theme::Paper));
+  picture.drawn.push_back({std::move(list), std::nullopt, 1.0, true, 0});
   for (std::size_t i = 0; i < highlight.count(); ++i) {
     commands::addLine(picture, highlight.start(i), highlight.end(i),
                       i % 2 == 0 ? commands::palette::kFirst : commands::palette::kSecond,
                       commands::kPieceWidth);
   }
-  PictureBytes made{commands::pictureBytes(picture, path.empty() ? "plan.png" : path),
+  PictureBytes made{commands::pictureBytes({picture}, options, path.empty() ? "plan.png" : path),
                     picture.warnings};
   if (!path.empty()) {
     commands::writeWholeFile(made.bytes, path, "write the picture");
@@ -499,14 +519,15 @@ void addDrawing(py::module_& module) {
       .def(
           "picture",
           [](const DrawingFile& file, const std::string& path, const std::string& title,
-             const std::string& subtitle, const Array& highlight) {
+             const std::string& subtitle, const Array& highlight, const std::string& theme) {
             const PictureBytes picture = file.with(
-                [path, title, subtitle, highlight = Lines(highlight)](Document& document) {
-                  return paint(document.drawing, path, title, subtitle, highlight);
+                [path, title, subtitle, highlight = Lines(highlight), theme](Document& document) {
+                  return paint(document.drawing, path, title, subtitle, highlight, theme);
                 });
             return py::make_tuple(py::bytes(picture.bytes), picture.warnings);
           },
-          py::arg("path"), py::arg("title"), py::arg("subtitle"), py::arg("highlight"))
+          py::arg("path"), py::arg("title"), py::arg("subtitle"), py::arg("highlight"),
+          py::arg("theme"))
       .def("save", &save, py::arg("path"), py::arg("backup"), py::arg("progress"));
   addDrawingPlans(drawing);
 }

@@ -10,6 +10,7 @@ import pytest
 import quoin
 from conftest import EXAMPLES, SHARED, run
 
+KINDS = "examples/kinds.dxf"
 FLAT = "examples/flat/flat.dxf"
 
 
@@ -183,6 +184,16 @@ def test_pictures_come_in_three_formats(tmp_path):
         with pytest.raises(quoin.Error, match="nowhere"):
             drawing.picture(tmp_path / "nowhere" / "plan.png")
         assert not drawing.is_modified
+
+
+def test_pictures_have_a_theme():
+    with quoin.Drawing(KINDS) as drawing:
+        faint = drawing.picture()
+        pictures = {theme: drawing.picture(theme=theme) for theme in ("faint", "paper", "screen")}
+        assert pictures["faint"] == faint and len(set(pictures.values())) == 3
+        assert drawing._repr_png_() == pictures["paper"]
+        with pytest.raises(quoin.Error, match="theme: 'dark' is none of"):
+            drawing.picture(theme="dark")
 
 
 def test_saving_in_place_keeps_the_version_before(tmp_path):
