@@ -22,7 +22,8 @@ void putPng(const std::string& file, int width, int height) {
   cairo_set_source_rgb(cairo, 1.0, 0.0, 0.0);
   cairo_paint(cairo);
   cairo_set_source_rgb(cairo, 0.0, 0.0, 1.0);
-  cairo_rectangle(cairo, width / 2, 0, width, height);
+  const int half = width / 2;
+  cairo_rectangle(cairo, half, 0, width, height);
   cairo_fill(cairo);
   ASSERT_EQ(cairo_surface_write_to_png(surface, file.c_str()), CAIRO_STATUS_SUCCESS);
   cairo_destroy(cairo);
