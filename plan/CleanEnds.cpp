@@ -347,7 +347,9 @@ class Junctions : public Ends {
   }
 
   bool closeGroup(const std::vector<std::uint32_t>& group) {
-    if (!lookOf(group.front()).hasPlace) {
+    // A partner may lie farther from the line that it meets than its own look goes.
+    if (std::none_of(group.begin(), group.end(),
+                     [&](std::uint32_t index) { return lookOf(index).hasPlace; })) {
       return false;
     }
     std::vector<std::uint32_t> ends;

@@ -365,8 +365,10 @@ class RandomPlan {
       }
     }
     for (int i = between(0, 30); i-- > 0;) {
-      const AcGePoint2d from(m_uniform(m_random) * 9000.0, m_uniform(m_random) * 7500.0);
-      add(from, from + AcGeVector2d(m_uniform(m_random) - 0.5, m_uniform(m_random) - 0.5) * 120.0);
+      const AcGeVector2d from = twoNumbers();
+      const AcGeVector2d way = twoNumbers() - AcGeVector2d(0.5, 0.5);
+      const AcGePoint2d start(from.x * 9000.0, from.y * 7500.0);
+      add(start, start + way * 120.0);
     }
     return std::move(m_lines);
   }
@@ -375,9 +377,13 @@ class RandomPlan {
   int between(int least, int most) {
     return std::uniform_int_distribution<int>(least, most)(m_random);
   }
+  /// Drawn one after the other, as compilers may evaluate arguments in any order.
+  AcGeVector2d twoNumbers() {
+    const double first = m_uniform(m_random);
+    return {first, m_uniform(m_random)};
+  }
   AcGePoint2d off(const AcGePoint2d& at) {
-    const auto shift = [&] { return (2.0 * m_uniform(m_random) - 1.0) * m_noise; };
-    return between(0, 2) == 0 ? at : at + AcGeVector2d(shift(), shift());
+    return between(0, 2) == 0 ? at : at + (twoNumbers() * 2.0 - AcGeVector2d(1.0, 1.0)) * m_noise;
   }
   void add(const AcGePoint2d& start, const AcGePoint2d& end) {
     m_lines.push_back({off(start), off(end), static_cast<std::size_t>(between(0, 9) / 8)});
