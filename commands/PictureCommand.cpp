@@ -20,6 +20,7 @@
 #include "commands/picture/PlanShapes.h"
 #include "commands/picture/Render.h"
 #include "commands/picture/SheetLayout.h"
+#include "commands/picture/ThemeNames.h"
 #include "dbsymtb.h"
 #include "embedded/os/Utf8.h"
 
@@ -99,9 +100,7 @@ class PictureCommand : public DrawingCommand {
 
   void prepare() override {
     m_sheet = {};
-    m_sheet.theme = m_theme == "screen"  ? Theme::Screen
-                    : m_theme == "faint" ? Theme::Faint
-                                         : Theme::Paper;
+    m_sheet.theme = themeNamed(m_theme).value_or(Theme::Paper);
     m_sheet.hasTextOutlines = m_text == "outlines";
     m_sheet.dpi = m_dpi;
     if (!m_paper.empty()) {
@@ -219,8 +218,9 @@ class PictureCommand : public DrawingCommand {
                             m_sheet.theme == Theme::Paper);
     page.picture = newPicture(drawing, space.isModel ? "model space" : space.name, "");
     constexpr double kInch = 25.4;
-    if (space.isModel && page.picture.lengthKind != LengthKind::Imperial &&
-        writesFeetAndInches(drawing)) {
+    const bool isInInches = space.isModel && page.picture.lengthKind != LengthKind::Imperial &&
+                            writesFeetAndInches(drawing);
+    if (isInInches) {
       page.picture.lengthKind = LengthKind::Imperial;
       page.picture.millimetersPerUnit = kInch;
     } else if (!space.isModel && page.picture.lengthKind != LengthKind::Unknown) {
@@ -231,6 +231,12 @@ class PictureCommand : public DrawingCommand {
     page.picture.subtitle =
         countText(static_cast<std::size_t>(page.report.drawn), "entity", "entities");
     page.picture.warnings = warningsOf(page.report);
+    if (isInInches && drawing.info().units != AcDb::kUnitsUndefined) {
+      page.picture.warnings.push_back(fmt::format(
+          "lengths are written in feet and inches: a unit counts as an inch, though the "
+          "drawing names {}",
+          drawing.unitName()));
+    }
     page.picture.drawn.push_back({list, std::nullopt, 1.0, true, 0});
     if (m_sheet.images) {
       openImages(page, *list);

@@ -73,7 +73,8 @@ HEADERS_ALLOWED = {
         "OutlineLines", "OutputFile", "PlanReading", "PlannedWalls", "Polylines", "Progress",
         "ProgressListener", "ReferenceWalls", "RoomWalls", "SingleLines", "SpaceChange", "Units",
         "WallBodies", "WallChanges", "WallCuts", "WallLines", "WallPrism", "WallWords",
-        "picture/DrawList", "picture/PictureParts", "picture/PlanShapes", "picture/Render")},
+        "picture/DrawList", "picture/PictureParts", "picture/PlanShapes", "picture/Render",
+        "picture/ThemeNames")},
 }
 
 # Which zones a zone may include, beside itself and the standard library and the host API. "api" is

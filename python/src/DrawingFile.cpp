@@ -29,6 +29,7 @@
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
 #include "commands/picture/Render.h"
+#include "commands/picture/ThemeNames.h"
 #include "dbents.h"
 #include "dbobjptr.h"
 #include "embedded/os/Utf8.h"
@@ -297,25 +298,16 @@ struct PictureBytes {
   std::vector<std::string> warnings;
 };
 
-commands::Theme themeNamed(const std::string& name) {
-  if (name == "paper") {
-    return commands::Theme::Paper;
-  }
-  if (name == "screen") {
-    return commands::Theme::Screen;
-  }
-  if (name == "faint") {
-    return commands::Theme::Faint;
-  }
-  throw CommandError(ExitCode::Usage,
-                     "theme: '" + name + "' is none of 'paper', 'screen' and 'faint'");
-}
-
 /// Makes a picture, and the file where one is named; PNG without one.
 PictureBytes paint(Drawing& drawing, const std::string& path, const std::string& title,
                    const std::string& subtitle, const Lines& highlight, const std::string& theme) {
+  const std::optional<commands::Theme> named = commands::themeNamed(theme);
+  if (!named) {
+    throw CommandError(ExitCode::Usage,
+                       "theme: '" + theme + "' is none of 'paper', 'screen' and 'faint'");
+  }
   commands::SheetOptions options;
-  options.theme = themeNamed(theme);
+  options.theme = *named;
   if (!path.empty() && !commands::isPictureFile(path)) {
     throw CommandError(ExitCode::Usage, path + ": pictures end in .png, .svg or .pdf");
   }

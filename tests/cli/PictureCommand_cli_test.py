@@ -355,6 +355,8 @@ class PicturePaperTest(cli.CliTest):
             numbers = [float(number) for number in re.findall(r"-?[\d.]+", path)]
             xs = numbers[0::2]
             self.assertAlmostEqual((max(xs) - min(xs)) * POINT, width, places=2)
+            self.assertEqual("a unit counts as an inch, though the drawing names mm" in text,
+                             lengths == 4)
 
     def test_a_plan_that_does_not_fit_is_told(self):
         plan = self.plan()
