@@ -28,9 +28,14 @@ try() { # NAME COMMAND...
 one() { "$here/list.sh" "$work/plans" | tr '\n' '\0' |
   (xargs -0 "$here/work.py" "$work/plans" "$work/one" || true)
   "$here/summary.py" "$work/plans" "$work/one"; }
-slurm() { QUOIN_SCALE_OUT=$here sbatch --wait --array=0-1 --chdir="$work" "$here/array.sbatch" \
-  "$work/plans" "$work/slurm" || true
-  "$here/summary.py" "$work/plans" "$work/slurm"; }
+# `sbatch --wait` looks after 2, 10, 42 seconds and so on, too seldom to measure by.
+slurm() {
+  local job
+  job=$(QUOIN_SCALE_OUT=$here sbatch --parsable --array=0-1 --chdir="$work" "$here/array.sbatch" \
+    "$work/plans" "$work/slurm") || return
+  while [[ -n $(squeue --noheader --jobs "$job" 2>/dev/null) ]]; do sleep 0.2; done
+  "$here/summary.py" "$work/plans" "$work/slurm"
+}
 
 one >"$work/one.log" 2>&1 || true
 cut -d, -f1-5 "$work/one/summary.csv" >"$work/one.csv"
