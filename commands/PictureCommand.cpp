@@ -20,6 +20,7 @@
 #include "commands/picture/PlanShapes.h"
 #include "commands/picture/Render.h"
 #include "commands/picture/SheetLayout.h"
+#include "commands/picture/ShownImages.h"
 #include "commands/picture/ThemeNames.h"
 #include "dbsymtb.h"
 #include "embedded/os/Utf8.h"
@@ -239,29 +240,9 @@ class PictureCommand : public DrawingCommand {
     }
     page.picture.drawn.push_back({list, std::nullopt, 1.0, true, 0});
     if (m_sheet.images) {
-      openImages(page, *list);
+      page.images = openImages(page.picture, *list, m_sheet);
     }
     return page;
-  }
-
-  /// Says under the picture which images do not show.
-  void openImages(DrawnPage& page, const DrawList& list) const {
-    const double dots = m_sheet.paper || m_sheet.scale ? kImageDotsPerPoint : 1.0;
-    findImages(*m_sheet.images, list, layOut(page.picture, m_sheet).view.scale * dots);
-    page.images = list.imagePaths();
-    constexpr std::size_t kMostNamed = 5;
-    std::size_t failed = 0;
-    for (const auto& [path, count] : page.images) {
-      const ImageFiles::File& file = m_sheet.images->fileOf(path);
-      if (!file.problem.empty() && ++failed <= kMostNamed) {
-        page.picture.warnings.push_back(
-            fmt::format("image not shown: '{}': {}", path, file.problem));
-      }
-    }
-    if (failed > kMostNamed) {
-      page.picture.warnings.push_back(
-          fmt::format("and {} more", countText(failed - kMostNamed, "image")));
-    }
   }
 
   nlohmann::json imagesJson(const DrawnPage& page) const {

@@ -74,7 +74,7 @@ HEADERS_ALLOWED = {
         "ProgressListener", "ReferenceWalls", "RoomWalls", "SingleLines", "SpaceChange", "Units",
         "WallBodies", "WallChanges", "WallCuts", "WallLines", "WallPrism", "WallWords",
         "picture/DrawList", "picture/PictureParts", "picture/PlanShapes", "picture/Render",
-        "picture/ThemeNames")},
+        "picture/ShownImages", "picture/ThemeNames")},
 }
 
 # Which zones a zone may include, beside itself and the standard library and the host API. "api" is

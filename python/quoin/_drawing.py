@@ -346,17 +346,20 @@ class Drawing:
 
     def picture(self, path: Union[str, "os.PathLike[str]", None] = None,
                 highlight: ArrayLike | None = None, title: str = "plan",
-                subtitle: str = "", theme: str = "faint") -> bytes:
+                subtitle: str = "", theme: str = "faint", images: bool = False) -> bytes:
         """Draws model space, with lines to highlight in blue and orange by turns.
 
         The ending of `path` says the format: .png, .svg or .pdf; without a path it is PNG. `theme`
         is "faint" (one grey, for lines above it), "paper" (the drawing's own colours on white,
-        without layers that are not plotted) or "screen" (on dark). Returns the picture's bytes.
+        without layers that are not plotted) or "screen" (on dark). `images` opens the files of
+        images that the drawing names, where they are named or beside the drawing; otherwise they
+        are frames. What cannot be shown is named under the picture. Returns the picture's bytes.
         Fails: Error for other themes and endings, and files that cannot be written.
         """
         lines = np.empty((0, 4)) if highlight is None else _arrays.lines(highlight, "highlight")
         place = "" if path is None else os.fspath(path)
-        return self._file.picture(place, title, subtitle, lines, theme)[0]
+        return self._file.picture(place, title, subtitle, lines, theme,
+                                  bool(images))[0]
 
     def _repr_png_(self) -> bytes:
         return self.picture(theme="paper")

@@ -29,6 +29,7 @@
 #include "commands/picture/PictureParts.h"
 #include "commands/picture/PlanShapes.h"
 #include "commands/picture/Render.h"
+#include "commands/picture/ShownImages.h"
 #include "commands/picture/ThemeNames.h"
 #include "dbents.h"
 #include "dbobjptr.h"
@@ -300,7 +301,8 @@ struct PictureBytes {
 
 /// Makes a picture, and the file where one is named; PNG without one.
 PictureBytes paint(Drawing& drawing, const std::string& path, const std::string& title,
-                   const std::string& subtitle, const Lines& highlight, const std::string& theme) {
+                   const std::string& subtitle, const Lines& highlight, const std::string& theme,
+                   bool hasImages) {
   const std::optional<commands::Theme> named = commands::themeNamed(theme);
   if (!named) {
     throw CommandError(ExitCode::Usage,
@@ -315,11 +317,15 @@ PictureBytes paint(Drawing& drawing, const std::string& path, const std::string&
   auto list = std::make_shared<commands::DrawList>();
   picture.warnings = commands::warningsOf(commands::drawSpace(
       drawing.modelSpaceId(), *list, {}, options.theme == commands::Theme::Paper));
-  picture.drawn.push_back({std::move(list), std::nullopt, 1.0, true, 0});
+  picture.drawn.push_back({list, std::nullopt, 1.0, true, 0});
   for (std::size_t i = 0; i < highlight.count(); ++i) {
     commands::addLine(picture, highlight.start(i), highlight.end(i),
                       i % 2 == 0 ? commands::palette::kFirst : commands::palette::kSecond,
                       commands::kPieceWidth);
+  }
+  if (hasImages) {
+    options.images = std::make_shared<commands::ImageFiles>(drawing.file());
+    commands::openImages(picture, *list, options);
   }
   PictureBytes made{commands::pictureBytes({picture}, options, path.empty() ? "plan.png" : path),
                     picture.warnings};
@@ -511,15 +517,17 @@ void addDrawing(py::module_& module) {
       .def(
           "picture",
           [](const DrawingFile& file, const std::string& path, const std::string& title,
-             const std::string& subtitle, const Array& highlight, const std::string& theme) {
-            const PictureBytes picture = file.with(
-                [path, title, subtitle, highlight = Lines(highlight), theme](Document& document) {
-                  return paint(document.drawing, path, title, subtitle, highlight, theme);
-                });
+             const std::string& subtitle, const Array& highlight, const std::string& theme,
+             bool hasImages) {
+            const PictureBytes picture = file.with([path, title, subtitle,
+                                                    highlight = Lines(highlight), theme,
+                                                    hasImages](Document& document) {
+              return paint(document.drawing, path, title, subtitle, highlight, theme, hasImages);
+            });
             return py::make_tuple(py::bytes(picture.bytes), picture.warnings);
           },
           py::arg("path"), py::arg("title"), py::arg("subtitle"), py::arg("highlight"),
-          py::arg("theme"))
+          py::arg("theme"), py::arg("images"))
       .def("save", &save, py::arg("path"), py::arg("backup"), py::arg("progress"));
   addDrawingPlans(drawing);
 }

@@ -196,6 +196,25 @@ def test_pictures_have_a_theme():
             drawing.picture(theme="dark")
 
 
+def test_pictures_show_images_where_they_are_asked_for(tmp_path):
+    ezdxf = pytest.importorskip("ezdxf")
+    document = ezdxf.new("R2010")
+    image = document.add_image_def("house.png", (20, 10))
+    document.modelspace().add_image(image, insert=(0, 0), size_in_units=(200, 100))
+    document.saveas(tmp_path / "plan.dxf")
+    (tmp_path / "house.png").write_bytes(quoin.Drawing(FLAT).picture())
+
+    def shows(**options):
+        with quoin.Drawing(tmp_path / "plan.dxf") as drawing:
+            return drawing.picture(tmp_path / "plan.svg", **options).decode()
+
+    assert "data:image/png;base64," not in shows()
+    assert "data:image/png;base64," in shows(images=True)
+    (tmp_path / "house.png").unlink()
+    missing = shows(images=True)
+    assert "data:image/png;base64," not in missing and "image not shown: 'house.png'" in missing
+
+
 def test_saving_in_place_keeps_the_version_before(tmp_path):
     path = tmp_path / "plan.dxf"
     shutil.copy(FLAT, path)
