@@ -1,5 +1,6 @@
 // quoin break: cuts wall lines where another wall line's end meets them.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <cmath>

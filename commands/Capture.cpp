@@ -1,6 +1,7 @@
 #include "commands/Capture.h"
 
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <charconv>
 #include <cmath>

@@ -2,12 +2,12 @@
 // drawing's unit; options set it, or say what the unit is where the drawing names a wrong one.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "commands/CommandLineNames.h"
 #include "commands/Drawing.h"
 #include "commands/Report.h"
 #include "commands/WallLines.h"

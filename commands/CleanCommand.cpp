@@ -1,6 +1,7 @@
 // quoin clean: snaps ends, removes duplicates, closes corners and junctions, removes spurs and
 // joins pieces on the wall layers.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <array>

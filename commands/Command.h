@@ -1,10 +1,11 @@
 // A subcommand: one class in one file, listed in CommandLine.cpp.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 #include <vector>
+
+#include "commands/CommandLineNames.h"
 
 namespace quoin::commands {
 

@@ -1,5 +1,6 @@
 #include "commands/CommandTree.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 
 #include "commands/Usage.h"

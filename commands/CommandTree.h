@@ -2,9 +2,10 @@
 // completion in shells and messages are made of.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
+
+#include "commands/CommandLineNames.h"
 
 namespace quoin::commands {
 

@@ -2,12 +2,12 @@
 // go, pictures, how it is reported, and the project's scale.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "commands/Capture.h"
+#include "commands/CommandLineNames.h"
 #include "commands/Drawing.h"
 #include "commands/DrawingJob.h"
 #include "commands/Report.h"

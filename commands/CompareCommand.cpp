@@ -1,5 +1,6 @@
 // quoin compare: what differs between two drawings.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <filesystem>

@@ -1,6 +1,7 @@
 #include "commands/Completion.h"
 
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <string_view>
 

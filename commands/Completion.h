@@ -1,9 +1,10 @@
 // Completion of the command line in shells, made from the declarations of the commands.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
+
+#include "commands/CommandLineNames.h"
 
 namespace quoin::commands {
 

@@ -1,5 +1,6 @@
 // quoin convert: a drawing of any format as a DXF file of its version.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"

@@ -1,5 +1,6 @@
 // quoin draw: draws wall lines that cut the ones they cross and are cut by them.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <iterator>

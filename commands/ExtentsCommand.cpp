@@ -1,5 +1,6 @@
 // quoin extents: how far what a drawing shows reaches.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include "EntityTool.h"
 #include "commands/CommandError.h"

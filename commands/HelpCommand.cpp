@@ -1,5 +1,6 @@
 // quoin help and quoin completion: the program tells about itself.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include "commands/Command.h"
 #include "commands/CommandError.h"

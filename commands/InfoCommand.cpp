@@ -1,5 +1,6 @@
 // quoin info: what a drawing is and what is in it.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include "commands/DrawingCommand.h"
 #include "commands/ReportFields.h"

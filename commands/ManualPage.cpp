@@ -1,6 +1,7 @@
 #include "commands/ManualPage.h"
 
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <string_view>
 

@@ -1,8 +1,9 @@
 // The manual page of the program, made from the declarations of its commands.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
+
+#include "commands/CommandLineNames.h"
 
 namespace quoin::commands {
 

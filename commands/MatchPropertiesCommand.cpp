@@ -1,6 +1,7 @@
 // quoin match-properties: gives the entities of layers the properties of one entity, by way of
 // a node of the project's model that the entity represents.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include "ChangeEntityProperty.h"
 #include "commands/ChosenEntities.h"

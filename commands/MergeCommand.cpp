@@ -1,5 +1,6 @@
 // quoin merge: joins collinear lines that touch end to end and have the same properties.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <map>

@@ -1,6 +1,7 @@
 #include "commands/OpeningLayers.h"
 
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include "commands/CommonOptions.h"
 #include "commands/LayerChoice.h"

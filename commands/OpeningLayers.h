@@ -1,12 +1,12 @@
 // Which layers hold a plan's openings, as options say it.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "commands/CommandLineNames.h"
 #include "commands/Drawing.h"
 
 namespace quoin::commands {

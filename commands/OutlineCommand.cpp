@@ -1,6 +1,7 @@
 // quoin outline: turns reference lines into walls with side lines, end lines and mitred or
 // connected corners.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 

@@ -1,5 +1,6 @@
 // quoin paint: gives the entities of layers one true colour.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <charconv>
 

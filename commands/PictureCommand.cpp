@@ -1,5 +1,6 @@
 // quoin picture: what a drawing shows, as PNG, SVG or PDF, to look at or on paper in true size.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <array>
 #include <charconv>

@@ -1,6 +1,7 @@
 #include "commands/PlanReading.h"
 
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <array>

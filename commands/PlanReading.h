@@ -1,12 +1,12 @@
 // A drawing as plan reading takes it: what may be a wall's face, and what says what a gap is.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "commands/CommandLineNames.h"
 #include "commands/CommonOptions.h"
 #include "commands/Drawing.h"
 #include "commands/WallLines.h"

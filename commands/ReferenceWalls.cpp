@@ -1,5 +1,7 @@
 #include "commands/ReferenceWalls.h"
 
+#include <CLI/CLI.hpp>
+
 #include "commands/Junctions.h"
 #include "commands/LayerChoice.h"
 #include "commands/LeftOut.h"

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "commands/CommandLineNames.h"
 #include "commands/CommonOptions.h"
 #include "commands/Drawing.h"
 #include "commands/Report.h"

@@ -1,5 +1,6 @@
 // quoin rescale: scales drawing files, in place unless told otherwise.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <cmath>
 

@@ -1,5 +1,6 @@
 // quoin restore: puts the last backup of a drawing in its place.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include "commands/Command.h"
 #include "commands/CommandError.h"

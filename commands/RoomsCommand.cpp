@@ -1,5 +1,6 @@
 // quoin rooms: the rooms that walls enclose, with areas, names and the ways between them.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <cmath>
 

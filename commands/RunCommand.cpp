@@ -1,5 +1,6 @@
 // quoin run: loads a client module and runs one of its commands, alone or on drawings.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <cstdio>

@@ -1,6 +1,7 @@
 // quoin solid: builds walls given by reference lines and widths as closed bodies, with their
 // openings cut out, and floor slabs.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <cmath>

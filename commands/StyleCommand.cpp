@@ -1,5 +1,6 @@
 // quoin style: multiline and dimension styles, found or made.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <cmath>
 

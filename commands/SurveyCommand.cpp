@@ -1,6 +1,7 @@
 // quoin survey: the whole chain on a plan: cleaned, its walls found, rooms, schedule, pictures,
 // model, and a page that shows them.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,6 @@
 // quoin to-origin: moves a drawing so that a corner or the centre of its extents is at 0,0.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include "EntityTool.h"
 #include "commands/CommandError.h"

@@ -1,5 +1,6 @@
 // quoin trim-axes: cuts grid lines to their outermost crossings with each other.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <cmath>
 

@@ -1,6 +1,7 @@
 #include "commands/Usage.h"
 
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include "commands/CommandTree.h"
 #include "commands/NearestWord.h"

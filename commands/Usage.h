@@ -1,9 +1,10 @@
 // What is wrong with a command line, in the program's own words.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
+
+#include "commands/CommandLineNames.h"
 
 namespace quoin::commands {
 

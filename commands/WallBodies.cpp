@@ -1,6 +1,7 @@
 #include "commands/WallBodies.h"
 
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <charconv>
 #include <cmath>

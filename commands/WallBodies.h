@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "DrawWallAlgorithm/ShowWallLikeAlgorithm.h"
+#include "commands/CommandLineNames.h"
 #include "commands/CommonOptions.h"
 #include "commands/Drawing.h"
 #include "commands/WallLines.h"

@@ -1,5 +1,6 @@
 // quoin walls: finds the walls of a plan that draws them as two faces, and the openings in them.
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <cmath>
 

@@ -1,11 +1,12 @@
 #!/usr/bin/python3
 """Runs clang-tidy over the project's own sources, several at a time.
 
-usage: tidy.py --build FOLDER [--jobs N] [--cache FOLDER] [PATTERN...]
+usage: tidy.py --build FOLDER [--jobs N] [--cache FOLDER] [--without PATTERN] [PATTERN...]
 
 FOLDER holds compile_commands.json. A file that was clean is not looked at again until it, a
 header that it includes, its compile command, a .clang-tidy or clang-tidy itself changes. With
-patterns only files whose path holds one of them are checked.
+patterns only files whose path below the project holds one of them are checked, and none whose path
+holds what --without names.
 """
 
 import argparse
@@ -80,6 +81,7 @@ def main():
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     caches = pathlib.Path(os.environ.get("XDG_CACHE_HOME") or pathlib.Path.home() / ".cache")
     parser.add_argument("--cache", type=pathlib.Path, default=caches / "quoin" / "tidy")
+    parser.add_argument("--without", metavar="PATTERN")
     parser.add_argument("patterns", nargs="*")
     arguments = parser.parse_args()
 
@@ -92,9 +94,13 @@ def main():
     entries = {}
     for entry in json.loads((arguments.build / "compile_commands.json").read_text()):
         path = pathlib.Path(entry["file"])
-        if path.is_relative_to(ROOT) and not path.is_relative_to(ROOT / "build"):
-            if not arguments.patterns or any(p in entry["file"] for p in arguments.patterns):
-                entries[entry["file"]] = entry
+        if not path.is_relative_to(ROOT) or path.is_relative_to(ROOT / "build"):
+            continue
+        name = str(path.relative_to(ROOT))
+        if arguments.without and arguments.without in name:
+            continue
+        if not arguments.patterns or any(p in name for p in arguments.patterns):
+            entries[entry["file"]] = entry
     base = configuration()
     known = bad = 0
     with concurrent.futures.ThreadPoolExecutor(arguments.jobs) as pool:

@@ -1,6 +1,7 @@
 #include "commands/CommonOptions.h"
 
 #include <gtest/gtest.h>
+#include <CLI/CLI.hpp>
 
 #include "commands/CommandError.h"
 
