@@ -12,7 +12,8 @@ import atexit as _atexit
 import os as _os
 
 from . import _quoin
-from ._drawing import HANDLES, Drawing, Entity, Layer, Moved, Saved
+from ._arrays import HANDLES
+from ._drawing import Drawing, Entity, Layer, Moved, Saved
 from ._errors import Error
 from ._lines import break_lines, draw_line, merge_lines, trim_axes
 from ._reading import (CleanAction, Cleaned, Room, Rooms, Undecided, clean, find_rooms,

@@ -113,9 +113,10 @@ def keys(values: Any, count: int, name: str) -> NDArray[np.int64]:
         raise Error(f"{name}: {count} values are wanted, one for each line; "
                     f"this has the shape {array.shape}")
     try:
-        return np.unique(array, return_inverse=True)[1].astype(np.int64)
+        ranks: NDArray[np.int64] = np.unique(array, return_inverse=True)[1].astype(np.int64)
     except TypeError:
         raise Error(f"{name}: values that can be sorted are wanted") from None
+    return ranks
 
 
 def rows(values: Any, name: str, columns: Sequence[str]) -> NDArray[np.float64]:

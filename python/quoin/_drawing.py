@@ -94,6 +94,10 @@ def _width(value: Union[float, None], name: str) -> Union[float, None]:
     return None if value is None else _arrays.length(value, name, -math.inf)
 
 
+def _length(value: Union[float, None], name: str) -> Union[float, None]:
+    return None if value is None else _arrays.length(value, name)
+
+
 def _widths(widths: Union[Widths, None]) -> List[str]:
     """As the program takes them, every digit kept."""
     texts = []
@@ -158,12 +162,12 @@ class Drawing:
     @property
     def units(self) -> str:
         """ "mm", "m", "in", ...; "units" where the drawing names none."""
-        return self.info["units"]
+        return str(self.info["units"])
 
     @property
     def mm_per_unit(self) -> float:
         """Millimetres of a unit; a drawing without units counts as one in millimetres."""
-        return self.info["mm_per_unit"]
+        return float(self.info["mm_per_unit"])
 
     @property
     def capture(self) -> float:
@@ -173,7 +177,7 @@ class Drawing:
     @property
     def is_modified(self) -> bool:
         """Whether anything differs from the file that was read or saved last."""
-        return self.info["is_modified"]
+        return bool(self.info["is_modified"])
 
     @property
     def layers(self) -> List[Layer]:
@@ -297,11 +301,10 @@ class Drawing:
         square metres and 150 mm by default). Texts on `room_layer` are no names.
         """
         chosen, none = _openings(openings)
-        least = [None if value is None else _arrays.length(value, name)
-                 for value, name in ((min_area, "min_area"), (min_width, "min_width"))]
         return rooms_of(self._file.find_rooms(
             _patterns(layers), bool(faces), _width(left, "left"), _width(right, "right"),
-            _widths(widths), chosen, none, bool(in_blocks), *least, str(room_layer), progress))
+            _widths(widths), chosen, none, bool(in_blocks), _length(min_area, "min_area"),
+            _length(min_width, "min_width"), str(room_layer), progress))
 
     def clean(self, layers: Union[str, Iterable[str], None] = None,
               snap: Union[float, None] = None, reach: Union[float, None] = None,
@@ -317,11 +320,10 @@ class Drawing:
         in part.
         """
         checked_duplicates(duplicates)
-        lengths = [None if value is None else _arrays.length(value, name)
-                   for value, name in ((snap, "snap"), (reach, "reach"), (spur, "spur"))]
-        return cleaned_of(self._file.clean(_patterns(layers), *lengths, duplicates != "off",
-                                           duplicates == "any", bool(join), str(mark_layer),
-                                           progress))
+        return cleaned_of(self._file.clean(
+            _patterns(layers), _length(snap, "snap"), _length(reach, "reach"),
+            _length(spur, "spur"), duplicates != "off", duplicates == "any", bool(join),
+            str(mark_layer), progress))
 
     # --- the whole ----------------------------------------------------------------------------
 

@@ -1,5 +1,7 @@
 """What goes wrong."""
 
+from typing import Any, Tuple
+
 
 class Error(Exception):
     """An argument or a drawing that Quoin cannot work with.
@@ -13,5 +15,5 @@ class Error(Exception):
         super().__init__(message)
         self.code = code
 
-    def __reduce__(self):
+    def __reduce__(self) -> Tuple[Any, ...]:
         return type(self), (str(self), self.code)

@@ -145,7 +145,8 @@ def parts_of(lines: "ArrayLike | Walls", left: Any, right: Any, openings: Any
     if isinstance(lines, Walls):
         if left is not None or right is not None or openings is not None:
             raise Error("left, right, openings: found walls have their own")
-        lines, left, right, openings = lines.lines, lines.left, lines.right, lines.openings
+        left, right, openings = lines.left, lines.right, lines.openings
+        lines = lines.lines
     if left is None or right is None:
         raise Error("left, right: how wide are the walls?")
     array = _arrays.lines(lines)
