@@ -30,6 +30,9 @@ struct FloorSlab {
   std::vector<Face> faces() const;
 };
 
+/// Where no option says more, millimetres.
+inline constexpr double kSlabThickness = 200.0;
+
 struct FloorSlabs {
   std::vector<FloorSlab> slabs;
   /// Polylines that enclose no plane area, or not one alone.

@@ -10,6 +10,7 @@
 
 #include "commands/Progress.h"
 #include "commands/ReportFields.h"
+#include "commands/Units.h"
 #include "commands/WallChanges.h"
 #include "commands/Words.h"
 #include "commands/picture/PictureParts.h"
@@ -26,7 +27,6 @@ namespace quoin::commands {
 
 namespace {
 
-constexpr double kMillimetersPerMeter = 1000.0;
 constexpr Adesk::UInt16 kHatchColorIndex = 254;  // a light grey
 
 /// "13.5 m²".

@@ -8,6 +8,7 @@
 
 #include "commands/CommandError.h"
 #include "commands/Progress.h"
+#include "commands/Units.h"
 #include "commands/picture/PlanShapes.h"
 #include "dbents.h"
 #include "dbmtext.h"
@@ -18,8 +19,6 @@
 namespace quoin::commands {
 
 namespace {
-
-constexpr double kMillimetersPerMeter = 1000.0;
 
 /// Takes the lines of texts out of a drawing.
 class TextReader {

@@ -9,6 +9,7 @@
 
 #include "commands/CommandError.h"
 #include "commands/DrawingCommand.h"
+#include "commands/FloorSlabs.h"
 #include "commands/LayerChoice.h"
 #include "commands/LeftOut.h"
 #include "commands/OpeningLayers.h"
@@ -16,6 +17,7 @@
 #include "commands/ReferenceWalls.h"
 #include "commands/ReportFields.h"
 #include "commands/SolidPicture.h"
+#include "commands/Units.h"
 #include "commands/Usage.h"
 #include "commands/WallBodies.h"
 #include "commands/WallCuts.h"
@@ -27,13 +29,6 @@
 namespace quoin::commands {
 
 namespace {
-
-// Where neither the drawing nor an option says more, millimetres.
-constexpr double kWindowSill = 900.0;
-constexpr double kHead = 2100.0;  // of windows and doors
-constexpr double kSlabThickness = 200.0;
-
-constexpr double kMillimetersPerMeter = 1000.0;
 
 /// What one drawing's model is made of.
 struct SolidParts {
@@ -176,10 +171,11 @@ class SolidCommand : public DrawingCommand {
     }
     if (!parts.openingLayers.empty()) {
       parts.openings = collectOpenings(drawing, parts.openingLayers, planWalls(walls), capture);
-      parts.cuts = cutOpenings(parts.model.walls, parts.openings,
-                               {m_sill.value_or(kWindowSill * unit), m_head.value_or(kHead * unit),
-                                m_doorHead.value_or(kHead * unit)},
-                               capture);
+      parts.cuts =
+          cutOpenings(parts.model.walls, parts.openings,
+                      {m_sill.value_or(kWindowSill * unit), m_head.value_or(kOpeningHead * unit),
+                       m_doorHead.value_or(kOpeningHead * unit)},
+                      capture);
     }
     if (!parts.slabLayers.empty()) {
       parts.slabs = collectSlabs(drawing, parts.slabLayers, m_slab.value_or(kSlabThickness * unit));

@@ -24,6 +24,7 @@
 #include "commands/SolidPicture.h"
 #include "commands/SurveyPage.h"
 #include "commands/SurveySchedule.h"
+#include "commands/Units.h"
 #include "commands/WallBodies.h"
 #include "commands/WallCuts.h"
 #include "commands/WallModel.h"
@@ -38,11 +39,6 @@ namespace quoin::commands {
 namespace {
 
 constexpr const char* kPage = "index.html";
-// Of openings and slabs, millimetres.
-constexpr double kWindowSill = 900.0;
-constexpr double kHead = 2100.0;
-constexpr double kSlabThickness = 200.0;
-constexpr double kMillimetersPerMeter = 1000.0;
 
 /// The files of one drawing's survey, in the order in which they are written: the page last, when
 /// all that it shows is there.
@@ -357,9 +353,9 @@ class SurveyCommand : public DrawingCommand {
       openings.entities.assign(survey.added.begin() + static_cast<std::ptrdiff_t>(found.size()),
                                survey.added.begin() + static_cast<std::ptrdiff_t>(
                                                           found.size() + openings.openings.size()));
-      survey.cuts =
-          cutOpenings(survey.model.walls, openings,
-                      {kWindowSill * unit, kHead * unit, kHead * unit}, survey.capture.distance);
+      survey.cuts = cutOpenings(survey.model.walls, openings,
+                                {kWindowSill * unit, kOpeningHead * unit, kOpeningHead * unit},
+                                survey.capture.distance);
     });
     if (!survey.roomEntities.empty()) {
       const std::set<AcDbObjectId> own(survey.added.begin(), survey.added.end());

@@ -8,6 +8,8 @@
 
 namespace quoin::commands {
 
+inline constexpr double kMillimetersPerMeter = 1000.0;
+
 /// mm, cm, m, in, ft.
 struct NamedUnit {
   const char* name;

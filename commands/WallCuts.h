@@ -17,6 +17,10 @@ struct OpeningHeights {
   double doorHead = 0.0;  // of plain openings too
 };
 
+/// Heights that count where neither a drawing nor an option says more, millimetres.
+inline constexpr double kWindowSill = 900.0;
+inline constexpr double kOpeningHead = 2100.0;  // of windows and doors
+
 /// Lengths up to this do not count where openings are cut, for this capture distance: a hundredth
 /// of a millimetre, as the project scale goes.
 double noLength(double captureDistance);
