@@ -37,7 +37,7 @@ def _check_finite(array: NDArray[np.float64], name: str, columns: Sequence[str])
     if wrong.any():
         row, column = (int(i) for i in np.argwhere(wrong)[0])
         value = float(array[row, column])
-        words = f"{value} is too far out" if math.isfinite(value) else str(value)
+        words = f"{value}, too far out" if math.isfinite(value) else str(value)
         raise Error(f"{name}[{row}]: {columns[column]} is {words}")
 
 

@@ -58,6 +58,7 @@ def test_what_is_wrong_with_lines_is_said_alike_by_all(function):
             ([0, 0, 1, 0], r"lines: .*\(4,\)"),
             ([[[0, 0, 1, 0]]], r"lines: .*\(1, 1, 4\)"),
             ([[0, 0, 1, 0], [0, 0, np.nan, 0]], r"lines\[1\]: x2 is nan"),
+            ([[0, 0, 1e300, 0]], r"lines\[0\]: x2 is 1e\+300, too far out"),
             ([[0, 0, 1, 0], [0, -np.inf, 1, 0]], r"lines\[1\]: y1 is -inf"),
             ([[0, 0, 0, 1, 0, np.inf]], r"lines\[0\]: z2 is inf"),
             ([["a", 0, 1, 0]], r"lines: this is no array of real numbers"),
