@@ -53,7 +53,7 @@ class PictureCommand : public DrawingCommand {
     command
         ->add_option("--theme", m_theme,
                      "paper: the drawing's colours on white; screen: on dark; faint: one grey")
-        ->check(oneOf({"paper", "screen", "faint"}))
+        ->check(oneOf(themeNames()))
         ->capture_default_str();
     m_options.declareLayers(*command, "Show these layers alone (* and ? match); may be repeated");
     command->add_option("--window", m_window, "Show this part, in drawing units")

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "commands/picture/ListPainter.h"
 
@@ -11,6 +13,14 @@ namespace quoin::commands {
 
 inline constexpr std::pair<const char*, Theme> kThemes[] = {
     {"paper", Theme::Paper}, {"screen", Theme::Screen}, {"faint", Theme::Faint}};
+
+inline std::vector<std::string> themeNames() {
+  std::vector<std::string> names;
+  for (const auto& known : kThemes) {
+    names.emplace_back(known.first);
+  }
+  return names;
+}
 
 /// Nothing for a name that no theme has.
 inline std::optional<Theme> themeNamed(std::string_view name) {

@@ -90,12 +90,13 @@ def _openings(layers: Union[str, Iterable[str], None]) -> Tuple[List[str], bool]
     return patterns, layers is not None and not patterns
 
 
+def _length(value: Union[float, None], name: str, least: float = 0.0) -> Union[float, None]:
+    return None if value is None else _arrays.length(value, name, least)
+
+
 def _width(value: Union[float, None], name: str) -> Union[float, None]:
-    return None if value is None else _arrays.length(value, name, -math.inf)
-
-
-def _length(value: Union[float, None], name: str) -> Union[float, None]:
-    return None if value is None else _arrays.length(value, name)
+    """One side of a wall, which may reach over its line."""
+    return _length(value, name, -math.inf)
 
 
 def _widths(widths: Union[Widths, None]) -> List[str]:
@@ -360,8 +361,7 @@ class Drawing:
         """
         lines = np.empty((0, 4)) if highlight is None else _arrays.lines(highlight, "highlight")
         place = "" if path is None else os.fspath(path)
-        return self._file.picture(place, title, subtitle, lines, theme,
-                                  bool(images))[0]
+        return self._file.picture(place, title, subtitle, lines, theme, bool(images))[0]
 
     def _repr_png_(self) -> bytes:
         return self.picture(theme="paper")

@@ -132,7 +132,8 @@ def cleaned_of(found: Dict[str, Any]) -> Cleaned:
     for name in ("handles", "removed"):
         found[name] = _arrays.places(found[name])
     found["actions"] = [CleanAction(*action) for action in found["actions"]]
-    found["undecided"] = [Undecided(*(*place, mark)) for place, mark in
+    found["undecided"] = [Undecided(why, at, handle, segment, other, mark)
+                          for (why, at, handle, segment, other), mark in
                           zip(found["undecided"], found.pop("marks"))]
     return Cleaned(**found)
 
